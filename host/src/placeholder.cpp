@@ -1,0 +1,1 @@
+namespace host_placeholder { int version() { return 0; } }

@@ -1,0 +1,1 @@
+namespace skin_placeholder { int version() { return 0; } }

@@ -1,0 +1,1 @@
+namespace parmira_placeholder { int version() { return 0; } }
