@@ -1,2 +1,0 @@
-// placeholder until the framework lands
-namespace afx_placeholder { int version() { return 0; } }
