@@ -1,0 +1,60 @@
+#pragma once
+
+#include "zorhost/device/DeviceDescription.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zorhost::device {
+
+struct LoadError {
+    std::string file;
+    std::string place; // "line 3, column 7" for broken JSON, else a path such as
+                       // parameters[12] "H02-41" .type
+    std::string message;
+    std::string ToString() const; // "file: place: message"
+};
+
+// Either a complete, validated description or an error; never both, never a partial one.
+struct LoadResult {
+    std::shared_ptr<const DeviceDescription> device;
+    LoadError error;
+    explicit operator bool() const { return device != nullptr; }
+};
+
+LoadResult LoadDeviceFile(const std::string& path);
+// sourceName is only used in messages and kept as DeviceDescription::sourceFile.
+LoadResult ParseDeviceJson(std::string_view json, const std::string& sourceName);
+
+// The folder of the shipped descriptions: $ZOR_DEVICES_DIR when set, else the source tree's.
+std::string DefaultDeviceDirectory();
+
+// The loaded products of a host, found by their numbers or their electronic label.
+class DeviceLibrary {
+public:
+    // Loads one file; on any error the library is left as it was.
+    bool Add(const std::string& path, LoadError* error = nullptr);
+    // Loads every *.json directly in dir, in name order; returns the refusals.
+    std::vector<LoadError> AddDirectory(const std::string& dir);
+
+    const std::vector<std::shared_ptr<const DeviceDescription>>& Devices() const {
+        return devices_;
+    }
+    std::shared_ptr<const DeviceDescription>
+    FindByIds(std::uint32_t lineId, std::uint32_t productId, std::uint32_t subProductId = 0) const;
+    // Same device type: equal 16-bit pairs at the byte offsets 0, 2, 4 and 14.
+    std::shared_ptr<const DeviceDescription> FindByLabel(const std::uint8_t* label,
+                                                         std::size_t size) const;
+
+private:
+    std::vector<std::shared_ptr<const DeviceDescription>> devices_;
+};
+
+bool IsSameDeviceType(const std::uint8_t* a, std::size_t aSize, const std::uint8_t* b,
+                      std::size_t bSize);
+
+} // namespace zorhost::device

@@ -1,0 +1,205 @@
+#include "zorhost/device/DeviceDescription.h"
+
+#include <algorithm>
+
+namespace zorhost::device {
+
+std::string_view DeviceDescription::Text(TextRef ref) const {
+    if (ref.size == 0 || std::size_t(ref.offset) + ref.size > textPool.size())
+        return {};
+    return std::string_view(textPool).substr(ref.offset, ref.size);
+}
+
+const ValueInfo* DeviceDescription::ValueInfoOf(const ParameterDef& p) const {
+    return p.valueInfo < valueInfos.size() ? &valueInfos[p.valueInfo] : nullptr;
+}
+
+std::uint32_t DeviceDescription::FindByAddress(std::uint32_t address) const {
+    auto it = std::lower_bound(addressIndex.begin(), addressIndex.end(), address,
+                               [](const auto& entry, std::uint32_t a) { return entry.first < a; });
+    return it != addressIndex.end() && it->first == address ? it->second : kNoIndex;
+}
+
+std::uint32_t DeviceDescription::FindByCode(std::string_view code, int scope) const {
+    auto less = [&](std::uint32_t index, std::pair<int, std::string_view> key) {
+        const ParameterDef& p = parameters[index];
+        if (p.axis != key.first)
+            return p.axis < key.first;
+        return Text(p.code) < key.second;
+    };
+    auto key = std::make_pair(scope, code);
+    auto it = std::lower_bound(codeIndex.begin(), codeIndex.end(), key, less);
+    if (it == codeIndex.end())
+        return kNoIndex;
+    const ParameterDef& p = parameters[*it];
+    return p.axis == scope && Text(p.code) == code ? *it : kNoIndex;
+}
+
+std::uint32_t DeviceDescription::FindGroup(std::string_view name, int scope) const {
+    for (std::uint32_t i = 0; i < groups.size(); ++i) {
+        if (groups[i].axis == scope && Text(groups[i].name) == name)
+            return i;
+    }
+    return kNoIndex;
+}
+
+std::span<const ParameterDef> DeviceDescription::AxisParameters(int axis) const {
+    if (axis < 0 || std::size_t(axis) >= axes.size())
+        return {};
+    const AxisDef& a = axes[axis];
+    return std::span<const ParameterDef>(parameters).subspan(a.firstParameter, a.parameterCount);
+}
+
+static const NamedVariable* FindNamed(const DeviceDescription& d,
+                                      const std::vector<NamedVariable>& list,
+                                      std::string_view name) {
+    for (const NamedVariable& v : list) {
+        if (d.Text(v.name) == name)
+            return &v;
+    }
+    return nullptr;
+}
+
+const NamedVariable* DeviceDescription::FindNamedVariable(std::string_view name) const {
+    return FindNamed(*this, namedVariables, name);
+}
+
+const NamedVariable* DeviceDescription::FindFunction(std::string_view name) const {
+    return FindNamed(*this, functions, name);
+}
+
+const PerUnitTable* DeviceDescription::FindPerUnitTable(std::uint16_t id) const {
+    for (const PerUnitTable& t : perUnitTables) {
+        if (t.id == id)
+            return &t;
+    }
+    return nullptr;
+}
+
+static bool KindCovers(ConnectorKind asked, ConnectorKind groupKind) {
+    switch (asked) {
+    case ConnectorKind::KF:
+        return groupKind == ConnectorKind::K || groupKind == ConnectorKind::F;
+    case ConnectorKind::BKF:
+        return groupKind == ConnectorKind::B || groupKind == ConnectorKind::K ||
+               groupKind == ConnectorKind::F;
+    default:
+        return asked == groupKind;
+    }
+}
+
+std::uint32_t DeviceDescription::ConnectorValueOf(std::uint32_t parameter,
+                                                  ConnectorKind kind) const {
+    if (parameter >= parameters.size())
+        return kNoIndex;
+    for (const ConnectorGroupDef& c : connectors) {
+        if (!KindCovers(kind, c.kind) || c.group >= groups.size())
+            continue;
+        const auto& members = groups[c.group].members;
+        if (std::find(members.begin(), members.end(), parameter) != members.end())
+            return c.base + parameters[parameter].address % 100;
+    }
+    return kNoIndex;
+}
+
+std::uint32_t DeviceDescription::FindByConnectorValue(std::uint32_t value) const {
+    for (const ConnectorGroupDef& c : connectors) {
+        if (value < c.base || value - c.base >= 100 || c.group >= groups.size())
+            continue;
+        for (std::uint32_t m : groups[c.group].members) {
+            if (parameters[m].address % 100 == value - c.base)
+                return m;
+        }
+        return kNoIndex;
+    }
+    return kNoIndex;
+}
+
+std::size_t DeviceDescription::HeapBytes() const {
+    auto options = [](const std::vector<ValueOption>& v) { return v.capacity() * sizeof(v[0]); };
+    std::size_t n =
+        sourceFile.capacity() + textPool.capacity() + product.electronicLabel.capacity() +
+        parameters.capacity() * sizeof(ParameterDef) + valueInfos.capacity() * sizeof(ValueInfo) +
+        groups.capacity() * sizeof(GroupDef) + axes.capacity() * sizeof(AxisDef) +
+        namedVariables.capacity() * sizeof(NamedVariable) +
+        functions.capacity() * sizeof(NamedVariable) +
+        connectors.capacity() * sizeof(ConnectorGroupDef) +
+        perUnitTables.capacity() * sizeof(PerUnitTable) +
+        addressIndex.capacity() * sizeof(addressIndex[0]) +
+        codeIndex.capacity() * sizeof(std::uint32_t);
+    for (const ValueInfo& v : valueInfos) {
+        n += options(v.enumeration) + v.bits.capacity() * sizeof(BitEntry) +
+             v.ranges.capacity() * sizeof(BitRange) + v.digits.capacity() * sizeof(DigitField);
+        for (const BitRange& r : v.ranges)
+            n += options(r.options);
+        for (const DigitField& d : v.digits)
+            n += options(d.options);
+    }
+    auto setBytes = [](const GroupSet& s) {
+        std::size_t bytes = s.roots.capacity() * sizeof(std::uint32_t) +
+                            s.categories.capacity() * sizeof(CategoryDef);
+        for (const CategoryDef& c : s.categories)
+            bytes += c.groups.capacity() * sizeof(std::uint32_t);
+        return bytes;
+    };
+    for (const GroupDef& g : groups)
+        n += (g.members.capacity() + g.children.capacity()) * sizeof(std::uint32_t);
+    n += setBytes(groupSet);
+    for (const AxisDef& a : axes)
+        n += setBytes(a.groupSet);
+    for (const PerUnitTable& t : perUnitTables)
+        n += t.bases.capacity() * sizeof(PerUnitBase);
+    return n;
+}
+
+const char* DataTypeName(DataType type) {
+    switch (type) {
+    case DataType::Int16:
+        return "i16";
+    case DataType::Int32:
+        return "i32";
+    case DataType::Float:
+        return "f32";
+    case DataType::Double:
+        return "f64";
+    case DataType::Date:
+        return "date";
+    case DataType::String:
+        return "string";
+    case DataType::Bool:
+        return "bool";
+    case DataType::Int8:
+        return "i8";
+    case DataType::UInt8:
+        return "u8";
+    case DataType::UInt16:
+        return "u16";
+    case DataType::UInt32:
+        return "u32";
+    case DataType::Unknown:
+        break;
+    }
+    return "";
+}
+
+int DataTypeBits(DataType type) {
+    switch (type) {
+    case DataType::Int8:
+    case DataType::UInt8:
+        return 8;
+    case DataType::Int16:
+    case DataType::UInt16:
+    case DataType::Bool:
+        return 16;
+    case DataType::Int32:
+    case DataType::UInt32:
+    case DataType::Float:
+        return 32;
+    case DataType::Double:
+        return 64;
+    default:
+        return 0;
+    }
+}
+
+} // namespace zorhost::device

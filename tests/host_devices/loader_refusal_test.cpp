@@ -1,0 +1,211 @@
+// Broken descriptions are refused with the file and the place named, and leave nothing behind.
+
+#include "zorhost/device/DeviceLoader.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <string>
+
+using namespace zorhost::device;
+
+namespace {
+
+// A small valid description; each test breaks one thing in it.
+std::string Doc(const std::string& params, const std::string& groups,
+                const std::string& extra = "") {
+    return R"({"format": 1,
+ "product": {"name": "T", "lineId": 1, "productId": 2, "electronicLabel": "0001 0002",
+             "kind": "servo", "accessModel": 0},
+ "parameters": [)" +
+           params + R"(],
+ "groups": [)" +
+           groups + "]" + extra + "}";
+}
+
+const std::string kTwoParams =
+    R"({"code": "H02-00", "name": "a", "type": "u16", "max": 10},
+       {"code": "H02-01", "name": "b", "type": "i16", "min": -5, "maxLink": "H02-00"})";
+const std::string kGroup = R"({"name": "H02", "members": ["H02-00", "H02-01"]})";
+
+LoadResult Parse(const std::string& text) {
+    return ParseDeviceJson(text, "dev.json");
+}
+
+TEST(DeviceLoader, AcceptsTheBaseDocument) {
+    LoadResult r = Parse(Doc(kTwoParams, kGroup));
+    ASSERT_TRUE(r) << r.error.ToString();
+    EXPECT_EQ(r.device->parameters.size(), 2u);
+    EXPECT_EQ(r.device->parameters[1].maxLink, 0u);
+    EXPECT_EQ(r.device->parameters[1].address, 0x0201u);
+    EXPECT_EQ(r.device->sourceFile, "dev.json");
+}
+
+TEST(DeviceLoader, BrokenJsonNamesLineAndColumn) {
+    std::string text = Doc(kTwoParams, kGroup);
+    // Drop the comma behind the product, which ends line 3; the parser stumbles on line 4.
+    auto at = text.find("\"accessModel\": 0},");
+    ASSERT_NE(at, std::string::npos);
+    text.erase(at + 17, 1);
+    LoadResult r = Parse(text);
+    ASSERT_FALSE(r);
+    EXPECT_EQ(r.device, nullptr);
+    EXPECT_EQ(r.error.file, "dev.json");
+    EXPECT_NE(r.error.place.find("line 4, column"), std::string::npos) << r.error.place;
+    EXPECT_NE(r.error.place.find("offset"), std::string::npos);
+    EXPECT_EQ(r.error.ToString().rfind("dev.json: line 4", 0), 0u) << r.error.ToString();
+
+    r = Parse("[1, 2]");
+    EXPECT_FALSE(r);
+    EXPECT_EQ(r.error.place, "top level");
+}
+
+struct Broken {
+    const char* what;
+    std::string text;
+    const char* place;   // expected in LoadError::place
+    const char* message; // expected in LoadError::message
+};
+
+class RefusedDocument : public ::testing::TestWithParam<Broken> {};
+
+TEST_P(RefusedDocument, NamesThePlace) {
+    LoadResult r = Parse(GetParam().text);
+    ASSERT_FALSE(r) << GetParam().what;
+    EXPECT_EQ(r.device, nullptr);
+    EXPECT_EQ(r.error.file, "dev.json");
+    EXPECT_NE(r.error.place.find(GetParam().place), std::string::npos)
+        << GetParam().what << ": " << r.error.ToString();
+    EXPECT_NE(r.error.message.find(GetParam().message), std::string::npos)
+        << GetParam().what << ": " << r.error.ToString();
+}
+
+const std::string kAxes = R"(, "axes": [{"name": "1", "key": "A1", "addressBase": 0},
+                                        {"name": "2", "key": "A2", "addressBase": "0x0100"}])";
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, RefusedDocument,
+    ::testing::Values(
+        Broken{"unknown type",
+               Doc(R"({"code": "H02-00", "name": "a", "type": "u24"})", R"({"name": "H02"})"),
+               "parameters[0] \"H02-00\".type", "unknown type \"u24\""},
+        Broken{"duplicate code",
+               Doc(kTwoParams + R"(, {"code": "H02-00", "name": "c", "type": "u16",
+                                      "address": "0x0200"})",
+                   kGroup),
+               "parameters[2] \"H02-00\"", "duplicate code"},
+        Broken{"duplicate address",
+               Doc(R"({"code": "P1", "name": "a", "type": "u16", "address": 16},
+                      {"code": "P2", "name": "b", "type": "u16", "address": "0x0010"})",
+                   R"({"name": "G", "members": ["P1", "P2"]})"),
+               "parameters[1] \"P2\"", "duplicate address 0x0010"},
+        Broken{"axes that overlap",
+               Doc("", "",
+                   R"(, "axisParameters": [{"code": "H00-00", "name": "a", "type": "u16"},
+                                           {"code": "H01-00", "name": "b", "type": "u16"}])" +
+                       kAxes),
+               "on axes[1]", "duplicate address 0x0100"},
+        Broken{"dangling member", Doc(kTwoParams, R"({"name": "H02", "members": ["H02-07"]})"),
+               "groups[0] \"H02\".members[0]", "names no parameter \"H02-07\""},
+        Broken{"dangling member of a child group",
+               Doc(kTwoParams, R"({"name": "H02", "children": [{"name": "X",
+                                   "members": ["H02-00", "H0X-01"]}]})"),
+               "groups[0] \"H02\".children[0] \"X\".members[1]", "names no parameter"},
+        Broken{"dangling link",
+               Doc(R"({"code": "H02-00", "name": "a", "type": "u16", "minLink": "H09-09"})",
+                   R"({"name": "H02"})"),
+               "parameters[0] \"H02-00\".minLink", "names no parameter \"H09-09\""},
+        Broken{"address against the code",
+               Doc(R"({"code": "H02-41", "name": "a", "type": "u16", "address": "0x0230"})",
+                   R"({"name": "H02"})"),
+               "parameters[0] \"H02-41\".address", "disagrees with code"},
+        Broken{"factory outside limits",
+               Doc(R"({"code": "H02-00", "name": "a", "type": "u16", "max": 10,
+                       "factory": 11})",
+                   R"({"name": "H02"})"),
+               "parameters[0] \"H02-00\".factory", "above max"},
+        Broken{"value too large for the type",
+               Doc(R"({"code": "H02-00", "name": "a", "type": "i8", "max": 200})",
+                   R"({"name": "H02"})"),
+               "parameters[0] \"H02-00\".max", "does not fit type i8"},
+        Broken{"bit beyond the type",
+               Doc(R"({"code": "H02-00", "name": "a", "type": "u8",
+                       "values": {"bits": [{"bit": 9, "text": "x"}]}})",
+                   R"({"name": "H02"})"),
+               "parameters[0] \"H02-00\".values", "bit 9 outside a 8-bit value"},
+        Broken{"overlapping bit ranges",
+               Doc(R"({"code": "H02-00", "name": "a", "type": "u16", "values": {"bitRanges": [
+                       {"text": "x", "first": 0, "width": 4, "options": [{"value": 1, "text": "o"}]},
+                       {"text": "y", "first": 3, "width": 2, "options": [{"value": 1, "text": "o"}]}]}})",
+                   R"({"name": "H02"})"),
+               "values.bitRanges[1]", "overlaps"},
+        Broken{"unknown value info",
+               Doc(R"({"code": "H02-00", "name": "a", "type": "u16", "values": "Nope"})",
+                   R"({"name": "H02"})"),
+               "parameters[0] \"H02-00\".values", "no value info named \"Nope\""},
+        Broken{"misspelt key",
+               Doc(R"({"code": "H02-00", "name": "a", "type": "u16", "minlink": "H02-00"})",
+                   R"({"name": "H02"})"),
+               "parameters[0] \"H02-00\"", "unknown key \"minlink\""},
+        Broken{
+            "category naming no group",
+            Doc(kTwoParams, kGroup, R"(, "categories": [{"name": "C", "groups": ["H02", "H03"]}])"),
+            "categories[0].groups[1]", "names no group \"H03\""},
+        Broken{"connector group missing",
+               Doc(kTwoParams, kGroup,
+                   R"(, "connectors": [{"kind": "B", "name": "b", "group": "H30", "base": 3000}])"),
+               "connectors[0].group", "names no group \"H30\""},
+        Broken{"named variable without a parameter",
+               Doc(kTwoParams, kGroup,
+                   R"(, "namedVariables": [{"name": "Authority", "code": "H0B-90"}])"),
+               "namedVariables[0] \"Authority\".code", "names no parameter"},
+        Broken{"per-unit id without a table",
+               Doc(R"({"code": "H02-00", "name": "a", "type": "i16", "display": 2,
+                       "perUnitBase": 4})",
+                   R"({"name": "H02"})"),
+               "parameters[0] \"H02-00\".perUnitBase", "no per-unit table 4"},
+        Broken{"label too long",
+               Doc(kTwoParams, kGroup)
+                   .replace(Doc(kTwoParams, kGroup).find("0001 0002"), 9, std::string(66, 'A')),
+               "product.electronicLabel", "1 to 32 whole bytes"}),
+    [](const ::testing::TestParamInfo<Broken>& info) {
+        std::string name;
+        for (char c : std::string(info.param.what))
+            name += std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
+        return name;
+    });
+
+TEST(DeviceLibrary, RefusedFileLeavesTheLibraryAsItWas) {
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    auto write = [&](const char* name, const std::string& text) {
+        QFile f(dir.filePath(name));
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(text.data(), qint64(text.size()));
+    };
+    write("a_good.json", Doc(kTwoParams, kGroup));
+    write("b_broken.json", Doc(kTwoParams, R"({"name": "H02", "members": ["H02-09"]})"));
+    std::string other = Doc(kTwoParams, kGroup);
+    other.replace(other.find("\"productId\": 2"), 14, "\"productId\": 3");
+    write("c_other.json", other);
+    write("d_same_product.json", Doc(kTwoParams, kGroup));
+
+    DeviceLibrary library;
+    std::vector<LoadError> errors = library.AddDirectory(dir.path().toStdString());
+    ASSERT_EQ(errors.size(), 2u);
+    EXPECT_NE(errors[0].file.find("b_broken.json"), std::string::npos);
+    EXPECT_NE(errors[0].place.find("members[0]"), std::string::npos);
+    EXPECT_NE(errors[1].file.find("d_same_product.json"), std::string::npos);
+    ASSERT_EQ(library.Devices().size(), 2u);
+    EXPECT_EQ(library.FindByIds(1, 3)->parameters.size(), 2u);
+
+    LoadError error;
+    EXPECT_FALSE(library.Add(dir.filePath("missing.json").toStdString(), &error));
+    EXPECT_NE(error.file.find("missing.json"), std::string::npos);
+    EXPECT_EQ(library.Devices().size(), 2u);
+}
+
+} // namespace

@@ -1,0 +1,290 @@
+// The shipped descriptions load and hold together: addresses follow their codes, groups and
+// links point at real parameters, packed-value tables fit their types.
+
+#include "zorhost/device/DeviceLoader.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <set>
+#include <string>
+
+using namespace zorhost::device;
+
+namespace {
+
+std::string DevicePath(const char* name) {
+    return std::string(PARMIRA_SOURCE_DIR) + "/devices/" + name;
+}
+
+std::shared_ptr<const DeviceDescription> Load(const char* name) {
+    LoadResult r = LoadDeviceFile(DevicePath(name));
+    EXPECT_TRUE(r) << r.error.ToString();
+    return r.device;
+}
+
+bool ParseCode(std::string_view code, unsigned& group, unsigned& index) {
+    if (code.size() < 6 || code[0] != 'H' || code[3] != '-')
+        return false;
+    group = std::stoul(std::string(code.substr(1, 2)), nullptr, 16);
+    index = std::stoul(std::string(code.substr(4)), nullptr, 10);
+    return true;
+}
+
+const char* const kShipped[] = {"zd3s_servo.json", "zd4m_four_axis.json", "zv5_inverter.json"};
+
+class ShippedDevice : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(ShippedDevice, AddressesFollowCodesAndAxisBases) {
+    auto d = Load(GetParam());
+    ASSERT_TRUE(d);
+    ASSERT_FALSE(d->parameters.empty());
+    for (std::uint32_t i = 0; i < d->parameters.size(); ++i) {
+        const ParameterDef& p = d->parameters[i];
+        unsigned group = 0, index = 0;
+        ASSERT_TRUE(ParseCode(d->Code(p), group, index)) << d->Code(p);
+        std::uint32_t base = p.axis >= 0 ? d->axes[p.axis].addressBase : 0;
+        EXPECT_EQ(p.address, base + group * 256 + index) << d->Code(p);
+        // Both indexes find the parameter again.
+        EXPECT_EQ(d->FindByAddress(p.address), i);
+        EXPECT_EQ(d->FindByCode(d->Code(p), p.axis), i) << d->Code(p);
+        EXPECT_FALSE(d->Text(p.name).empty()) << d->Code(p);
+        EXPECT_FALSE(d->Text(p.nameEn).empty()) << d->Code(p);
+    }
+}
+
+TEST_P(ShippedDevice, GroupsLinksAndTablesPointAtRealEntries) {
+    auto d = Load(GetParam());
+    ASSERT_TRUE(d);
+    std::set<std::uint32_t> grouped;
+    for (const GroupDef& g : d->groups) {
+        for (std::uint32_t m : g.members) {
+            ASSERT_LT(m, d->parameters.size());
+            // A group of an axis holds that axis's parameters or drive-wide ones.
+            int axis = d->parameters[m].axis;
+            EXPECT_TRUE(axis == g.axis || axis == kCommonScope) << d->Text(g.name);
+            grouped.insert(m);
+        }
+        for (std::uint32_t c : g.children)
+            ASSERT_LT(c, d->groups.size());
+    }
+    // Every parameter is reachable from some group.
+    EXPECT_EQ(grouped.size(), d->parameters.size());
+
+    for (const ParameterDef& p : d->parameters) {
+        for (std::uint32_t link : {p.minLink, p.maxLink}) {
+            if (link == kNoIndex)
+                continue;
+            ASSERT_LT(link, d->parameters.size());
+            EXPECT_TRUE(d->parameters[link].axis == p.axis ||
+                        d->parameters[link].axis == kCommonScope);
+        }
+        if (!p.IsMinLinked() && !p.IsMaxLinked() && p.dataType != DataType::String) {
+            EXPECT_LE(p.minValue, p.factoryValue) << d->Code(p);
+            EXPECT_LE(p.factoryValue, p.maxValue) << d->Code(p);
+        }
+        if (p.perUnitBaseId != 0) {
+            EXPECT_NE(d->FindPerUnitTable(p.perUnitBaseId), nullptr);
+        }
+        if (const ValueInfo* info = d->ValueInfoOf(p)) {
+            int bits = DataTypeBits(p.dataType);
+            for (const BitEntry& b : info->bits)
+                EXPECT_LT(b.bit, bits) << d->Code(p);
+            for (const BitRange& r : info->ranges)
+                EXPECT_LE(r.firstBit + r.width, bits) << d->Code(p);
+            for (const DigitField& f : info->digits)
+                EXPECT_LE(std::pow(10.0, f.digit), std::ldexp(1.0, bits)) << d->Code(p);
+            for (const ValueOption& o : info->enumeration)
+                EXPECT_FALSE(d->Text(o.text).empty());
+        }
+    }
+    for (const NamedVariable& v : d->namedVariables) {
+        ASSERT_NE(v.parameter, kNoIndex) << d->Text(v.name);
+        EXPECT_EQ(d->parameters[v.parameter].address, v.address);
+    }
+    for (const PerUnitTable& t : d->perUnitTables)
+        for (const PerUnitBase& b : t.bases)
+            EXPECT_EQ(d->FindByAddress(b.address), b.parameter);
+}
+
+TEST_P(ShippedDevice, LabelCarriesTheProductNumbers) {
+    auto d = Load(GetParam());
+    ASSERT_TRUE(d);
+    const auto& label = d->product.electronicLabel;
+    ASSERT_GE(label.size(), 16u);
+    EXPECT_LE(label.size(), 32u);
+    EXPECT_EQ(label[0] * 256u + label[1], d->product.lineId);
+    EXPECT_EQ(label[2] * 256u + label[3], d->product.productId);
+    EXPECT_EQ(label[4] * 256u + label[5], d->product.subProductId);
+}
+
+INSTANTIATE_TEST_SUITE_P(AllFiles, ShippedDevice, ::testing::ValuesIn(kShipped));
+
+TEST(ServoDevice, CoversEveryModeLevelAndValueKind) {
+    auto d = Load("zd3s_servo.json");
+    ASSERT_TRUE(d);
+    EXPECT_EQ(d->product.lineId, 13u);
+    EXPECT_EQ(d->product.accessModel, AccessModel::DriveAuthority);
+    EXPECT_FALSE(d->IsMultiAxis());
+    EXPECT_GE(d->parameters.size(), 450u);
+    EXPECT_GE(d->groupSet.roots.size(), 20u);
+
+    std::set<int> modify, effect, access, display, kinds;
+    int hex = 0, perUnit = 0, hidden = 0, linked = 0;
+    for (const ParameterDef& p : d->parameters) {
+        modify.insert(int(p.modifyMode));
+        effect.insert(int(p.effectMode));
+        access.insert(p.accessLevel);
+        display.insert(int(p.displayFormat));
+        if (const ValueInfo* info = d->ValueInfoOf(p))
+            kinds.insert(int(info->kind));
+        hex += p.displayFormat == DisplayFormat::Hexadecimal;
+        perUnit += p.perUnitBaseId != 0;
+        hidden += p.IsHiddenForUser();
+        linked += p.IsMinLinked() || p.IsMaxLinked();
+    }
+    EXPECT_EQ(modify, (std::set<int>{0, 1, 2, 3}));
+    EXPECT_EQ(effect, (std::set<int>{1, 2, 3}));
+    EXPECT_EQ(access, (std::set<int>{0, 1, 2, 3}));
+    EXPECT_EQ(kinds, (std::set<int>{1, 2, 3, 4}));
+    EXPECT_TRUE(display.count(4));
+    EXPECT_GT(hex, 0);
+    EXPECT_GT(perUnit, 0);
+    EXPECT_GT(hidden, 0);
+    EXPECT_GT(linked, 0);
+
+    // Factory groups and a read-only monitoring group.
+    for (const char* name : {"H00", "H01"}) {
+        std::uint32_t g = d->FindGroup(name);
+        ASSERT_NE(g, kNoIndex) << name;
+        EXPECT_EQ(d->groups[g].accessLevel, 3);
+    }
+    std::uint32_t monitor = d->FindGroup("H0B");
+    ASSERT_NE(monitor, kNoIndex);
+    for (std::uint32_t m : d->groups[monitor].members)
+        EXPECT_EQ(d->parameters[m].modifyMode, ModifyMode::Never);
+
+    std::uint32_t password = d->FindByCode("H02-41");
+    ASSERT_NE(password, kNoIndex);
+    EXPECT_EQ(d->parameters[password].address, 0x0229u);
+    EXPECT_EQ(d->parameters[password].displayFormat, DisplayFormat::Hidden);
+
+    for (const char* name : {"Authority", "InputPassword", "Factory", "TempAuthority"})
+        EXPECT_NE(d->FindNamedVariable(name), nullptr) << name;
+    for (int n = 1; n <= 9; ++n)
+        EXPECT_NE(d->FindFunction("ControlFunction" + std::to_string(n)), nullptr);
+    for (const char* name :
+         {"FunctionVersion", "FunctionTempVersion", "PerformanceVersion", "PerformanceTempVersion"})
+        EXPECT_NE(d->FindFunction(name), nullptr) << name;
+}
+
+// A connector parameter's last enumeration entry names its kind, and the connector value of
+// every source parameter leads back to it.
+TEST(ServoDevice, ConnectorValuesAndSourcesAreInverse) {
+    auto d = Load("zd3s_servo.json");
+    ASSERT_TRUE(d);
+    const std::set<std::string> names = {"B连接器", "K连接器", "F连接器", "KF连接器", "BKF连接器"};
+    int connectorParams = 0;
+    for (const ParameterDef& p : d->parameters) {
+        const ValueInfo* info = d->ValueInfoOf(p);
+        if (info && info->kind == ValueInfoKind::Enumeration &&
+            names.count(std::string(d->Text(info->enumeration.back().text))))
+            ++connectorParams;
+    }
+    EXPECT_GE(connectorParams, 5);
+
+    ASSERT_EQ(d->connectors.size(), 3u);
+    int sources = 0;
+    for (const ConnectorGroupDef& c : d->connectors) {
+        for (std::uint32_t m : d->groups[c.group].members) {
+            std::uint32_t value = d->ConnectorValueOf(m, c.kind);
+            ASSERT_NE(value, kNoIndex);
+            EXPECT_GE(value, c.base);
+            EXPECT_LT(value, c.base + 100);
+            EXPECT_EQ(d->FindByConnectorValue(value), m);
+            // The combined kinds reach the same value.
+            EXPECT_EQ(d->ConnectorValueOf(m, ConnectorKind::BKF), value);
+            ++sources;
+        }
+    }
+    EXPECT_GT(sources, 20);
+    std::uint32_t bSource = d->groups[d->connectors[0].group].members[0];
+    EXPECT_EQ(d->ConnectorValueOf(bSource, ConnectorKind::KF), kNoIndex);
+    EXPECT_EQ(d->FindByConnectorValue(d->connectors[0].base + 100 + 99), kNoIndex);
+}
+
+TEST(FourAxisDevice, AxesRepeatTheBlockAtTheirBases) {
+    auto d = Load("zd4m_four_axis.json");
+    ASSERT_TRUE(d);
+    EXPECT_EQ(d->product.lineId, 11u);
+    EXPECT_EQ(d->product.productId, 282u);
+    EXPECT_EQ(d->product.accessModel, AccessModel::DrivePassword);
+    ASSERT_EQ(d->axes.size(), 4u);
+    EXPECT_EQ(d->product.axisCopyCount, 4);
+    const std::uint32_t bases[] = {0x0000, 0x2000, 0x4000, 0x6000};
+    const std::uint32_t passwords[] = {0x0229, 0x2229, 0x4229, 0x6229};
+    for (int a = 0; a < 4; ++a) {
+        EXPECT_EQ(d->axes[a].addressBase, bases[a]);
+        std::uint32_t i = d->FindByCode("H02-41", a);
+        ASSERT_NE(i, kNoIndex);
+        EXPECT_EQ(d->parameters[i].address, passwords[a]);
+        EXPECT_EQ(d->FindByAddress(passwords[a]), i);
+        EXPECT_EQ(d->parameters[i].displayFormat, DisplayFormat::Hidden);
+        // Each axis has its own group set, made of its own groups.
+        ASSERT_FALSE(d->axes[a].groupSet.roots.empty());
+        for (std::uint32_t g : d->axes[a].groupSet.roots)
+            EXPECT_EQ(d->groups[g].axis, a);
+        auto block = d->AxisParameters(a);
+        EXPECT_EQ(block.size(), d->axes[0].parameterCount);
+        for (const ParameterDef& p : block)
+            EXPECT_EQ(p.axis, a);
+    }
+    // The same relative address on two axes is two parameters with one code.
+    EXPECT_EQ(d->Code(d->parameters[d->FindByAddress(0x0229)]),
+              d->Code(d->parameters[d->FindByAddress(0x6229)]));
+    EXPECT_EQ(d->FindByCode("H02-41"), kNoIndex); // not a drive-wide parameter
+    // A linked limit stays on its own axis.
+    std::uint32_t jog = d->FindByCode("H06-01", 2);
+    ASSERT_NE(jog, kNoIndex);
+    EXPECT_EQ(d->parameters[d->parameters[jog].maxLink].address, 0x4600u);
+}
+
+TEST(InverterDevice, CategoriesSortSomeGroupsAndLeaveOthersAtTheTop) {
+    auto d = Load("zv5_inverter.json");
+    ASSERT_TRUE(d);
+    EXPECT_EQ(d->product.accessModel, AccessModel::ToolOnly);
+    EXPECT_EQ(d->product.kind, ProductKind::Inverter);
+    ASSERT_FALSE(d->groupSet.categories.empty());
+    std::set<std::uint32_t> inCategory;
+    for (const CategoryDef& c : d->groupSet.categories) {
+        EXPECT_FALSE(c.groups.empty());
+        inCategory.insert(c.groups.begin(), c.groups.end());
+    }
+    std::set<std::uint32_t> roots(d->groupSet.roots.begin(), d->groupSet.roots.end());
+    for (std::uint32_t g : inCategory)
+        EXPECT_TRUE(roots.count(g));
+    EXPECT_LT(inCategory.size(), roots.size()); // some groups stand outside any category
+}
+
+TEST(DeviceLibrary, FindsShippedProductsByNumbersAndLabel) {
+    DeviceLibrary library;
+    std::vector<LoadError> errors =
+        library.AddDirectory(std::string(PARMIRA_SOURCE_DIR) + "/devices");
+    for (const LoadError& e : errors)
+        ADD_FAILURE() << e.ToString();
+    ASSERT_EQ(library.Devices().size(), 3u);
+    auto servo = library.FindByIds(13, 33);
+    ASSERT_TRUE(servo);
+    EXPECT_EQ(library.FindByIds(11, 282)->product.kind, ProductKind::MultiAxisServo);
+    EXPECT_EQ(library.FindByIds(13, 33, 1), nullptr);
+
+    // A label of the same type differs only outside the compared pairs.
+    std::vector<std::uint8_t> label = servo->product.electronicLabel;
+    label[7] ^= 0xFF;
+    EXPECT_EQ(library.FindByLabel(label.data(), label.size()), servo);
+    label[14] ^= 0x01;
+    EXPECT_EQ(library.FindByLabel(label.data(), label.size()), nullptr);
+    EXPECT_EQ(library.FindByLabel(label.data(), 6), nullptr);
+}
+
+} // namespace
