@@ -720,15 +720,21 @@ std::uint32_t Loader::LoadGroup(const QJsonObject& o, const std::string& arrayPl
     QJsonValue members = o.value(QLatin1String("members"));
     if (members.isString() && members.toString() == QLatin1String("*")) {
         // Every parameter of the scope whose code begins with the group's name and a dash.
+        // The code index is sorted by scope and code, so the matches are one run of it.
         std::string prefix = name + "-";
-        std::span<const ParameterDef> params = scope == kCommonScope
-                                                   ? std::span<const ParameterDef>(d_.parameters)
-                                                   : d_.AxisParameters(scope);
-        std::uint32_t first = scope == kCommonScope ? 0 : d_.axes[scope].firstParameter;
-        for (std::uint32_t i = 0; i < params.size(); ++i) {
-            if (params[i].axis == scope && d_.Code(params[i]).starts_with(prefix))
-                g.members.push_back(first + i);
+        auto it =
+            std::lower_bound(d_.codeIndex.begin(), d_.codeIndex.end(), prefix,
+                             [&](std::uint32_t i, const std::string& p) {
+                                 const ParameterDef& def = d_.parameters[i];
+                                 return def.axis != scope ? def.axis < scope : d_.Code(def) < p;
+                             });
+        for (; it != d_.codeIndex.end(); ++it) {
+            const ParameterDef& def = d_.parameters[*it];
+            if (def.axis != scope || !d_.Code(def).starts_with(prefix))
+                break;
+            g.members.push_back(*it);
         }
+        std::sort(g.members.begin(), g.members.end()); // file order
         if (g.members.empty())
             Refuse(place + ".members", "\"*\" matches no parameter");
     } else if (!members.isUndefined()) {

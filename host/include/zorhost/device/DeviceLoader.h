@@ -46,7 +46,8 @@ public:
     }
     std::shared_ptr<const DeviceDescription>
     FindByIds(std::uint32_t lineId, std::uint32_t productId, std::uint32_t subProductId = 0) const;
-    // Same device type: equal 16-bit pairs at the byte offsets 0, 2, 4 and 14.
+    // Same device type: equal 16-bit pairs at the byte offsets 0, 2, 4 and 14; a label
+    // shorter than 16 bytes matches nothing.
     std::shared_ptr<const DeviceDescription> FindByLabel(const std::uint8_t* label,
                                                          std::size_t size) const;
 
