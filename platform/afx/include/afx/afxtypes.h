@@ -19,6 +19,7 @@ typedef uint8_t BYTE;
 typedef uint16_t WORD;
 typedef uint32_t DWORD;
 typedef unsigned int UINT;
+typedef int16_t SHORT;
 typedef int32_t LONG;
 typedef uint32_t ULONG;
 typedef int64_t LONGLONG;
@@ -54,6 +55,8 @@ struct HICON__;
 typedef HICON__* HICON;
 struct HTREEITEM__;
 typedef HTREEITEM__* HTREEITEM;
+struct HIMAGELIST__;
+typedef HIMAGELIST__* HIMAGELIST;
 
 constexpr WORD LOWORD(uintptr_t v) {
     return static_cast<WORD>(v & 0xFFFF);

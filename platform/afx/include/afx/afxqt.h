@@ -1,0 +1,25 @@
+// Bridges between the framework and Qt, for the host program and tests only. The module's
+// own code never includes this header.
+#pragma once
+
+#include <afx/afxwin.h>
+
+class QWidget;
+class QString;
+
+// The Qt widget behind a window handle; nullptr for dead handles.
+QWidget* AfxWidgetFromHandle(HWND h);
+// The handle of a widget made by the framework, else nullptr.
+HWND AfxHandleFromWidget(QWidget* w);
+// Wraps a widget owned by the host (for example a tab page) as a window that module
+// dialogs can use as their parent. The widget stays the host's; the handle dies with
+// it or with AfxReleaseHostWidget.
+HWND AfxWrapHostWidget(QWidget* w);
+void AfxReleaseHostWidget(HWND h);
+
+QString AfxToQString(const CString& s);
+CString AfxFromQString(const QString& s);
+
+// Must be called on the user-interface thread once a QApplication exists, before any
+// window is created or any message posted (the first window creation does it too).
+void AfxInitUiThread();

@@ -1,0 +1,85 @@
+// Internal: the report list widget. Stores columns, the item count, item states and, for
+// lists that are not owner-data, the items' texts; asks the owning CListCtrl for cells.
+#pragma once
+
+#include "controls_p.h"
+
+#include <QAbstractTableModel>
+#include <QHeaderView>
+#include <QTableView>
+
+#include <unordered_map>
+#include <vector>
+
+namespace afxi {
+
+class AfxListView;
+
+class AfxListModel : public QAbstractTableModel {
+    Q_OBJECT
+public:
+    explicit AfxListModel(AfxListView* view) : m_view(view) {}
+    int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+    int columnCount(const QModelIndex& parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex& index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation o, int role) const override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
+    using QAbstractTableModel::beginInsertColumns;
+    using QAbstractTableModel::beginInsertRows;
+    using QAbstractTableModel::beginRemoveColumns;
+    using QAbstractTableModel::beginRemoveRows;
+    using QAbstractTableModel::beginResetModel;
+    using QAbstractTableModel::endInsertColumns;
+    using QAbstractTableModel::endInsertRows;
+    using QAbstractTableModel::endRemoveColumns;
+    using QAbstractTableModel::endRemoveRows;
+    using QAbstractTableModel::endResetModel;
+
+private:
+    AfxListView* m_view;
+};
+
+class AfxListView : public QTableView {
+    Q_OBJECT
+public:
+    AfxListView(DWORD style, QWidget* parent);
+
+    struct Column {
+        QString text;
+        int fmt = LVCFMT_LEFT;
+    };
+    struct Row {
+        std::vector<CString> texts;
+        DWORD_PTR data = 0;
+    };
+
+    CString CellText(int row, int col);
+    bool CellColors(int row, int col, COLORREF& text, COLORREF& back);
+    CListCtrl* Owner() const;
+    QPoint ViewportOffset() const { return viewport()->geometry().topLeft(); }
+    int RowHeight() const { return verticalHeader()->defaultSectionSize(); }
+    void SetStateImage(int row, UINT index, bool notify);
+    UINT StateImage(int row) const;
+    int NextSelected(int from) const;
+    void NotifyItemChanged(int row, UINT newState, UINT oldState, UINT changed);
+    void NotifyClick(UINT code, QPoint viewportPos);
+
+    AfxListModel* m_model;
+    bool m_ownerData;
+    int m_count = 0;
+    std::vector<Column> m_columns;
+    std::vector<Row> m_rows;
+    std::unordered_map<int, UINT> m_stateImages;
+    int m_selectionMark = -1;
+    DWORD m_exStyle = 0;
+    CImageList* m_images[3] = {nullptr, nullptr, nullptr};
+    bool m_suppressNotify = false;
+    HWND m_header = nullptr;
+
+protected:
+    void mousePressEvent(QMouseEvent* e) override;
+    void mouseDoubleClickEvent(QMouseEvent* e) override;
+    void keyPressEvent(QKeyEvent* e) override;
+};
+
+} // namespace afxi
