@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <cfloat>
 #include <string>
 
 using namespace zorhost::device;
@@ -42,6 +43,16 @@ TEST(DeviceLoader, AcceptsTheBaseDocument) {
     EXPECT_EQ(r.device->parameters[1].maxLink, 0u);
     EXPECT_EQ(r.device->parameters[1].address, 0x0201u);
     EXPECT_EQ(r.device->sourceFile, "dev.json");
+
+    // Without limits a parameter may take its type's whole range.
+    r = Parse(Doc(R"({"code": "H02-00", "name": "a", "type": "f32", "factory": 2.5},
+                     {"code": "H02-01", "name": "b", "type": "u32", "factory": "0xFFFFFFFF"})",
+                  R"({"name": "H02", "members": "*"})"));
+    ASSERT_TRUE(r) << r.error.ToString();
+    EXPECT_EQ(r.device->parameters[0].maxValue, double(FLT_MAX));
+    EXPECT_EQ(r.device->parameters[1].minValue, 0.0);
+    EXPECT_EQ(r.device->parameters[1].factoryValue, 4294967295.0);
+    EXPECT_EQ(r.device->groups[0].members.size(), 2u);
 }
 
 TEST(DeviceLoader, BrokenJsonNamesLineAndColumn) {
@@ -114,6 +125,12 @@ INSTANTIATE_TEST_SUITE_P(
                Doc(kTwoParams, R"({"name": "H02", "children": [{"name": "X",
                                    "members": ["H02-00", "H0X-01"]}]})"),
                "groups[0] \"H02\".children[0] \"X\".members[1]", "names no parameter"},
+        Broken{"dangling member of the axis template",
+               Doc("", "",
+                   R"(, "axisParameters": [{"code": "H00-00", "name": "a", "type": "u16"}],
+                        "axisGroups": [{"name": "H00", "members": ["H00-00", "H00-01"]}])" +
+                       kAxes.substr(0, kAxes.find("0x0100")) + R"(0x2000"}])"),
+               "axisGroups[0] \"H00\".members[1]", "names no parameter \"H00-01\""},
         Broken{"dangling link",
                Doc(R"({"code": "H02-00", "name": "a", "type": "u16", "minLink": "H09-09"})",
                    R"({"name": "H02"})"),

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cfloat>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -97,8 +98,11 @@ void TypeRange(DataType t, double& lo, double& hi) {
     case DataType::UInt32:
         lo = 0, hi = 4294967295.0;
         return;
+    case DataType::Float:
+        lo = -double(FLT_MAX), hi = double(FLT_MAX);
+        return;
     default:
-        lo = -HUGE_VAL, hi = HUGE_VAL;
+        lo = -DBL_MAX, hi = DBL_MAX;
         return;
     }
 }
@@ -178,8 +182,9 @@ private:
     void ResolveLinks();
     std::uint32_t ResolveCode(const std::string& code, int scope) const;
     std::uint32_t LoadGroup(const QJsonObject& o, const std::string& place, int scope);
-    void LoadGroupSet(const QJsonArray& groups, const QJsonArray& categories,
-                      const std::string& place, int scope, GroupSet& set);
+    void LoadGroupSet(const QJsonArray& groups, const std::string& groupsPlace,
+                      const QJsonArray& categories, const std::string& categoriesPlace, int scope,
+                      GroupSet& set);
     void LoadNamed(const QJsonArray& a, const std::string& place, std::vector<NamedVariable>& out);
     void LoadConnectors(const QJsonArray& a);
     void LoadPerUnit(const QJsonArray& a);
@@ -544,8 +549,8 @@ ParameterDef Loader::LoadParameter(const QJsonObject& o, const std::string& arra
     double lo, hi;
     TypeRange(p.dataType, lo, hi);
     bool numeric = p.dataType != DataType::String;
-    p.minValue = Number(o, "min", place, numeric && std::isfinite(lo) ? lo : 0);
-    p.maxValue = Number(o, "max", place, numeric && std::isfinite(hi) ? hi : 0);
+    p.minValue = Number(o, "min", place, numeric ? lo : 0);
+    p.maxValue = Number(o, "max", place, numeric ? hi : 0);
     p.factoryValue = Number(o, "factory", place, 0);
     links.minLink = String(o, "minLink", place);
     links.maxLink = String(o, "maxLink", place);
@@ -764,23 +769,24 @@ std::uint32_t Loader::LoadGroup(const QJsonObject& o, const std::string& arrayPl
     return std::uint32_t(d_.groups.size() - 1);
 }
 
-void Loader::LoadGroupSet(const QJsonArray& groups, const QJsonArray& categories,
-                          const std::string& place, int scope, GroupSet& set) {
+void Loader::LoadGroupSet(const QJsonArray& groups, const std::string& groupsPlace,
+                          const QJsonArray& categories, const std::string& categoriesPlace,
+                          int scope, GroupSet& set) {
     std::size_t firstGroup = d_.groups.size();
     for (qsizetype i = 0; i < groups.size(); ++i) {
-        std::string at = place + "groups[" + std::to_string(i) + "]";
+        std::string at = groupsPlace + "[" + std::to_string(i) + "]";
         set.roots.push_back(LoadGroup(Object(groups[i], at), at, scope));
     }
     // Names are the keys of custom groups and categories, so one set holds each name once.
     for (std::size_t i = firstGroup; i < d_.groups.size(); ++i) {
         for (std::size_t j = firstGroup; j < i; ++j) {
             if (d_.Text(d_.groups[i].name) == d_.Text(d_.groups[j].name))
-                Refuse(place + "groups",
+                Refuse(groupsPlace,
                        "group name \"" + std::string(d_.Text(d_.groups[i].name)) + "\" used twice");
         }
     }
     for (qsizetype i = 0; i < categories.size(); ++i) {
-        std::string at = place + "categories[" + std::to_string(i) + "]";
+        std::string at = categoriesPlace + "[" + std::to_string(i) + "]";
         QJsonObject o = Object(categories[i], at);
         Keys(o, at, {"name", "description", "descriptionEn", "groups"});
         CategoryDef c;
@@ -946,16 +952,18 @@ void Loader::Load(const QJsonObject& root) {
     BuildIndexes();
     ResolveLinks();
 
-    LoadGroupSet(Array(root, "groups", "", true), Array(root, "categories", ""), "", kCommonScope,
-                 d_.groupSet);
+    LoadGroupSet(Array(root, "groups", "", true), "groups", Array(root, "categories", ""),
+                 "categories", kCommonScope, d_.groupSet);
+    // Axes without a set of their own share the template; its faults show on the first axis.
     QJsonArray axisGroups = Array(root, "axisGroups", "");
     QJsonArray axes = Array(root, "axes", "");
     for (qsizetype a = 0; a < axes.size(); ++a) {
         QJsonObject ax = axes[a].toObject();
-        std::string place = "axes[" + std::to_string(a) + "].";
+        std::string place = "axes[" + std::to_string(a) + "]";
         bool own = ax.contains(QLatin1String("groups"));
-        LoadGroupSet(own ? Array(ax, "groups", place) : axisGroups, Array(ax, "categories", place),
-                     own ? place : "axisGroups on " + place, int(a), d_.axes[a].groupSet);
+        LoadGroupSet(own ? Array(ax, "groups", place) : axisGroups,
+                     own ? place + ".groups" : "axisGroups", Array(ax, "categories", place),
+                     place + ".categories", int(a), d_.axes[a].groupSet);
     }
     if (d_.product.axisCopyCount > d_.axes.size())
         Refuse("product.axisCopyCount",
