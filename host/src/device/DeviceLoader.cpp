@@ -39,14 +39,16 @@ std::string Std(const QString& s) {
 
 // Where an entry came from, kept only while loading, for messages.
 struct Origin {
-    std::string place;
+    std::string place; // parameters[3] "H02-01"
+    int axis = kCommonScope;
+    std::string Where(const char* field = "") const {
+        return place + field + (axis >= 0 ? " on axes[" + std::to_string(axis) + "]" : "");
+    }
 };
 
 struct PendingLinks {
     std::string minLink;
     std::string maxLink;
-    std::string minPlace;
-    std::string maxPlace;
 };
 
 struct TypeName {
@@ -162,7 +164,7 @@ private:
                  bool required = false) {
         return Intern(String(o, key, place, required));
     }
-    double Number(const QJsonValue& v, const std::string& place);
+    double Number(const QJsonValue& v, const std::string& place, const char* key = nullptr);
     double Number(const QJsonObject& o, const char* key, const std::string& place, double fallback,
                   bool required = false);
     long Integer(const QJsonObject& o, const char* key, const std::string& place, long fallback,
@@ -231,7 +233,8 @@ std::string Loader::String(const QJsonObject& o, const char* key, const std::str
     return Std(v.toString());
 }
 
-double Loader::Number(const QJsonValue& v, const std::string& place) {
+// The place of an error is only put together when there is one.
+double Loader::Number(const QJsonValue& v, const std::string& place, const char* key) {
     if (v.isDouble())
         return v.toDouble();
     if (v.isString()) {
@@ -243,9 +246,9 @@ double Loader::Number(const QJsonValue& v, const std::string& place) {
             if (end && *end == '\0')
                 return double(value);
         }
-        Refuse(place, "\"" + s + "\" is not a number");
+        Refuse(key ? place + "." + key : place, "\"" + s + "\" is not a number");
     }
-    Refuse(place, "expected a number");
+    Refuse(key ? place + "." + key : place, "expected a number");
 }
 
 double Loader::Number(const QJsonObject& o, const char* key, const std::string& place,
@@ -253,7 +256,7 @@ double Loader::Number(const QJsonObject& o, const char* key, const std::string& 
     QJsonValue v = required ? Need(o, key, place) : o.value(QLatin1String(key));
     if (v.isUndefined())
         return fallback;
-    return Number(v, place + "." + key);
+    return Number(v, place, key);
 }
 
 long Loader::Integer(const QJsonObject& o, const char* key, const std::string& place, long fallback,
@@ -554,8 +557,6 @@ ParameterDef Loader::LoadParameter(const QJsonObject& o, const std::string& arra
     p.factoryValue = Number(o, "factory", place, 0);
     links.minLink = String(o, "minLink", place);
     links.maxLink = String(o, "maxLink", place);
-    links.minPlace = place + ".minLink";
-    links.maxPlace = place + ".maxLink";
     if (!links.minLink.empty() && o.contains(QLatin1String("min")))
         Refuse(place, "both min and minLink given");
     if (!links.maxLink.empty() && o.contains(QLatin1String("max")))
@@ -642,7 +643,7 @@ void Loader::LoadParameters(const QJsonObject& root) {
             if (p.address > 0xFFFF)
                 Refuse(patternPlaces[i], "address beyond 0xFFFF on " + place);
             d_.parameters.push_back(p);
-            origins_.push_back({patternPlaces[i] + " on " + place});
+            origins_.push_back({patternPlaces[i], int(a)});
             links_.push_back(patternLinks[i]);
         }
         for (const AxisDef& seen : d_.axes) {
@@ -671,16 +672,16 @@ void Loader::BuildIndexes() {
                      [&](std::uint32_t x, std::uint32_t y) { return key(x) < key(y); });
     for (std::size_t i = 1; i < d_.codeIndex.size(); ++i) {
         if (key(d_.codeIndex[i]) == key(d_.codeIndex[i - 1]))
-            Refuse(origins_[d_.codeIndex[i]].place,
-                   "duplicate code, also used by " + origins_[d_.codeIndex[i - 1]].place);
+            Refuse(origins_[d_.codeIndex[i]].Where(),
+                   "duplicate code, also used by " + origins_[d_.codeIndex[i - 1]].Where());
     }
     std::stable_sort(d_.addressIndex.begin(), d_.addressIndex.end(),
                      [](const auto& x, const auto& y) { return x.first < y.first; });
     for (std::size_t i = 1; i < d_.addressIndex.size(); ++i) {
         if (d_.addressIndex[i].first == d_.addressIndex[i - 1].first)
-            Refuse(origins_[d_.addressIndex[i].second].place,
+            Refuse(origins_[d_.addressIndex[i].second].Where(),
                    "duplicate address " + Hex(d_.addressIndex[i].first) + ", also used by " +
-                       origins_[d_.addressIndex[i - 1].second].place);
+                       origins_[d_.addressIndex[i - 1].second].Where());
     }
 }
 
@@ -699,9 +700,9 @@ void Loader::ResolveLinks() {
             return target;
         };
         if (!l.minLink.empty())
-            p.minLink = resolve(l.minLink, l.minPlace);
+            p.minLink = resolve(l.minLink, origins_[i].Where(".minLink"));
         if (!l.maxLink.empty())
-            p.maxLink = resolve(l.maxLink, l.maxPlace);
+            p.maxLink = resolve(l.maxLink, origins_[i].Where(".maxLink"));
     }
 }
 
@@ -926,7 +927,7 @@ void Loader::CheckPerUnitIds() {
     for (std::size_t i = 0; i < d_.parameters.size(); ++i) {
         const ParameterDef& p = d_.parameters[i];
         if (p.perUnitBaseId != 0 && !d_.FindPerUnitTable(p.perUnitBaseId))
-            Refuse(origins_[i].place + ".perUnitBase",
+            Refuse(origins_[i].Where(".perUnitBase"),
                    "no per-unit table " + std::to_string(p.perUnitBaseId));
     }
 }
