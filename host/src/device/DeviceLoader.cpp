@@ -190,7 +190,7 @@ private:
     void LoadNamed(const QJsonArray& a, const std::string& place, std::vector<NamedVariable>& out);
     void LoadConnectors(const QJsonArray& a);
     void LoadPerUnit(const QJsonArray& a);
-    void CheckPerUnitIds();
+    void CheckTables(); // per-unit ids and connector kinds that parameters rely on
 };
 
 TextRef Loader::Intern(const std::string& s) {
@@ -923,12 +923,40 @@ void Loader::LoadPerUnit(const QJsonArray& a) {
     }
 }
 
-void Loader::CheckPerUnitIds() {
+void Loader::CheckTables() {
+    // The drop-down of a connector parameter ends in the name of its kind.
+    static const std::pair<const char*, ConnectorKind> kConnectorNames[] = {
+        {"B连接器", ConnectorKind::B},
+        {"K连接器", ConnectorKind::K},
+        {"F连接器", ConnectorKind::F},
+        {"KF连接器", ConnectorKind::KF},
+        {"BKF连接器", ConnectorKind::BKF}};
     for (std::size_t i = 0; i < d_.parameters.size(); ++i) {
         const ParameterDef& p = d_.parameters[i];
         if (p.perUnitBaseId != 0 && !d_.FindPerUnitTable(p.perUnitBaseId))
             Refuse(origins_[i].Where(".perUnitBase"),
                    "no per-unit table " + std::to_string(p.perUnitBaseId));
+        if (p.perUnitBaseId != 0 && p.displayFormat != DisplayFormat::PerUnit)
+            Refuse(origins_[i].Where(".perUnitBase"), "a per-unit base needs display 2");
+        const ValueInfo* info = d_.ValueInfoOf(p);
+        if (!info || info->kind != ValueInfoKind::Enumeration)
+            continue;
+        std::string_view last = d_.Text(info->enumeration.back().text);
+        for (const auto& [name, kind] : kConnectorNames) {
+            if (last != name)
+                continue;
+            bool served = false;
+            for (const ConnectorGroupDef& c : d_.connectors) {
+                served = served || (kind == ConnectorKind::BKF) ||
+                         (kind == ConnectorKind::KF &&
+                          (c.kind == ConnectorKind::K || c.kind == ConnectorKind::F)) ||
+                         c.kind == kind;
+            }
+            if (!served)
+                Refuse(origins_[i].Where(".values"),
+                       std::string("connector parameter of kind \"") + name +
+                           "\" without a connector group of that kind");
+        }
     }
 }
 
@@ -974,7 +1002,7 @@ void Loader::Load(const QJsonObject& root) {
     LoadNamed(Array(root, "functions", ""), "functions", d_.functions);
     LoadConnectors(Array(root, "connectors", ""));
     LoadPerUnit(Array(root, "perUnitBases", ""));
-    CheckPerUnitIds();
+    CheckTables();
 }
 
 std::string LineAndColumn(std::string_view text, std::size_t offset) {
