@@ -37,7 +37,8 @@ class Group:
     def p(self, name, en, type="u16", index=None, **kw):
         if index is None:
             index = self.next
-        self.next = index + 1
+        # A 32- or 64-bit value takes two or four 16-bit registers; the next code follows them.
+        self.next = index + {"i32": 2, "u32": 2, "f32": 2, "f64": 4}.get(type, 1)
         code = "%s-%02d" % (self.name, index)
         entry = {"code": code, "name": name, "nameEn": en}
         entry["address"] = "0x%04X" % (self.number * 256 + index)
@@ -48,8 +49,20 @@ class Group:
         self.params.append(entry)
         return code
 
-    def skip(self, count=1):
-        self.next += count
+    def set(self, code, **kw):
+        """Adds fields to a parameter already made, for limits that follow each other."""
+        for p in self.params:
+            if p["code"] == code:
+                p.update(kw)
+                return
+        raise KeyError(code)
+
+    def code_of(self, name):
+        """The code of the parameter called name, so tables never repeat a number by hand."""
+        for p in self.params:
+            if p["name"] == name:
+                return p["code"]
+        raise KeyError(name)
 
     def group_json(self, children=None):
         g = {"name": self.name, "description": self.description, "descriptionEn": self.en}

@@ -33,38 +33,36 @@ def build():
     groups = []
 
     g = Group(0x00, "基本功能组", "Basic functions")
-    g.p("GP类型显示", "G/P type", fac=1, min=1, max=2, modify=2,
-        values=enum((1, "G型(恒转矩负载机型)", "G: constant torque"), (2, "P型(风机水泵类机型)", "P: fan and pump")))
+    g.p("负载类型", "Load type", fac=1, min=1, max=2, modify=2,
+        values=enum((1, "重载(恒转矩负载)", "Heavy duty: constant torque"), (2, "轻载(风机水泵负载)", "Light duty: fan and pump")))
     g.p("电机控制方式", "Motor control mode", fac=2, max=2, modify=1,
         values=enum((0, "无速度传感器矢量控制", "Sensorless vector"),
                     (1, "有速度传感器矢量控制", "Closed-loop vector"), (2, "V/F控制", "V/F")))
     g.p("命令源选择", "Command source", fac=0, max=2,
         values=enum((0, "操作面板命令通道", "Keypad"), (1, "端子命令通道", "Terminals"),
                     (2, "通讯命令通道", "Communication")))
-    g.p("主频率源X选择", "Main frequency source X", fac=0, max=9, modify=1,
+    g.p("主频率给定源", "Main frequency source", fac=0, max=9, modify=1,
         values=enum((0, "数字设定(预置频率,掉电不记忆)", "Digital, not kept"),
                     (1, "数字设定(预置频率,掉电记忆)", "Digital, kept"), (2, "AI1", "AI1"),
                     (3, "AI2", "AI2"), (4, "面板电位器", "Keypad potentiometer"),
                     (5, "高速脉冲", "Pulse input"), (6, "多段指令", "Multi-speed"),
                     (7, "简易PLC", "Simple PLC"), (8, "PID", "PID"), (9, "通讯给定", "Communication")))
-    g.skip(4)
-    g.p("预置频率", "Preset frequency", unit="Hz", dec=2, fac=5000, min=0, maxLink="H00-10")
-    g.skip()
-    g.p("最大频率", "Maximum frequency", unit="Hz", dec=2, fac=5000, min=5000, max=50000,
-        modify=1)
-    g.p("上限频率", "Upper frequency limit", unit="Hz", dec=2, fac=5000, minLink="H00-14",
-        maxLink="H00-10")
-    g.skip(2)
-    g.p("下限频率", "Lower frequency limit", unit="Hz", dec=2, fac=0, min=0, maxLink="H00-11")
+    # Frequencies are bounded by each other: lower <= upper <= maximum.
+    fmax = g.p("最大频率", "Maximum frequency", unit="Hz", dec=2, fac=5000, min=5000,
+               max=50000, modify=1)
+    upper = g.p("上限频率", "Upper frequency limit", unit="Hz", dec=2, fac=5000, maxLink=fmax)
+    lower = g.p("下限频率", "Lower frequency limit", unit="Hz", dec=2, fac=0, min=0,
+                maxLink=upper)
+    g.set(upper, minLink=lower)
+    g.p("预置频率", "Preset frequency", unit="Hz", dec=2, fac=5000, min=0, maxLink=upper)
     g.p("载波频率", "Carrier frequency", unit="kHz", dec=1, fac=60, min=5, max=160)
-    g.skip()
     g.p("加速时间1", "Acceleration time 1", unit="s", dec=1, fac=200, max=65000)
     g.p("减速时间1", "Deceleration time 1", unit="s", dec=1, fac=200, max=65000)
     g.p("运行方向", "Run direction", fac=0, max=1,
         values=enum((0, "方向一致", "As commanded"), (1, "方向相反", "Reversed")))
     groups.append(g)
 
-    g = Group(0x01, "第一电机参数", "Motor 1 parameters")
+    g = Group(0x01, "电机参数", "Motor parameters")
     g.p("电机类型选择", "Motor type", fac=0, max=2, modify=1,
         values=enum((0, "普通异步电机", "Induction motor"), (1, "变频异步电机", "Inverter-duty motor"),
                     (2, "永磁同步电机", "PM synchronous motor")))
@@ -73,10 +71,9 @@ def build():
     g.p("电机额定电压", "Motor rated voltage", unit="V", fac=380, min=1, max=2000, modify=1)
     g.p("电机额定电流", "Motor rated current", unit="A", dec=2, fac=1500, min=1, max=65535,
         modify=1)
-    g.p("电机额定频率", "Motor rated frequency", unit="Hz", dec=2, fac=5000, min=1,
-        maxLink="H00-10", modify=1)
+    rated_freq = g.p("电机额定频率", "Motor rated frequency", unit="Hz", dec=2, fac=5000, min=1,
+        maxLink=fmax, modify=1)
     g.p("电机额定转速", "Motor rated speed", unit="rpm", fac=1460, min=1, max=65535, modify=1)
-    g.skip()
     g.p("异步电机定子电阻", "Stator resistance", unit="Ω", dec=3, fac=850, max=65535, modify=1,
         access=3)
     g.p("异步电机转子电阻", "Rotor resistance", unit="Ω", dec=3, fac=760, max=65535, modify=1,
@@ -87,7 +84,6 @@ def build():
         modify=1, access=3)
     g.p("异步电机空载电流", "No-load current", unit="A", dec=2, fac=520, max=65535, modify=1,
         access=3)
-    g.next = 37
     g.p("调谐选择", "Auto-tuning", fac=0, max=2, modify=1, changeTracked=False,
         values=enum((0, "无操作", "None"), (1, "异步机静止调谐", "Static"), (2, "异步机动态完整调谐", "Rotating")))
     groups.append(g)
@@ -96,15 +92,15 @@ def build():
     g.p("速度环比例增益1", "Speed loop P gain 1", fac=30, min=1, max=100)
     g.p("速度环积分时间1", "Speed loop integral time 1", unit="s", dec=2, fac=50, min=1,
         max=1000)
-    g.p("切换频率1", "Switch frequency 1", unit="Hz", dec=2, fac=500, maxLink="H02-05")
+    switch1 = g.p("切换频率1", "Switch frequency 1", unit="Hz", dec=2, fac=500)
     g.p("速度环比例增益2", "Speed loop P gain 2", fac=20, min=1, max=100)
     g.p("速度环积分时间2", "Speed loop integral time 2", unit="s", dec=2, fac=100, min=1,
         max=1000)
-    g.p("切换频率2", "Switch frequency 2", unit="Hz", dec=2, fac=1000, minLink="H02-02",
-        maxLink="H00-10")
+    switch2 = g.p("切换频率2", "Switch frequency 2", unit="Hz", dec=2, fac=1000, minLink=switch1,
+        maxLink=fmax)
+    g.set(switch1, maxLink=switch2)
     g.p("矢量控制转差增益", "Slip compensation gain", unit="%", fac=100, min=50, max=200)
     g.p("速度环滤波时间常数", "Speed loop filter", unit="s", dec=3, fac=0, max=100)
-    g.skip()
     g.p("速度控制方式下转矩上限源", "Torque limit source", fac=0, max=3,
         values=enum((0, "功能码设定", "Parameter"), (1, "AI1", "AI1"), (2, "AI2", "AI2"),
                     (3, "通讯给定", "Communication")))
@@ -117,28 +113,26 @@ def build():
         values=enum((0, "直线V/F", "Linear"), (1, "多点V/F", "Multi-point"), (2, "平方V/F", "Square"),
                     (3, "1.2次方V/F", "Power 1.2"), (4, "1.4次方V/F", "Power 1.4")))
     g.p("转矩提升", "Torque boost", unit="%", dec=1, fac=0, max=300)
-    g.p("转矩提升截止频率", "Boost cut-off", unit="Hz", dec=2, fac=5000, maxLink="H00-10")
+    g.p("转矩提升截止频率", "Boost cut-off", unit="Hz", dec=2, fac=5000, maxLink=fmax)
     for n in range(1, 4):
-        g.p("多点VF频率点F%d" % n, "V/F frequency F%d" % n, unit="Hz", dec=2, fac=0,
-            maxLink="H01-04")
-        g.p("多点VF电压点V%d" % n, "V/F voltage V%d" % n, unit="%", dec=1, fac=0, max=1000)
+        g.p("自定义V/F频率点%d" % n, "Custom V/F frequency %d" % n, unit="Hz", dec=2, fac=0,
+            maxLink=rated_freq)
+        g.p("自定义V/F电压点%d" % n, "Custom V/F voltage %d" % n, unit="%", dec=1, fac=0, max=1000)
     g.p("VF转差补偿增益", "V/F slip compensation", unit="%", dec=1, fac=0, max=2000)
-    g.p("VF过励磁增益", "Overexcitation gain", fac=64, max=200)
-    g.p("VF振荡抑制增益", "Oscillation suppression gain", fac=40, max=100)
+    g.p("过励磁抑制增益", "Overexcitation gain", fac=64, max=200)
+    g.p("振荡抑制增益", "Oscillation suppression gain", fac=40, max=100)
     groups.append(g)
 
     g = Group(0x04, "输入端子", "Input terminals")
     for n in range(1, 9):
         g.p("X%d端子功能选择" % n, "X%d function" % n, fac=[1, 2, 9, 12, 13, 0, 0, 0][n - 1],
             max=30, modify=1, values="XFunction")
-    g.next = 10
     g.p("X端子滤波时间", "X filter time", unit="s", dec=3, fac=10, max=1000)
     g.p("端子命令方式", "Terminal command mode", fac=0, max=3, modify=1,
         values=enum((0, "两线式1", "Two-wire 1"), (1, "两线式2", "Two-wire 2"), (2, "三线式1", "Three-wire 1"),
                     (3, "三线式2", "Three-wire 2")))
     g.p("X端子有效模式选择", "X active level", fac=0, max=255, display=1,
         values=bits(*[(b, "X%d低电平有效" % (b + 1), "X%d active low" % (b + 1)) for b in range(8)]))
-    g.next = 13
     for n in (1, 2):
         g.p("AI%d最小输入" % n, "AI%d minimum input" % n, unit="V", dec=2, fac=0, max=1000)
         g.p("AI%d最小输入对应设定" % n, "AI%d setting at minimum" % n, type="i16", unit="%",
@@ -150,9 +144,9 @@ def build():
     groups.append(g)
 
     g = Group(0x05, "输出端子", "Output terminals")
-    g.p("FM端子输出模式选择", "FM output mode", fac=0, max=1,
-        values=enum((0, "脉冲输出(FMP)", "Pulse"), (1, "开关量输出(FMR)", "Switch")))
-    g.p("控制板继电器功能(TA-TB-TC)", "Relay function", fac=2, max=12, values="YFunction")
+    g.p("高速输出端子模式", "Fast output mode", fac=0, max=1,
+        values=enum((0, "脉冲输出", "Pulse"), (1, "开关量输出", "Switch")))
+    g.p("继电器输出功能", "Relay function", fac=2, max=12, values="YFunction")
     g.p("Y1输出功能选择", "Y1 function", fac=1, max=12, values="YFunction")
     g.p("Y2输出功能选择", "Y2 function", fac=0, max=12, values="YFunction")
     g.p("AO1输出功能选择", "AO1 function", fac=0, max=7,
@@ -180,11 +174,10 @@ def build():
     g.p("加减速方式", "Ramp shape", fac=0, max=2, modify=1,
         values=enum((0, "直线加减速", "Linear"), (1, "S曲线加减速A", "S-curve A"),
                     (2, "S曲线加减速B", "S-curve B")))
-    g.next = 10
     g.p("停机方式", "Stop mode", fac=0, max=1,
         values=enum((0, "减速停车", "Ramp to stop"), (1, "自由停车", "Coast")))
     g.p("停机直流制动起始频率", "Stop DC braking frequency", unit="Hz", dec=2, fac=0,
-        maxLink="H00-10")
+        maxLink=fmax)
     g.p("停机直流制动电流", "Stop DC braking current", unit="%", fac=0, max=100)
     g.p("停机直流制动时间", "Stop DC braking time", unit="s", dec=1, fac=0, max=1000)
     groups.append(g)
@@ -192,34 +185,34 @@ def build():
     g = Group(0x07, "键盘与显示", "Keypad and display")
     g.p("STOP/RESET键功能", "STOP/RESET key", fac=1, max=1,
         values=enum((0, "只在键盘操作方式下有效", "Keypad mode only"), (1, "在任何操作方式下均有效", "Always")))
-    g.p("LED运行显示参数1", "Running display 1", fac=31, max=65535, display=1,
+    g.p("运行状态显示项目", "Running display 1", fac=31, max=65535, display=1,
         values=bits((0, "运行频率", "Output frequency"), (1, "设定频率", "Set frequency"),
                     (2, "母线电压", "DC bus voltage"), (3, "输出电压", "Output voltage"),
                     (4, "输出电流", "Output current"), (5, "输出功率", "Output power"),
                     (6, "输出转矩", "Output torque"), (7, "X输入状态", "X inputs")))
-    g.p("LED停机显示参数", "Stopped display", fac=51, max=65535, display=1,
+    g.p("停机状态显示项目", "Stopped display", fac=51, max=65535, display=1,
         values=bits((0, "设定频率", "Set frequency"), (1, "母线电压", "DC bus voltage"),
                     (2, "X输入状态", "X inputs"), (3, "输出状态", "Outputs"), (4, "AI1电压", "AI1"),
                     (5, "AI2电压", "AI2")))
     g.p("负载速度显示系数", "Load speed factor", dec=4, fac=10000, min=1, max=65000)
-    g.p("逆变器模块散热器温度", "Heat sink temperature", unit="℃", dec=1, modify=2,
+    g.p("散热器温度", "Heat sink temperature", unit="℃", dec=1, modify=2,
         changeTracked=False)
     g.p("累计运行时间", "Total running time", unit="h", modify=2, changeTracked=False)
     g.p("产品号", "Product number", modify=2, display=1, access=3)
     g.p("软件版本号", "Software version", dec=2, modify=2)
-    g.p("用户密码", "User password", fac=0, max=65535, display=4, changeTracked=False)
+    user_pw = g.p("用户密码", "User password", fac=0, max=65535, display=4, changeTracked=False)
     groups.append(g)
 
     g = Group(0x08, "辅助功能", "Auxiliary functions")
-    g.p("点动运行频率", "Jog frequency", unit="Hz", dec=2, fac=200, maxLink="H00-10")
+    g.p("点动运行频率", "Jog frequency", unit="Hz", dec=2, fac=200, maxLink=fmax)
     g.p("点动加速时间", "Jog acceleration", unit="s", dec=1, fac=200, max=65000)
     g.p("点动减速时间", "Jog deceleration", unit="s", dec=1, fac=200, max=65000)
     for n in (2, 3, 4):
         g.p("加速时间%d" % n, "Acceleration time %d" % n, unit="s", dec=1, fac=200, max=65000)
         g.p("减速时间%d" % n, "Deceleration time %d" % n, unit="s", dec=1, fac=200, max=65000)
-    g.p("跳跃频率1", "Skip frequency 1", unit="Hz", dec=2, fac=0, maxLink="H00-10")
-    g.p("跳跃频率2", "Skip frequency 2", unit="Hz", dec=2, fac=0, maxLink="H00-10")
-    g.p("跳跃频率幅度", "Skip band", unit="Hz", dec=2, fac=0, maxLink="H00-10")
+    g.p("跳跃频率1", "Skip frequency 1", unit="Hz", dec=2, fac=0, maxLink=fmax)
+    g.p("跳跃频率2", "Skip frequency 2", unit="Hz", dec=2, fac=0, maxLink=fmax)
+    g.p("跳跃频率幅度", "Skip band", unit="Hz", dec=2, fac=0, maxLink=fmax)
     g.p("正反转死区时间", "Forward/reverse dead time", unit="s", dec=1, fac=0, max=30000)
     g.p("反转控制使能", "Reverse enable", fac=0, max=1,
         values=enum((0, "允许", "Allowed"), (1, "禁止", "Forbidden")))
@@ -237,7 +230,6 @@ def build():
     g.p("过流失速增益", "Overcurrent stall gain", fac=20, max=100)
     g.p("过流失速保护电流", "Overcurrent stall current", unit="%", fac=150, min=100, max=200)
     g.p("上电对地短路保护选择", "Ground short check at power-up", fac=1, max=1, values="OnOff")
-    g.skip()
     g.p("故障自动复位次数", "Automatic resets", fac=0, max=20)
     g.p("故障自动复位间隔时间", "Reset interval", unit="s", dec=1, fac=10, min=1, max=1000)
     g.p("输入缺相保护选择", "Input phase loss protection", fac=1, max=1, values="OnOff")
@@ -314,7 +306,7 @@ def build():
     groups.append(g)
 
     g = Group(0x0F, "厂家参数", "Factory parameters", access=3)
-    g.p("厂家密码", "Factory password", fac=0, max=65535, display=4, access=3,
+    factory_pw = g.p("厂家密码", "Factory password", fac=0, max=65535, display=4, access=3,
         changeTracked=False, transferable=False)
     g.p("电流检测校正系数", "Current sensing correction", dec=3, fac=1000, min=500, max=1500,
         modify=1, effect=2, access=3)
@@ -372,7 +364,7 @@ def build():
         "groups": [grp.group_json() for grp in groups],
         "categories": categories,
         "namedVariables": [
-            {"name": "InputPassword", "code": "H07-08"},
-            {"name": "Factory", "code": "H0F-00"}],
+            {"name": "InputPassword", "code": user_pw},
+            {"name": "Factory", "code": factory_pw}],
     }
     return doc

@@ -64,17 +64,16 @@ def axis_groups():
         max=1073741824, modify=1, access=1)
     g.p("电子齿轮比分母", "Gear ratio denominator", type="u32", fac=10000, min=1,
         max=1073741824, modify=1, access=1)
-    g.skip()
     g.p("位置指令平滑时间", "Position smoothing time", unit="ms", dec=1, fac=0, max=65535,
         modify=1, access=1)
     g.p("定位完成幅值", "Positioning completed window", fac=734, min=1, max=65535, access=1)
-    g.p("位置偏差过大阈值", "Excessive deviation threshold", type="u32", fac=27486951,
+    g.p("位置偏差过大阈值", "Excessive deviation threshold", type="u32", fac=3000000,
         max=1073741824, access=1)
     groups.append(g)
 
     g = Group(0x06, "速度控制参数", "Speed control parameters")
-    g.p("最大转速限制", "Maximum speed limit", unit="rpm", fac=6000, max=6000, access=1)
-    g.p("点动速度", "Jog speed", unit="rpm", fac=100, maxLink="H06-00", access=0)
+    top = g.p("最大转速限制", "Maximum speed limit", unit="rpm", fac=6000, max=6000, access=1)
+    g.p("点动速度", "Jog speed", unit="rpm", fac=100, maxLink=top, access=0)
     g.p("加速时间", "Acceleration time", unit="ms", fac=0, max=65535, access=1)
     g.p("减速时间", "Deceleration time", unit="ms", fac=0, max=65535, access=1)
     g.p("零速输出信号阈值", "Zero speed threshold", unit="rpm", fac=10, min=1, max=6000,
@@ -108,7 +107,6 @@ def axis_groups():
         values=bits((0, "准备好", "Ready"), (1, "使能", "Enabled"), (2, "故障", "Fault"),
                     (3, "警告", "Warning"), (4, "定位完成", "In position")))
     g.p("位置偏差", "Position deviation", type="i32", unit="编码器单位", **mon)
-    g.skip()
     g.p("相电流有效值", "Phase current RMS", unit="A", dec=2, **mon)
     g.p("当前故障码", "Present fault code", display=1, **mon)
     groups.append(g)
@@ -129,7 +127,6 @@ def build():
         values=enum((0, "内置", "Built-in"), (1, "外接", "External"), (2, "不使用", "None")))
     g.p("风扇控制方式", "Fan control", fac=0, max=1, access=2,
         values=enum((0, "温度控制", "By temperature"), (1, "常开", "Always on")))
-    g.next = 10
     g.p("密码输入", "Password input", fac=0, max=65535, display=4, changeTracked=False,
         transferable=False)
     g.p("厂家访问码", "Factory access code", fac=0, max=65535, display=4, access=3,
@@ -159,13 +156,13 @@ def build():
     for n in range(1, 10):
         g.p("控制功能字%d" % n, "Control function word %d" % n, type="u32", max=4294967295,
             **fixed)
-    g.next = 20
     for t, e in (("功能版本", "Function version"), ("功能临时版本", "Function temporary version"),
                  ("性能版本", "Performance version"), ("性能临时版本", "Performance temporary version")):
         g.p(t, e, type="u32", max=4294967295, **fixed)
     common.append(g)
 
     names = ("轴1", "轴2", "轴3", "轴4")
+    shared, version = common[0], common[2]
     doc = {
         "format": 1,
         "product": {
@@ -183,19 +180,18 @@ def build():
         "axes": [{"name": names[i], "nameEn": "Axis %d" % (i + 1), "key": "A%d" % (i + 1),
                   "addressBase": "0x%04X" % (i * 0x2000)} for i in range(4)],
         "namedVariables": [
-            {"name": "InputPassword", "code": "H80-10"},
-            {"name": "Factory", "code": "H80-11"},
-            {"name": "TempAuthority", "code": "H80-12"},
-            {"name": "Authority", "code": "H80-13"}],
-        "functions": [{"name": "ControlFunction%d" % n, "code": "H82-%02d" % (n - 1)}
+            {"name": "InputPassword", "code": shared.code_of("密码输入")},
+            {"name": "Factory", "code": shared.code_of("厂家访问码")},
+            {"name": "TempAuthority", "code": shared.code_of("临时访问权限")},
+            {"name": "Authority", "code": shared.code_of("当前访问权限")}],
+        "functions": [{"name": "ControlFunction%d" % n, "code": version.code_of("控制功能字%d" % n)}
                       for n in range(1, 10)] + [
-            {"name": "FunctionVersion", "code": "H82-20"},
-            {"name": "FunctionTempVersion", "code": "H82-21"},
-            {"name": "PerformanceVersion", "code": "H82-22"},
-            {"name": "PerformanceTempVersion", "code": "H82-23"}],
+            {"name": key, "code": version.code_of(name)} for key, name in (
+                ("FunctionVersion", "功能版本"), ("FunctionTempVersion", "功能临时版本"),
+                ("PerformanceVersion", "性能版本"), ("PerformanceTempVersion", "性能临时版本"))],
         "perUnitBases": [
             {"id": 1, "bases": [{"name": "轴1电机额定转矩", "nameEn": "Axis 1 motor rated torque",
-                                 "code": "H00-02"}]}],
+                                 "code": axis[0].code_of("额定转矩")}]}],
     }
     del doc["valueInfos"]
     return doc

@@ -64,7 +64,7 @@ def build():
 
     # --- H00 motor: written at the factory, seen at level 3 only.
     g = Group(0x00, "伺服电机参数", "Servo motor parameters", access=3)
-    g.p("电机编号", "Motor code", fac=14000, max=65535, effect=2, access=3,
+    g.p("电机编号", "Motor code", fac=2107, max=65535, effect=2, access=3,
         info="更换电机后须重新设定并再次通电。", infoEn="Set again after a motor change, then cycle power.")
     g.p("用户电机编号", "User motor code", fac=0, max=65535, modify=2, access=3)
     g.p("编码器版本号", "Encoder version", dec=1, fac=0, max=65535, modify=2, access=3)
@@ -167,7 +167,6 @@ def build():
                     (1, "以CW方向为正转方向", "CW is forward")))
     g.p("输出脉冲相位", "Output pulse phase", fac=0, max=1, modify=1, effect=2, access=1,
         values=enum((0, "正转时A超前B", "A leads B forward"), (1, "正转时A滞后B", "A lags B forward")))
-    g.skip()
     g.p("伺服使能OFF停机方式", "Stop mode at servo OFF", type="i16", fac=0, min=-3, max=1,
         modify=1, access=1,
         values=enum((-3, "零速停机,保持DB状态", "Zero-speed stop, keep DB"),
@@ -197,11 +196,9 @@ def build():
         min=20, max=3000, access=1)
     g.p("旋转状态伺服使能OFF至抱闸输出OFF延时", "Servo OFF to brake engage delay in motion",
         unit="ms", fac=500, min=1, max=1000, access=1)
-    g.skip()
     g.p("LED警告显示选择", "LED warning display", fac=0, max=1, access=1,
         values=enum((0, "立即输出LED警告显示", "Show warnings at once"),
                     (1, "不输出LED警告显示", "Hide warnings")))
-    g.skip()
     g.p("电阻制动能量吸收选择", "Braking resistor selection", fac=0, max=3, modify=1,
         access=1,
         values=enum((0, "使用内置制动电阻", "Built-in resistor"),
@@ -218,7 +215,6 @@ def build():
         access=2)
     g.p("内置制动电阻阻值", "Built-in resistor value", unit="Ω", fac=50, max=1000, modify=2,
         access=2)
-    g.skip(8)
     g.p("用户密码", "User password", fac=0, max=65535, display=4, access=0,
         changeTracked=False,
         info="设定后,再次进入参数时须先输入该密码。", infoEn="Once set, it is asked for before parameters can be edited.")
@@ -239,7 +235,6 @@ def build():
              "options": [opt(0, "故障码", "Fault code"), opt(1, "故障码与监视值交替", "Alternate")]},
             {"text": "按键锁定", "textEn": "Key lock", "digit": 3,
              "options": [opt(0, "不锁定", "Unlocked"), opt(1, "锁定", "Locked")]}]})
-    g.skip(8)
     g.p("厂家密码", "Factory password", index=41, fac=0, max=65535, display=4, access=3,
         changeTracked=False, transferable=False,
         info="用于开放厂家参数,断电后失效。", infoEn="Opens the factory parameters until power-off.")
@@ -247,30 +242,27 @@ def build():
 
     # --- H03 terminal inputs.
     g = Group(0x03, "端子输入参数", "Input terminal parameters")
-    g.p("上电有效的DI功能分配1", "DI functions active at power-up 1", fac=0, max=65535,
+    g.p("上电即生效的输入功能1", "DI functions active at power-up 1", fac=0, max=65535,
         display=1, effect=2, access=2,
-        values=bits(*[(b, "FunIN.%d" % (b + 1), "FunIN.%d" % (b + 1)) for b in range(16)]))
-    g.p("上电有效的DI功能分配2", "DI functions active at power-up 2", fac=0, max=65535,
+        values=bits(*[(b, "输入功能%d" % (b + 1), "Input function %d" % (b + 1)) for b in range(16)]))
+    g.p("上电即生效的输入功能2", "DI functions active at power-up 2", fac=0, max=65535,
         display=1, effect=2, access=2,
-        values=bits(*[(b, "FunIN.%d" % (b + 17), "FunIN.%d" % (b + 17)) for b in range(16)]))
+        values=bits(*[(b, "输入功能%d" % (b + 17), "Input function %d" % (b + 17)) for b in range(16)]))
     for n in range(1, 10):
-        g.p("DI%d端子功能选择" % n, "DI%d function" % n, index=2 * n, fac=[1, 2, 14, 15, 3, 0,
+        g.p("DI%d端子功能选择" % n, "DI%d function" % n, fac=[1, 2, 14, 15, 3, 0,
                                                                        31, 30, 0][n - 1],
             max=34, effect=3, access=1, values="DiFunction")
-        g.p("DI%d端子逻辑选择" % n, "DI%d logic" % n, index=2 * n + 1, fac=0, max=4, effect=3,
+        g.p("DI%d端子逻辑选择" % n, "DI%d logic" % n, fac=0, max=4, effect=3,
             access=1, values="DiLogic")
-    g.next = 50
     for n, code in ((1, "AI1"), (2, "AI2")):
         g.p("%s偏置" % code, "%s offset" % code, type="i16", unit="mV", fac=0, min=-5000,
             max=5000, access=1)
         g.p("%s输入滤波时间常数" % code, "%s filter time" % code, unit="ms", dec=2, fac=200,
             max=65535, access=1)
-        g.skip()
         g.p("%s死区" % code, "%s dead band" % code, unit="mV", dec=1, fac=100, max=10000,
             access=1)
         g.p("%s零漂" % code, "%s zero drift" % code, type="i16", unit="mV", dec=1, fac=0,
             min=-5000, max=5000, access=1)
-    g.next = 80
     g.p("模拟量10V对应速度值", "Speed at 10 V", unit="rpm", fac=3000, max=6000, access=1)
     g.p("模拟量10V对应转矩值", "Torque at 10 V", unit="倍额定转矩", dec=2, fac=100, max=800,
         access=1)
@@ -283,12 +275,9 @@ def build():
             effect=3, access=1, values="DoFunction")
         g.p("DO%d端子逻辑电平选择" % n, "DO%d logic" % n, fac=0, max=1, effect=3, access=1,
             values="DoLogic")
-    g.next = 22
     g.p("DO来源选择", "DO source", fac=0, max=31, display=1, access=2,
         values=bits(*[(b, "DO%d来源为通讯" % (b + 1), "DO%d from communication" % (b + 1))
                       for b in range(5)]))
-    g.skip(27)
-    g.next = 50
     for n in (1, 2):
         g.p("AO%d信号选择" % n, "AO%d signal" % n, fac=n - 1, max=9, access=1,
             values=enum((0, "电机转速", "Motor speed"), (1, "速度指令", "Speed command"),
@@ -311,13 +300,10 @@ def build():
         access=1)
     g.p("电机每旋转1圈的位置指令数", "Position commands per revolution", type="u32",
         unit="P/r", fac=0, max=1073741824, modify=1, effect=2, access=1)
-    g.skip()
     g.p("一阶低通滤波时间常数", "First-order smoothing time", unit="ms", dec=1, fac=0,
         max=65535, modify=1, access=1)
-    g.skip()
     g.p("平均值滤波时间常数", "Moving-average time", unit="ms", dec=1, fac=0, max=1280,
         modify=1, access=1)
-    g.next = 7
     g.p("电子齿轮比1(分子)", "Gear ratio 1 numerator", type="u32", fac=8388608, min=1,
         max=1073741824, modify=1, access=1)
     g.p("电子齿轮比1(分母)", "Gear ratio 1 denominator", type="u32", fac=10000, min=1,
@@ -326,7 +312,6 @@ def build():
         max=1073741824, modify=1, access=1)
     g.p("电子齿轮比2(分母)", "Gear ratio 2 denominator", type="u32", fac=10000, min=1,
         max=1073741824, modify=1, access=1)
-    g.next = 15
     g.p("脉冲指令形态", "Pulse input form", fac=0, max=255, display=1, modify=1, effect=2,
         access=1,
         values={"bitRanges": [
@@ -344,14 +329,11 @@ def build():
         values=enum((0, "伺服使能OFF及发生故障时清除", "At servo OFF and fault"),
                     (1, "伺服使能OFF及发生故障和警告时清除", "At servo OFF, fault, warning"),
                     (2, "通过DI功能清除", "By DI function")))
-    g.skip()
     g.p("编码器分频脉冲数", "Encoder divider output", type="u32", unit="P/r", fac=2500,
         min=35, max=32767, modify=1, effect=2, access=1)
-    g.skip()
     g.p("速度前馈控制选择", "Speed feed-forward source", fac=1, max=3, access=1,
         values=enum((0, "无速度前馈", "None"), (1, "内部速度前馈", "Internal"),
                     (2, "将AI1用作速度前馈输入", "AI1"), (3, "将AI2用作速度前馈输入", "AI2")))
-    g.skip()
     g.p("定位完成输出条件", "Positioning completed condition", fac=0, max=3, access=1,
         values=enum((0, "位置偏差绝对值小于阈值时输出", "Deviation below threshold"),
                     (1, "位置偏差绝对值小于阈值且滤波后指令为0时输出",
@@ -371,7 +353,6 @@ def build():
         access=1)
     g.p("中断定长加减速时间", "Interrupt positioning ramp", unit="ms", fac=10, max=1000,
         access=1)
-    g.skip()
     g.p("中断定长完成后锁定", "Lock after interrupt positioning", fac=1, max=1, access=1,
         values="OnOff")
     g.p("原点复归使能控制", "Homing control", fac=0, max=6, access=1,
@@ -402,24 +383,25 @@ def build():
         access=1)
     g.p("机械原点偏移量", "Home offset", type="i32", unit="指令单位", fac=0,
         min=-1073741824, max=1073741824, access=1)
-    g.skip(6)
     g.p("位置偏差过大阈值", "Excessive position deviation", type="u32", unit="编码器单位",
-        fac=27486951, max=1073741824, access=1, minLink=win,
+        fac=3000000, max=1073741824, access=1, minLink=win,
         info="下限跟随定位接近幅值。", infoEn="Never below the near-positioning window.")
     groups.append(g)
 
     # --- H06 speed control, with limits that follow each other.
     g = Group(0x06, "速度控制参数", "Speed control parameters")
     g.p("主速度指令A来源", "Main speed command A source", fac=0, max=2, modify=1, access=1,
-        values=enum((0, "数字给定(H06-03)", "Digital (H06-03)"), (1, "AI1", "AI1"), (2, "AI2", "AI2")))
+        values=enum((0, "键盘数字给定", "Keypad setting"), (1, "AI1", "AI1"), (2, "AI2", "AI2")))
     g.p("辅助速度指令B来源", "Auxiliary speed command B source", fac=1, max=5, modify=1,
         access=1,
-        values=enum((0, "数字给定(H06-03)", "Digital (H06-03)"), (1, "AI1", "AI1"), (2, "AI2", "AI2"),
+        values=enum((0, "键盘数字给定", "Keypad setting"), (1, "AI1", "AI1"), (2, "AI2", "AI2"),
                     (3, "零", "Zero"), (4, "无作用", "None"), (5, "多段速度指令", "Multi-segment speed")))
+    # The speed settings below may not exceed this threshold.
+    maxspd = g.p("最大转速阈值", "Maximum speed threshold", unit="rpm", fac=6000, min=0,
+                 max=6000, access=1)
     g.p("速度指令选择", "Speed command selection", fac=0, max=4, modify=1, access=1,
         values=enum((0, "主速度指令A来源", "Source A"), (1, "辅助速度指令B来源", "Source B"),
                     (2, "A+B", "A+B"), (3, "A/B切换", "A/B switch"), (4, "通讯给定", "Communication")))
-    maxspd = "H06-07"
     g.p("速度指令键盘设定值", "Keypad speed setting", type="i16", unit="rpm", fac=200,
         min=-6000, maxLink=maxspd)
     g.p("点动速度设定值", "Jog speed", unit="rpm", fac=100, min=0, maxLink=maxspd, access=0)
@@ -427,15 +409,11 @@ def build():
         access=1)
     g.p("速度指令减速斜坡时间常数", "Speed deceleration time", unit="ms", fac=0, max=65535,
         access=1)
-    g.p("最大转速阈值", "Maximum speed threshold", unit="rpm", fac=6000, min=0, max=6000,
-        access=1)
     g.p("正向速度阈值", "Forward speed limit", unit="rpm", fac=6000, min=0, maxLink=maxspd,
         access=1)
     g.p("反向速度阈值", "Reverse speed limit", unit="rpm", fac=6000, min=0, maxLink=maxspd,
         access=1)
-    g.skip()
     g.p("转矩前馈控制选择", "Torque feed-forward", fac=1, max=1, access=1, values="OnOff")
-    g.skip(3)
     g.p("零位固定转速阈值", "Zero clamp speed", unit="rpm", fac=10, max=6000, access=1)
     g.p("电机旋转速度阈值", "Rotation detection speed", unit="rpm", fac=20, max=1000, access=1)
     g.p("速度一致信号阈值", "Speed coincidence window", unit="rpm", fac=10, max=100, access=1)
@@ -448,43 +426,40 @@ def build():
     # --- H07 torque control: per-unit values against the motor's rated torque.
     g = Group(0x07, "转矩控制参数", "Torque control parameters")
     g.p("主转矩指令A来源", "Main torque command A source", fac=0, max=2, modify=1, access=1,
-        values=enum((0, "数字给定(H07-03)", "Digital (H07-03)"), (1, "AI1", "AI1"), (2, "AI2", "AI2")))
+        values=enum((0, "键盘数字给定", "Keypad setting"), (1, "AI1", "AI1"), (2, "AI2", "AI2")))
     g.p("辅助转矩指令B来源", "Auxiliary torque command B source", fac=1, max=2, modify=1,
         access=1,
-        values=enum((0, "数字给定(H07-03)", "Digital (H07-03)"), (1, "AI1", "AI1"), (2, "AI2", "AI2")))
+        values=enum((0, "键盘数字给定", "Keypad setting"), (1, "AI1", "AI1"), (2, "AI2", "AI2")))
     g.p("转矩指令选择", "Torque command selection", fac=0, max=4, modify=1, access=1,
         values=enum((0, "主转矩指令A来源", "Source A"), (1, "辅助转矩指令B来源", "Source B"),
                     (2, "A+B", "A+B"), (3, "A/B切换", "A/B switch"), (4, "通讯给定", "Communication")))
     g.p("转矩指令键盘设定值", "Keypad torque setting", type="i16", fac=0, min=-12288,
         max=12288, display=2, perUnitBase=1, access=1)
-    g.skip(1)
     g.p("转矩指令滤波时间常数", "Torque command filter", unit="ms", dec=2, fac=79, max=3000,
         access=1)
     g.p("第2转矩指令滤波时间常数", "Second torque command filter", unit="ms", dec=2, fac=79,
         max=3000, access=1)
     g.p("转矩限制来源", "Torque limit source", fac=0, max=4, access=1,
         values=enum((0, "正负内部转矩限制", "Internal"), (1, "正负外部转矩限制", "External by DI"),
-                    (2, "T_LMT用作外部转矩限制", "T_LMT input"),
-                    (3, "正负外部与T_LMT取小", "Smaller of external and T_LMT"),
-                    (4, "正负内部与T_LMT切换", "Internal or T_LMT")))
-    g.p("T_LMT选择", "T_LMT input", fac=2, min=1, max=2, access=1,
+                    (2, "模拟量转矩限制", "Analog torque limit"),
+                    (3, "外部限制与模拟量限制取小", "Smaller of external and analog"),
+                    (4, "内部限制与模拟量限制切换", "Internal or analog")))
+    g.p("转矩限制模拟量通道", "Torque limit analog input", fac=2, min=1, max=2, access=1,
         values=enum((1, "AI1", "AI1"), (2, "AI2", "AI2")))
-    maxt = "H07-09"
-    g.p("正内部转矩限制", "Positive internal torque limit", type="i16", fac=12288, min=0,
-        max=16384, display=2, perUnitBase=1, access=1)
-    g.p("负内部转矩限制", "Negative internal torque limit", type="i16", fac=12288, min=0,
-        max=16384, display=2, perUnitBase=1, access=1)
+    pos_limit = g.p("正内部转矩限制", "Positive internal torque limit", type="i16", fac=12288,
+                    min=0, max=16384, display=2, perUnitBase=1, access=1)
+    neg_limit = g.p("负内部转矩限制", "Negative internal torque limit", type="i16", fac=12288,
+                    min=0, max=16384, display=2, perUnitBase=1, access=1)
     g.p("正外部转矩限制", "Positive external torque limit", type="i16", fac=4096, min=0,
-        maxLink="H07-09", display=2, perUnitBase=1, access=1)
+        maxLink=pos_limit, display=2, perUnitBase=1, access=1)
     g.p("负外部转矩限制", "Negative external torque limit", type="i16", fac=4096, min=0,
-        maxLink="H07-10", display=2, perUnitBase=1, access=1)
-    g.p("紧急停机转矩", "Emergency stop torque", type="i16", fac=4096, min=0, maxLink=maxt,
+        maxLink=neg_limit, display=2, perUnitBase=1, access=1)
+    g.p("紧急停机转矩", "Emergency stop torque", type="i16", fac=4096, min=0, maxLink=pos_limit,
         display=2, perUnitBase=1, access=1)
-    g.skip(4)
     g.p("转矩控制时速度限制来源", "Speed limit source in torque mode", fac=0, max=2, access=1,
-        values=enum((0, "内部速度限制", "Internal"), (1, "将V_LMT用作外部速度限制", "V_LMT"),
+        values=enum((0, "内部速度限制", "Internal"), (1, "模拟量速度限制", "Analog speed limit"),
                     (2, "通过DI选择第1或第2速度限制", "By DI")))
-    g.p("V_LMT选择", "V_LMT input", fac=1, min=1, max=2, access=1,
+    g.p("速度限制模拟量通道", "Speed limit analog input", fac=1, min=1, max=2, access=1,
         values=enum((1, "AI1", "AI1"), (2, "AI2", "AI2")))
     g.p("转矩控制正向速度限制值", "Forward speed limit in torque mode", unit="rpm", fac=3000,
         max=6000, access=1)
@@ -504,16 +479,15 @@ def build():
     # --- H08 gains.
     g = Group(0x08, "增益类参数", "Gain parameters")
     for n, suffix, en in ((0, "", ""), (3, "第2", "2nd ")):
-        g.p("%s速度环增益" % suffix, "%sSpeed loop gain" % en, index=n, unit="Hz", dec=1,
+        g.p("%s速度环增益" % suffix, "%sSpeed loop gain" % en, unit="Hz", dec=1,
             fac=250, min=1, max=20000, access=1)
-        g.p("%s速度环积分时间常数" % suffix, "%sSpeed loop integral time" % en, index=n + 1,
+        g.p("%s速度环积分时间常数" % suffix, "%sSpeed loop integral time" % en,
             unit="ms", dec=2, fac=3183, min=15, max=51200, access=1)
-        g.p("%s位置环增益" % suffix, "%sPosition loop gain" % en, index=n + 2, unit="Hz",
+        g.p("%s位置环增益" % suffix, "%sPosition loop gain" % en, unit="Hz",
             dec=1, fac=400, min=0, max=20000, access=1)
-    g.next = 8
     g.p("第二增益模式设置", "Second gain mode", fac=1, max=1, access=2,
         values=enum((0, "第一增益固定,用外部DI切换P/PI", "Fixed first gain, P/PI by DI"),
-                    (1, "根据H08-09条件切换", "Switch by condition")))
+                    (1, "按增益切换条件自动切换", "Switch by condition")))
     g.p("增益切换条件选择", "Gain switching condition", fac=0, max=10, access=2,
         values=enum(*[(i, t, e) for i, (t, e) in enumerate((
             ("第一增益固定", "First gain"), ("使用外部DI切换", "External DI"),
@@ -528,9 +502,7 @@ def build():
     g.p("增益切换时滞", "Gain switching hysteresis", fac=30, max=20000, access=2)
     g.p("位置增益切换时间", "Position gain switching time", unit="ms", dec=1, fac=30,
         max=10000, access=2)
-    g.skip()
     g.p("负载转动惯量比", "Load inertia ratio", unit="倍", dec=2, fac=100, max=12000, access=1)
-    g.skip(3)
     g.p("速度前馈滤波时间常数", "Speed feed-forward filter", unit="ms", dec=2, fac=50,
         max=6400, access=2)
     g.p("速度前馈增益", "Speed feed-forward gain", unit="%", dec=1, fac=0, max=1000, access=2)
@@ -563,10 +535,8 @@ def build():
     g.p("在线惯量辨识模式", "Online inertia estimation", fac=0, max=3, access=1,
         values=enum((0, "关闭", "Off"), (1, "开启,缓慢变化", "Slow"), (2, "开启,一般变化", "Normal"),
                     (3, "开启,快速变化", "Fast")))
-    g.skip()
     g.p("低频共振抑制模式", "Low-frequency vibration suppression", fac=0, max=1, access=1,
         values="OnOff")
-    g.skip()
     g.p("离线惯量辨识模式选择", "Offline inertia estimation mode", fac=1, max=1, access=1,
         values=enum((0, "正反三角波模式", "Triangle wave"), (1, "JOG点动模式", "Jog")))
     g.p("惯量辨识最大速度", "Inertia estimation top speed", unit="rpm", fac=800, min=100,
@@ -578,19 +548,17 @@ def build():
     g.p("完成单次惯量辨识电机转动圈数", "Revolutions per estimation", unit="r", dec=2, fac=109,
         modify=2, max=65535, access=1)
     for n in range(1, 5):
-        g.p("第%d组陷波器频率" % n, "Notch %d frequency" % n, index=9 + 3 * n, unit="Hz",
+        g.p("第%d组陷波器频率" % n, "Notch %d frequency" % n, unit="Hz",
             fac=4000, min=50, max=4000, access=1)
         g.p("第%d组陷波器宽度等级" % n, "Notch %d width" % n, fac=2, max=20, access=1)
         g.p("第%d组陷波器衰减等级" % n, "Notch %d depth" % n, unit="dB", fac=0, max=99,
             access=1)
     g.p("辨识得到的共振频率", "Detected resonance frequency", unit="Hz", fac=0, max=5000,
         modify=2, changeTracked=False)
-    g.next = 30
     g.p("转矩扰动补偿增益", "Disturbance compensation gain", unit="%", dec=1, fac=0, max=1000,
         access=2)
     g.p("转矩扰动观测器滤波时间常数", "Disturbance observer filter", unit="ms", dec=2, fac=50,
         max=2500, access=2)
-    g.next = 38
     g.p("低频共振频率", "Low-frequency resonance", unit="Hz", dec=1, fac=1000, min=10,
         max=1000, access=1)
     g.p("低频共振频率滤波设定", "Low-frequency resonance filter", fac=2, max=10, access=1)
@@ -603,20 +571,16 @@ def build():
                     (2, "禁止故障和警告", "Neither")))
     g.p("绝对位置限制设定", "Absolute position limit", fac=0, max=2, access=1,
         values=enum((0, "关闭", "Off"), (1, "开启", "On"), (2, "原点复归后开启", "On after homing")))
-    g.skip()
     g.p("掉电保存功能使能", "Save on power loss", fac=0, max=1, access=1, values="OnOff")
     g.p("电机过载保护增益", "Motor overload gain", unit="%", fac=100, min=50, max=300,
         access=2)
-    g.skip(3)
     g.p("过速故障阈值", "Overspeed threshold", unit="rpm", fac=0, max=10000, access=2,
         info="为0时按最大转速的1.2倍判断。", infoEn="0 means 1.2 times the maximum speed.")
     g.p("最大位置脉冲频率", "Maximum pulse frequency", unit="kHz", fac=4000, min=100,
         max=4000, access=2)
     g.p("位置偏差过大故障阈值", "Following error threshold", type="u32", unit="编码器单位",
-        fac=27486951, max=1073741824, access=1)
-    g.skip()
+        fac=3000000, max=1073741824, access=1)
     g.p("飞车保护功能使能", "Runaway protection", fac=1, max=1, access=2, values="OnOff")
-    g.skip(3)
     g.p("故障与警告屏蔽字", "Fault and warning mask", fac=0, max=65535, display=1, access=3,
         effect=2,
         values=bits((0, "屏蔽欠压警告", "Mask undervoltage warning"),
@@ -633,7 +597,6 @@ def build():
         values="OnOff")
     g.p("编码器多圈溢出故障选择", "Multi-turn overflow fault", fac=0, max=1, access=2,
         values=enum((0, "不屏蔽", "Report"), (1, "屏蔽", "Mask")))
-    g.skip(2)
     g.p("电机温度保护阈值", "Motor temperature threshold", unit="℃", fac=140, min=50,
         max=180, access=2)
     g.p("驱动器过载警告值", "Drive overload warning level", unit="%", fac=80, min=50,
@@ -650,53 +613,36 @@ def build():
     g.p("内部转矩指令", "Internal torque command", type="i16", unit="%", dec=1, **mon)
     g.p("输入信号监视", "Input signal monitor", display=1, **mon,
         values=bits(*[(b, "DI%d" % (b + 1), "DI%d" % (b + 1)) for b in range(9)]))
-    g.skip()
     g.p("输出信号监视", "Output signal monitor", display=1, **mon,
         values=bits(*[(b, "DO%d" % (b + 1), "DO%d" % (b + 1)) for b in range(5)]))
-    g.skip()
     g.p("绝对位置计数器", "Absolute position counter", type="i32", unit="指令单位", **mon)
-    g.skip()
     g.p("机械角度", "Mechanical angle", unit="°", dec=1, **mon)
     g.p("电气角度", "Electrical angle", unit="°", dec=1, **mon)
     g.p("输入位置指令对应速度", "Speed of position command", type="i16", unit="rpm", **mon)
     g.p("平均负载率", "Average load ratio", unit="%", dec=1, **mon)
     g.p("输入指令脉冲计数器", "Command pulse counter", type="i32", unit="指令单位", **mon)
-    g.skip()
     g.p("编码器位置偏差计数器", "Encoder deviation counter", type="i32", unit="编码器单位", **mon)
-    g.skip()
     g.p("反馈脉冲计数器", "Feedback pulse counter", type="i32", unit="编码器单位", **mon)
-    g.skip()
     g.p("总上电时间", "Total power-on time", type="u32", unit="s", dec=1, **mon)
-    g.skip()
     g.p("AI1采样电压", "AI1 voltage", type="i16", unit="V", dec=2, **mon)
     g.p("AI2采样电压", "AI2 voltage", type="i16", unit="V", dec=2, **mon)
-    g.skip()
     g.p("相电流有效值", "Phase current RMS", unit="A", dec=2, **mon)
-    g.skip()
     g.p("母线电压值", "DC bus voltage", unit="V", dec=1, **mon)
     g.p("模块温度值", "Power module temperature", unit="℃", **mon)
-    g.skip(5)
     g.p("已记录的故障次数", "Recorded faults", **mon)
     g.p("所选故障码", "Selected fault code", display=1, **mon)
     g.p("所选故障时间戳", "Selected fault time stamp", type="u32", unit="s", dec=1, **mon)
-    g.skip()
     g.p("所选故障时电机转速", "Speed at selected fault", type="i16", unit="rpm", **mon)
-    g.next = 53
     g.p("位置偏差计数器", "Position deviation counter", type="i32", unit="指令单位", **mon)
-    g.skip()
     g.p("实际电机转速(0.1rpm)", "Actual speed (0.1 rpm)", type="i32", unit="rpm", dec=1,
         **mon)
-    g.next = 58
     g.p("机械绝对位置(低32位)", "Mechanical absolute position, low word", type="i32",
         unit="编码器单位", **mon)
-    g.skip()
     g.p("机械绝对位置(高32位)", "Mechanical absolute position, high word", type="i32",
         unit="编码器单位", **mon)
-    g.next = 70
     g.p("绝对值编码器旋转圈数", "Absolute encoder turns", unit="r", **mon)
     g.p("绝对值编码器单圈位置", "Absolute encoder single-turn position", type="u32",
         unit="编码器单位", **mon)
-    g.next = 90
     g.p("当前访问权限", "Present access authority", fac=0, max=3, **mon,
         values=enum((0, "巡视参数", "Inspection"), (1, "基础参数", "Basic"), (2, "专家参数", "Expert"),
                     (3, "厂家参数", "Factory")))
@@ -705,7 +651,6 @@ def build():
     # --- H0C communication.
     g = Group(0x0C, "通讯参数", "Communication parameters")
     g.p("伺服轴地址", "Servo axis address", fac=1, min=1, max=247, access=1)
-    g.skip()
     g.p("串口波特率设置", "Serial baud rate", fac=5, max=7, access=1, effect=1,
         values=enum((0, "2400", "2400"), (1, "4800", "4800"), (2, "9600", "9600"),
                     (3, "19200", "19200"), (4, "38400", "38400"), (5, "57600", "57600"),
@@ -718,22 +663,18 @@ def build():
              "options": [opt(0, "1个停止位", "1"), opt(1, "2个停止位", "2")]},
             {"text": "字节顺序", "textEn": "Word order", "first": 4, "width": 1,
              "options": [opt(0, "高位在前", "High word first"), opt(1, "低位在前", "Low word first")]}]})
-    g.skip(5)
     g.p("通讯VDI使能", "Communication VDI", fac=0, max=1, modify=1, access=1, values="OnOff")
     g.p("上电后VDI默认值", "VDI default at power-up", fac=0, max=65535, display=1, access=1,
         values=bits(*[(b, "VDI%d" % (b + 1), "VDI%d" % (b + 1)) for b in range(16)]))
     g.p("通讯VDO使能", "Communication VDO", fac=0, max=1, access=1, values="OnOff")
     g.p("VDO功能选择为0时默认电平", "VDO level when unassigned", fac=0, max=65535, display=1,
         access=1)
-    g.skip()
     g.p("通讯写入功能码值是否更新到EEPROM", "Store communication writes in EEPROM", fac=1,
         max=2, access=1,
         values=enum((0, "不更新EEPROM", "No"), (1, "除H0B、H0D外更新EEPROM", "All but H0B and H0D"),
                     (2, "全部更新", "All")))
-    g.next = 25
     g.p("Modbus指令应答延时", "Modbus response delay", unit="ms", fac=1, max=20, access=1)
     g.p("Modbus通讯超时时间", "Modbus timeout", unit="ms", fac=0, max=600, access=1)
-    g.skip(4)
     g.p("Modbus通讯数据高低位顺序", "Modbus 32-bit word order", fac=1, max=1, access=1,
         values=enum((0, "高16位在前", "High word first"), (1, "低16位在前", "Low word first")))
     g.p("Modbus错误帧格式选择", "Modbus error frame format", fac=1, max=1, access=2,
@@ -751,17 +692,13 @@ def build():
         **cmd, values="OnOff")
     g.p("编码器角度辨识", "Encoder angle identification", fac=0, max=1, modify=1, access=3,
         **cmd, values="OnOff")
-    g.skip()
     g.p("紧急停机", "Emergency stop", fac=0, max=1, access=1, **cmd,
         values=enum((0, "无操作", "None"), (1, "使能紧急停机", "Stop now")))
-    g.skip(4)
     g.p("模拟量通道自动调整", "Analog input auto adjust", fac=0, max=2, modify=1, access=2,
         **cmd, values=enum((0, "无操作", "None"), (1, "AI1调整", "Adjust AI1"),
                            (2, "AI2调整", "Adjust AI2")))
-    g.skip()
     g.p("UV相电流平衡校正", "U/V current balance", fac=0, max=1, modify=1, access=3, **cmd,
         values="OnOff")
-    g.skip(4)
     g.p("强制DI/DO使能", "Forced DI/DO", fac=0, max=3, access=2, **cmd,
         values=enum((0, "无操作", "None"), (1, "强制DI使能", "Force DI"),
                     (2, "强制DO使能", "Force DO"), (3, "强制DI和DO使能", "Force both")))
@@ -769,11 +706,9 @@ def build():
         values=bits(*[(b, "DI%d" % (b + 1), "DI%d" % (b + 1)) for b in range(9)]))
     g.p("DO强制输出给定", "Forced DO value", fac=0, max=31, display=1, access=2, **cmd,
         values=bits(*[(b, "DO%d" % (b + 1), "DO%d" % (b + 1)) for b in range(5)]))
-    g.skip()
     g.p("绝对值编码器复位使能", "Absolute encoder reset", fac=0, max=2, modify=1, access=2,
         **cmd, values=enum((0, "无操作", "None"), (1, "复位故障", "Reset fault"),
                            (2, "复位故障和多圈数据", "Reset fault and turns")))
-    g.next = 90
     g.p("内部调试字1", "Internal debug word 1", fac=0, max=65535, display=1, modify=3,
         access=3, **cmd)
     g.p("内部调试字2", "Internal debug word 2", fac=0, max=65535, display=3, modify=3,
@@ -789,7 +724,6 @@ def build():
     for n in range(1, 10):
         g.p("控制功能字%d" % n, "Control function word %d" % n, type="u32", max=4294967295,
             **fixed)
-    g.next = 20
     g.p("功能版本", "Function version", type="u32", max=4294967295, **fixed)
     g.p("功能临时版本", "Function temporary version", type="u32", max=4294967295, **fixed)
     g.p("性能版本", "Performance version", type="u32", max=4294967295, **fixed)
@@ -811,15 +745,13 @@ def build():
         values=enum((0, "相对位移指令", "Relative"), (1, "绝对位移指令", "Absolute")))
     g.p("顺序运行起始段选择", "Sequential start segment", fac=0, max=12, access=1)
     for n in range(1, 13):
-        base = 6 + (n - 1) * 5
-        g.p("第%d段移动位移" % n, "Segment %d displacement" % n, index=base, type="i32",
+        g.p("第%d段移动位移" % n, "Segment %d displacement" % n, type="i32",
             unit="指令单位", fac=10000, min=-1073741824, max=1073741824, access=1)
-        g.skip()
-        g.p("第%d段位移最大运行速度" % n, "Segment %d top speed" % n, index=base + 2,
+        g.p("第%d段位移最大运行速度" % n, "Segment %d top speed" % n,
             unit="rpm", fac=200, min=1, max=6000, access=1)
-        g.p("第%d段位移加减速时间" % n, "Segment %d ramp time" % n, index=base + 3,
+        g.p("第%d段位移加减速时间" % n, "Segment %d ramp time" % n,
             unit="ms", fac=10, max=65535, access=1)
-        g.p("第%d段位移完成后等待时间" % n, "Segment %d wait time" % n, index=base + 4,
+        g.p("第%d段位移完成后等待时间" % n, "Segment %d wait time" % n,
             fac=10, max=10000, access=1)
     groups.append(g)
 
@@ -836,7 +768,6 @@ def build():
             access=1)
         g.p("减速时间%d" % n, "Deceleration time %d" % n, unit="ms", fac=10 * n, max=65535,
             access=1)
-    g.next = 20
     for n in range(1, 17):
         g.p("第%d段速度指令" % n, "Segment %d speed" % n, type="i16", unit="rpm",
             fac=100 * ((n - 1) % 8 + 1) * (1 if n <= 8 else -1), min=-6000, max=6000,
@@ -845,7 +776,6 @@ def build():
             max=65535, access=1)
         g.p("第%d段升降速时间" % n, "Segment %d ramp select" % n, fac=0, max=3, access=1,
             values="RampSelect")
-        g.skip()
     groups.append(g)
 
     # --- H17 virtual DI/DO.
@@ -855,7 +785,6 @@ def build():
             access=2, values="DiFunction")
         g.p("VDI%d端子逻辑选择" % n, "VDI%d logic" % n, fac=0, max=1, effect=3, access=2,
             values=enum((0, "写入1有效", "Active on 1"), (1, "由0变1时有效", "Active on rising")))
-    g.next = 33
     g.p("VDO虚拟电平", "VDO level", modify=2, display=1, changeTracked=False,
         values=bits(*[(b, "VDO%d" % (b + 1), "VDO%d" % (b + 1)) for b in range(16)]))
     for n in range(1, 5):
@@ -907,6 +836,9 @@ def build():
     groups.append(g)
 
     params = [p for grp in groups for p in grp.params]
+    by_name = {grp.name: grp for grp in groups}
+    motor, basic, monitor = by_name["H00"], by_name["H02"], by_name["H0B"]
+    aux, version = by_name["H0D"], by_name["H0E"]
 
     # Two user-facing sub-groups make the tree deeper than one level.
     group_json = []
@@ -914,9 +846,11 @@ def build():
         if grp.name == "H0B":
             children = [
                 {"name": "H0B-S", "description": "速度与转矩监视", "descriptionEn": "Speed and torque",
-                 "members": ["H0B-00", "H0B-01", "H0B-02", "H0B-55"]},
+                 "members": [monitor.code_of(n) for n in (
+                     "实际电机转速", "速度指令", "内部转矩指令", "实际电机转速(0.1rpm)")]},
                 {"name": "H0B-F", "description": "故障记录", "descriptionEn": "Fault log",
-                 "access": 1, "members": ["H0B-33", "H0B-34", "H0B-35", "H0B-37"]}]
+                 "access": 1, "members": [monitor.code_of(n) for n in (
+                     "已记录的故障次数", "所选故障码", "所选故障时间戳", "所选故障时电机转速")]}]
             group_json.append(grp.group_json(children))
         else:
             group_json.append(grp.group_json())
@@ -933,23 +867,22 @@ def build():
         "parameters": params,
         "groups": group_json,
         "namedVariables": [
-            {"name": "Authority", "code": "H0B-90"},
-            {"name": "InputPassword", "code": "H02-30"},
-            {"name": "Factory", "code": "H02-41"},
-            {"name": "TempAuthority", "code": "H0D-92"}],
-        "functions": [{"name": "ControlFunction%d" % n, "code": "H0E-%02d" % (n - 1)}
+            {"name": "Authority", "code": monitor.code_of("当前访问权限")},
+            {"name": "InputPassword", "code": basic.code_of("用户密码")},
+            {"name": "Factory", "code": basic.code_of("厂家密码")},
+            {"name": "TempAuthority", "code": aux.code_of("临时访问权限")}],
+        "functions": [{"name": "ControlFunction%d" % n, "code": version.code_of("控制功能字%d" % n)}
                       for n in range(1, 10)] + [
-            {"name": "FunctionVersion", "code": "H0E-20"},
-            {"name": "FunctionTempVersion", "code": "H0E-21"},
-            {"name": "PerformanceVersion", "code": "H0E-22"},
-            {"name": "PerformanceTempVersion", "code": "H0E-23"}],
+            {"name": key, "code": version.code_of(name)} for key, name in (
+                ("FunctionVersion", "功能版本"), ("FunctionTempVersion", "功能临时版本"),
+                ("PerformanceVersion", "性能版本"), ("PerformanceTempVersion", "性能临时版本"))],
         "connectors": [
             {"kind": "B", "name": "B连接器信号", "group": "H30", "base": 3000},
             {"kind": "K", "name": "K连接器信号", "group": "H31", "base": 3100},
             {"kind": "F", "name": "F连接器信号", "group": "H32", "base": 3200}],
         "perUnitBases": [
             {"id": 1, "bases": [
-                {"name": "电机额定转矩", "nameEn": "Motor rated torque", "code": "H00-06"},
-                {"name": "电机最大转矩", "nameEn": "Motor maximum torque", "code": "H00-07"}]}],
+                {"name": "电机额定转矩", "nameEn": "Motor rated torque", "code": motor.code_of("额定转矩")},
+                {"name": "电机最大转矩", "nameEn": "Motor maximum torque", "code": motor.code_of("最大转矩")}]}],
     }
     return doc
