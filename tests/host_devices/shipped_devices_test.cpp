@@ -50,6 +50,9 @@ TEST_P(ShippedDevice, AddressesFollowCodesAndAxisBases) {
         EXPECT_EQ(d->FindByCode(d->Code(p), p.axis), i) << d->Code(p);
         EXPECT_FALSE(d->Text(p.name).empty()) << d->Code(p);
         EXPECT_FALSE(d->Text(p.nameEn).empty()) << d->Code(p);
+        // A wide value fills further 16-bit registers, where no other parameter may sit.
+        for (int r = 1; r < DataTypeBits(p.dataType) / 16; ++r)
+            EXPECT_EQ(d->FindByAddress(p.address + r), kNoIndex) << d->Code(p);
     }
 }
 
