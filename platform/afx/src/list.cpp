@@ -547,11 +547,19 @@ BOOL CListCtrl::SetItemCountEx(int nItems, DWORD) {
         v->m_count = nItems;
         v->m_model->endInsertRows();
     } else if (nItems < old) {
+        // Rows that stay keep their selection.
+        QItemSelection keep;
+        for (const auto& r : v->selectionModel()->selection())
+            if (r.top() < nItems)
+                keep.select(v->m_model->index(r.top(), 0),
+                            v->m_model->index(std::min(r.bottom(), nItems - 1), 0));
         v->m_model->beginRemoveRows(QModelIndex(), nItems, old - 1);
         v->m_count = nItems;
         for (auto it = v->m_stateImages.begin(); it != v->m_stateImages.end();)
             it = it->first >= nItems ? v->m_stateImages.erase(it) : std::next(it);
         v->m_model->endRemoveRows();
+        v->selectionModel()->select(keep, QItemSelectionModel::ClearAndSelect |
+                                              QItemSelectionModel::Rows);
         if (v->m_selectionMark >= nItems)
             v->m_selectionMark = -1;
     }

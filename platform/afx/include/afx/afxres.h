@@ -134,7 +134,7 @@ struct DlgTemplate {
     UINT id;
     const char* caption;
     int cx, cy;
-    std::vector<DlgControl> controls;
+    std::vector<DlgControl> controls = {};
     DWORD style = WS_POPUP | WS_VISIBLE;
 };
 
@@ -162,11 +162,11 @@ struct MenuItemTemplate {
     UINT id = 0;
     const char* text = "";
     UINT flags = MF_STRING;
-    std::vector<MenuItemTemplate> items;
+    std::vector<MenuItemTemplate> items = {};
 };
 struct MenuTemplate {
     UINT id;
-    std::vector<MenuItemTemplate> items; // the top level, usually popups
+    std::vector<MenuItemTemplate> items = {}; // the top level, usually popups
 };
 void AfxRegisterMenu(HINSTANCE h, const MenuTemplate& tmpl);
 const MenuTemplate* AfxFindMenuTemplate(HINSTANCE h, UINT id);

@@ -1,0 +1,254 @@
+#include <afx/afxcmn.h>
+#include <afx/afxtest.h>
+
+#include <QImage>
+#include <QWidget>
+#include <afx/afxqt.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+
+namespace {
+
+// An owner-data list that counts the cells it is asked for.
+class CountingList : public CListCtrl {
+public:
+    long requests = 0;
+    int minRow = 1 << 30;
+    int maxRow = -1;
+    std::set<int> columnsAsked;
+    std::vector<std::pair<UINT, CPoint>> downs;
+    int redRow = -1;
+
+    CString OnGetCellText(int row, int col) override {
+        ++requests;
+        minRow = std::min(minRow, row);
+        maxRow = std::max(maxRow, row);
+        columnsAsked.insert(col);
+        CString s;
+        s.Format("%d:%d", row, col);
+        return s;
+    }
+    BOOL OnGetCellColors(int row, int col, COLORREF& text, COLORREF& back) override {
+        if (row != redRow || col != 1)
+            return FALSE;
+        text = RGB(0, 0, 255);
+        back = RGB(255, 0, 0);
+        return TRUE;
+    }
+    void ResetCounts() {
+        requests = 0;
+        minRow = 1 << 30;
+        maxRow = -1;
+        columnsAsked.clear();
+    }
+
+protected:
+    void OnLButtonDown(UINT nFlags, CPoint point) override {
+        downs.emplace_back(nFlags, point);
+        CListCtrl::OnLButtonDown(nFlags, point);
+    }
+};
+
+// The parent records the list's notifications.
+class Host : public CWnd {
+public:
+    std::vector<NMLISTVIEW> changes;
+    std::vector<std::pair<UINT, int>> clicks; // code, item
+    std::vector<int> columnClicks;
+    int scrolls = 0;
+
+protected:
+    BOOL OnNotify(WPARAM, LPARAM lParam, LRESULT* pResult) override {
+        auto* hdr = reinterpret_cast<NMHDR*>(lParam);
+        if (hdr->code == LVN_ITEMCHANGED)
+            changes.push_back(*reinterpret_cast<NMLISTVIEW*>(lParam));
+        else if (hdr->code == NM_CLICK || hdr->code == NM_RCLICK)
+            clicks.emplace_back(hdr->code, reinterpret_cast<NMITEMACTIVATE*>(lParam)->iItem);
+        else if (hdr->code == LVN_COLUMNCLICK)
+            columnClicks.push_back(reinterpret_cast<NMLISTVIEW*>(lParam)->iSubItem);
+        else if (hdr->code == LVN_ENDSCROLL)
+            ++scrolls;
+        *pResult = 0;
+        return TRUE;
+    }
+};
+
+struct ListFixture : ::testing::Test {
+    Host host;
+    CountingList list;
+    void SetUp() override {
+        ASSERT_TRUE(
+            host.Create(nullptr, "host", WS_POPUP | WS_VISIBLE, CRect(0, 0, 820, 480), nullptr, 0));
+        ASSERT_TRUE(
+            list.Create(WS_CHILD | WS_VISIBLE | LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS,
+                        CRect(0, 0, 800, 460), &host, 77));
+        list.SetExtendedStyle(LVS_EX_FULLROWSELECT | LVS_EX_GRIDLINES | LVS_EX_CHECKBOXES);
+        for (int c = 0; c < 13; ++c) {
+            CString title;
+            title.Format("列%d", c);
+            list.InsertColumn(c, title.GetString(), LVCFMT_LEFT, 90);
+        }
+    }
+};
+
+} // namespace
+
+TEST_F(ListFixture, MillionRowsAskOnlyForPaintedCells) {
+    list.SetItemCount(1000000);
+    EXPECT_EQ(list.GetItemCount(), 1000000);
+    list.ResetCounts();
+    const QImage shot = AfxWidgetFromHandle(list.GetSafeHwnd())->grab().toImage();
+    ASSERT_FALSE(shot.isNull());
+    const int perPage = list.GetCountPerPage();
+    ASSERT_GT(perPage, 5);
+    // Visible: about 800 / 90 columns and one page of rows (plus a partial row).
+    EXPECT_GT(list.requests, 0);
+    EXPECT_LE(list.requests, long(perPage + 1) * 9);
+    EXPECT_EQ(list.minRow, 0);
+    EXPECT_LE(list.maxRow, perPage);
+    EXPECT_LE(*list.columnsAsked.rbegin(), 8);
+
+    list.EnsureVisible(999999, FALSE);
+    EXPECT_GE(list.GetTopIndex(), 999999 - perPage);
+    list.ResetCounts();
+    AfxWidgetFromHandle(list.GetSafeHwnd())->grab();
+    EXPECT_GE(list.minRow, 999999 - perPage - 1);
+    EXPECT_EQ(list.maxRow, 999999);
+    EXPECT_LE(list.requests, long(perPage + 1) * 9);
+    EXPECT_EQ(list.GetItemText(123456, 4), "123456:4");
+    EXPECT_GT(host.scrolls, 0);
+}
+
+TEST_F(ListFixture, ColourCallbackPaintsTheCell) {
+    list.SetItemCount(20);
+    list.redRow = 2;
+    CRect cell;
+    ASSERT_TRUE(list.GetSubItemRect(2, 1, LVIR_LABEL, cell));
+    const QImage shot = AfxWidgetFromHandle(list.GetSafeHwnd())->grab().toImage();
+    // Right part of the cell: past the short text, inside the grid lines.
+    const QColor c = shot.pixelColor(cell.right - 6, cell.top + cell.Height() / 2);
+    EXPECT_EQ(c, QColor(255, 0, 0));
+    const QColor other =
+        shot.pixelColor(cell.right - 6, cell.top + cell.Height() / 2 + cell.Height());
+    EXPECT_NE(other, QColor(255, 0, 0));
+}
+
+TEST_F(ListFixture, SelectionFocusMarkAndChecks) {
+    list.SetItemCount(100);
+    host.changes.clear();
+    list.SetItemState(3, LVIS_SELECTED, LVIS_SELECTED);
+    list.SetItemState(50, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    EXPECT_EQ(list.GetSelectedCount(), 2u);
+    std::vector<int> selected;
+    for (POSITION p = list.GetFirstSelectedItemPosition(); p;)
+        selected.push_back(list.GetNextSelectedItem(p));
+    EXPECT_EQ(selected, (std::vector<int>{3, 50}));
+    EXPECT_EQ(list.GetNextItem(-1, LVNI_FOCUSED), 50);
+    EXPECT_EQ(list.GetNextItem(3, LVNI_SELECTED), 50);
+    EXPECT_EQ(list.GetItemState(50, LVIS_SELECTED | LVIS_FOCUSED), LVIS_SELECTED | LVIS_FOCUSED);
+    ASSERT_GE(host.changes.size(), 2u);
+    EXPECT_EQ(host.changes[0].iItem, 3);
+    EXPECT_EQ(host.changes[0].uNewState & LVIS_SELECTED, LVIS_SELECTED);
+    list.SetItemState(3, 0, LVIS_SELECTED);
+    EXPECT_EQ(list.GetSelectedCount(), 1u);
+    EXPECT_EQ(host.changes.back().uOldState & LVIS_SELECTED, LVIS_SELECTED);
+    list.SetSelectionMark(50);
+    EXPECT_EQ(list.GetSelectionMark(), 50);
+    list.SetItemState(-1, LVIS_SELECTED, LVIS_SELECTED);
+    EXPECT_EQ(list.GetSelectedCount(), 100u);
+
+    EXPECT_FALSE(list.GetCheck(7));
+    list.SetCheck(7);
+    EXPECT_TRUE(list.GetCheck(7));
+    EXPECT_EQ(host.changes.back().uNewState & LVIS_STATEIMAGEMASK, INDEXTOSTATEIMAGEMASK(2));
+    // A click on the box toggles it.
+    CRect cell;
+    ASSERT_TRUE(list.GetSubItemRect(8, 0, LVIR_LABEL, cell));
+    LVHITTESTINFO hit{{cell.left + 8, cell.top + 4}, 0, 0, 0};
+    EXPECT_EQ(list.SubItemHitTest(&hit), 8);
+    EXPECT_EQ(hit.flags, LVHT_ONITEMSTATEICON);
+    list.ClickCell(8, 0); // at the cell's centre: not on the box
+    EXPECT_FALSE(list.GetCheck(8));
+    EXPECT_EQ(list.GetSelectedCount(), 1u); // the click selected its row alone
+    list.SetItemState(-1, LVIS_SELECTED, LVIS_SELECTED);
+    // Shrinking the count drops the states of rows that went away.
+    list.SetItemCount(5);
+    EXPECT_EQ(list.GetSelectedCount(), 5u);
+    EXPECT_FALSE(list.GetCheck(7));
+}
+
+TEST_F(ListFixture, GeometryHitTestsAndClicks) {
+    list.SetItemCount(1000);
+    CRect cell;
+    ASSERT_TRUE(list.GetSubItemRect(4, 3, LVIR_LABEL, cell));
+    EXPECT_EQ(cell.Width(), 90);
+    CRect header;
+    ASSERT_TRUE(list.GetHeaderCtrl()->GetItemRect(3, &header));
+    EXPECT_EQ(header.Width(), 90);
+    EXPECT_EQ(list.GetHeaderCtrl()->GetItemCount(), 13);
+    EXPECT_LE(header.bottom, cell.top);
+    CRect row;
+    ASSERT_TRUE(list.GetSubItemRect(4, 0, LVIR_BOUNDS, row));
+    EXPECT_EQ(row.Width(), 13 * 90); // sub-item 0's bounds span the row
+    LVHITTESTINFO hit{{cell.CenterPoint().x, cell.CenterPoint().y}, 0, 0, 0};
+    EXPECT_EQ(list.SubItemHitTest(&hit), 4);
+    EXPECT_EQ(hit.iSubItem, 3);
+    EXPECT_EQ(hit.flags, LVHT_ONITEMLABEL);
+    UINT flags = 0;
+    EXPECT_EQ(list.HitTest(CPoint(5, 2), &flags), -1); // on the header
+    EXPECT_EQ(flags & LVHT_NOWHERE, LVHT_NOWHERE);
+    EXPECT_FALSE(list.GetSubItemRect(1000, 0, LVIR_LABEL, cell));
+
+    list.ClickCell(6, 2);
+    ASSERT_EQ(list.downs.size(), 1u);
+    LVHITTESTINFO at{{list.downs[0].second.x, list.downs[0].second.y}, 0, 0, 0};
+    EXPECT_EQ(list.SubItemHitTest(&at), 6);
+    EXPECT_EQ(at.iSubItem, 2);
+    EXPECT_EQ(list.GetItemState(6, LVIS_SELECTED), LVIS_SELECTED);
+    EXPECT_EQ(list.GetSelectionMark(), 6);
+    ASSERT_FALSE(host.clicks.empty());
+    EXPECT_EQ(host.clicks.back(), std::make_pair(NM_CLICK, 6));
+    list.ClickCell(9, 1, MK_RBUTTON);
+    EXPECT_EQ(host.clicks.back(), std::make_pair(NM_RCLICK, 9));
+
+    list.EnsureVisible(500, FALSE);
+    const int top = list.GetTopIndex();
+    EXPECT_LE(top, 500);
+    EXPECT_GT(top + list.GetCountPerPage(), 500);
+    list.SetColumnWidth(2, 150);
+    EXPECT_EQ(list.GetColumnWidth(2), 150);
+    CRect moved;
+    list.GetSubItemRect(top, 3, LVIR_LABEL, moved);
+    EXPECT_EQ(moved.left - cell.left, 60);
+}
+
+TEST(ListStoredTest, StoredItemsTextsDataAndStates) {
+    CWnd host;
+    ASSERT_TRUE(host.Create(nullptr, "host", WS_POPUP, CRect(0, 0, 400, 300), nullptr, 0));
+    CListCtrl list;
+    ASSERT_TRUE(list.Create(WS_CHILD | WS_VISIBLE | LVS_REPORT, CRect(0, 0, 400, 300), &host, 5));
+    list.SetExtendedStyle(LVS_EX_CHECKBOXES);
+    list.InsertColumn(0, "名称", LVCFMT_LEFT, 100);
+    list.InsertColumn(1, "值", LVCFMT_RIGHT, 100);
+    EXPECT_EQ(list.InsertItem(0, "H00-00"), 0);
+    EXPECT_EQ(list.InsertItem(1, "H00-02"), 1);
+    EXPECT_EQ(list.InsertItem(1, "H00-01"), 1);
+    list.SetItemText(1, 1, "十");
+    list.SetItemData(2, 0xBEEF);
+    list.SetCheck(2);
+    EXPECT_EQ(list.GetItemCount(), 3);
+    EXPECT_EQ(list.GetItemText(1, 0), "H00-01");
+    EXPECT_EQ(list.GetItemText(1, 1), "十");
+    EXPECT_EQ(list.GetItemText(2, 0), "H00-02");
+    list.DeleteItem(0);
+    EXPECT_EQ(list.GetItemText(1, 0), "H00-02");
+    EXPECT_EQ(list.GetItemData(1), 0xBEEFu);
+    EXPECT_TRUE(list.GetCheck(1)); // the state moved with its row
+    EXPECT_FALSE(list.GetCheck(0));
+    EXPECT_EQ(list.GetColumnText(1), "值");
+    list.DeleteAllItems();
+    EXPECT_EQ(list.GetItemCount(), 0);
+}

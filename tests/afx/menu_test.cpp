@@ -1,0 +1,112 @@
+#include <afx/afxtest.h>
+#include <afx/afxwin.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+void RegisterMenu() {
+    AfxRegisterMenu(AfxGetInstanceHandle(), {1980,
+                                             {{0,
+                                               "tree",
+                                               MF_POPUP,
+                                               {{2108, "新建自定义组"},
+                                                {2101, "删除自定义组"},
+                                                {0, "", MF_SEPARATOR},
+                                                {0, "更多", MF_POPUP, {{2146, "另存为..."}}},
+                                                {32853, "不再提示更新"}}}}});
+}
+
+class CommandWnd : public CWnd {
+public:
+    std::vector<UINT> commands;
+
+protected:
+    BOOL OnCommand(WPARAM wParam, LPARAM) override {
+        commands.push_back(LOWORD(wParam));
+        return TRUE;
+    }
+};
+
+} // namespace
+
+TEST(MenuTest, LoadedMenusCanBeChangedItemByItem) {
+    RegisterMenu();
+    CMenu menu;
+    ASSERT_TRUE(menu.LoadMenu(1980));
+    CMenu* popup = menu.GetSubMenu(0);
+    ASSERT_NE(popup, nullptr);
+    EXPECT_EQ(popup->GetMenuItemCount(), 5);
+    EXPECT_EQ(popup->GetMenuItemID(0), 2108u);
+    EXPECT_EQ(popup->GetMenuItemID(2), 0u);       // separator
+    EXPECT_EQ(popup->GetMenuItemID(3), UINT(-1)); // popup
+    EXPECT_EQ(popup->EnableMenuItem(2101, MF_BYCOMMAND | MF_GRAYED), MF_ENABLED);
+    EXPECT_EQ(popup->GetMenuState(2101, MF_BYCOMMAND) & MF_GRAYED, MF_GRAYED);
+    EXPECT_EQ(popup->EnableMenuItem(2146, MF_GRAYED), MF_ENABLED); // found in the nested popup
+    EXPECT_EQ(popup->CheckMenuItem(2108, MF_CHECKED), MF_UNCHECKED);
+    EXPECT_TRUE(popup->ModifyMenu(32853, MF_BYCOMMAND | MF_STRING, 32853, "恢复提示更新"));
+    CString text;
+    popup->GetMenuString(32853, text, MF_BYCOMMAND);
+    EXPECT_EQ(text, "恢复提示更新");
+    EXPECT_EQ(popup->EnableMenuItem(4242, MF_GRAYED), UINT(-1));
+    EXPECT_FALSE(menu.LoadMenu(4242));
+}
+
+TEST(MenuTest, PopupReturnsTheChosenCommandOrPostsIt) {
+    RegisterMenu();
+    CommandWnd wnd;
+    ASSERT_TRUE(wnd.Create(nullptr, "menu", WS_POPUP, CRect(0, 0, 100, 100), nullptr, 0));
+    CMenu menu;
+    ASSERT_TRUE(menu.LoadMenu(1980));
+    CMenu* popup = menu.GetSubMenu(0);
+    popup->EnableMenuItem(2101, MF_GRAYED);
+    CAfxRecordingResponder r;
+    r.ChooseMenuCommand(2108);
+    EXPECT_EQ(popup->TrackPopupMenu(TPM_RETURNCMD, 10, 10, &wnd), 2108);
+    const AfxPrompt* shown = r.Last(AfxPrompt::PopupMenu);
+    ASSERT_NE(shown, nullptr);
+    EXPECT_EQ(shown->menuItems.GetSize(), 4);
+    EXPECT_EQ(shown->menuItems[1], "-2101:删除自定义组");
+    EXPECT_EQ(shown->menuItems[2], "2146:更多>另存为...");
+    EXPECT_EQ(popup->TrackPopupMenu(TPM_RETURNCMD, 10, 10, &wnd), 0); // dismissed
+
+    r.ChooseMenuCommand(32853);
+    EXPECT_TRUE(popup->TrackPopupMenu(TPM_LEFTALIGN, 10, 10, &wnd));
+    EXPECT_TRUE(wnd.commands.empty()); // posted, not sent
+    EXPECT_TRUE(AfxPumpMessagesUntil([&] { return !wnd.commands.empty(); }, 2000));
+    EXPECT_EQ(wnd.commands, std::vector<UINT>{32853});
+}
+
+TEST(MenuTest, RealPopupMenuReturnsTheTriggeredEntry) {
+    CMenu menu;
+    menu.CreatePopupMenu();
+    menu.AppendMenu(MF_STRING, 11, "一");
+    menu.AppendMenu(MF_SEPARATOR);
+    menu.AppendMenu(MF_STRING | MF_GRAYED, 12, "二");
+    menu.AppendMenu(MF_STRING, 13, "三");
+    ASSERT_EQ(AfxGetPromptResponder(), nullptr);
+    // Picks the entry as soon as the menu is up.
+    QTimer picker;
+    QObject::connect(&picker, &QTimer::timeout, [&picker] {
+        QMenu* q = nullptr;
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (auto* m = qobject_cast<QMenu*>(w); m && m->isVisible())
+                q = m;
+        if (!q)
+            return;
+        picker.stop();
+        for (QAction* a : q->actions())
+            if (a->data().toUInt() == 13)
+                q->setActiveAction(a);
+        QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+        QCoreApplication::sendEvent(q, &enter);
+    });
+    picker.start(5);
+    EXPECT_EQ(menu.TrackPopupMenu(TPM_RETURNCMD, 20, 20, nullptr), 13);
+}

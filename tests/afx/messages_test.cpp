@@ -1,0 +1,182 @@
+#include <afx/afxtest.h>
+#include <afx/afxwin.h>
+
+#include <QApplication>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr UINT UM_SEQ = WM_USER + 1;
+
+// Records numbered messages and timer ticks, and on which thread they ran.
+class RecordingWnd : public CWnd {
+public:
+    std::vector<std::pair<WPARAM, LPARAM>> seq;
+    std::vector<UINT_PTR> ticks;
+    bool offUiThread = false;
+    int destroyed = 0;
+
+    LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
+        if (message == UM_SEQ) {
+            if (QThread::currentThread() != qApp->thread())
+                offUiThread = true;
+            seq.emplace_back(wParam, lParam);
+            return 0;
+        }
+        return CWnd::WindowProc(message, wParam, lParam);
+    }
+
+protected:
+    void OnTimer(UINT_PTR id) override { ticks.push_back(id); }
+    void OnDestroy() override { ++destroyed; }
+};
+
+BOOL MakeTopLevel(CWnd& w) {
+    return w.Create(nullptr, "test", WS_POPUP, CRect(0, 0, 50, 50), nullptr, 0);
+}
+
+} // namespace
+
+TEST(MessagesTest, PostsFromWorkersArriveOnTheUiThreadInOrder) {
+    RecordingWnd wnd;
+    ASSERT_TRUE(MakeTopLevel(wnd));
+    constexpr int kThreads = 4;
+    constexpr int kEach = 500;
+    std::vector<std::thread> workers;
+    const HWND h = wnd.GetSafeHwnd();
+    for (int t = 0; t < kThreads; ++t)
+        workers.emplace_back([h, t] {
+            for (int i = 0; i < kEach; ++i)
+                ::PostMessage(h, UM_SEQ, WPARAM(t), LPARAM(i));
+        });
+    for (auto& w : workers)
+        w.join();
+    ASSERT_TRUE(AfxPumpMessagesUntil([&] { return wnd.seq.size() == kThreads * kEach; }, 5000));
+    EXPECT_FALSE(wnd.offUiThread);
+    std::vector<LPARAM> next(kThreads, 0);
+    for (const auto& [t, i] : wnd.seq) {
+        ASSERT_EQ(i, next[t]) << "thread " << t;
+        ++next[t];
+    }
+}
+
+TEST(MessagesTest, PostToADestroyedWindowIsDropped) {
+    auto* wnd = new RecordingWnd;
+    ASSERT_TRUE(MakeTopLevel(*wnd));
+    const HWND h = wnd->GetSafeHwnd();
+    EXPECT_TRUE(::PostMessage(h, UM_SEQ, 1, 1));
+    delete wnd; // destroys the window with the message still queued
+    EXPECT_FALSE(IsWindow(h));
+    EXPECT_FALSE(::PostMessage(h, UM_SEQ, 2, 2));
+    // A live window posted after the dead one proves the queue has been run past it.
+    RecordingWnd marker;
+    ASSERT_TRUE(MakeTopLevel(marker));
+    marker.PostMessage(UM_SEQ, 0, 0);
+    EXPECT_TRUE(AfxPumpMessagesUntil([&] { return !marker.seq.empty(); }, 2000));
+}
+
+TEST(MessagesTest, TimerFiresAndEndsWithItsWindow) {
+    RecordingWnd wnd;
+    RecordingWnd clock;
+    ASSERT_TRUE(MakeTopLevel(wnd));
+    ASSERT_TRUE(MakeTopLevel(clock));
+    EXPECT_EQ(wnd.SetTimer(1029, 5), 1029u);
+    ASSERT_TRUE(AfxPumpMessagesUntil([&] { return wnd.ticks.size() >= 3; }, 3000));
+    EXPECT_EQ(wnd.ticks.front(), 1029u);
+    EXPECT_TRUE(wnd.DestroyWindow());
+    EXPECT_EQ(wnd.destroyed, 1);
+    EXPECT_EQ(wnd.GetSafeHwnd(), nullptr);
+    const size_t before = wnd.ticks.size();
+    clock.SetTimer(1, 5);
+    ASSERT_TRUE(AfxPumpMessagesUntil([&] { return clock.ticks.size() >= 6; }, 3000));
+    EXPECT_EQ(wnd.ticks.size(), before);
+    EXPECT_FALSE(wnd.KillTimer(1029));
+    EXPECT_TRUE(clock.KillTimer(1));
+    EXPECT_FALSE(clock.KillTimer(1));
+}
+
+namespace {
+
+// Lets only digits through, as a numeric edit does.
+class DigitsEdit : public CEdit {
+protected:
+    void OnChar(UINT nChar, UINT nRep, UINT nFlags) override {
+        if (nChar >= '0' && nChar <= '9')
+            CEdit::OnChar(nChar, nRep, nFlags);
+    }
+};
+
+class KeyDialog : public CDialog {
+public:
+    KeyDialog() : CDialog(9100) {}
+    bool eatEnter = false;
+    int oks = 0;
+    int cancels = 0;
+    std::vector<std::pair<UINT, UINT>> commands;
+    DigitsEdit digits;
+    BOOL PreTranslateMessage(MSG* pMsg) override {
+        return eatEnter && pMsg->message == WM_KEYDOWN && pMsg->wParam == VK_RETURN;
+    }
+    void OnOK() override { ++oks; }
+    void OnCancel() override { ++cancels; }
+
+protected:
+    void DoDataExchange(CDataExchange* pDX) override { DDX_Control(pDX, 9101, digits); }
+    BOOL OnCommand(WPARAM wParam, LPARAM lParam) override {
+        commands.emplace_back(LOWORD(wParam), HIWORD(wParam));
+        return CDialog::OnCommand(wParam, lParam);
+    }
+};
+
+void RegisterKeyDialog() {
+    AfxRegisterDialog(AfxGetInstanceHandle(),
+                      {9100,
+                       "keys",
+                       200,
+                       100,
+                       {{9101, DlgCtl::Edit, "", 10, 10, 100, 22},
+                        {9102, DlgCtl::Button, "Apply", 10, 40, 80, 24},
+                        {IDOK, DlgCtl::Button, "OK", 100, 40, 80, 24, BS_DEFPUSHBUTTON}}});
+}
+
+} // namespace
+
+TEST(MessagesTest, KeysGoThroughPreTranslationHandlersAndTheDialog) {
+    RegisterKeyDialog();
+    KeyDialog dlg;
+    ASSERT_TRUE(dlg.Create(9100));
+    // Characters reach the edit only when its handler lets the default action run.
+    AfxTestPressKey(&dlg.digits, 'A', L'a');
+    AfxTestPressKey(&dlg.digits, '5', L'5');
+    AfxTestPressKey(&dlg.digits, '-', L'-');
+    AfxTestPressKey(&dlg.digits, '7', L'7');
+    EXPECT_EQ(dlg.digits.GetWindowTextString(), "57");
+    // Enter becomes the default button's command, Escape IDCANCEL.
+    AfxTestPressKey(&dlg.digits, VK_RETURN);
+    EXPECT_EQ(dlg.oks, 1);
+    AfxTestPressKey(&dlg.digits, VK_ESCAPE);
+    EXPECT_EQ(dlg.cancels, 1);
+    dlg.eatEnter = true;
+    AfxTestPressKey(&dlg.digits, VK_RETURN);
+    EXPECT_EQ(dlg.oks, 1);
+    // A button click reaches the parent as (id, BN_CLICKED).
+    static_cast<CButton*>(dlg.GetDlgItem(9102))->Click();
+    ASSERT_FALSE(dlg.commands.empty());
+    EXPECT_EQ(dlg.commands.back(), std::make_pair(9102u, BN_CLICKED));
+}
+
+TEST(MessagesTest, SendMessageRunsTheHandlerAtOnce) {
+    RecordingWnd wnd;
+    ASSERT_TRUE(MakeTopLevel(wnd));
+    wnd.SendMessage(UM_SEQ, 7, 8);
+    ASSERT_EQ(wnd.seq.size(), 1u);
+    EXPECT_EQ(wnd.seq[0], std::make_pair(WPARAM(7), LPARAM(8)));
+    wnd.SendMessage(WM_TIMER, 3);
+    EXPECT_EQ(wnd.ticks, std::vector<UINT_PTR>{3});
+}
