@@ -73,3 +73,7 @@ BOOL CImageList::GetIconSize(int& cx, int& cy) const {
 HIMAGELIST CImageList::GetSafeHandle() const {
     return m_impl->created ? reinterpret_cast<HIMAGELIST>(m_impl.get()) : nullptr;
 }
+
+QPixmap AfxIconPixmap(HICON icon) {
+    return afxi::IconPixmap(icon);
+}

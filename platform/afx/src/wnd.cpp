@@ -1374,6 +1374,17 @@ void AfxReleaseHostWidget(HWND h) {
         w->setProperty(kHandleProp, QVariant());
     delete d;
 }
+BOOL AfxAttachCustomWidget(CWnd* owner, QWidget* w, UINT nID, DWORD style) {
+    if (!owner || !w || owner->m_hWnd)
+        return FALSE;
+    HWND h = Register(w, KCustom, nID, style);
+    Lookup(h)->wnd = owner;
+    owner->m_hWnd = h;
+    w->setEnabled(!(style & WS_DISABLED));
+    if (style & WS_VISIBLE)
+        w->show();
+    return TRUE;
+}
 QString AfxToQString(const CString& s) {
     return Q(s);
 }

@@ -6,6 +6,7 @@
 
 class QWidget;
 class QString;
+class QPixmap;
 
 // The Qt widget behind a window handle; nullptr for dead handles.
 QWidget* AfxWidgetFromHandle(HWND h);
@@ -16,6 +17,14 @@ HWND AfxHandleFromWidget(QWidget* w);
 // it or with AfxReleaseHostWidget.
 HWND AfxWrapHostWidget(QWidget* w);
 void AfxReleaseHostWidget(HWND h);
+
+// Makes `w`, a widget built by an extension library as a child of its parent window's
+// widget, the window of `owner` with control id nID. Messages, timers and notifications
+// then work on it as on any window.
+BOOL AfxAttachCustomWidget(CWnd* owner, QWidget* w, UINT nID, DWORD style);
+
+// The picture of an icon resource.
+QPixmap AfxIconPixmap(HICON icon);
 
 QString AfxToQString(const CString& s);
 CString AfxFromQString(const QString& s);

@@ -1,1 +1,0 @@
-namespace skin_placeholder { int version() { return 0; } }

@@ -1,0 +1,226 @@
+#include <skin/ZorSkin.h>
+
+#include <afx/afxqt.h>
+#include <afx/afxtest.h>
+
+#include <QHeaderView>
+#include <QImage>
+#include <QTableView>
+#include <QWidget>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+enum : UINT {
+    IDD_PANEL = 9400,
+    IDC_HOLE = 9401,
+    IDC_TOTAL = 9402,
+    IDC_NOTICE = 9403,
+    IDC_FILTER = 9404,
+    IDC_CENTER = 9405,
+    IDM_FILTER = 9410,
+    ID_SHOW_ALL = 9411,
+    ID_SHOW_CHANGED = 9412,
+};
+
+void RegisterPanel() {
+    HINSTANCE h = AfxGetInstanceHandle();
+    AfxRegisterDialog(h, {IDD_PANEL,
+                          "面板",
+                          400,
+                          300,
+                          {{IDC_HOLE, DlgCtl::Custom, "", 10, 10, 380, 240},
+                           {IDC_TOTAL, DlgCtl::Edit, "0", 10, 260, 80, 24, WS_DISABLED},
+                           {IDC_NOTICE, DlgCtl::Custom, "", 100, 255, 290, 40},
+                           {IDC_FILTER, DlgCtl::Button, "筛选", 300, 10, 80, 24},
+                           {IDC_CENTER, DlgCtl::Static, "中", 190, 140, 20, 20}}});
+    AfxRegisterMenu(h, {IDM_FILTER,
+                        {{0,
+                          "filter",
+                          MF_POPUP,
+                          {{ID_SHOW_ALL, "全部显示"}, {ID_SHOW_CHANGED, "仅显示已修改"}}}}});
+}
+
+class Panel : public CZorSkinPDialog {
+public:
+    Panel() : CZorSkinPDialog(IDD_PANEL) {}
+    CZorSkinPMenuButton filter;
+    CZorSkinPTextGauge gauge;
+    std::vector<UINT> menuResults;
+
+    BOOL OnInitDialog() override {
+        CZorSkinPDialog::OnInitDialog();
+        AddAnchor(IDC_HOLE, AnchorTopLeft, AnchorBottomRight);
+        AddAnchor(IDC_TOTAL, AnchorBottomLeft);
+        AddAnchor(IDC_NOTICE, AnchorBottomLeft, AnchorBottomRight);
+        AddAnchor(IDC_FILTER, AnchorTopRight);
+        AddAnchor(IDC_CENTER, CSize(50, 50));
+        filter.SetMenu(IDM_FILTER);
+        gauge.Create(GetDlgItem(IDC_NOTICE), 100, 20);
+        return TRUE;
+    }
+
+protected:
+    void DoDataExchange(CDataExchange* pDX) override { DDX_Control(pDX, IDC_FILTER, filter); }
+    BOOL OnCommand(WPARAM wParam, LPARAM lParam) override {
+        if (LOWORD(wParam) == IDC_FILTER && HIWORD(wParam) == BN_CLICKED) {
+            menuResults.push_back(filter.GetMenuResult());
+            return TRUE;
+        }
+        return CZorSkinPDialog::OnCommand(wParam, lParam);
+    }
+};
+
+CRect RectOf(CWnd* parent, UINT id) {
+    CRect r;
+    CWnd* c = parent->GetDlgItem(int(id));
+    c->GetWindowRect(&r);
+    parent->ScreenToClient(&r);
+    return r;
+}
+
+} // namespace
+
+TEST(SkinDialogTest, AnchoredControlsFollowTheEdges) {
+    RegisterPanel();
+    Panel panel;
+    ASSERT_TRUE(panel.Create(IDD_PANEL));
+    panel.MoveWindow(0, 0, 500, 360);
+    CRect client;
+    panel.GetClientRect(&client);
+    ASSERT_EQ(client.Size(), CSize(500, 360));
+    ASSERT_TRUE(
+        AfxPumpMessagesUntil([&] { return RectOf(&panel, IDC_HOLE).Width() == 480; }, 2000));
+    EXPECT_EQ(RectOf(&panel, IDC_HOLE), CRect(10, 10, 490, 310));
+    EXPECT_EQ(RectOf(&panel, IDC_TOTAL), CRect(10, 320, 90, 344));
+    EXPECT_EQ(RectOf(&panel, IDC_NOTICE), CRect(100, 315, 490, 355));
+    EXPECT_EQ(RectOf(&panel, IDC_FILTER), CRect(400, 10, 480, 34));
+    EXPECT_EQ(RectOf(&panel, IDC_CENTER), CRect(240, 170, 260, 190));
+    // The gauge fills its container as that grows.
+    panel.gauge.MoveWindow(0, 0, 390, 40);
+    CRect g;
+    panel.gauge.GetClientRect(&g);
+    EXPECT_EQ(g.Width(), 390);
+}
+
+TEST(SkinDialogTest, MenuButtonTellsTheEntryTaken) {
+    RegisterPanel();
+    Panel panel;
+    ASSERT_TRUE(panel.Create(IDD_PANEL));
+    CAfxRecordingResponder r;
+    r.ChooseMenuCommand(ID_SHOW_CHANGED);
+    panel.filter.Click();
+    // Dismissed without a choice.
+    panel.filter.Click();
+    ASSERT_EQ(panel.menuResults.size(), 2u);
+    EXPECT_EQ(panel.menuResults[0], UINT(ID_SHOW_CHANGED));
+    EXPECT_EQ(panel.menuResults[1], 0u);
+    ASSERT_EQ(r.Count(AfxPrompt::PopupMenu), 2u);
+    EXPECT_EQ(r.prompts[0].menuItems.GetSize(), 2);
+    CZorSkinPPopupMenu popup;
+    popup.CreatePopupMenu();
+    popup.AppendMenu(MF_STRING, 77, "新建自定义组");
+    r.ChooseMenuCommand(77);
+    EXPECT_EQ(popup.Track(&panel, CPoint(5, 5)), 77u);
+}
+
+TEST(SkinDialogTest, TextGaugeDrawsItsTextInTheMiddle) {
+    RegisterPanel();
+    Panel panel;
+    ASSERT_TRUE(panel.Create(IDD_PANEL));
+    QWidget* notice = AfxWidgetFromHandle(panel.GetDlgItem(IDC_NOTICE)->GetSafeHwnd());
+    auto inked = [&] {
+        const QImage img = notice->grab().toImage();
+        int dark = 0, left = img.width(), right = 0;
+        for (int y = 0; y < img.height(); ++y)
+            for (int x = 0; x < img.width(); ++x)
+                if (qGray(img.pixel(x, y)) < 160) {
+                    ++dark;
+                    left = std::min(left, x);
+                    right = std::max(right, x);
+                }
+        return std::make_tuple(dark, left, img.width() - 1 - right);
+    };
+    EXPECT_EQ(std::get<0>(inked()), 0);
+    panel.gauge.SetText(
+        "注：H00、H01组为厂家参数，请慎重修改，\n如需操作请先输入厂家密码（功能码H0241）！");
+    const auto [dark, leftMargin, rightMargin] = inked();
+    EXPECT_GT(dark, 50);
+    EXPECT_LE(std::abs(leftMargin - rightMargin), 12); // centred
+    EXPECT_EQ(panel.gauge.GetText().Left(2), "注：");
+}
+
+namespace {
+
+class SortedList : public CZorSkinPListCtrl {
+public:
+    bool keepOrder = false;
+    void SortColumn(int nColumn, BOOL bAscending) override {
+        if (!keepOrder)
+            CZorSkinPListCtrl::SortColumn(nColumn, bAscending);
+    }
+};
+
+class ListHost : public CWnd {
+public:
+    std::vector<int> columnClicks;
+
+protected:
+    BOOL OnNotify(WPARAM, LPARAM lParam, LRESULT*) override {
+        auto* nm = reinterpret_cast<NMLISTVIEW*>(lParam);
+        if (nm->hdr.code == LVN_COLUMNCLICK)
+            columnClicks.push_back(nm->iSubItem);
+        return TRUE;
+    }
+};
+
+void ClickHeader(CListCtrl& list, int section) {
+    auto* view = qobject_cast<QTableView*>(AfxWidgetFromHandle(list.GetSafeHwnd()));
+    ASSERT_NE(view, nullptr);
+    emit view->horizontalHeader()->sectionClicked(section);
+}
+
+std::vector<CString> Column(CListCtrl& list, int col) {
+    std::vector<CString> v;
+    for (int i = 0; i < list.GetItemCount(); ++i)
+        v.push_back(list.GetItemText(i, col));
+    return v;
+}
+
+} // namespace
+
+TEST(SkinListTest, HeaderClickSortsThroughTheVirtualSort) {
+    ListHost host;
+    ASSERT_TRUE(host.Create(nullptr, "host", WS_POPUP, CRect(0, 0, 300, 200), nullptr, 0));
+    SortedList list;
+    ASSERT_TRUE(list.Create(WS_CHILD | WS_VISIBLE | LVS_REPORT, CRect(0, 0, 300, 200), &host, 3));
+    list.ApplySkinStyle();
+    list.InsertColumn(0, "功能码", LVCFMT_LEFT, 80);
+    list.InsertColumn(1, "值", LVCFMT_RIGHT, 80);
+    const char* const codes[] = {"H00-02", "H00-10", "H00-01"};
+    const char* const values[] = {"9", "100", "-5"};
+    for (int i = 0; i < 3; ++i) {
+        list.InsertItem(i, codes[i]);
+        list.SetItemText(i, 1, values[i]);
+        list.SetItemData(i, DWORD_PTR(i));
+    }
+    ClickHeader(list, 1);
+    EXPECT_EQ(Column(list, 1), (std::vector<CString>{"-5", "9", "100"})); // numbers by value
+    EXPECT_EQ(list.GetItemData(0), 2u);                                   // data moved along
+    ClickHeader(list, 1);
+    EXPECT_EQ(Column(list, 1), (std::vector<CString>{"100", "9", "-5"}));
+    EXPECT_FALSE(list.IsSortAscending());
+    ClickHeader(list, 0);
+    EXPECT_EQ(Column(list, 0), (std::vector<CString>{"H00-01", "H00-02", "H00-10"}));
+    EXPECT_EQ(host.columnClicks, (std::vector<int>{1, 1, 0}));
+
+    list.keepOrder = true; // a subclass that replaces the sort by nothing
+    ClickHeader(list, 1);
+    EXPECT_EQ(Column(list, 0), (std::vector<CString>{"H00-01", "H00-02", "H00-10"}));
+    list.keepOrder = false;
+    list.EnableHeaderSort(FALSE);
+    ClickHeader(list, 1);
+    EXPECT_EQ(Column(list, 0), (std::vector<CString>{"H00-01", "H00-02", "H00-10"}));
+    EXPECT_EQ(host.columnClicks.size(), 5u);
+}
