@@ -80,6 +80,8 @@ private:
 
 } // namespace
 
+AfxListModel::AfxListModel(AfxListView* view) : QAbstractTableModel(view), m_view(view) {}
+
 int AfxListModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : m_view->m_count;
 }
@@ -144,7 +146,7 @@ AfxListView::AfxListView(DWORD style, QWidget* parent)
 }
 
 CListCtrl* AfxListView::Owner() const {
-    WindowData* d = Lookup(HandleOf(this));
+    WindowData* d = Lookup(m_self);
     return d ? dynamic_cast<CListCtrl*>(d->wnd ? d->wnd : d->standIn.get()) : nullptr;
 }
 
@@ -283,6 +285,7 @@ void ConnectList(HWND h) {
     auto* v = WidgetAs<AfxListView>(h);
     if (!v)
         return;
+    v->m_self = h;
     QObject::connect(v->selectionModel(), &QItemSelectionModel::selectionChanged, v,
                      [v](const QItemSelection& sel, const QItemSelection& desel) {
                          auto rows = [](const QItemSelection& s) {

@@ -18,7 +18,7 @@ class AfxListView;
 class AfxListModel : public QAbstractTableModel {
     Q_OBJECT
 public:
-    explicit AfxListModel(AfxListView* view) : m_view(view) {}
+    explicit AfxListModel(AfxListView* view);
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     int columnCount(const QModelIndex& parent = QModelIndex()) const override;
     QVariant data(const QModelIndex& index, int role) const override;
@@ -75,6 +75,7 @@ public:
     CImageList* m_images[3] = {nullptr, nullptr, nullptr};
     bool m_suppressNotify = false;
     HWND m_header = nullptr;
+    HWND m_self = nullptr;
 
 protected:
     void mousePressEvent(QMouseEvent* e) override;

@@ -18,10 +18,6 @@
 #include <unordered_map>
 #include <vector>
 
-struct CFont::Impl {
-    QFont font;
-};
-
 namespace afxi {
 namespace {
 
@@ -238,6 +234,14 @@ private:
             if (!Lookup(h))
                 return Swallow(ke);
         }
+        if (down && vk == VK_F1) {
+            // Help goes to the focus window, then up to its parents until one takes it.
+            HELPINFO info{sizeof(HELPINFO), 1, int(Lookup(h)->ctrlId), h, 0, {0, 0}};
+            for (HWND p = h; p; p = ParentOf(p))
+                if (Send(p, WM_HELP, 0, LPARAM(&info)))
+                    break;
+            return Swallow(ke);
+        }
         const QString text = ke->text();
         const bool hasChar = down && !text.isEmpty();
         Frame keyFrame{w, ke, !hasChar};
@@ -386,9 +390,12 @@ void ForgetWidget(uintptr_t id) {
 void InitUi() {
     if (g_poster.load())
         return;
-    auto* poster = new QObject;
+    // Both live as long as the application object.
+    auto* poster = new QObject(qApp);
     g_hook = new EventHook;
+    g_hook->setParent(qApp);
     qApp->installEventFilter(g_hook);
+    QObject::connect(poster, &QObject::destroyed, [] { g_poster.store(nullptr); });
     g_poster.store(poster);
 }
 
@@ -1264,6 +1271,9 @@ LRESULT CWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_CLOSE:
         OnClose();
         return 0;
+    case WM_PAINT:
+        OnPaint();
+        return 0;
     case WM_SETTEXT:
         SetWindowText(reinterpret_cast<const char*>(lParam));
         return TRUE;
@@ -1362,6 +1372,21 @@ void AfxReleaseHostWidget(HWND h) {
     if (!d || d->kind != KHost)
         return;
     QWidget* w = d->widget;
+    // The windows inside are destroyed properly (OnDestroy runs) before the host's widget
+    // takes their widgets with it.
+    if (w) {
+        std::vector<HWND> inner;
+        for (QWidget* c : w->findChildren<QWidget*>()) {
+            HWND ch = AfxHandleFromWidget(c);
+            if (ch && ParentOf(ch) == h)
+                inner.push_back(ch);
+        }
+        for (HWND ch : inner)
+            DestroyTree(ch);
+    }
+    d = Lookup(h);
+    if (!d)
+        return;
     {
         std::lock_guard<std::mutex> lock(g_regMutex);
         g_windows.erase(reinterpret_cast<uintptr_t>(h));
@@ -1400,3 +1425,7 @@ void SetForcedKeyTarget(QWidget* w) {
     g_forcedKeyTarget = w;
 }
 } // namespace afxi
+
+void CWnd::OnPaint() {
+    Default();
+}

@@ -5,6 +5,7 @@
 #include <afx/afxqt.h>
 #include <afx/afxwin.h>
 
+#include <QFont>
 #include <QPointer>
 #include <QString>
 #include <QWidget>
@@ -14,6 +15,10 @@
 
 class QTimer;
 class QEvent;
+
+struct CFont::Impl {
+    QFont font;
+};
 
 namespace afxi {
 

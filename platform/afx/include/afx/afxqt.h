@@ -13,8 +13,9 @@ QWidget* AfxWidgetFromHandle(HWND h);
 // The handle of a widget made by the framework, else nullptr.
 HWND AfxHandleFromWidget(QWidget* w);
 // Wraps a widget owned by the host (for example a tab page) as a window that module
-// dialogs can use as their parent. The widget stays the host's; the handle dies with
-// it or with AfxReleaseHostWidget.
+// dialogs can use as their parent. The widget stays the host's. Before deleting it, call
+// AfxReleaseHostWidget: it destroys the module's windows inside (their OnDestroy runs)
+// and ends the handle.
 HWND AfxWrapHostWidget(QWidget* w);
 void AfxReleaseHostWidget(HWND h);
 

@@ -136,6 +136,98 @@ private:
     std::unique_ptr<Impl> m_impl;
 };
 
+// ---------------------------------------------------------------- drawing
+constexpr int TRANSPARENT = 1;
+constexpr int OPAQUE = 2;
+constexpr int PS_SOLID = 0;
+constexpr int PS_DASH = 1;
+constexpr int PS_DOT = 2;
+constexpr UINT DT_LEFT = 0x0000;
+constexpr UINT DT_CENTER = 0x0001;
+constexpr UINT DT_RIGHT = 0x0002;
+constexpr UINT DT_VCENTER = 0x0004;
+constexpr UINT DT_BOTTOM = 0x0008;
+constexpr UINT DT_WORDBREAK = 0x0010;
+constexpr UINT DT_SINGLELINE = 0x0020;
+constexpr UINT DT_CALCRECT = 0x0400;
+constexpr UINT DT_NOPREFIX = 0x0800;
+constexpr UINT DT_END_ELLIPSIS = 0x8000;
+
+class CPen {
+public:
+    CPen() = default;
+    CPen(int nPenStyle, int nWidth, COLORREF crColor)
+        : style(nPenStyle), width(nWidth), color(crColor), valid(true) {}
+    BOOL CreatePen(int nPenStyle, int nWidth, COLORREF crColor) {
+        *this = CPen(nPenStyle, nWidth, crColor);
+        return TRUE;
+    }
+    int style = PS_SOLID;
+    int width = 1;
+    COLORREF color = 0;
+    bool valid = false;
+};
+
+class CBrush {
+public:
+    CBrush() = default;
+    explicit CBrush(COLORREF crColor) : color(crColor), valid(true) {}
+    BOOL CreateSolidBrush(COLORREF crColor) {
+        *this = CBrush(crColor);
+        return TRUE;
+    }
+    COLORREF color = 0;
+    bool valid = false;
+};
+
+// Drawing inside OnPaint (see CPaintDC). Coordinates are client pixels.
+class CDC {
+public:
+    virtual ~CDC();
+    CDC(const CDC&) = delete;
+    CDC& operator=(const CDC&) = delete;
+    BOOL IsValid() const { return m_painter != nullptr; }
+
+    COLORREF SetTextColor(COLORREF c);
+    COLORREF SetBkColor(COLORREF c);
+    int SetBkMode(int mode);
+    CFont* SelectObject(CFont* pFont);
+    CPen* SelectObject(CPen* pPen);
+    CBrush* SelectObject(CBrush* pBrush);
+
+    void FillSolidRect(const RECT* r, COLORREF c);
+    void FillSolidRect(int x, int y, int cx, int cy, COLORREF c);
+    BOOL FillRect(const RECT* r, CBrush* pBrush);
+    void FrameRect(const RECT* r, CBrush* pBrush);
+    void Draw3dRect(const RECT* r, COLORREF topLeft, COLORREF bottomRight);
+    BOOL Rectangle(const RECT* r); // outline with the pen, inside with the brush
+    CPoint MoveTo(int x, int y);
+    BOOL LineTo(int x, int y);
+    BOOL TextOut(int x, int y, const CString& text);
+    // With DT_CALCRECT only measures: r's right and bottom are set, nothing is drawn.
+    int DrawText(const CString& text, RECT* r, UINT nFormat);
+    CSize GetTextExtent(const CString& text) const;
+    BOOL DrawIcon(int x, int y, HICON hIcon);
+
+protected:
+    CDC() = default;
+    void* m_painter = nullptr; // the framework's painter while a paint runs
+    CPen* m_pen = nullptr;
+    CBrush* m_brush = nullptr;
+    CFont* m_font = nullptr;
+    COLORREF m_text = 0;
+    COLORREF m_back = 0xFFFFFF;
+    int m_bkMode = OPAQUE;
+    CPoint m_pos;
+};
+
+// The device context of the paint under way for pWnd; only valid inside its OnPaint.
+class CPaintDC : public CDC {
+public:
+    explicit CPaintDC(CWnd* pWnd);
+    ~CPaintDC() override;
+};
+
 // ---------------------------------------------------------------- CWnd
 class CWnd {
 public:
@@ -267,6 +359,9 @@ protected:
     virtual void OnHScroll(UINT nSBCode, UINT nPos, CWnd* pScrollBar);
     virtual BOOL OnHelpInfo(HELPINFO* pHelpInfo);
     virtual void OnClose();
+    // Windows of the framework's own kind (plain windows, dialogs, placeholders) paint
+    // through OnPaint with a CPaintDC; the default paints the background.
+    virtual void OnPaint();
 
 public:
     // Framework internals; not for module code.
