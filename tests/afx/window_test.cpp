@@ -1,0 +1,157 @@
+#include <afx/afxcmn.h>
+#include <afx/afxqt.h>
+#include <afx/afxtest.h>
+
+#include <QImage>
+#include <QWidget>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace {
+
+// Paints a red square and a word, as a colour static does.
+class PaintedWnd : public CWnd {
+public:
+    int paints = 0;
+    CSize textSize;
+
+protected:
+    void OnPaint() override {
+        ++paints;
+        CPaintDC dc(this);
+        CRect r;
+        GetClientRect(&r);
+        dc.FillSolidRect(&r, RGB(255, 255, 255));
+        dc.FillSolidRect(10, 10, 20, 20, RGB(255, 0, 0));
+        CPen pen(PS_SOLID, 1, RGB(0, 0, 255));
+        dc.SelectObject(&pen);
+        dc.MoveTo(0, 40);
+        dc.LineTo(r.right, 40);
+        dc.SetBkMode(TRANSPARENT);
+        dc.SetTextColor(RGB(0, 128, 0));
+        textSize = dc.GetTextExtent("参数");
+        CRect text(40, 0, r.right, 40);
+        dc.DrawText("参数", &text, DT_SINGLELINE | DT_VCENTER | DT_LEFT);
+    }
+};
+
+} // namespace
+
+TEST(WindowTest, OnPaintDrawsThroughThePaintDC) {
+    PaintedWnd w;
+    ASSERT_TRUE(w.Create(nullptr, "paint", WS_POPUP, CRect(0, 0, 120, 60), nullptr, 0));
+    const QImage img = AfxWidgetFromHandle(w.GetSafeHwnd())->grab().toImage();
+    EXPECT_GE(w.paints, 1);
+    EXPECT_EQ(img.pixelColor(15, 15), QColor(255, 0, 0));
+    EXPECT_EQ(img.pixelColor(5, 5), QColor(255, 255, 255));
+    EXPECT_EQ(img.pixelColor(60, 40), QColor(0, 0, 255));
+    EXPECT_GT(w.textSize.cx, 10);
+    bool green = false;
+    for (int x = 40; x < 120 && !green; ++x)
+        for (int y = 5; y < 35 && !green; ++y)
+            green = img.pixelColor(x, y).green() > 80 && img.pixelColor(x, y).red() < 80;
+    EXPECT_TRUE(green);
+    // Outside a paint there is nothing to draw on.
+    CPaintDC outside(&w);
+    EXPECT_FALSE(outside.IsValid());
+    EXPECT_FALSE(outside.LineTo(1, 1));
+}
+
+namespace {
+
+class HelpParent : public CDialog {
+public:
+    HelpParent() : CDialog(9500) {}
+    int helps = 0;
+    int helpCtrl = 0;
+    std::vector<HWND> menus;
+    BOOL OnHelpInfo(HELPINFO* info) override {
+        ++helps;
+        helpCtrl = info->iCtrlId;
+        return TRUE;
+    }
+
+protected:
+    void OnContextMenu(CWnd* pWnd, CPoint) override { menus.push_back(pWnd->GetSafeHwnd()); }
+};
+
+// A list that swallows left clicks: its own selection must not change.
+class DeafList : public CListCtrl {
+protected:
+    void OnLButtonDown(UINT, CPoint) override {}
+};
+
+} // namespace
+
+TEST(WindowTest, HelpAndContextMenusClimbToTheParent) {
+    AfxRegisterDialog(AfxGetInstanceHandle(),
+                      {9500,
+                       "help",
+                       300,
+                       200,
+                       {{9501, DlgCtl::Edit, "", 10, 10, 100, 22},
+                        {9502, DlgCtl::List, "", 10, 40, 280, 150, LVS_REPORT}}});
+    HelpParent dlg;
+    ASSERT_TRUE(dlg.Create(9500));
+    AfxTestPressKey(dlg.GetDlgItem(9501), VK_F1);
+    EXPECT_EQ(dlg.helps, 1);
+    EXPECT_EQ(dlg.helpCtrl, 9501);
+    auto* list = static_cast<CListCtrl*>(dlg.GetDlgItem(9502));
+    list->InsertColumn(0, "a", LVCFMT_LEFT, 100);
+    list->InsertItem(0, "x");
+    list->InsertItem(1, "y");
+    list->ClickCell(1, 0, MK_RBUTTON);
+    ASSERT_EQ(dlg.menus.size(), 1u);
+    EXPECT_EQ(dlg.menus[0], list->GetSafeHwnd()); // the window clicked, as the parent hears it
+
+    DeafList deaf;
+    ASSERT_TRUE(deaf.SubclassDlgItem(9502, &dlg));
+    EXPECT_EQ(deaf.GetItemState(1, LVIS_SELECTED), LVIS_SELECTED); // by the right click
+    deaf.ClickCell(0, 0);
+    EXPECT_EQ(deaf.GetItemState(0, LVIS_SELECTED), 0u);
+    EXPECT_EQ(deaf.GetItemState(1, LVIS_SELECTED), LVIS_SELECTED);
+}
+
+namespace {
+class InnerDialog : public CDialog {
+public:
+    explicit InnerDialog(int* destroyed) : CDialog(9510), m_destroyed(destroyed) {}
+
+protected:
+    void OnDestroy() override { ++*m_destroyed; }
+
+private:
+    int* m_destroyed;
+};
+} // namespace
+
+TEST(WindowTest, HostWidgetReleaseDestroysTheWindowsInside) {
+    AfxRegisterDialog(AfxGetInstanceHandle(), {9510, "", 100, 100, {}, WS_CHILD | WS_VISIBLE});
+    auto tab = std::make_unique<QWidget>();
+    tab->resize(200, 200);
+    HWND host = AfxWrapHostWidget(tab.get());
+    ASSERT_NE(host, nullptr);
+    EXPECT_EQ(AfxWrapHostWidget(tab.get()), host);
+    int destroyed = 0;
+    InnerDialog inner(&destroyed);
+    ASSERT_TRUE(inner.Create(9510, CWnd::FromHandle(host)));
+    EXPECT_EQ(inner.GetParent()->GetSafeHwnd(), host);
+    AfxReleaseHostWidget(host);
+    EXPECT_EQ(destroyed, 1);
+    EXPECT_EQ(inner.GetSafeHwnd(), nullptr);
+    EXPECT_FALSE(IsWindow(host));
+    tab.reset();
+}
+
+TEST(WindowTest, AWindowDeletedByItsOwnerDetachesItsObject) {
+    CWnd parent;
+    ASSERT_TRUE(parent.Create(nullptr, "p", WS_POPUP, CRect(0, 0, 50, 50), nullptr, 0));
+    CEdit edit;
+    ASSERT_TRUE(edit.Create(WS_CHILD | WS_VISIBLE, CRect(0, 0, 40, 20), &parent, 1));
+    delete AfxWidgetFromHandle(edit.GetSafeHwnd()); // someone else deletes the widget
+    EXPECT_EQ(edit.GetSafeHwnd(), nullptr);
+    edit.SetWindowText("no crash");
+    EXPECT_EQ(edit.GetWindowTextString(), "");
+}
