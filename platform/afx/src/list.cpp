@@ -793,6 +793,7 @@ BOOL CListCtrl::EnsureVisible(int nItem, BOOL) {
     AfxListView* v = ViewOf(m_hWnd);
     if (!v || nItem < 0 || nItem >= v->m_count)
         return FALSE;
+    v->doItemsLayout(); // the scroll range may still wait for a layout pass
     v->scrollTo(v->m_model->index(nItem, 0), QAbstractItemView::EnsureVisible);
     return TRUE;
 }

@@ -8,6 +8,7 @@
 
 #include <cstdarg>
 #include <functional>
+#include <ostream>
 #include <string>
 #include <string_view>
 
@@ -182,6 +183,10 @@ private:
 template <> struct std::hash<CString> {
     size_t operator()(const CString& s) const noexcept { return std::hash<std::string>()(s.str()); }
 };
+
+inline std::ostream& operator<<(std::ostream& os, const CString& s) {
+    return os << s.str();
+}
 
 // Helpers on UTF-8 text shared by the framework.
 namespace afx {

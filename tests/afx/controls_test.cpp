@@ -1,0 +1,252 @@
+#include <afx/afxcmn.h>
+#include <afx/afxqt.h>
+#include <afx/afxtest.h>
+
+#include <QAbstractScrollArea>
+#include <QApplication>
+#include <QWheelEvent>
+#include <QWidget>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+enum : UINT {
+    IDD_CONTROLS = 9600,
+    IDC_LEVEL = 9601,
+    IDC_SEARCH = 9602,
+    IDC_NOTE = 9603,
+    IDC_R1 = 9604,
+    IDC_R2 = 9605,
+    IDC_S1 = 9606,
+    IDC_S2 = 9607,
+    IDC_PASSWORD = 9608,
+};
+
+void RegisterControls() {
+    AfxRegisterDialog(AfxGetInstanceHandle(),
+                      {IDD_CONTROLS,
+                       "controls",
+                       400,
+                       300,
+                       {{IDC_LEVEL, DlgCtl::ComboDropList, "", 10, 10, 150, 24, CBS_SORT},
+                        {IDC_SEARCH, DlgCtl::ComboDropDown, "", 10, 40, 150, 24},
+                        {IDC_NOTE, DlgCtl::Edit, "", 10, 70, 200, 80, ES_MULTILINE | ES_READONLY},
+                        {IDC_R1, DlgCtl::Radio, "一", 10, 160, 60, 20, WS_GROUP},
+                        {IDC_R2, DlgCtl::Radio, "二", 80, 160, 60, 20},
+                        {IDC_S1, DlgCtl::Radio, "甲", 10, 190, 60, 20, WS_GROUP},
+                        {IDC_S2, DlgCtl::Radio, "乙", 80, 190, 60, 20},
+                        {IDC_PASSWORD, DlgCtl::Edit, "", 10, 220, 100, 22, ES_PASSWORD}}});
+}
+
+class ControlsDialog : public CDialog {
+public:
+    ControlsDialog() : CDialog(IDD_CONTROLS) {}
+    std::vector<std::pair<UINT, UINT>> commands;
+    bool destroyComboOnSelect = false;
+
+protected:
+    BOOL OnCommand(WPARAM wParam, LPARAM lParam) override {
+        commands.emplace_back(LOWORD(wParam), HIWORD(wParam));
+        // A cell editor closes its box from the confirmation itself.
+        if (destroyComboOnSelect && LOWORD(wParam) == IDC_LEVEL && HIWORD(wParam) == CBN_SELENDOK)
+            GetDlgItem(IDC_LEVEL)->DestroyWindow();
+        return CDialog::OnCommand(wParam, lParam);
+    }
+};
+
+std::vector<UINT> CodesOf(const ControlsDialog& d, UINT id) {
+    std::vector<UINT> v;
+    for (const auto& [i, code] : d.commands)
+        if (i == id)
+            v.push_back(code);
+    return v;
+}
+
+} // namespace
+
+TEST(ControlsTest, ComboEntriesDataSearchAndChoice) {
+    RegisterControls();
+    ControlsDialog dlg;
+    ASSERT_TRUE(dlg.Create(IDD_CONTROLS));
+    auto* level = dynamic_cast<CComboBox*>(dlg.GetDlgItem(IDC_LEVEL));
+    ASSERT_NE(level, nullptr); // the stand-in has the control's class
+    EXPECT_EQ(level->AddString("user"), 0);
+    EXPECT_EQ(level->AddString("Factory"), 0); // sorted, without regard to case
+    EXPECT_EQ(level->AddString("service"), 1);
+    EXPECT_EQ(level->GetCurSel(), CB_ERR); // adding selects nothing
+    level->SetItemData(1, 0xABCD);
+    EXPECT_EQ(level->GetItemData(1), 0xABCDu);
+    EXPECT_EQ(level->FindStringExact(-1, "FACTORY"), 0);
+    EXPECT_EQ(level->FindStringExact(-1, "fact"), CB_ERR);
+    EXPECT_EQ(level->FindString(-1, "SER"), 1);
+    EXPECT_EQ(level->SelectString(-1, "us"), 2);
+    CString text;
+    level->GetLBText(2, text);
+    EXPECT_EQ(text, "user");
+    EXPECT_EQ(level->GetWindowTextString(), "user");
+    EXPECT_EQ(level->SetCurSel(9), CB_ERR);
+    EXPECT_EQ(level->GetCurSel(), CB_ERR);
+    level->SetDroppedWidth(300);
+    EXPECT_EQ(level->GetDroppedWidth(), 300);
+    dlg.commands.clear();
+    level->ChooseEntry(1);
+    EXPECT_EQ(level->GetCurSel(), 1);
+    EXPECT_EQ(CodesOf(dlg, IDC_LEVEL),
+              (std::vector<UINT>{CBN_SELCHANGE, CBN_SELENDOK, CBN_CLOSEUP}));
+    EXPECT_EQ(level->GetItemData(1), 0xABCDu); // data stays with its entry
+    EXPECT_EQ(level->DeleteString(0), 2);
+    level->ResetContent();
+    EXPECT_EQ(level->GetCount(), 0);
+}
+
+TEST(ControlsTest, ComboDestroyedByItsConfirmationIsSafe) {
+    RegisterControls();
+    ControlsDialog dlg;
+    ASSERT_TRUE(dlg.Create(IDD_CONTROLS));
+    auto* level = dynamic_cast<CComboBox*>(dlg.GetDlgItem(IDC_LEVEL));
+    level->AddString("a");
+    level->AddString("b");
+    const HWND h = level->GetSafeHwnd();
+    dlg.destroyComboOnSelect = true;
+    level->ChooseEntry(1);
+    EXPECT_FALSE(IsWindow(h));
+    EXPECT_EQ(CodesOf(dlg, IDC_LEVEL), (std::vector<UINT>{CBN_SELCHANGE, CBN_SELENDOK}));
+    EXPECT_TRUE(AfxPumpMessagesUntil([] { return true; }, 100));
+}
+
+TEST(ControlsTest, EditableComboAndEdits) {
+    RegisterControls();
+    ControlsDialog dlg;
+    ASSERT_TRUE(dlg.Create(IDD_CONTROLS));
+    auto* search = dynamic_cast<CComboBox*>(dlg.GetDlgItem(IDC_SEARCH));
+    ASSERT_NE(search, nullptr);
+    search->AddString("H00-01");
+    AfxTestTypeText(search, "H01");
+    EXPECT_EQ(search->GetWindowTextString(), "H01");
+    EXPECT_EQ(search->GetCurSel(), CB_ERR);
+    EXPECT_EQ(CodesOf(dlg, IDC_SEARCH).back(), CBN_EDITCHANGE);
+    EXPECT_TRUE(search->SetEditSel(0, -1));
+
+    auto* note = dynamic_cast<CEdit*>(dlg.GetDlgItem(IDC_NOTE));
+    ASSERT_NE(note, nullptr);
+    note->SetWindowText("第一行\r\n第二行");
+    EXPECT_EQ(note->GetWindowTextString(), "第一行\r\n第二行");
+    EXPECT_EQ(note->GetLineCount(), 2);
+    EXPECT_TRUE(dlg.GetDlgItem(IDC_NOTE)->GetStyle() & ES_READONLY);
+    note->SetReadOnly(FALSE);
+    EXPECT_FALSE(dlg.GetDlgItem(IDC_NOTE)->GetStyle() & ES_READONLY);
+    EXPECT_EQ(CodesOf(dlg, IDC_NOTE).back(), EN_CHANGE);
+
+    auto* pw = dynamic_cast<CEdit*>(dlg.GetDlgItem(IDC_PASSWORD));
+    pw->SetWindowText("12345");
+    pw->SetSel(1, 3);
+    int a = 0, b = 0;
+    pw->GetSel(a, b);
+    EXPECT_EQ(std::make_pair(a, b), std::make_pair(1, 3));
+    pw->ReplaceSel("中");
+    EXPECT_EQ(pw->GetWindowTextString(), "1中45");
+    pw->SetSel(0, -1);
+    pw->GetSel(a, b);
+    EXPECT_EQ(std::make_pair(a, b), std::make_pair(0, 4));
+    pw->SetLimitText(3);
+    EXPECT_EQ(pw->GetLimitText(), 3u);
+    EXPECT_EQ(dlg.GetDlgItemInt(IDC_PASSWORD), 0u);
+    dlg.SetDlgItemInt(IDC_PASSWORD, UINT(-12));
+    BOOL ok = FALSE;
+    EXPECT_EQ(int(dlg.GetDlgItemInt(IDC_PASSWORD, &ok)), -12);
+    EXPECT_TRUE(ok);
+}
+
+TEST(ControlsTest, RadioGroupsStayApart) {
+    RegisterControls();
+    ControlsDialog dlg;
+    ASSERT_TRUE(dlg.Create(IDD_CONTROLS));
+    static_cast<CButton*>(dlg.GetDlgItem(IDC_R2))->Click();
+    static_cast<CButton*>(dlg.GetDlgItem(IDC_S1))->Click();
+    EXPECT_EQ(dlg.GetCheckedRadioButton(IDC_R1, IDC_R2), int(IDC_R2));
+    EXPECT_EQ(dlg.GetCheckedRadioButton(IDC_S1, IDC_S2), int(IDC_S1));
+    static_cast<CButton*>(dlg.GetDlgItem(IDC_R1))->Click();
+    EXPECT_EQ(dlg.GetCheckedRadioButton(IDC_R1, IDC_R2), int(IDC_R1));
+    EXPECT_EQ(dlg.IsDlgButtonChecked(IDC_S1), 1u); // the other group kept its choice
+    dlg.CheckRadioButton(IDC_S1, IDC_S2, IDC_S2);
+    EXPECT_EQ(dlg.IsDlgButtonChecked(IDC_S1), 0u);
+}
+
+namespace {
+
+// Records what a list gets when its header or scroll position moves.
+class WatchingList : public CListCtrl {
+public:
+    std::vector<int> resized;
+    std::vector<UINT> vscrolls;
+    int wheels = 0;
+    bool eatWheel = false;
+
+protected:
+    BOOL OnNotify(WPARAM, LPARAM lParam, LRESULT*) override {
+        auto* nm = reinterpret_cast<NMHEADER*>(lParam);
+        if (nm->hdr.code == HDN_ITEMCHANGED)
+            resized.push_back(nm->iItem);
+        return FALSE;
+    }
+    void OnVScroll(UINT code, UINT pos, CWnd*) override {
+        vscrolls.push_back(code == SB_THUMBPOSITION ? pos : 9999);
+    }
+    BOOL OnMouseWheel(UINT flags, short delta, CPoint pt) override {
+        ++wheels;
+        return eatWheel ? TRUE : CListCtrl::OnMouseWheel(flags, delta, pt);
+    }
+};
+
+} // namespace
+
+TEST(ControlsTest, ListHearsHeaderScrollAndWheel) {
+    CWnd host;
+    ASSERT_TRUE(
+        host.Create(nullptr, "host", WS_POPUP | WS_VISIBLE, CRect(0, 0, 400, 300), nullptr, 0));
+    WatchingList list;
+    ASSERT_TRUE(list.Create(WS_CHILD | WS_VISIBLE | LVS_REPORT | LVS_OWNERDATA,
+                            CRect(0, 0, 400, 300), &host, 1));
+    list.InsertColumn(0, "a", LVCFMT_LEFT, 100);
+    list.InsertColumn(1, "b", LVCFMT_LEFT, 100);
+    list.SetItemCount(1000);
+    list.SetColumnWidth(1, 150);
+    ASSERT_FALSE(list.resized.empty());
+    EXPECT_EQ(list.resized.back(), 1);
+    list.EnsureVisible(500, FALSE);
+    ASSERT_FALSE(list.vscrolls.empty());
+    EXPECT_EQ(int(list.vscrolls.back()), list.GetTopIndex());
+
+    // A floating editor over a cell is a child of the list at the cell's rectangle.
+    CRect cell;
+    ASSERT_TRUE(list.GetSubItemRect(list.GetTopIndex() + 2, 1, LVIR_LABEL, cell));
+    CEdit editor;
+    ASSERT_TRUE(editor.Create(WS_CHILD | WS_VISIBLE | ES_AUTOHSCROLL, cell, &list, 1001));
+    EXPECT_EQ(editor.GetParent(), &list);
+    CRect at;
+    editor.GetWindowRect(&at);
+    list.ScreenToClient(&at);
+    EXPECT_EQ(at, cell);
+    LVHITTESTINFO hit{{at.CenterPoint().x, at.CenterPoint().y}, 0, 0, 0};
+    EXPECT_EQ(list.SubItemHitTest(&hit), list.GetTopIndex() + 2);
+    EXPECT_EQ(hit.iSubItem, 1);
+
+    const int top = list.GetTopIndex();
+    auto* area = qobject_cast<QAbstractScrollArea*>(AfxWidgetFromHandle(list.GetSafeHwnd()));
+    ASSERT_NE(area, nullptr);
+    QWidget* viewport = area->viewport();
+    auto wheel = [&] {
+        QWheelEvent e(QPointF(50, 50), viewport->mapToGlobal(QPointF(50, 50)), QPoint(),
+                      QPoint(0, -120), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(viewport, &e);
+    };
+    list.eatWheel = true;
+    wheel();
+    EXPECT_EQ(list.wheels, 1);
+    EXPECT_EQ(list.GetTopIndex(), top); // swallowed: nothing scrolled
+    list.eatWheel = false;
+    wheel();
+    EXPECT_EQ(list.wheels, 2);
+    EXPECT_GT(list.GetTopIndex(), top);
+}
