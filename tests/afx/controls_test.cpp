@@ -149,6 +149,11 @@ TEST(ControlsTest, EditableComboAndEdits) {
     pw->SetSel(0, -1);
     pw->GetSel(a, b);
     EXPECT_EQ(std::make_pair(a, b), std::make_pair(0, 4));
+    // Positions count characters, also beyond the basic plane.
+    pw->SetWindowText("a😀b");
+    pw->SetSel(1, 2);
+    pw->ReplaceSel("c");
+    EXPECT_EQ(pw->GetWindowTextString(), "acb");
     pw->SetLimitText(3);
     EXPECT_EQ(pw->GetLimitText(), 3u);
     EXPECT_EQ(dlg.GetDlgItemInt(IDC_PASSWORD), 0u);

@@ -155,3 +155,43 @@ TEST(WindowTest, AWindowDeletedByItsOwnerDetachesItsObject) {
     edit.SetWindowText("no crash");
     EXPECT_EQ(edit.GetWindowTextString(), "");
 }
+
+namespace {
+// Commits its text when it loses the focus, as a cell editor does.
+class CommitEdit : public CEdit {
+public:
+    std::vector<CString> commits;
+    std::vector<CWnd*> focusTo;
+
+protected:
+    void OnKillFocus(CWnd* pNewWnd) override {
+        commits.push_back(GetWindowTextString());
+        focusTo.push_back(pNewWnd);
+        CEdit::OnKillFocus(pNewWnd);
+    }
+};
+} // namespace
+
+TEST(WindowTest, FocusMovesAndADestroyedEditorLosesItFirst) {
+    CWnd host;
+    ASSERT_TRUE(
+        host.Create(nullptr, "focus", WS_POPUP | WS_VISIBLE, CRect(0, 0, 200, 100), nullptr, 0));
+    host.BringWindowToTop();
+    CommitEdit editor;
+    CEdit other;
+    ASSERT_TRUE(editor.Create(WS_CHILD | WS_VISIBLE, CRect(0, 0, 100, 22), &host, 1));
+    ASSERT_TRUE(other.Create(WS_CHILD | WS_VISIBLE, CRect(0, 30, 100, 52), &host, 2));
+    editor.SetFocus();
+    ASSERT_TRUE(AfxPumpMessagesUntil([&] { return CWnd::GetFocus() == &editor; }, 2000));
+    editor.SetWindowText("12.5");
+    other.SetFocus();
+    ASSERT_TRUE(AfxPumpMessagesUntil([&] { return !editor.commits.empty(); }, 2000));
+    EXPECT_EQ(editor.commits[0], "12.5");
+    EXPECT_EQ(editor.focusTo[0], &other);
+    editor.SetFocus();
+    ASSERT_TRUE(AfxPumpMessagesUntil([&] { return CWnd::GetFocus() == &editor; }, 2000));
+    editor.SetWindowText("7");
+    editor.DestroyWindow(); // the commit comes from the loss of focus, before the window goes
+    ASSERT_EQ(editor.commits.size(), 2u);
+    EXPECT_EQ(editor.commits[1], "7");
+}

@@ -325,28 +325,40 @@ HICON CStatic::SetIcon(HICON hIcon) {
 }
 
 // ---------------------------------------------------------------- CEdit
+// Edit positions count characters (code points), as CString does; Qt counts UTF-16 units.
+static int ToUtf16(const QString& s, int chars) {
+    int i = 0;
+    for (int c = 0; c < chars && i < s.size(); ++c)
+        i += (s.at(i).isHighSurrogate() && i + 1 < s.size()) ? 2 : 1;
+    return i;
+}
+
+static int ToChars(const QString& s, int utf16) {
+    int chars = 0;
+    for (int i = 0; i < utf16 && i < s.size(); ++chars)
+        i += (s.at(i).isHighSurrogate() && i + 1 < s.size()) ? 2 : 1;
+    return chars;
+}
+
 BOOL CEdit::Create(DWORD dwStyle, const RECT& rect, CWnd* pParent, UINT nID) {
     return CreateFromKind(KEdit, "", dwStyle, rect, pParent, nID);
 }
 
 void CEdit::SetSel(int nStart, int nEnd, BOOL) {
     if (auto* e = qobject_cast<QLineEdit*>(WidgetOf(m_hWnd))) {
-        const int len = int(e->text().size());
+        const QString t = e->text();
         if (nStart < 0) {
             e->deselect();
             return;
         }
-        if (nEnd < 0 || nEnd > len)
-            nEnd = len;
-        nStart = std::min(nStart, len);
-        e->setSelection(nStart, nEnd - nStart);
+        const int a = ToUtf16(t, nStart);
+        const int b = nEnd < 0 ? int(t.size()) : ToUtf16(t, nEnd);
+        e->setSelection(a, std::max(0, b - a));
     } else if (auto* m = qobject_cast<QPlainTextEdit*>(WidgetOf(m_hWnd))) {
+        const QString t = m->toPlainText();
         QTextCursor c = m->textCursor();
-        const int len = int(m->toPlainText().size());
-        if (nEnd < 0 || nEnd > len)
-            nEnd = len;
-        c.setPosition(std::clamp(nStart, 0, len));
-        c.setPosition(nEnd, QTextCursor::KeepAnchor);
+        c.setPosition(nStart < 0 ? 0 : ToUtf16(t, nStart));
+        c.setPosition(nEnd < 0 ? int(t.size()) : ToUtf16(t, nEnd), QTextCursor::KeepAnchor);
         m->setTextCursor(c);
     }
 }
@@ -354,15 +366,18 @@ void CEdit::SetSel(int nStart, int nEnd, BOOL) {
 void CEdit::GetSel(int& nStart, int& nEnd) const {
     nStart = nEnd = 0;
     if (auto* e = qobject_cast<QLineEdit*>(WidgetOf(m_hWnd))) {
+        const QString t = e->text();
         if (e->hasSelectedText()) {
-            nStart = int(e->selectionStart());
-            nEnd = nStart + int(e->selectedText().size());
+            const int a = int(e->selectionStart());
+            nStart = ToChars(t, a);
+            nEnd = ToChars(t, a + int(e->selectedText().size()));
         } else {
-            nStart = nEnd = int(e->cursorPosition());
+            nStart = nEnd = ToChars(t, int(e->cursorPosition()));
         }
     } else if (auto* m = qobject_cast<QPlainTextEdit*>(WidgetOf(m_hWnd))) {
-        nStart = m->textCursor().selectionStart();
-        nEnd = m->textCursor().selectionEnd();
+        const QString t = m->toPlainText();
+        nStart = ToChars(t, m->textCursor().selectionStart());
+        nEnd = ToChars(t, m->textCursor().selectionEnd());
     }
 }
 
