@@ -221,7 +221,7 @@ namespace {
 
 class GaugeWidget : public QWidget {
 public:
-    GaugeWidget(QWidget* parent, int ux, int uy) : QWidget(parent), m_ux(ux), m_uy(uy) {
+    explicit GaugeWidget(QWidget* parent) : QWidget(parent) {
         setAttribute(Qt::WA_TransparentForMouseEvents);
     }
     QString text;
@@ -231,23 +231,22 @@ protected:
     void paintEvent(QPaintEvent*) override {
         if (text.isEmpty())
             return;
-        // The unit box keeps its proportions and stands in the middle.
-        const double scale = std::min(width() / double(m_ux), height() / double(m_uy));
-        const QSizeF box(m_ux * scale, m_uy * scale);
-        const QRectF r(QPointF((width() - box.width()) / 2, (height() - box.height()) / 2), box);
+        // The unit canvas spans the control; the text stands in its middle, as large as
+        // fits, never larger than the dialog's text.
+        const QRectF r = QRectF(rect()).adjusted(2, 1, -2, -1);
         QPainter p(this);
         p.setRenderHint(QPainter::TextAntialiasing);
         QFont f = font();
-        const int lines = int(text.count('\n')) + 1;
-        f.setPixelSize(std::max(9, std::min(int(r.height() / (lines * 1.35)), 14)));
+        const int flags = Qt::AlignCenter | Qt::TextWordWrap;
+        for (int px = 13; px >= 7; --px) {
+            f.setPixelSize(px);
+            if (QFontMetricsF(f).boundingRect(r, flags, text).height() <= r.height())
+                break;
+        }
         p.setFont(f);
         p.setPen(color);
-        p.drawText(r, Qt::AlignCenter | Qt::TextWordWrap, text);
+        p.drawText(r, flags, text);
     }
-
-private:
-    int m_ux;
-    int m_uy;
 };
 
 } // namespace
@@ -256,7 +255,8 @@ BOOL CZorSkinPTextGauge::Create(CWnd* pContainer, int unitsX, int unitsY) {
     QWidget* parent = W(pContainer);
     if (!parent || m_hWnd)
         return FALSE;
-    auto* g = new GaugeWidget(parent, std::max(1, unitsX), std::max(1, unitsY));
+    m_units = CSize(std::max(1, unitsX), std::max(1, unitsY));
+    auto* g = new GaugeWidget(parent);
     g->setGeometry(parent->rect());
     if (!AfxAttachCustomWidget(this, g, 0, WS_CHILD | WS_VISIBLE)) {
         delete g;

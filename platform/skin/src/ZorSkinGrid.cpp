@@ -81,6 +81,7 @@ BOOL CZorSkinPGridCtrl::Create(const RECT& rect, CWnd* pParent, UINT nID, DWORD 
     t->horizontalHeader()->setHighlightSections(false);
     t->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     t->setStyleSheet("QTableWidget { gridline-color: #d8dce2; }");
+    t->verticalHeader()->setDefaultSectionSize(int(t->fontMetrics().height() * 1.6));
     m_impl->table = t;
     m_impl->basePointSize = t->font().pointSizeF() > 0 ? t->font().pointSizeF() : 9;
     if (!AfxAttachCustomWidget(this, t, nID, dwStyle)) {

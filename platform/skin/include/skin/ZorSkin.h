@@ -120,18 +120,20 @@ public:
 };
 
 // ---------------------------------------------------------------- text gauge
-// Draws a (multi-line) text centred in a box of unitsX by unitsY units, scaled to fill
-// its container control.
+// Draws a (multi-line) text centred on a canvas of unitsX by unitsY units that is
+// stretched over its container control; the text takes the largest size that fits.
 class CZorSkinPTextGauge : public CWnd {
 public:
     // Creates the gauge inside pContainer, filling it.
     BOOL Create(CWnd* pContainer, int unitsX = 100, int unitsY = 20);
+    CSize GetUnits() const { return m_units; }
     void SetText(const char* text);
     CString GetText() const { return m_text; }
     void SetTextColor(COLORREF c);
 
 private:
     CString m_text;
+    CSize m_units{100, 20};
 };
 
 // ---------------------------------------------------------------- grid
