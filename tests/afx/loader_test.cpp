@@ -29,6 +29,15 @@ TEST(LoaderTest, LoadsAModuleRunsItsAppAndUnloadsIt) {
     ASSERT_NE(notifier, nullptr);
     notifier(&OnExit);
     EXPECT_EQ(GetProcAddress(h, "NoSuchExport"), nullptr);
+    char path[1024];
+    EXPECT_GT(GetModuleFileName(h, path, sizeof path), 0u);
+    EXPECT_STREQ(path, AFX_TEST_MODULE);
+    ASSERT_GT(GetModuleFileName(nullptr, path, sizeof path), 0u);
+    EXPECT_TRUE(CString(path).Right(9) == "/test_afx") << path;
+    char tiny[4];
+    EXPECT_EQ(GetModuleFileName(nullptr, tiny, sizeof tiny), 3u); // truncated, terminated
+    EXPECT_EQ(tiny[3], '\0');
+    EXPECT_STREQ(AfxGetAppName(), "TestModule");
     EXPECT_TRUE(AfxFreeLibrary(h));
     EXPECT_EQ(g_exitSeen, 1);
 }

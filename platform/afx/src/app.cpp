@@ -1,8 +1,16 @@
 #include "afxres_p.h"
 
+#include <afx/afxqt.h>
 #include <afx/afxwin.h>
 
+#include <QApplication>
+#include <QCursor>
+#include <QGuiApplication>
+
 #include <dlfcn.h>
+#include <unistd.h>
+
+#include <cstring>
 
 #include <mutex>
 
@@ -136,4 +144,74 @@ CWinApp* AfxGetModuleApp(HMODULE h) {
 
 CString AfxGetLoadError() {
     return g_loadError;
+}
+
+const char* AfxGetAppName() {
+    CWinApp* app = AfxGetApp();
+    return app && app->m_pszAppName ? app->m_pszAppName : "";
+}
+
+CWnd* AfxGetMainWnd() {
+    if (CWinApp* app = AfxGetApp(); app && app->m_pMainWnd)
+        return app->m_pMainWnd;
+    QWidget* active = qApp ? QApplication::activeWindow() : nullptr;
+    return active ? CWnd::FromHandle(AfxHandleFromWidget(active)) : nullptr;
+}
+
+DWORD GetModuleFileName(HMODULE hModule, char* lpFilename, DWORD nSize) {
+    if (!lpFilename || nSize == 0)
+        return 0;
+    std::string path;
+    if (!hModule || hModule == AfxGetInstanceHandle()) {
+        char buf[4096];
+        const ssize_t n = readlink("/proc/self/exe", buf, sizeof buf - 1);
+        if (n <= 0)
+            return 0;
+        path.assign(buf, size_t(n));
+    } else {
+        path = AfxGetResourceHandleName(hModule);
+    }
+    const size_t n = std::min<size_t>(path.size(), nSize - 1);
+    std::memcpy(lpFilename, path.data(), n);
+    lpFilename[n] = '\0';
+    return DWORD(n);
+}
+
+BOOL GetCursorPos(POINT* lpPoint) {
+    if (!lpPoint)
+        return FALSE;
+    const QPoint p = QCursor::pos();
+    lpPoint->x = p.x();
+    lpPoint->y = p.y();
+    return TRUE;
+}
+
+SHORT GetKeyState(int nVirtKey) {
+    const Qt::KeyboardModifiers m = QGuiApplication::queryKeyboardModifiers();
+    bool down = false;
+    if (nVirtKey == int(VK_SHIFT))
+        down = m & Qt::ShiftModifier;
+    else if (nVirtKey == int(VK_CONTROL))
+        down = m & Qt::ControlModifier;
+    else if (nVirtKey == int(VK_MENU))
+        down = m & Qt::AltModifier;
+    return down ? SHORT(0x8000) : SHORT(0);
+}
+
+CWaitCursor::CWaitCursor() {
+    if (qApp) {
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+        m_active = true;
+    }
+}
+
+CWaitCursor::~CWaitCursor() {
+    Restore();
+}
+
+void CWaitCursor::Restore() {
+    if (m_active) {
+        QApplication::restoreOverrideCursor();
+        m_active = false;
+    }
 }

@@ -571,8 +571,33 @@ public:
 
     HINSTANCE m_hInstance = nullptr;
     const char* m_pszAppName = nullptr;
+    CWnd* m_pMainWnd = nullptr;
 };
 CWinApp* AfxGetApp();
+const char* AfxGetAppName();
+// The application's main window, else the active top-level window; may be null.
+CWnd* AfxGetMainWnd();
+
+// The path of a module library (UTF-8), or of the executable for nullptr. Returns the
+// length copied (truncated to nSize - 1), 0 on failure.
+DWORD GetModuleFileName(HMODULE hModule, char* lpFilename, DWORD nSize);
+// Screen position of the mouse.
+BOOL GetCursorPos(POINT* lpPoint);
+// High bit set while the key is down; knows VK_SHIFT, VK_CONTROL and VK_MENU.
+SHORT GetKeyState(int nVirtKey);
+
+// Shows the busy cursor while it lives.
+class CWaitCursor {
+public:
+    CWaitCursor();
+    ~CWaitCursor();
+    CWaitCursor(const CWaitCursor&) = delete;
+    CWaitCursor& operator=(const CWaitCursor&) = delete;
+    void Restore();
+
+private:
+    bool m_active = false;
+};
 
 // Starts an application object that is already constructed (one linked in statically):
 // gives it a new resource handle named `name`, makes that handle current while
