@@ -248,6 +248,15 @@ private:
         Send(h, msg.message, vk, lp, &keyFrame);
         if (!keyFrame.defaultRequested || !Lookup(h))
             return Swallow(ke);
+        // Enter and Escape that nobody took are the nearest dialog's OK and Cancel.
+        if (down && (vk == VK_RETURN || vk == VK_ESCAPE) && !(vk == VK_RETURN && WantsReturn(h))) {
+            if (HWND dlg = NearestDialog(h)) {
+                CDialog* dialog = DialogOf(dlg);
+                const int id = vk == VK_ESCAPE ? IDCANCEL : (dialog ? dialog->GetDefID() : IDOK);
+                Send(dlg, WM_COMMAND, MAKEWPARAM(WORD(id), BN_CLICKED), 0);
+                return Swallow(ke);
+            }
+        }
         Frame charFrame{w, ke, true};
         if (hasChar) {
             const UINT ch = UINT(text.toUcs4().value(0));
@@ -256,16 +265,6 @@ private:
                 CWnd* wnd = Lookup(p) ? Lookup(p)->wnd : nullptr;
                 if (wnd && wnd->PreTranslateMessage(&cmsg))
                     return Swallow(ke);
-            }
-            if ((vk == VK_RETURN || vk == VK_ESCAPE) && !(vk == VK_RETURN && WantsReturn(h))) {
-                HWND dlg = NearestDialog(h);
-                if (dlg) {
-                    CDialog* dialog = DialogOf(dlg);
-                    const int id =
-                        vk == VK_ESCAPE ? IDCANCEL : (dialog ? dialog->GetDefID() : IDOK);
-                    Send(dlg, WM_COMMAND, MAKEWPARAM(WORD(id), BN_CLICKED), 0);
-                    return Swallow(ke);
-                }
             }
             Send(h, WM_CHAR, ch, lp, &charFrame);
             if (!charFrame.defaultRequested)
