@@ -2,7 +2,9 @@
 #include <afx/afxqt.h>
 #include <afx/afxtest.h>
 
+#include <QCoreApplication>
 #include <QImage>
+#include <QMouseEvent>
 #include <QWidget>
 
 #include <gtest/gtest.h>
@@ -194,4 +196,47 @@ TEST(WindowTest, FocusMovesAndADestroyedEditorLosesItFirst) {
     editor.DestroyWindow(); // the commit comes from the loss of focus, before the window goes
     ASSERT_EQ(editor.commits.size(), 2u);
     EXPECT_EQ(editor.commits[1], "7");
+}
+
+namespace {
+// Drags a bar, as a splitter does: capture on press, moves while held, release.
+class Bar : public CWnd {
+public:
+    std::vector<CPoint> moves;
+    bool captured = false;
+
+protected:
+    void OnLButtonDown(UINT, CPoint) override {
+        SetCapture();
+        captured = GetCapture() == this;
+    }
+    void OnMouseMove(UINT, CPoint p) override {
+        moves.push_back(p);
+        SetCursor(LoadCursor(nullptr, IDC_SIZEWE));
+    }
+    void OnLButtonUp(UINT, CPoint) override { ReleaseCapture(); }
+};
+} // namespace
+
+TEST(WindowTest, PlainWindowsHearMovesAndSetTheCursor) {
+    CWnd host;
+    ASSERT_TRUE(
+        host.Create(nullptr, "bars", WS_POPUP | WS_VISIBLE, CRect(0, 0, 200, 100), nullptr, 0));
+    Bar bar;
+    ASSERT_TRUE(
+        bar.Create(nullptr, "", WS_CHILD | WS_VISIBLE, CRect(100, 0, 106, 100), &host, 1986));
+    QWidget* w = AfxWidgetFromHandle(bar.GetSafeHwnd());
+    auto send = [&](QEvent::Type t, QPoint at, Qt::MouseButtons held) {
+        QMouseEvent e(t, at, w->mapToGlobal(at),
+                      t == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, held, Qt::NoModifier);
+        QCoreApplication::sendEvent(w, &e);
+    };
+    send(QEvent::MouseMove, QPoint(3, 40), Qt::NoButton);
+    ASSERT_EQ(bar.moves.size(), 1u);
+    EXPECT_EQ(bar.moves[0], CPoint(3, 40));
+    EXPECT_EQ(w->cursor().shape(), Qt::SplitHCursor);
+    send(QEvent::MouseButtonPress, QPoint(3, 40), Qt::LeftButton);
+    EXPECT_TRUE(bar.captured);
+    send(QEvent::MouseButtonRelease, QPoint(3, 40), Qt::NoButton);
+    EXPECT_EQ(CWnd::GetCapture(), nullptr);
 }

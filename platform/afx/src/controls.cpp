@@ -18,6 +18,8 @@ namespace afxi {
 AfxWindow::AfxWindow(QWidget* parent, bool dialog) : QWidget(parent), m_dialog(dialog) {
     if (dialog)
         setAutoFillBackground(true);
+    else
+        setMouseTracking(true); // plain windows hear moves without a button, splitters need it
 }
 
 AfxCombo::AfxCombo(QWidget* parent) : QComboBox(parent) {}

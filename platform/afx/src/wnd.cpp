@@ -715,6 +715,50 @@ CWnd* CWnd::SetCapture() {
     return old;
 }
 
+BOOL ReleaseCapture() {
+    g_capture = nullptr;
+    return TRUE;
+}
+
+HCURSOR LoadCursor(HINSTANCE, const char* lpCursorName) {
+    const auto id = reinterpret_cast<uintptr_t>(lpCursorName);
+    return id >= 32512 && id <= 32660 ? reinterpret_cast<HCURSOR>(id) : nullptr;
+}
+
+HCURSOR SetCursor(HCURSOR h) {
+    Qt::CursorShape shape = Qt::ArrowCursor;
+    switch (reinterpret_cast<uintptr_t>(h)) {
+    case 32513:
+        shape = Qt::IBeamCursor;
+        break;
+    case 32514:
+        shape = Qt::WaitCursor;
+        break;
+    case 32645:
+        shape = Qt::SplitVCursor;
+        break;
+    case 32644:
+        shape = Qt::SplitHCursor;
+        break;
+    case 32649:
+        shape = Qt::PointingHandCursor;
+        break;
+    default:
+        break;
+    }
+    QWidget* w = nullptr;
+    if (Frame* f = CurrentFrame(); f && f->target && f->target->isWidgetType())
+        w = static_cast<QWidget*>(f->target);
+    else
+        w = WidgetOf(g_capture);
+    HCURSOR old = nullptr;
+    if (w) {
+        old = reinterpret_cast<HCURSOR>(uintptr_t(32512));
+        w->setCursor(shape);
+    }
+    return old;
+}
+
 BOOL CWnd::CreateFromKind(int kind, const char* text, DWORD style, const RECT& rect, CWnd* pParent,
                           UINT nID) {
     if (m_hWnd)

@@ -53,6 +53,8 @@ struct HMENU__;
 typedef HMENU__* HMENU;
 struct HICON__;
 typedef HICON__* HICON;
+struct HCURSOR__;
+typedef HCURSOR__* HCURSOR;
 struct HTREEITEM__;
 typedef HTREEITEM__* HTREEITEM;
 struct HIMAGELIST__;

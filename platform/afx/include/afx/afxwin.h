@@ -370,6 +370,20 @@ public:
                         UINT nID);
 };
 
+// Ends SetCapture.
+BOOL ReleaseCapture();
+
+// Standard cursors for LoadCursor(nullptr, ...).
+#define IDC_ARROW (reinterpret_cast<const char*>(32512))
+#define IDC_IBEAM (reinterpret_cast<const char*>(32513))
+#define IDC_WAIT (reinterpret_cast<const char*>(32514))
+#define IDC_SIZENS (reinterpret_cast<const char*>(32645))
+#define IDC_SIZEWE (reinterpret_cast<const char*>(32644))
+#define IDC_HAND (reinterpret_cast<const char*>(32649))
+HCURSOR LoadCursor(HINSTANCE hInstance, const char* lpCursorName);
+// Shows `h` over the window whose mouse message is being handled (or the capture window).
+HCURSOR SetCursor(HCURSOR h);
+
 // Posts to a window by handle; safe from any thread.
 BOOL PostMessage(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT SendMessage(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
