@@ -58,7 +58,10 @@ class CZorSkinPListCtrl : public CListCtrl {
 public:
     // Whether the header shows which column is sorted.
     void SetMarkSortedColumn(BOOL bMark) { m_markSorted = bMark; }
+    // The default sort is stable, so successive sorts nest (the earlier column orders
+    // ties); the flag is kept for callers that state it.
     void SetMultiSort(BOOL bMulti) { m_multiSort = bMulti; }
+    BOOL IsMultiSort() const { return m_multiSort; }
     // Whether a click on a column header sorts (through SortColumn).
     void EnableHeaderSort(BOOL bEnable) { m_headerSort = bEnable; }
     BOOL IsHeaderSortEnabled() const { return m_headerSort; }
