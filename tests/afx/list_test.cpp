@@ -252,3 +252,34 @@ TEST(ListStoredTest, StoredItemsTextsDataAndStates) {
     list.DeleteAllItems();
     EXPECT_EQ(list.GetItemCount(), 0);
 }
+
+namespace {
+class PictureList : public CListCtrl {
+public:
+    int OnGetItemImage(int row) override { return row % 2 ? -1 : 0; }
+    CString OnGetCellText(int, int) override { return CString(); }
+};
+} // namespace
+
+TEST(ListImageTest, SmallImagesAreDrawnInTheFirstColumn) {
+    CWnd host;
+    ASSERT_TRUE(
+        host.Create(nullptr, "host", WS_POPUP | WS_VISIBLE, CRect(0, 0, 300, 200), nullptr, 0));
+    PictureList list;
+    ASSERT_TRUE(list.Create(WS_CHILD | WS_VISIBLE | LVS_REPORT | LVS_OWNERDATA,
+                            CRect(0, 0, 300, 200), &host, 9));
+    list.InsertColumn(0, "图", LVCFMT_LEFT, 120);
+    list.SetItemCount(10);
+    std::vector<uint32_t> red(16 * 16, 0xFFFF0000u);
+    AfxRegisterIconPixels(AfxGetInstanceHandle(), 2053, 16, 16, red.data());
+    CImageList images;
+    images.Create(16, 16, ILC_COLOR32, 1, 1);
+    ASSERT_EQ(images.Add(AfxFindIcon(AfxGetInstanceHandle(), 2053)), 0);
+    list.SetImageList(&images, LVSIL_SMALL);
+    CRect first, second;
+    ASSERT_TRUE(list.GetSubItemRect(0, 0, LVIR_LABEL, first));
+    ASSERT_TRUE(list.GetSubItemRect(1, 0, LVIR_LABEL, second));
+    const QImage shot = AfxWidgetFromHandle(list.GetSafeHwnd())->grab().toImage();
+    EXPECT_EQ(shot.pixelColor(first.left + 8, first.CenterPoint().y), QColor(255, 0, 0));
+    EXPECT_NE(shot.pixelColor(second.left + 8, second.CenterPoint().y), QColor(255, 0, 0));
+}

@@ -47,6 +47,14 @@ public:
             m_view->style()->drawPrimitive(QStyle::PE_IndicatorCheckBox, &box, p, m_view);
             textRect.setLeft(r.left() + kCheckWidth + 2);
         }
+        if (col == 0) {
+            const int image = m_view->ItemImage(row);
+            const QPixmap pm = ImageListPixmap(m_view->m_images[LVSIL_SMALL], image);
+            if (!pm.isNull()) {
+                p->drawPixmap(textRect.left(), r.top() + (r.height() - pm.height()) / 2, pm);
+                textRect.setLeft(textRect.left() + pm.width() + 3);
+            }
+        }
         if (selected && (fullRow || col == 0)) {
             const QRect sel = col == 0 && !fullRow ? textRect.adjusted(-2, 0, 2, 0) : r;
             const bool active =
@@ -157,6 +165,13 @@ CString AfxListView::CellText(int row, int col) {
         size_t(col) < m_rows[size_t(row)].texts.size())
         return m_rows[size_t(row)].texts[size_t(col)];
     return CString();
+}
+
+int AfxListView::ItemImage(int row) {
+    if (!m_images[LVSIL_SMALL])
+        return -1;
+    CListCtrl* owner = Owner();
+    return owner ? owner->OnGetItemImage(row) : -1;
 }
 
 bool AfxListView::CellColors(int row, int col, COLORREF& text, COLORREF& back) {
@@ -595,8 +610,27 @@ int CListCtrl::InsertItem(int nItem, const char* text) {
     return at;
 }
 
-int CListCtrl::InsertItem(int nItem, const char* text, int) {
-    return InsertItem(nItem, text);
+int CListCtrl::InsertItem(int nItem, const char* text, int nImage) {
+    const int at = InsertItem(nItem, text);
+    if (at >= 0)
+        SetItemImage(at, nImage);
+    return at;
+}
+
+BOOL CListCtrl::SetItemImage(int nItem, int nImage) {
+    AfxListView* v = ViewOf(m_hWnd);
+    if (!v || v->m_ownerData || nItem < 0 || size_t(nItem) >= v->m_rows.size())
+        return FALSE;
+    v->m_rows[size_t(nItem)].image = nImage;
+    v->viewport()->update();
+    return TRUE;
+}
+
+int CListCtrl::OnGetItemImage(int nItem) {
+    AfxListView* v = ViewOf(m_hWnd);
+    if (!v || v->m_ownerData || nItem < 0 || size_t(nItem) >= v->m_rows.size())
+        return -1;
+    return v->m_rows[size_t(nItem)].image;
 }
 
 BOOL CListCtrl::DeleteItem(int nItem) {

@@ -51,10 +51,12 @@ public:
     struct Row {
         std::vector<CString> texts;
         DWORD_PTR data = 0;
+        int image = -1;
     };
 
     CString CellText(int row, int col);
     bool CellColors(int row, int col, COLORREF& text, COLORREF& back);
+    int ItemImage(int row);
     CListCtrl* Owner() const;
     QPoint ViewportOffset() const { return viewport()->geometry().topLeft(); }
     int RowHeight() const { return verticalHeader()->defaultSectionSize(); }

@@ -149,13 +149,14 @@ void CZorSkinPListCtrl::SortColumn(int nColumn, BOOL bAscending) {
         std::vector<CString> texts;
         DWORD_PTR data;
         BOOL check;
+        int image;
     };
     const int n = GetItemCount();
     const int cols = GetColumnCount();
     std::vector<Row> rows;
     rows.reserve(size_t(n));
     for (int i = 0; i < n; ++i) {
-        Row r{{}, GetItemData(i), GetCheck(i)};
+        Row r{{}, GetItemData(i), GetCheck(i), OnGetItemImage(i)};
         for (int c = 0; c < cols; ++c)
             r.texts.push_back(GetItemText(i, c));
         rows.push_back(std::move(r));
@@ -168,6 +169,7 @@ void CZorSkinPListCtrl::SortColumn(int nColumn, BOOL bAscending) {
         for (int c = 0; c < cols; ++c)
             SetItemText(i, c, rows[size_t(i)].texts[size_t(c)].GetString());
         SetItemData(i, rows[size_t(i)].data);
+        SetItemImage(i, rows[size_t(i)].image);
         if (GetExtendedStyle() & LVS_EX_CHECKBOXES)
             SetCheck(i, rows[size_t(i)].check);
     }

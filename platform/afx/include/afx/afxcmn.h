@@ -249,6 +249,8 @@ public:
     virtual CString OnGetCellText(int nItem, int nSubItem);
     // Fills text and background colour of a cell; FALSE keeps both defaults.
     virtual BOOL OnGetCellColors(int nItem, int nSubItem, COLORREF& text, COLORREF& back);
+    // The item's picture in the small image list (drawn in column 0), -1 for none.
+    virtual int OnGetItemImage(int nItem);
 
     // ---- styles
     DWORD SetExtendedStyle(DWORD dwNewStyle);
@@ -273,6 +275,7 @@ public:
     int GetItemCount() const;
     int InsertItem(int nItem, const char* text);
     int InsertItem(int nItem, const char* text, int nImage);
+    BOOL SetItemImage(int nItem, int nImage);
     BOOL DeleteItem(int nItem);
     BOOL DeleteAllItems();
     BOOL SetItemText(int nItem, int nSubItem, const char* text);
