@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
 #include <unordered_set>
 
 // Lengths, indexes and cuts count characters, in ASCII and in Chinese text alike.
@@ -157,4 +159,21 @@ TEST(CStringTest, LoadsFromTheCurrentResourceHandle) {
     EXPECT_EQ(direct, "提示");
     AfxFreeResourceHandle(h);
     EXPECT_EQ(AfxGetResourceHandle(), previous);
+}
+
+// Readers on several threads share one text; the length cache must not race (the
+// thread sanitizer build watches this).
+TEST(CStringTest, ConstReadsFromSeveralThreads) {
+    const CString shared("参数名称-Parameter-名称");
+    std::vector<std::thread> readers;
+    std::atomic<int> wrong{0};
+    for (int t = 0; t < 4; ++t)
+        readers.emplace_back([&] {
+            for (int i = 0; i < 200; ++i)
+                if (shared.GetLength() != 17 || shared.Mid(5, 9) != "Parameter")
+                    ++wrong;
+        });
+    for (auto& r : readers)
+        r.join();
+    EXPECT_EQ(wrong.load(), 0);
 }

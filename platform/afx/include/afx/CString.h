@@ -6,11 +6,35 @@
 
 #include <afx/afxtypes.h>
 
+#include <atomic>
 #include <cstdarg>
 #include <functional>
 #include <ostream>
 #include <string>
 #include <string_view>
+
+namespace afx {
+// A cached number that const readers on several threads may fill in at once.
+class CachedCount {
+public:
+    CachedCount(int v = -1) noexcept : m_v(v) {}
+    CachedCount(const CachedCount& o) noexcept : m_v(o.get()) {}
+    CachedCount& operator=(const CachedCount& o) noexcept {
+        set(o.get());
+        return *this;
+    }
+    CachedCount& operator=(int v) noexcept {
+        set(v);
+        return *this;
+    }
+    operator int() const noexcept { return get(); }
+    int get() const noexcept { return m_v.load(std::memory_order_relaxed); }
+    void set(int v) const noexcept { m_v.store(v, std::memory_order_relaxed); }
+
+private:
+    mutable std::atomic<int> m_v;
+};
+} // namespace afx
 
 class CString {
 public:
@@ -177,7 +201,7 @@ private:
     void Changed() { m_chars = -1; }
 
     std::string m_s;
-    mutable int m_chars = -1; // cached character count, -1 when unknown
+    mutable afx::CachedCount m_chars{-1}; // character count, -1 when unknown
 };
 
 template <> struct std::hash<CString> {
