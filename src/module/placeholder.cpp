@@ -1,1 +1,0 @@
-namespace parmira_placeholder { int version() { return 0; } }

@@ -1,0 +1,225 @@
+// The panel interface driven by the host: captions, opening, the three ways of closing,
+// host events, and every operation with a service missing.
+#include "shell_fixture.h"
+
+#include <afx/afxtest.h>
+
+#include <QWidget>
+
+namespace {
+
+class PanelTest : public ShellTest {
+protected:
+    void SetUp() override {
+        ShellTest::SetUp();
+        host.AddModule("K0", "Servo", "Sub", 1, 0);
+        host.AddModule("K3", "Inverter", "Sub", 2, 3);
+    }
+    FakeTab& Tab(size_t i) { return *host.tabs.tabs.at(i); }
+    bool HasPanel(size_t i) { return host.tabs.PanelOf(Tab(i).handle) != nullptr; }
+};
+
+TEST_F(PanelTest, CaptionNamesTheDeviceByProductKind) {
+    IQXParmira* p = Create();
+    IQXParmira* q = Create();
+    IQXParmira* r = Create();
+    ASSERT_TRUE(p && q && r);
+    p->ShowPanel(7, "K0");
+    q->ShowPanel(8, "K3");
+    r->ShowPanel(9, "nobody"); // no module: the caption starts empty
+    ASSERT_EQ(host.tabs.tabs.size(), 3u);
+    EXPECT_EQ(Tab(0).caption, "Servo(Sub_1)参数列表");
+    EXPECT_EQ(Tab(1).caption, "Inverter(2)参数列表");
+    EXPECT_EQ(Tab(2).caption, "参数列表");
+    EXPECT_EQ(host.tabs.contexts, (std::vector<uintptr_t>{7, 8, 9}));
+    for (const CString& extra : host.tabs.extras)
+        EXPECT_TRUE(extra.IsEmpty());
+    // Kinds 5 and 7 carry the sub name too; a module without product info has no name.
+    host.root.project.workspace.list.modules[1]->product.kind = 7;
+    host.root.project.workspace.list.modules[0]->hasProduct = false;
+    IQXParmira* s = Create();
+    IQXParmira* t = Create();
+    s->ShowPanel(0, "K3");
+    t->ShowPanel(0, "K0");
+    EXPECT_EQ(Tab(3).caption, "Inverter(Sub_2)参数列表");
+    EXPECT_EQ(Tab(4).caption, "参数列表");
+}
+
+TEST_F(PanelTest, PanelFillsTheTabRectangleAndSubscribes) {
+    IQXParmira* p = Create();
+    host.tabs.rect = RECT{3, 4, 503, 304};
+    p->ShowPanel(0, "K0");
+    ASSERT_EQ(host.tabs.tabs.size(), 1u);
+    QWidget* panel = host.tabs.PanelOf(Tab(0).handle);
+    ASSERT_NE(panel, nullptr);
+    EXPECT_EQ(panel->geometry(), QRect(3, 4, 500, 300));
+    EXPECT_EQ(host.bus.Count(IID_IMessage_ModuleEvent), 1);
+    EXPECT_EQ(host.ui.translatorsMade, 1);
+    EXPECT_EQ(host.ui.retranslations, 1);
+}
+
+TEST_F(PanelTest, SecondShowActivatesWhateverTheKey) {
+    IQXParmira* p = Create();
+    p->ShowPanel(0, "K0");
+    p->ShowPanel(0, "K3");
+    p->ShowPanel(0, "nobody");
+    ASSERT_EQ(host.tabs.tabs.size(), 1u);
+    EXPECT_EQ(host.tabs.activated, (std::vector<HWND>{Tab(0).handle, Tab(0).handle}));
+    EXPECT_EQ(host.bus.Count(IID_IMessage_ModuleEvent), 1);
+}
+
+TEST_F(PanelTest, NoWindowFromTheHostMeansNoPanel) {
+    IQXParmira* p = Create();
+    host.tabs.failCreate = true;
+    p->ShowPanel(0, "K0");
+    EXPECT_EQ(host.bus.Count(IID_IMessage_ModuleEvent), 0);
+    host.tabs.failCreate = false;
+    p->ShowPanel(0, "K0"); // not an activation: nothing was made the first time
+    EXPECT_TRUE(host.tabs.activated.empty());
+    ASSERT_EQ(host.tabs.tabs.size(), 2u);
+    EXPECT_TRUE(HasPanel(1));
+}
+
+// Each way of closing hands the panel back, and the next ShowPanel builds a new one.
+TEST_F(PanelTest, ClosedByTheHostsTab) {
+    IQXParmira* p = Create();
+    p->ShowPanel(0, "K0");
+    host.tabs.CloseTab(Tab(0).handle);
+    EXPECT_EQ(host.bus.Count(IID_IMessage_ModuleEvent), 0);
+    p->SelectListPage(1);
+    p->SetModuleAccessLevel("K0", 3);
+    p->ShowPanel(0, "K0");
+    EXPECT_TRUE(host.tabs.activated.empty());
+    ASSERT_EQ(host.tabs.tabs.size(), 2u);
+    EXPECT_TRUE(HasPanel(1));
+    EXPECT_EQ(host.bus.Count(IID_IMessage_ModuleEvent), 1);
+}
+
+TEST_F(PanelTest, ClosedWhenItsModuleIsRemoved) {
+    IQXParmira* p = Create();
+    IQXParmira* q = Create();
+    p->ShowPanel(0, "K0");
+    q->ShowPanel(0, "K3");
+    host.bus.RaiseModuleRemoved("k0"); // keys compare case-sensitively
+    host.bus.RaiseModuleRemoved("other");
+    EXPECT_TRUE(HasPanel(0));
+    EXPECT_TRUE(HasPanel(1));
+    host.bus.RaiseModuleRemoved("K0");
+    EXPECT_FALSE(Tab(0).open);
+    EXPECT_TRUE(HasPanel(1));
+    EXPECT_EQ(host.bus.Count(IID_IMessage_ModuleEvent), 1);
+    p->ShowPanel(0, "K0");
+    ASSERT_EQ(host.tabs.tabs.size(), 3u);
+    EXPECT_TRUE(HasPanel(2));
+}
+
+TEST_F(PanelTest, ClosedByDestroyingTheInstance) {
+    IQXParmira* p = Create();
+    p->ShowPanel(0, "K0");
+    ASSERT_TRUE(HasPanel(0));
+    EXPECT_NE(Destroy(p), 0);
+    EXPECT_FALSE(HasPanel(0));
+    EXPECT_TRUE(Tab(0).open); // the tab is the host's to close
+    EXPECT_EQ(host.bus.Count(IID_IMessage_ModuleEvent), 0);
+    IQXParmira* again = Create();
+    again->ShowPanel(0, "K0");
+    ASSERT_EQ(host.tabs.tabs.size(), 2u);
+    EXPECT_TRUE(HasPanel(1));
+}
+
+TEST_F(PanelTest, RenamingTheModuleRenamesItsTabOnly) {
+    IQXParmira* p = Create();
+    IQXParmira* q = Create();
+    p->ShowPanel(0, "K0");
+    q->ShowPanel(0, "K3");
+    host.bus.RaiseModuleRenamed("K0", "Axis one");
+    EXPECT_EQ(Tab(0).caption, "[Axis one]参数列表");
+    EXPECT_EQ(Tab(1).caption, "Inverter(2)参数列表");
+    host.bus.RaiseModuleRenamed("K0", "");
+    EXPECT_EQ(Tab(0).caption, "参数列表");
+}
+
+TEST_F(PanelTest, LanguageChangeResetsEveryCaptionOnceTheMessageArrives) {
+    IQXParmira* p = Create();
+    IQXParmira* q = Create();
+    p->ShowPanel(0, "K0");
+    q->ShowPanel(0, "K3");
+    const int retranslated = host.ui.retranslations;
+    host.bus.RaiseLanguageChanged();
+    // Posted, not done at once.
+    EXPECT_EQ(Tab(0).caption, "Servo(Sub_1)参数列表");
+    EXPECT_TRUE(AfxPumpMessagesUntil(
+        [&] { return Tab(0).caption == "参数列表" && Tab(1).caption == "参数列表"; }, 5000));
+    EXPECT_TRUE(
+        AfxPumpMessagesUntil([&] { return host.ui.retranslations == retranslated + 2; }, 5000));
+    EXPECT_EQ(host.ui.windowRetranslations, 2);
+    // Active-view notifications reach the panels and change nothing.
+    host.bus.RaiseActiveView(1);
+    EXPECT_EQ(Tab(0).caption, "参数列表");
+}
+
+TEST_F(PanelTest, LanguageChangeAfterThePanelClosedDoesNothing) {
+    IQXParmira* p = Create();
+    p->ShowPanel(0, "K0");
+    host.bus.RaiseLanguageChanged();
+    host.tabs.CloseTab(Tab(0).handle); // the posted message finds no window
+    const int retranslated = host.ui.retranslations;
+    AfxPumpMessagesUntil([] { return false; }, 50);
+    EXPECT_EQ(host.ui.retranslations, retranslated);
+    EXPECT_EQ(host.ui.windowRetranslations, 0);
+}
+
+// Every operation, with each service missing in turn: nothing breaks, and what can't be
+// done is left out.
+TEST_F(PanelTest, EveryOperationEndsQuietlyWithAnyServiceWithheld) {
+    const GUID services[] = {IID_IHostMessageBus, IID_IHostModuleManager, IID_IHostProjectRoot,
+                             IID_IHostTabManager, IID_IHostUiService};
+    for (const GUID& missing : services) {
+        TestHost h;
+        h.AddModule("K0", "Servo", "Sub", 1, 0);
+        h.Withhold(missing);
+        h.Attach();
+        IQXParmira* p = Create();
+        ASSERT_NE(p, nullptr);
+        p->ShowPanel(0, "K0");
+        const CString caption = h.tabs.tabs.empty() ? CString() : h.tabs.tabs[0]->caption;
+        p->ShowPanel(0, "K0");
+        p->OpenRecipeDialog("K0");
+        p->ExportParameters("/tmp/parmira-shell-none.csv", "K0");
+        p->SelectListPage(1);
+        p->SetModuleAccessLevel("K0", 2);
+        p->Reserved5();
+        p->Reserved9(1, 2, 3);
+        p->Reserved10(4);
+        h.bus.RaiseLanguageChanged();
+        h.bus.RaiseActiveView(1);
+        AfxPumpMessagesUntil([] { return false; }, 20);
+        h.bus.RaiseModuleRenamed("K0", "N");
+        h.bus.RaiseModuleRemoved("K0");
+
+        if (missing == IID_IHostTabManager) {
+            EXPECT_TRUE(h.tabs.tabs.empty());
+        } else {
+            ASSERT_EQ(h.tabs.tabs.size(), 1u);
+            if (missing == IID_IHostUiService) {
+                EXPECT_EQ(caption, "Servo(Sub_1)");
+            }
+            if (missing == IID_IHostProjectRoot) {
+                EXPECT_EQ(caption, "参数列表");
+            }
+        }
+        if (missing == IID_IHostMessageBus) {
+            EXPECT_TRUE(h.bus.subscriptions.empty());
+        }
+        // Without the project the panel doesn't know its module, so removal can't close it.
+        if (missing == IID_IHostProjectRoot) {
+            EXPECT_TRUE(h.tabs.PanelOf(h.tabs.tabs[0]->handle) != nullptr);
+        }
+        EXPECT_NE(Destroy(p), 0);
+        EXPECT_EQ(h.bus.Count(IID_IMessage_ModuleEvent), 0);
+        Module().setCallback(0, nullptr);
+    }
+    host.Attach();
+}
+
+} // namespace

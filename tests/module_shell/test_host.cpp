@@ -1,0 +1,210 @@
+#include "test_host.h"
+
+#include <afx/afxqt.h>
+#include <afx/afxres.h>
+
+#include <QWidget>
+
+#include <algorithm>
+
+ModuleExports& Module() {
+    static ModuleExports exports;
+    return exports;
+}
+
+// ---------------------------------------------------------------- bus
+BOOL FakeBus::Subscribe(const GUID& eventId, IBaseInterface* sink) {
+    if (sink == nullptr)
+        return FALSE;
+    subscriptions.emplace_back(eventId, sink);
+    return TRUE;
+}
+
+BOOL FakeBus::Unsubscribe(const GUID& eventId, IBaseInterface* sink) {
+    for (auto it = subscriptions.begin(); it != subscriptions.end(); ++it) {
+        if (it->first == eventId && it->second == sink) {
+            subscriptions.erase(it);
+            return TRUE;
+        }
+    }
+    return FALSE;
+}
+
+int FakeBus::Count(const GUID& eventId) const {
+    return int(std::count_if(subscriptions.begin(), subscriptions.end(),
+                             [&](const auto& s) { return s.first == eventId; }));
+}
+
+std::vector<IBaseInterface*> FakeBus::Sinks(const GUID& eventId) const {
+    std::vector<IBaseInterface*> sinks;
+    for (const auto& s : subscriptions)
+        if (s.first == eventId)
+            sinks.push_back(s.second);
+    return sinks;
+}
+
+void FakeBus::RaiseLanguageChanged() {
+    for (IBaseInterface* s : Sinks(IID_IMessage_LanguageChanged))
+        SinkAs<IMessage_LanguageChanged>(s)->OnLanguageChanged();
+}
+
+void FakeBus::RaiseActiveView(uintptr_t view) {
+    for (IBaseInterface* s : Sinks(IID_IMessage_MDIActive)) {
+        SinkAs<IMessage_MDIActive>(s)->OnActiveViewNotify1(view);
+        SinkAs<IMessage_MDIActive>(s)->OnActiveViewNotify2(view);
+    }
+}
+
+// A handler may close its panel, which unsubscribes it: only sinks still subscribed hear it.
+void FakeBus::RaiseModuleRemoved(const CString& key) {
+    for (IBaseInterface* s : Sinks(IID_IMessage_ModuleEvent)) {
+        const auto still = Sinks(IID_IMessage_ModuleEvent);
+        if (std::find(still.begin(), still.end(), s) != still.end())
+            SinkAs<IMessage_ModuleEvent>(s)->OnModuleRemoved(key);
+    }
+}
+
+void FakeBus::RaiseModuleRenamed(const CString& key, const CString& newName) {
+    for (IBaseInterface* s : Sinks(IID_IMessage_ModuleEvent))
+        SinkAs<IMessage_ModuleEvent>(s)->OnModuleRenamed(key, newName);
+}
+
+// ---------------------------------------------------------------- module manager
+IBaseInterface* FakeModuleManager::CreateInstance(const GUID&) {
+    ++creates;
+    return nullptr;
+}
+
+BOOL FakeModuleManager::ReleaseInstance(const GUID&, IBaseInterface** instance) {
+    released.push_back(instance != nullptr ? *instance : nullptr);
+    return TRUE;
+}
+
+// ---------------------------------------------------------------- tabs
+FakeTabs::~FakeTabs() {
+    for (auto& tab : tabs)
+        if (tab->open)
+            CloseTab(tab->handle);
+}
+
+BOOL FakeTabs::CreateTab(HWND& parent, RECT& r, uintptr_t viewContext, const CString& caption,
+                         const CString& extra) {
+    contexts.push_back(viewContext);
+    extras.push_back(extra);
+    auto tab = std::make_unique<FakeTab>();
+    tab->caption = caption;
+    if (failCreate) {
+        parent = nullptr;
+        tabs.push_back(std::move(tab));
+        tabs.back()->open = false;
+        return FALSE;
+    }
+    tab->widget = new QWidget;
+    tab->widget->resize(800, 600);
+    tab->handle = AfxWrapHostWidget(tab->widget);
+    parent = tab->handle;
+    r = rect;
+    tabs.push_back(std::move(tab));
+    return TRUE;
+}
+
+FakeTab* FakeTabs::Find(HWND parent) {
+    for (auto& tab : tabs)
+        if (tab->open && tab->handle == parent)
+            return tab.get();
+    return nullptr;
+}
+
+void FakeTabs::ActivateTab(HWND parent) {
+    activated.push_back(parent);
+}
+
+void FakeTabs::RenameTab(HWND parent, const CString& caption) {
+    if (FakeTab* tab = Find(parent))
+        tab->caption = caption;
+}
+
+void FakeTabs::CloseTab(HWND parent) {
+    FakeTab* tab = Find(parent);
+    if (tab == nullptr)
+        return;
+    tab->open = false;
+    AfxReleaseHostWidget(tab->handle);
+    delete tab->widget;
+    tab->widget = nullptr;
+}
+
+QWidget* FakeTabs::PanelOf(HWND parent) {
+    FakeTab* tab = Find(parent);
+    if (tab == nullptr || tab->widget == nullptr)
+        return nullptr;
+    for (QWidget* child : tab->widget->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+        if (AfxHandleFromWidget(child) != nullptr)
+            return child;
+    return nullptr;
+}
+
+// ---------------------------------------------------------------- ui
+BOOL FakeUi::GetString(CString& text, HINSTANCE module, UINT id, int) {
+    text.Empty();
+    return AfxLoadStringFrom(module, id, text);
+}
+
+IHostWindowTranslator* FakeUi::CreateWindowTranslator() {
+    ++translatorsMade;
+    return new FakeTranslator(&retranslations);
+}
+
+// ---------------------------------------------------------------- project
+IHostDeviceModule* FakeModuleList::FindModule(const CString& moduleKey) {
+    for (auto& m : modules)
+        if (m->key == moduleKey)
+            return m.get();
+    return nullptr;
+}
+
+IHostDeviceModule* FakeModuleList::GetModuleAt(int index) {
+    if (index < 0 || index >= int(modules.size()))
+        return nullptr;
+    return modules[size_t(index)].get();
+}
+
+// ---------------------------------------------------------------- host
+TestHost::TestHost() = default;
+TestHost::~TestHost() = default;
+
+void TestHost::Query(uintptr_t context, const GUID* iid, void** out) {
+    auto* host = reinterpret_cast<TestHost*>(context);
+    *out = nullptr;
+    if (host == nullptr || iid == nullptr)
+        return;
+    host->asked.push_back(*iid);
+    if (std::find(host->withheld.begin(), host->withheld.end(), *iid) != host->withheld.end())
+        return;
+    if (*iid == IID_IHostMessageBus)
+        *out = static_cast<IHostMessageBus*>(&host->bus);
+    else if (*iid == IID_IHostModuleManager)
+        *out = static_cast<IHostModuleManager*>(&host->manager);
+    else if (*iid == IID_IHostTabManager)
+        *out = static_cast<IHostTabManager*>(&host->tabs);
+    else if (*iid == IID_IHostUiService)
+        *out = static_cast<IHostUiService*>(&host->ui);
+    else if (*iid == IID_IHostProjectRoot)
+        *out = static_cast<IHostProjectRoot*>(&host->root);
+}
+
+void TestHost::Attach() {
+    Module().setCallback(reinterpret_cast<uintptr_t>(this), &TestHost::Query);
+}
+
+FakeModule& TestHost::AddModule(const char* key, const char* name, const char* sub, int axis,
+                                int kind) {
+    auto m = std::make_unique<FakeModule>();
+    m->key = key;
+    m->displayName = name;
+    m->subName = sub;
+    m->axis = axis;
+    m->product.kind = kind;
+    root.project.workspace.list.modules.push_back(std::move(m));
+    return *root.project.workspace.list.modules.back();
+}
