@@ -1,0 +1,144 @@
+// The application object linked in directly (never started here): listener lists, their
+// fan-out through the sinks, and the accessors that ask the callback afresh each time.
+#include "module/MessageSinks.h"
+#include "module/ParmiraApp.h"
+#include "module/host/IHostModuleManager.h"
+#include "module/host/IHostTabManager.h"
+#include "module/host/IMemoryStream.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+
+struct Listener : IMessage_LanguageChanged {
+    void OnLanguageChanged() override {
+        ++heard;
+        for (IMessage_LanguageChanged* l : removeOnHear)
+            theApp.RemoveLanguageListener(l);
+    }
+    int heard = 0;
+    std::vector<IMessage_LanguageChanged*> removeOnHear;
+};
+
+struct ViewListener : IMessage_MDIActive {
+    void OnActiveViewNotify1(uintptr_t v) override { first.push_back(v); }
+    void OnActiveViewNotify2(uintptr_t v) override {
+        second.push_back(v);
+        theApp.RemoveActiveViewListener(this);
+    }
+    std::vector<uintptr_t> first, second;
+};
+
+class AppTest : public ::testing::Test {
+protected:
+    void TearDown() override {
+        theApp.languageListeners.RemoveAll();
+        theApp.activeViewListeners.RemoveAll();
+        theApp.SetQueryInterfaceCallback(0, nullptr);
+    }
+};
+
+TEST_F(AppTest, ListenersAreAddedOnceAndRemovedOnce) {
+    Listener a;
+    EXPECT_FALSE(theApp.AddLanguageListener(nullptr));
+    EXPECT_FALSE(theApp.RemoveLanguageListener(nullptr));
+    EXPECT_TRUE(theApp.AddLanguageListener(&a));
+    EXPECT_FALSE(theApp.AddLanguageListener(&a));
+    EXPECT_EQ(theApp.languageListeners.GetCount(), 1);
+    EXPECT_TRUE(theApp.RemoveLanguageListener(&a));
+    EXPECT_FALSE(theApp.RemoveLanguageListener(&a));
+    EXPECT_EQ(theApp.languageListeners.GetCount(), 0);
+}
+
+// A listener that takes itself (and the one after it) out while hearing the event must
+// not make the walk read past the end or call a removed listener.
+TEST_F(AppTest, FanOutSurvivesListenersRemovingThemselves) {
+    Listener a, b, c;
+    b.removeOnHear = {&b, &c};
+    for (Listener* l : {&a, &b, &c})
+        ASSERT_TRUE(theApp.AddLanguageListener(l));
+    CMessageLanguageChanged sink(&theApp);
+    sink.OnLanguageChanged();
+    EXPECT_EQ(a.heard, 1);
+    EXPECT_EQ(b.heard, 1);
+    EXPECT_EQ(c.heard, 0); // taken out by b before its turn
+    EXPECT_EQ(theApp.languageListeners.GetCount(), 1);
+    sink.OnLanguageChanged();
+    EXPECT_EQ(a.heard, 2);
+    EXPECT_EQ(b.heard, 1);
+
+    ViewListener v1, v2;
+    theApp.AddActiveViewListener(&v1);
+    theApp.AddActiveViewListener(&v2);
+    CMessageMDIActive views(&theApp);
+    views.OnActiveViewNotify1(7);
+    EXPECT_EQ(v1.first, (std::vector<uintptr_t>{7}));
+    EXPECT_EQ(v2.first, (std::vector<uintptr_t>{7}));
+    views.OnActiveViewNotify2(8);
+    views.OnActiveViewNotify2(9);
+    // The walk goes by index: v2 moved into v1's place as v1 left, so it hears only the next.
+    EXPECT_EQ(v1.second, (std::vector<uintptr_t>{8}));
+    EXPECT_EQ(v2.second, (std::vector<uintptr_t>{9}));
+    EXPECT_EQ(theApp.activeViewListeners.GetCount(), 0);
+}
+
+// ---------------------------------------------------------------- accessors
+struct Manager : IHostModuleManager {
+    IBaseInterface* CreateInstance(const GUID& iid) override {
+        asked.push_back(iid);
+        return iid == IID_IMemoryStream ? made : nullptr;
+    }
+    BOOL ReleaseInstance(const GUID&, IBaseInterface**) override { return FALSE; }
+    IBaseInterface* GetModuleInterface(const GUID&) override { return nullptr; }
+    std::vector<GUID> asked;
+    IBaseInterface* made = nullptr;
+};
+
+struct Host {
+    Manager manager;
+    bool offerManager = true;
+    int queries = 0;
+    static void Query(uintptr_t ctx, const GUID* iid, void** out) {
+        auto* h = reinterpret_cast<Host*>(ctx);
+        ++h->queries;
+        if (*iid == IID_IHostModuleManager && h->offerManager)
+            *out = static_cast<IHostModuleManager*>(&h->manager);
+    }
+};
+
+TEST_F(AppTest, AccessorsAskTheCallbackEveryTime) {
+    EXPECT_EQ(theApp.GetModuleManager(), nullptr); // no callback yet
+    Host host;
+    theApp.SetQueryInterfaceCallback(reinterpret_cast<uintptr_t>(&host), &Host::Query);
+    const int before = host.queries;
+    EXPECT_EQ(theApp.GetModuleManager(), &host.manager);
+    EXPECT_EQ(theApp.GetModuleManager(), &host.manager);
+    EXPECT_EQ(host.queries, before + 2);
+    // A service the host takes back is gone at the next use.
+    host.offerManager = false;
+    EXPECT_EQ(theApp.GetModuleManager(), nullptr);
+    EXPECT_EQ(theApp.GetTabManager(), nullptr);
+}
+
+TEST_F(AppTest, HostObjectsAreMadeThroughTheModuleManager) {
+    Host host;
+    struct Stream : IMemoryStream {
+        void Reset(int) override {}
+        void SetMode(int) override {}
+        const BYTE* GetData() override { return nullptr; }
+        UINT GetSize() override { return 0; }
+    } stream;
+    host.manager.made = static_cast<IMemoryStream*>(&stream);
+    theApp.SetQueryInterfaceCallback(reinterpret_cast<uintptr_t>(&host), &Host::Query);
+    EXPECT_EQ(theApp.CreateMemoryStream(), &stream);
+    EXPECT_EQ(theApp.CreateWorkerThread(), nullptr);
+    ASSERT_EQ(host.manager.asked.size(), 2u);
+    EXPECT_EQ(host.manager.asked[0], IID_IMemoryStream);
+    host.offerManager = false;
+    EXPECT_EQ(theApp.CreateMemoryStream(), nullptr);
+    EXPECT_EQ(host.manager.asked.size(), 2u);
+}
+
+} // namespace
