@@ -5,11 +5,13 @@
 #include "module/ModuleResources.h"
 #include "module/ParmiraApp.h"
 #include "module/host/IHostDeviceModule.h"
+#include "module/host/IHostHelpService.h"
 #include "module/host/IHostMessageBus.h"
 #include "module/host/IHostModuleList.h"
 #include "module/host/IHostProject.h"
 #include "module/host/IHostTabManager.h"
 #include "module/host/IHostUiService.h"
+#include "module/host/IHostVarUtil.h"
 #include "module/host/IHostWindowTranslator.h"
 #include "module/host/IHostWorkspace.h"
 
@@ -91,6 +93,16 @@ void CParmiraDialog::OnDestroy() {
         m_pOwner = nullptr;
         owner->OnPanelDestroyed(this);
     }
+}
+
+BOOL CParmiraDialog::OnHelpInfo(HELPINFO* pHelpInfo) {
+    IHostHelpService* help = theApp.GetHelpService();
+    IHostVarUtil* util = theApp.GetVarUtil();
+    if (help == nullptr || util == nullptr)
+        return CZorSkinPDialog::OnHelpInfo(pHelpInfo);
+    CString file;
+    util->GetHelpFile(file);
+    return help->ShowHelp(0, file, "[Parmira] CPanelMainDialog::OnHelpInfo", 15);
 }
 
 LRESULT CParmiraDialog::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {

@@ -58,6 +58,7 @@ protected:
     BOOL OnInitDialog() override;
     void OnDestroy() override;
     void DoDataExchange(CDataExchange* pDX) override;
+    BOOL OnHelpInfo(HELPINFO* pHelpInfo) override;
     LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
 
 private:
