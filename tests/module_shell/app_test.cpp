@@ -6,6 +6,9 @@
 #include "module/host/IHostTabManager.h"
 #include "module/host/IMemoryStream.h"
 
+#include <afx/afxres.h>
+#include <afx/afxwin.h>
+
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -139,6 +142,27 @@ TEST_F(AppTest, HostObjectsAreMadeThroughTheModuleManager) {
     host.offerManager = false;
     EXPECT_EQ(theApp.CreateMemoryStream(), nullptr);
     EXPECT_EQ(host.manager.asked.size(), 2u);
+}
+
+// Started by hand, the module registers its texts and panel under its own handle and
+// gives everything back when stopped.
+TEST_F(AppTest, StartingRegistersResourcesUnderTheModulesHandle) {
+    const HINSTANCE before = AfxGetResourceHandle();
+    ASSERT_NE(AfxStartApp(&theApp, "QXParmira"), nullptr);
+    ASSERT_NE(theApp.m_hResource, nullptr);
+    EXPECT_NE(theApp.m_hResource, before);
+    CString text;
+    EXPECT_TRUE(AfxLoadStringFrom(theApp.m_hResource, 1952, text));
+    EXPECT_EQ(text, "参数列表");
+    EXPECT_FALSE(AfxLoadStringFrom(before, 1952, text));
+    const DlgTemplate* panel = AfxFindDialogTemplate(theApp.m_hResource, 1951);
+    ASSERT_NE(panel, nullptr);
+    EXPECT_TRUE(panel->style & WS_CHILD);
+    AfxStopApp(&theApp);
+    EXPECT_EQ(theApp.m_pInterfaceManager, nullptr);
+    EXPECT_EQ(theApp.m_pLanguageSink, nullptr);
+    EXPECT_EQ(theApp.m_pActiveViewSink, nullptr);
+    EXPECT_EQ(theApp.m_pfnQuery, nullptr);
 }
 
 } // namespace
