@@ -1,1 +1,0 @@
-namespace host_placeholder { int version() { return 0; } }

@@ -1,0 +1,228 @@
+#include "zorhost/services/HostVarUtil.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+using zorhost::CHostVarUtil;
+
+namespace {
+
+CString Fmt(CHostVarUtil& u, const Variant& v, int decimals, BOOL hex = 0) {
+    CString t;
+    u.FormatVariant(t, v, decimals, hex);
+    return t;
+}
+
+// Text -> variant -> text must come back unchanged at each type's limits.
+TEST(HostVarUtilValues, ParseAndFormatRoundTripAtTypeLimits) {
+    CHostVarUtil u;
+    struct Case {
+        VARTYPE tag;
+        const char* text;
+    } cases[] = {
+        {VT_I2, "-32768"},      {VT_I2, "32767"},       {VT_UI2, "0"},
+        {VT_UI2, "65535"},      {VT_I4, "-2147483648"}, {VT_I4, "2147483647"},
+        {VT_UI4, "4294967295"}, {VT_I1, "-128"},        {VT_UI1, "255"},
+    };
+    for (const Case& c : cases) {
+        Variant v;
+        ASSERT_TRUE(u.ParseVariant(v, c.text, c.tag)) << c.text;
+        EXPECT_EQ(v.vt, c.tag);
+        EXPECT_EQ(Fmt(u, v, 0), CString(c.text)) << c.text;
+        CString plain;
+        u.VariantToText(plain, v);
+        EXPECT_EQ(plain, CString(c.text));
+    }
+    Variant v;
+    ASSERT_TRUE(u.ParseVariant(v, "4294967295", VT_UI4));
+    EXPECT_EQ(v.ulVal, 4294967295u);
+    ASSERT_TRUE(u.ParseVariant(v, "-32768", VT_I2));
+    EXPECT_EQ(v.iVal, -32768);
+}
+
+TEST(HostVarUtilValues, ParseRefusesOutOfRangeNanAndJunk) {
+    CHostVarUtil u;
+    Variant v;
+    EXPECT_FALSE(u.ParseVariant(v, "-32769", VT_I2));
+    EXPECT_FALSE(u.ParseVariant(v, "32768", VT_I2));
+    EXPECT_FALSE(u.ParseVariant(v, "4294967296", VT_UI4));
+    EXPECT_FALSE(u.ParseVariant(v, "-1", VT_UI4));
+    for (const char* bad : {"nan", "NaN", "inf", "-inf", "", "  ", "12abc", "0x", "0xZZ", "1,5"}) {
+        Variant r = Variant::R8(7);
+        EXPECT_FALSE(u.ParseVariant(r, bad, VT_R8)) << bad;
+        EXPECT_EQ(r.vt, VT_R8);
+        EXPECT_EQ(r.dblVal, 0.0) << "a refused text leaves 0: " << bad;
+    }
+}
+
+TEST(HostVarUtilValues, ParseAcceptsDecimalHexAndBlanks) {
+    CHostVarUtil u;
+    Variant v;
+    ASSERT_TRUE(u.ParseVariant(v, " 12.5 ", VT_R8));
+    EXPECT_EQ(v.dblVal, 12.5);
+    ASSERT_TRUE(u.ParseVariant(v, "0x1F", VT_R8));
+    EXPECT_EQ(v.dblVal, 31.0);
+    ASSERT_TRUE(u.ParseVariant(v, "0xffffFFFF", VT_UI4));
+    EXPECT_EQ(v.ulVal, 0xFFFFFFFFu);
+    ASSERT_TRUE(u.ParseVariant(v, "-1.5e3", VT_R8));
+    EXPECT_EQ(v.dblVal, -1500.0);
+    ASSERT_TRUE(u.ParseVariant(v, "2.5", VT_I4)); // rounded like the device would
+    EXPECT_EQ(v.lVal, 2);
+    ASSERT_TRUE(u.ParseVariant(v, "abc", VT_BSTR));
+    EXPECT_EQ(v.bstrVal, CString("abc"));
+}
+
+TEST(HostVarUtilValues, FormatRoundsToDecimalsAndHidesNegativeZero) {
+    CHostVarUtil u;
+    EXPECT_EQ(Fmt(u, Variant::R8(1.23456), 0), CString("1"));
+    EXPECT_EQ(Fmt(u, Variant::R8(1.23456), 1), CString("1.2"));
+    EXPECT_EQ(Fmt(u, Variant::R8(1.23456), 2), CString("1.23"));
+    EXPECT_EQ(Fmt(u, Variant::R8(1.23456), 3), CString("1.235"));
+    EXPECT_EQ(Fmt(u, Variant::R8(1.23456), 4), CString("1.2346"));
+    EXPECT_EQ(Fmt(u, Variant::I2(-5), 2), CString("-5.00"));
+    EXPECT_EQ(Fmt(u, Variant::R8(-0.0), 2), CString("0.00"));
+    EXPECT_EQ(Fmt(u, Variant::R8(-0.0004), 3), CString("0.000"));
+    EXPECT_EQ(Fmt(u, Variant::R8(-0.0006), 3), CString("-0.001"));
+    EXPECT_EQ(Fmt(u, Variant(), 2), CString(""));
+    EXPECT_EQ(Fmt(u, Variant::Str("x y"), 2), CString("x y"));
+}
+
+TEST(HostVarUtilValues, FormatHexUsesTheTypeWidth) {
+    CHostVarUtil u;
+    EXPECT_EQ(Fmt(u, Variant::I2(-1), 0, 1), CString("FFFF"));
+    EXPECT_EQ(Fmt(u, Variant::I2(-32768), 0, 1), CString("8000"));
+    EXPECT_EQ(Fmt(u, Variant::I4(-1), 0, 1), CString("FFFFFFFF"));
+    EXPECT_EQ(Fmt(u, Variant::UI4(4294967295u), 0, 1), CString("FFFFFFFF"));
+    EXPECT_EQ(Fmt(u, Variant::UI2(0x229), 0, 1), CString("229"));
+    EXPECT_EQ(Fmt(u, Variant::R8(255.4), 0, 1), CString("FF"));
+}
+
+TEST(HostVarUtilValues, ScalingByDecimalsRoundTrips) {
+    CHostVarUtil u;
+    // Integer raw figures are scaled down; the way back stores the raw figure again.
+    for (int dec = 0; dec <= 4; ++dec) {
+        for (int32_t raw : {-32768, -1, 0, 1, 12345, 32767}) {
+            Variant v = Variant::I2(int16_t(raw));
+            double d = u.VariantToDouble(v, VT_I2, dec);
+            EXPECT_DOUBLE_EQ(d, raw / std::pow(10.0, dec));
+            Variant back = Variant::OfType(VT_I2);
+            ASSERT_TRUE(u.DoubleToVariant(d * std::pow(10.0, dec), back));
+            EXPECT_EQ(back.iVal, raw) << "decimals " << dec;
+        }
+    }
+    Variant big = Variant::UI4(4294967295u);
+    EXPECT_DOUBLE_EQ(u.VariantToDouble(big, VT_UI4, 4), 429496.7295);
+    // Real types hold the number already scaled.
+    EXPECT_DOUBLE_EQ(u.VariantToDouble(Variant::R8(1.5), VT_R8, 3), 1.5);
+}
+
+TEST(HostVarUtilValues, DoubleToVariantClampsRoundsAndRefuses) {
+    CHostVarUtil u;
+    Variant v = Variant::OfType(VT_I2);
+    ASSERT_TRUE(u.DoubleToVariant(1e9, v));
+    EXPECT_EQ(v.iVal, 32767);
+    ASSERT_TRUE(u.DoubleToVariant(-1e9, v));
+    EXPECT_EQ(v.iVal, -32768);
+    ASSERT_TRUE(u.DoubleToVariant(-2.6, v));
+    EXPECT_EQ(v.iVal, -3);
+    Variant w = Variant::OfType(VT_UI4);
+    ASSERT_TRUE(u.DoubleToVariant(-5, w));
+    EXPECT_EQ(w.ulVal, 0u);
+    ASSERT_TRUE(u.DoubleToVariant(5e12, w));
+    EXPECT_EQ(w.ulVal, 4294967295u);
+    EXPECT_FALSE(u.DoubleToVariant(std::numeric_limits<double>::quiet_NaN(), w));
+    Variant s = Variant::Str("t");
+    EXPECT_FALSE(u.DoubleToVariant(1, s));
+    Variant e;
+    EXPECT_FALSE(u.DoubleToVariant(1, e));
+    Variant b = Variant::OfType(VT_BOOL);
+    ASSERT_TRUE(u.DoubleToVariant(3, b));
+    EXPECT_EQ(b.boolVal, VARIANT_TRUE);
+}
+
+TEST(HostVarUtilValues, EqualityAcrossTagsAndTexts) {
+    CHostVarUtil u;
+    EXPECT_TRUE(u.VariantEquals(Variant::I4(1), Variant::UI4(1)));
+    EXPECT_TRUE(u.VariantEquals(Variant::R8(2), Variant::Str("2.0")));
+    EXPECT_FALSE(u.VariantEquals(Variant::R8(2), Variant::Str("abc")));
+    EXPECT_TRUE(u.VariantEquals(Variant::Str("abc"), Variant::Str("abc")));
+    EXPECT_FALSE(u.VariantEquals(Variant::I2(0), Variant()));
+    EXPECT_TRUE(u.VariantEquals(Variant(), Variant::Null()));
+    EXPECT_FALSE(u.VariantEqualsExact(Variant::I4(1), Variant::UI4(1)));
+    EXPECT_TRUE(u.VariantEqualsExact(Variant::I4(1), Variant::I4(1)));
+}
+
+TEST(HostVarUtilValues, RealnessTextAndTypeNames) {
+    CHostVarUtil u;
+    EXPECT_TRUE(u.IsRealVariant(Variant::I2(3)));
+    EXPECT_TRUE(u.IsRealVariant(Variant::Str(" -4.5 ")));
+    EXPECT_FALSE(u.IsRealVariant(Variant::Str("4.5x")));
+    EXPECT_FALSE(u.IsRealVariant(Variant::R8(std::nan(""))));
+    EXPECT_FALSE(u.IsRealVariant(Variant()));
+    CString t;
+    u.VariantToText(t, Variant::R8(0.1));
+    EXPECT_EQ(t, CString("0.1"));
+    u.VariantToText(t, Variant::R4(0.1f));
+    EXPECT_EQ(t, CString("0.1"));
+    u.VariantToText(t, Variant::R8(-0.0));
+    EXPECT_EQ(t, CString("0"));
+    EXPECT_EQ(u.VariantAsDouble(Variant::Bool(true)), 1.0);
+    EXPECT_EQ(u.VariantAsDouble(Variant::Str("zz")), 0.0);
+
+    const std::pair<int, const char*> names[] = {
+        {2, "有符号16位"},     {3, "有符号32位"},   {4, "单精度浮点数"}, {5, "双精度浮点数"},
+        {7, "无符号日期类型"}, {8, "无符号字符串"}, {11, "布尔型"},      {16, "有符号8位字符"},
+        {17, "无符号8位字符"}, {18, "无符号16位"},  {19, "无符号32位"},
+    };
+    for (const auto& [code, name] : names) {
+        u.DataTypeName(t, code);
+        EXPECT_EQ(t, CString(name)) << code;
+    }
+    u.DataTypeName(t, 6);
+    EXPECT_TRUE(t.IsEmpty());
+}
+
+TEST(HostVarUtilValues, PackedFieldsAndDigitOptions) {
+    CHostVarUtil u;
+    EXPECT_EQ(u.GetBit(0x8000, 15), 1);
+    EXPECT_EQ(u.GetBit(0x8000, 14), 0);
+    EXPECT_EQ(u.GetBit(-1, 63), 1);
+    EXPECT_EQ(u.GetBit(1, 64), 0);
+    EXPECT_EQ(u.GetBitRange(0xABCD, 4, 11), 0xBC);
+    EXPECT_EQ(u.GetBitRange(0xABCD, 11, 4), 0xBC);
+    EXPECT_EQ(u.GetBitRange(-1, 0, 63), -1);
+    EXPECT_EQ(u.GetDecimalDigit(4321, 0), 1);
+    EXPECT_EQ(u.GetDecimalDigit(4321, 3), 4);
+    EXPECT_EQ(u.GetDecimalDigit(-4321, 2), 3);
+    EXPECT_EQ(u.GetDecimalDigit(4321, 4), 0);
+    CString t;
+    u.FormatDigitOption(t, Variant::UI2(0x1A), 4, 1);
+    EXPECT_EQ(t, CString("0x001A"));
+    u.FormatDigitOption(t, Variant::I2(7), 3, 0);
+    EXPECT_EQ(t, CString("007"));
+    u.FormatDigitOption(t, Variant::I2(-1), 0, 1);
+    EXPECT_EQ(t, CString("0xFFFF"));
+}
+
+TEST(HostVarUtilValues, BytesAndLeadingIntegers) {
+    CHostVarUtil u;
+    const BYTE block[] = {0x10, 0xFF};
+    EXPECT_EQ(u.ByteAt(block, 2, 1), 255);
+    EXPECT_EQ(u.ByteAt(block, 2, 2), 0);
+    EXPECT_EQ(u.ByteAt(nullptr, 2, 0), 0);
+    EXPECT_EQ(u.TextToInt("  -42abc"), -42);
+    EXPECT_EQ(u.TextToInt("+7"), 7);
+    EXPECT_EQ(u.TextToInt("x1"), 0);
+    EXPECT_EQ(u.TextToInt("99999999999"), 2147483647);
+    EXPECT_EQ(u.TextToInt("-99999999999"), -2147483647 - 1);
+    std::string bytes;
+    u.ToNarrowText("速度 A", bytes);
+    EXPECT_EQ(bytes, std::string("速度 A"));
+    CHostVarUtil latin("ISO-8859-1");
+    latin.ToNarrowText("é速", bytes);
+    EXPECT_EQ(bytes, std::string("\xE9?"));
+}
+
+} // namespace
