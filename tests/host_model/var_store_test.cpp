@@ -1,0 +1,105 @@
+#include "zorhost/device/DeviceLoader.h"
+#include "zorhost/model/VarStore.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+using zorhost::model::CVarStore;
+
+namespace {
+
+std::shared_ptr<const zorhost::device::DeviceDescription> Load(const char* file) {
+    auto r = zorhost::device::LoadDeviceFile(std::string(PARMIRA_DEVICES_DIR) + "/" + file);
+    EXPECT_TRUE(r) << r.error.ToString();
+    return r.device;
+}
+
+TEST(HostVarStore, FourAxisLookupsByCodeAndAddressOnEveryAxis) {
+    auto dev = Load("zd4m_four_axis.json");
+    ASSERT_TRUE(dev);
+    CVarStore store(dev);
+    const UINT addresses[] = {0x0229, 0x2229, 0x4229, 0x6229};
+    std::set<IVarObjEx*> seen;
+    for (int axis = 0; axis < 4; ++axis) {
+        IVarObjEx* byAddr = store.FindByAddress(addresses[axis]);
+        ASSERT_NE(byAddr, nullptr) << axis;
+        CString code, key;
+        byAddr->GetInstanceCode(code);
+        EXPECT_EQ(code, CString("H02-41"));
+        EXPECT_EQ(byAddr->GetInstanceAddress(), addresses[axis]);
+        byAddr->GetInstanceGuid(key);
+        EXPECT_EQ(key, CString("A" + std::to_string(axis + 1) + ".H02-41"));
+        EXPECT_EQ(store.FindByCode(key), byAddr) << "the instance key finds the same variable";
+        seen.insert(byAddr);
+    }
+    EXPECT_EQ(seen.size(), 4u) << "each axis has its own variable";
+    EXPECT_EQ(store.FindByCode("H02-41"), store.FindByAddress(0x0229)) << "a bare code: first axis";
+    EXPECT_EQ(store.FindByCode("A9.H02-41"), nullptr);
+    EXPECT_EQ(store.FindByCode("H99-99"), nullptr);
+    EXPECT_EQ(store.FindByAddress(0xFFFF), nullptr);
+    EXPECT_EQ(store.GetAt(-1), nullptr);
+    EXPECT_EQ(store.GetAt(store.GetCount()), nullptr);
+}
+
+TEST(HostVarStore, VariablesCarryTheirOwnStateOverSharedAttributes) {
+    auto dev = Load("zd4m_four_axis.json");
+    ASSERT_TRUE(dev);
+    CVarStore store(dev);
+    IVarObjEx* a = store.FindByAddress(0x0229);
+    IVarObjEx* b = store.FindByAddress(0x2229);
+    ASSERT_TRUE(a && b);
+    IVarAttr* attr = a->GetAttr();
+    ASSERT_NE(attr, nullptr);
+    EXPECT_EQ(attr->GetDataType(), int(VT_UI2));
+    EXPECT_EQ(attr->GetDisplayFormat(), 4);
+    EXPECT_EQ(attr->GetAccessLevel(), 3);
+    EXPECT_FALSE(attr->IsTransferable());
+    EXPECT_EQ(attr->GetMaxValue(), Variant::UI2(65535));
+    EXPECT_EQ(a->GetValue(), Variant::UI2(0)) << "starts at the factory value";
+
+    a->SetValue(Variant::UI2(1234));
+    a->SetChecked(1);
+    a->SetPerUnitMode(2);
+    EXPECT_EQ(b->GetValue(), Variant::UI2(0));
+    EXPECT_FALSE(b->IsChecked());
+    EXPECT_EQ(b->GetPerUnitMode(), -1);
+    EXPECT_TRUE(b->GetSetValue().IsEmpty());
+
+    IVarObjEx* copy = a->Clone();
+    EXPECT_EQ(copy->GetValue(), Variant::UI2(1234));
+    EXPECT_EQ(copy->GetAttr(), attr);
+    EXPECT_TRUE(copy->IsChecked());
+    copy->SetValue(Variant::UI2(1));
+    EXPECT_EQ(a->GetValue(), Variant::UI2(1234));
+    delete copy;
+
+    IVarAttr* attrCopy = attr->Clone();
+    attrCopy->SetAccessLevel(0);
+    EXPECT_EQ(attr->GetAccessLevel(), 3);
+    delete attrCopy;
+}
+
+TEST(HostVarStore, ShippedDevicesBuildStoresWhoseLookupsAgree) {
+    for (const char* file : {"zd3s_servo.json", "zd4m_four_axis.json", "zv5_inverter.json"}) {
+        auto dev = Load(file);
+        ASSERT_TRUE(dev) << file;
+        CVarStore store(dev);
+        ASSERT_EQ(store.GetCount(), int(dev->parameters.size())) << file;
+        ASSERT_GT(store.GetCount(), 0);
+        CString version;
+        store.GetVersionText(version);
+        EXPECT_EQ(version.str(), std::string(dev->Text(dev->product.versionText)));
+        for (int i = 0; i < store.GetCount(); ++i) {
+            IVarObjEx* v = store.GetAt(i);
+            ASSERT_NE(v, nullptr);
+            EXPECT_EQ(store.FindByAddress(v->GetInstanceAddress()), v) << file << " #" << i;
+            CString key;
+            v->GetInstanceGuid(key);
+            EXPECT_EQ(store.FindByCode(key), v) << file << " " << key.str();
+        }
+    }
+}
+
+} // namespace
