@@ -103,3 +103,36 @@ TEST(HostVarStore, ShippedDevicesBuildStoresWhoseLookupsAgree) {
 }
 
 } // namespace
+
+namespace {
+
+// Raw integer figures are shown scaled by the decimals; hexadecimal display ignores them.
+TEST(HostVarStore, ValueTextsFollowDecimalsAndDisplayFormat) {
+    auto dev = Load("zd3s_servo.json");
+    ASSERT_TRUE(dev);
+    CVarStore store(dev);
+    IVarObjEx* power = store.FindByCode("H00-04"); // u16, 2 decimals, factory 40
+    ASSERT_NE(power, nullptr);
+    CString text;
+    power->GetValueText(text);
+    EXPECT_EQ(text, CString("0.40"));
+    power->SetValue(Variant::UI2(65535));
+    power->GetValueText(text);
+    EXPECT_EQ(text, CString("655.35"));
+    power->GetSetValueText(text);
+    EXPECT_TRUE(text.IsEmpty()) << "no set value yet";
+    power->SetSetValue(Variant::UI2(5));
+    power->GetSetValueText(text);
+    EXPECT_EQ(text, CString("0.05"));
+
+    IVarObjEx* serial = store.FindByCode("H01-17"); // u32, hexadecimal display
+    ASSERT_NE(serial, nullptr);
+    serial->SetValue(Variant::UI4(4294967295u));
+    serial->GetValueText(text);
+    EXPECT_EQ(text, CString("FFFFFFFF"));
+    serial->SetValue(Variant());
+    serial->GetValueText(text);
+    EXPECT_TRUE(text.IsEmpty());
+}
+
+} // namespace
