@@ -1,3 +1,4 @@
+#include "zorhost/services/HostModuleManager.h"
 #include "zorhost/services/HostWorkerThread.h"
 
 #include <gtest/gtest.h>
@@ -71,6 +72,36 @@ TEST(HostWorkerThread, WaitWakesEarlyOnStopAndTimeoutLeavesTheObjectToTheThread)
     while (!job.ended)
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
+}
+
+} // namespace
+
+namespace {
+
+TEST(HostModuleManager, MakesWorkersAndKeepsPluginInterfaces) {
+    zorhost::CHostModuleManager manager;
+    IBaseInterface* made = manager.CreateInstance(IID_IHostWorkerThread);
+    ASSERT_NE(made, nullptr);
+    auto* worker = static_cast<IHostWorkerThread*>(made);
+    Job job;
+    job.worker = static_cast<CHostWorkerThread*>(worker);
+    ASSERT_TRUE(worker->Start(&Loop, 0, &job));
+    worker->Release();
+    EXPECT_TRUE(job.ended);
+    EXPECT_EQ(manager.CreateInstance(GuidFromString("00000000-0000-0000-0000-000000000001")),
+              nullptr);
+
+    const GUID iid = GuidFromString("12345678-0000-0000-0000-00000000ABCD");
+    IBaseInterface plugin, other;
+    EXPECT_EQ(manager.GetModuleInterface(iid), nullptr);
+    manager.RegisterModuleInterface(iid, &plugin);
+    EXPECT_EQ(manager.GetModuleInterface(iid), &plugin);
+    IBaseInterface* p = &other;
+    EXPECT_FALSE(manager.ReleaseInstance(iid, &p)) << "not the instance the host holds";
+    p = &plugin;
+    EXPECT_TRUE(manager.ReleaseInstance(iid, &p));
+    EXPECT_EQ(manager.GetModuleInterface(iid), nullptr);
+    EXPECT_FALSE(manager.ReleaseInstance(iid, &p));
 }
 
 } // namespace
