@@ -965,18 +965,6 @@ void CListCtrl::ClickCell(int nItem, int nSubItem, UINT button) {
     CRect r;
     if (!GetSubItemRect(nItem, nSubItem, LVIR_LABEL, r))
         return;
-    QPointer<QWidget> vp = v->viewport();
-    const QPoint at = QPoint(r.CenterPoint().x, r.CenterPoint().y) - v->ViewportOffset();
-    const Qt::MouseButton b = button == MK_RBUTTON ? Qt::RightButton : Qt::LeftButton;
-    const QPoint global = vp->mapToGlobal(at);
-    QMouseEvent press(QEvent::MouseButtonPress, at, global, b, b, Qt::NoModifier);
-    QCoreApplication::sendEvent(vp, &press);
-    if (!vp)
-        return;
-    QMouseEvent release(QEvent::MouseButtonRelease, at, global, b, Qt::NoButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(vp, &release);
-    if (vp && b == Qt::RightButton) {
-        QContextMenuEvent menu(QContextMenuEvent::Mouse, at, global);
-        QCoreApplication::sendEvent(vp, &menu);
-    }
+    SendClick(v->viewport(), QPoint(r.CenterPoint().x, r.CenterPoint().y) - v->ViewportOffset(),
+              button);
 }

@@ -522,18 +522,5 @@ void CTreeCtrl::ClickItem(HTREEITEM hItem, UINT button) {
         return;
     t->scrollToItem(ItemOf(hItem));
     const QRect r = t->visualItemRect(ItemOf(hItem));
-    QPointer<QWidget> vp = t->viewport();
-    const QPoint at = r.center();
-    const Qt::MouseButton b = button == MK_RBUTTON ? Qt::RightButton : Qt::LeftButton;
-    const QPoint global = vp->mapToGlobal(at);
-    QMouseEvent press(QEvent::MouseButtonPress, at, global, b, b, Qt::NoModifier);
-    QCoreApplication::sendEvent(vp, &press);
-    if (!vp)
-        return;
-    QMouseEvent release(QEvent::MouseButtonRelease, at, global, b, Qt::NoButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(vp, &release);
-    if (vp && b == Qt::RightButton) {
-        QContextMenuEvent menu(QContextMenuEvent::Mouse, at, global);
-        QCoreApplication::sendEvent(vp, &menu);
-    }
+    SendClick(t->viewport(), r.center(), button);
 }

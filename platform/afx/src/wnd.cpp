@@ -1467,6 +1467,25 @@ namespace afxi {
 void SetForcedKeyTarget(QWidget* w) {
     g_forcedKeyTarget = w;
 }
+void SendClick(QWidget* viewport, const QPoint& at, UINT button) {
+    QPointer<QWidget> vp = viewport;
+    if (!vp)
+        return;
+    const Qt::MouseButton b = button == MK_RBUTTON ? Qt::RightButton : Qt::LeftButton;
+    const QPoint global = vp->mapToGlobal(at);
+    QMouseEvent press(QEvent::MouseButtonPress, at, global, b, b, Qt::NoModifier);
+    QCoreApplication::sendEvent(vp, &press);
+    // The press may have closed the window the viewport belongs to.
+    if (!vp)
+        return;
+    QMouseEvent release(QEvent::MouseButtonRelease, at, global, b, Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(vp, &release);
+    if (vp && b == Qt::RightButton) {
+        QContextMenuEvent menu(QContextMenuEvent::Mouse, at, global);
+        QCoreApplication::sendEvent(vp, &menu);
+    }
+}
+
 } // namespace afxi
 
 void CWnd::OnPaint() {

@@ -101,6 +101,10 @@ LRESULT NotifyHdr(HWND ctl, NMHDR* hdr);
 // Enter/Escape routing to the nearest dialog.
 HWND NearestDialog(HWND h);
 
+// Test seam behind ClickCell/ClickItem: a press and release (and a context-menu event for
+// the right button) at `at` in the viewport's coordinates, as a user's click would send.
+void SendClick(QWidget* viewport, const QPoint& at, UINT button);
+
 // List and tree internals used across files.
 void RadioClicked(HWND h);
 CDialog* DialogOf(HWND h);
