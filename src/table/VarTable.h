@@ -1,0 +1,241 @@
+// CVarTable: the table frame inside the panel. It holds the group tree, the description
+// box and the stacked host with both list pages, turns a tree selection into a call on the
+// page of the current list style, owns the cyclic refresh and the device lists, and is the
+// pages' one link to the host.
+#pragma once
+
+#include "module/TemplateList.h"
+#include "module/host/HostFwd.h"
+#include "module/host/IMessage_LanguageChanged.h"
+#include "module/host/IMessage_ModuleUploadEvent.h"
+#include "module/host/IRefreshQueryEvent.h"
+#include "table/StackedDialog.h"
+
+#include <afx/afxcmn.h>
+#include <afx/afxmt.h>
+#include <skin/ZorSkin.h>
+
+#include <atomic>
+#include <map>
+#include <vector>
+
+class CParmiraDialog;
+class COldProtocolDeviceAgent;
+
+// Window messages of the panel and the frame.
+constexpr UINT UM_UPDATE_VAR_COUNT = 1025; // panel: wParam nonzero sets the total too
+constexpr UINT UM_REFRESH_TICK = 1026;     // frame: repaint the list (worker, 500 ms)
+constexpr UINT UM_REFRESH_QUERY = 1027;    // frame: submit the visible rows for reading
+constexpr UINT UM_RELOAD_MODULE = 1030;    // frame: a property of the module changed
+constexpr UINT UM_SPLITTER_MOVED = 2024;   // frame: a splitter was dragged
+
+// Timer of the frame: the first page takes over the drive's authority level.
+constexpr UINT_PTR IDT_AUTHORITY_POLL = 1029;
+constexpr UINT AUTHORITY_POLL_PERIOD_MS = 2000;
+constexpr int REFRESH_TICK_MS = 500;
+
+// Dialog and page ids of the frame.
+constexpr UINT IDD_VAR_TABLE = 1953;
+constexpr UINT IDD_STACKED_HOST = 2158;
+constexpr UINT IDD_VAR_TABLE_PAGE1 = 2059;
+constexpr UINT IDD_VAR_TABLE_PAGE2 = 2060;
+constexpr UINT IDC_GROUP_TREE = 2007;
+constexpr UINT IDC_TREE_SPLITTER = 1986;
+constexpr UINT IDC_STACK_PLACEHOLDER = 2091;
+constexpr UINT IDC_TEXT_SPLITTER = 1989;
+constexpr UINT IDC_VAR_DESCRIPTION = 1018;
+
+// The list page of a list style: 0 makes the live list (dialog 2059), 1 the staging list
+// (dialog 2060). The object is not created as a window yet. Defined with the pages.
+CVarTablePage* CreateVarTablePage(int style);
+
+// The record behind a tree item that stands for a host object. Fixed items have none.
+class CTreeItemData {
+public:
+    enum { KindAxis = 0, KindGroup = 1, KindCategory = 2 };
+    CTreeItemData(int kind, void* object) : m_nKind(kind), m_pObject(object) {}
+    virtual ~CTreeItemData() = default;
+
+    IHostAxis* GetAxis() const {
+        return m_nKind == KindAxis ? static_cast<IHostAxis*>(m_pObject) : nullptr;
+    }
+    IGroupNode* GetGroup() const {
+        return m_nKind == KindGroup ? static_cast<IGroupNode*>(m_pObject) : nullptr;
+    }
+    IGroupCategory* GetCategory() const {
+        return m_nKind == KindCategory ? static_cast<IGroupCategory*>(m_pObject) : nullptr;
+    }
+
+    int m_nKind;
+    void* m_pObject; // not owned
+};
+
+class CVarTable : public CZorSkinPDialog,
+                  public IMessage_ModuleUploadEvent,
+                  public IMessage_LanguageChanged,
+                  public IRefreshQueryEvent {
+public:
+    CVarTable();
+    ~CVarTable() override;
+    CVarTable(const CVarTable&) = delete;
+    CVarTable& operator=(const CVarTable&) = delete;
+
+    // Forwarded from the panel interface.
+    virtual void SelectListPage(int index);
+    virtual void SetModuleAccessLevel(const CString& moduleKey, int level);
+
+    // Set before the window is created.
+    void SetPanel(CParmiraDialog* panel) { m_pPanel = panel; }
+    void SetWorkspace(IHostWorkspace* workspace) { m_pWorkspace = workspace; }
+    void SetModule(IHostDeviceModule* module) { m_pModule = module; }
+
+    // What the pages and dialogs ask of the frame.
+    IHostDeviceModule* GetModule() const { return m_pModule; }
+    IHostWorkspace* GetWorkspace() const { return m_pWorkspace; }
+    CParmiraDialog* GetPanel() const { return m_pPanel; }
+    IGroupNode* GetCurrentCustomGroup() const { return m_pCurrentGroup; }
+    int GetAccessLevel() const;
+    // 0 when the chain to the workspace is broken.
+    int GetListStyle() const;
+    IVarStore* GetVarList() const;
+    void PostVarCount(BOOL setTotal, int count);
+    void ShowVarDescription(IVarObjEx* var);
+    BOOL IsOscilloscopeBusy(IHostDeviceModule* module);
+    BOOL IsOscilloscopeWindowVisible();
+    void OpenCompareDialog();
+    void ApplyAccessLevel(IHostDeviceModule* module, int level);
+    void ApplyAccessLevelToAll(int level);
+    void ReloadModule();
+    // True when the module's catalog knows the variable's address as transferable.
+    BOOL IsCatalogVar(IVarObjEx* var);
+    // The page of the current list style when it has a window, else null.
+    CVarTablePage* GetStylePage() const;
+    CVarTablePage* GetPage1() const { return m_pPage1; }
+    CVarTablePage* GetPage2() const { return m_pPage2; }
+
+    // The windowless export: 1 when the table file was written.
+    BOOL ExportAllToFile(const CString& path);
+
+    // Group tree.
+    void BuildTree();
+    void SaveTreeState(HTREEITEM parent);
+    BOOL RestoreTreeState(HTREEITEM parent);
+    BOOL IsGroupShown(IGroupNode* group);
+    void CollectAllVars(std::vector<IVarObjEx*>& list, BOOL includeFactory);
+    void CollectGroupVars(IGroupNode* group, std::vector<IVarObjEx*>& list, BOOL includeFactory);
+    void OnTreeSelection(HTREEITEM item);
+    CTreeCtrl& GetTree() { return m_tree; }
+    HTREEITEM GetRootItem() const { return m_hRoot; }
+    HTREEITEM GetAllItem() const { return m_hAll; }
+    HTREEITEM GetCustomItem() const { return m_hCustom; }
+    HTREEITEM GetModifiedItem() const { return m_hModified; }
+    BOOL IsInCustomSubtree(HTREEITEM item) const;
+    BOOL IsInModifiedSubtree(HTREEITEM item) const;
+    // The tree's context menu for the item under `point` (tree client coordinates).
+    void OnTreeContextMenu(CPoint point);
+
+    // Refresh.
+    void StartRefresh();
+    void StopRefresh();
+    // IRefreshQueryEvent: any thread; only posts.
+    void OnRefreshQuery() override;
+
+    // Device classes.
+    void LoadDeviceList(COldProtocolDeviceAgent* agent, const CString& fileName);
+    BOOL IsProductLine13(IHostDeviceModule* module);
+    BOOL SupportsAttributeUpdate();
+    void StartAttributeUpload();
+    static BOOL IsFactoryPasswordAddress(UINT address);
+    // Command 2095 of the pages: the checks run, nothing further happens.
+    void OnOldProtocolCommand();
+    COldProtocolDeviceAgent* GetOldProtocolDevices() const { return oldProtocolDevices; }
+    COldProtocolDeviceAgent* GetHalfDuplexDevices() const { return halfDuplexDevices; }
+
+    // IBaseInterface (shared by the listener bases): the frame is not released by the host.
+    void Release() override {}
+    // IMessage_ModuleUploadEvent
+    void OnModuleUploaded(const CString& moduleKey, BOOL success) override;
+    void OnModuleDownloaded(const CString& moduleKey, BOOL success) override;
+    // IMessage_LanguageChanged
+    void OnLanguageChanged() override;
+
+    // The one lock of the frame, taken on the user-interface thread only.
+    CCriticalSection m_refreshLock;
+
+    // Flags shared with the pages and the save flows.
+    int busyExporting = 0;
+    int inCustomOrModified = 0;
+    int saveAfterUpload = 1;
+    int includeFactoryGroups = 0;
+    int contextMenuOpen = 0;
+    int promptOnModified = 1;
+    // Read by the worker and by OnRefreshQuery without the lock.
+    std::atomic<int> refreshEnabled{1};
+
+    // Menu command id to group while a page shows its add-to-group menu.
+    std::map<UINT, IGroupNode*> m_menuGroups;
+    std::map<UINT, IGroupNode*> m_menuSubGroups;
+
+protected:
+    BOOL OnInitDialog() override;
+    void OnDestroy() override;
+    void OnSize(UINT nType, int cx, int cy) override;
+    void OnTimer(UINT_PTR nIDEvent) override;
+    BOOL OnCommand(WPARAM wParam, LPARAM lParam) override;
+    BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
+    BOOL PreTranslateMessage(MSG* pMsg) override;
+    LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void OnOK() override {}
+    void OnCancel() override {}
+
+private:
+    struct TreeState {
+        UINT selected = 0;
+        UINT expanded = 0;
+    };
+
+    static UINT RefreshWorker(void* arg);
+    void OnRefreshTick();
+    void OnRefreshQueryMessage();
+    void StartWorker();
+    void ReleaseWorker();
+    void RecalcLayout();
+    void DeleteTreeRecords();
+    HTREEITEM AddGroupItem(IGroupNode* group, HTREEITEM parent, BOOL filtered);
+    void AddGroupChildren(IGroupNode* group, HTREEITEM parent, BOOL filtered);
+    HTREEITEM InsertRecordItem(const CString& text, int image, HTREEITEM parent, int kind,
+                               void* object);
+    void ShowModifiedWithMode(int mode);
+    BOOL GetProductNumbers(IHostDeviceModule* module, DWORD& lineId, DWORD& productId,
+                           DWORD* subProductId = nullptr);
+    void SubscribeUpload();
+    void UnsubscribeUpload();
+    CString LoadText(UINT id) const;
+    void UpdateCustomCommands();
+    BOOL OnFrameCommand(UINT id);
+
+    TStackedDialog m_stack;
+    CVarTablePage* m_pPage1 = nullptr; // owned by m_stack
+    CVarTablePage* m_pPage2 = nullptr;
+    CZorSkinPTreeCtrl m_tree;
+    CTemplateList<CTreeItemData*, CTreeItemData*> m_treeItems;
+    CImageList m_images;
+    HTREEITEM m_hRoot = nullptr;
+    HTREEITEM m_hAll = nullptr;
+    HTREEITEM m_hCustom = nullptr;
+    HTREEITEM m_hModified = nullptr;
+    HTREEITEM lastSelection = nullptr;
+    COldProtocolDeviceAgent* oldProtocolDevices = nullptr;
+    COldProtocolDeviceAgent* halfDuplexDevices = nullptr;
+    IHostDeviceModule* m_pModule = nullptr;
+    IHostWorkspace* m_pWorkspace = nullptr;
+    IGroupNode* m_pCurrentGroup = nullptr;
+    CParmiraDialog* m_pPanel = nullptr;
+    IHostWindowTranslator* m_pTranslator = nullptr;
+    IHostWorkerThread* m_pWorker = nullptr;
+    // The frame's window handle as the worker reads it.
+    std::atomic<HWND> m_hWndForWorker{nullptr};
+    std::map<CString, TreeState> m_treeState;
+    BOOL m_uploadSubscribed = FALSE;
+    BOOL m_inSelection = FALSE;
+};
