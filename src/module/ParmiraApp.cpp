@@ -3,6 +3,7 @@
 #include "module/InterfaceManager.h"
 #include "module/MessageSinks.h"
 #include "module/ModuleResources.h"
+#include "table/TableResources.h"
 #include "module/host/IHostAccessService.h"
 #include "module/host/IHostDeviceHelper.h"
 #include "module/host/IHostHelpService.h"
@@ -51,6 +52,7 @@ CParmiraApp::~CParmiraApp() {
 BOOL CParmiraApp::InitInstance() {
     m_hResource = AfxGetResourceHandle();
     RegisterModuleResources(m_hResource);
+    RegisterTableResources(m_hResource);
     return CWinApp::InitInstance();
 }
 

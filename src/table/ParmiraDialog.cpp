@@ -14,10 +14,16 @@
 #include "module/host/IHostVarUtil.h"
 #include "module/host/IHostWindowTranslator.h"
 #include "module/host/IHostWorkspace.h"
+#include "table/TableResources.h"
+#include "table/VarTable.h"
 
 CParmiraDialog::CParmiraDialog() : CZorSkinPDialog(IDD_PARMIRA_PANEL) {}
 
 CParmiraDialog::~CParmiraDialog() {
+    delete m_pTable;
+    m_pTable = nullptr;
+    delete m_pNotice;
+    m_pNotice = nullptr;
     delete m_pTranslator;
     m_pTranslator = nullptr;
 }
@@ -38,14 +44,25 @@ HWND CParmiraDialog::GetTabWindow() const {
     return parent != nullptr ? parent->GetSafeHwnd() : nullptr;
 }
 
-// NOT DONE: the table frame is not written yet. Until it is, the panel has no frame, so
-// these three find nothing to forward to.
-void CParmiraDialog::SelectListPage(int /*index*/) {}
+BOOL CParmiraDialog::HasTableWindow() const {
+    return m_pTable != nullptr && m_pTable->GetSafeHwnd() != nullptr;
+}
 
-void CParmiraDialog::SetModuleAccessLevel(const CString& /*moduleKey*/, int /*level*/) {}
+void CParmiraDialog::SelectListPage(int index) {
+    if (HasTableWindow())
+        m_pTable->SelectListPage(index);
+}
 
-BOOL CParmiraDialog::ExportAllToFile(const CString& /*path*/) {
-    return FALSE;
+void CParmiraDialog::SetModuleAccessLevel(const CString& moduleKey, int level) {
+    if (HasTableWindow())
+        m_pTable->SetModuleAccessLevel(moduleKey, level);
+}
+
+BOOL CParmiraDialog::ExportAllToFile(const CString& path) {
+    // A frame that never gets a window: only its collection and writer run.
+    CVarTable table;
+    table.SetModule(m_pModule);
+    return table.ExportAllToFile(path);
 }
 
 BOOL CParmiraDialog::OnInitDialog() {
@@ -57,6 +74,20 @@ BOOL CParmiraDialog::OnInitDialog() {
     if (IHostMessageBus* bus = theApp.GetMessageBus())
         bus->Subscribe(IID_IMessage_ModuleEvent, AsSink<IMessage_ModuleEvent>(this));
     theApp.AddActiveViewListener(this);
+
+    if (m_pTable == nullptr) {
+        if (CWnd* placeholder = GetDlgItem(int(IDC_TABLE_PLACEHOLDER))) {
+            m_pTable = new CVarTable;
+            m_pTable->SetPanel(this);
+            m_pTable->SetWorkspace(m_pProject != nullptr ? m_pProject->GetWorkspace() : nullptr);
+            m_pTable->SetModule(m_pModule);
+            if (m_pTable->Create(IDD_VAR_TABLE, placeholder)) {
+                CRect rc;
+                placeholder->GetClientRect(&rc);
+                m_pTable->MoveWindow(&rc);
+            }
+        }
+    }
 
     AddAnchor(IDC_TABLE_PLACEHOLDER, AnchorTopLeft, AnchorBottomRight);
     for (UINT id :
@@ -71,9 +102,35 @@ BOOL CParmiraDialog::OnInitDialog() {
             m_pTranslator->Retranslate(0);
         }
     }
-    // The factory notice needs the frame's device lists; without a frame it stays empty.
+    ShowNotice();
     UpdateData(FALSE);
     return TRUE;
+}
+
+void CParmiraDialog::ShowNotice() {
+    CString text;
+    if (m_pTable != nullptr && m_pTable->IsProductLine13(m_pModule)) {
+        if (IHostUiService* ui = theApp.GetUiService())
+            ui->GetString(text, theApp.m_hResource, IDS_FACTORY_NOTICE, 0);
+    }
+    CWnd* strip = GetDlgItem(int(IDC_NOTICE_STRIP));
+    if (strip == nullptr)
+        return;
+    if (m_pNotice == nullptr) {
+        m_pNotice = new CZorSkinPTextGauge;
+        m_pNotice->Create(strip, 100, 20);
+    }
+    m_pNotice->SetText(text.GetString());
+}
+
+void CParmiraDialog::OnSize(UINT nType, int cx, int cy) {
+    CZorSkinPDialog::OnSize(nType, cx, cy);
+    CWnd* placeholder = GetDlgItem(int(IDC_TABLE_PLACEHOLDER));
+    if (placeholder != nullptr && HasTableWindow()) {
+        CRect rc;
+        placeholder->GetClientRect(&rc);
+        m_pTable->MoveWindow(&rc);
+    }
 }
 
 void CParmiraDialog::DoDataExchange(CDataExchange* pDX) {
@@ -84,6 +141,12 @@ void CParmiraDialog::DoDataExchange(CDataExchange* pDX) {
 
 void CParmiraDialog::OnDestroy() {
     CZorSkinPDialog::OnDestroy();
+    if (m_pTable != nullptr) {
+        if (m_pTable->GetSafeHwnd() != nullptr)
+            m_pTable->DestroyWindow();
+        delete m_pTable;
+        m_pTable = nullptr;
+    }
     theApp.RemoveLanguageListener(this);
     if (IHostMessageBus* bus = theApp.GetMessageBus())
         bus->Unsubscribe(IID_IMessage_ModuleEvent, AsSink<IMessage_ModuleEvent>(this));
@@ -108,6 +171,13 @@ BOOL CParmiraDialog::OnHelpInfo(HELPINFO* pHelpInfo) {
 LRESULT CParmiraDialog::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == UM_LANGUAGE_CHANGED) {
         OnLanguageChangedMessage();
+        return 0;
+    }
+    if (message == UM_UPDATE_VAR_COUNT) {
+        if (wParam != 0)
+            m_nTotalCount = int(lParam);
+        m_nCurrentCount = int(lParam);
+        UpdateData(FALSE);
         return 0;
     }
     return CZorSkinPDialog::WindowProc(message, wParam, lParam);
@@ -144,7 +214,8 @@ BOOL CParmiraDialog::IsOwnModule(const CString& moduleKey) const {
 void CParmiraDialog::OnModuleRemoved(const CString& moduleKey) {
     if (!IsOwnModule(moduleKey))
         return;
-    // NOT DONE: the table frame detaches from the module here once it exists.
+    if (HasTableWindow())
+        m_pTable->StopRefresh();
     if (IHostTabManager* tabs = theApp.GetTabManager())
         tabs->CloseTab(GetTabWindow()); // may destroy and delete this panel
 }

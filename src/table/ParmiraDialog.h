@@ -11,6 +11,8 @@
 #include <skin/ZorSkin.h>
 
 class CImplementation;
+class CVarTable;
+class CZorSkinPTextGauge;
 
 // Posted to the panel by OnLanguageChanged; the work runs when it arrives.
 constexpr UINT UM_LANGUAGE_CHANGED = 5156;
@@ -30,6 +32,10 @@ public:
     void SetOwner(CImplementation* owner) { m_pOwner = owner; }
 
     IHostDeviceModule* GetModule() const { return m_pModule; }
+    IHostProject* GetProject() const { return m_pProject; }
+    CImplementation* GetOwner() const { return m_pOwner; }
+    // The table frame; null before OnInitDialog and after OnDestroy.
+    CVarTable* GetTable() const { return m_pTable; }
     const CString& GetModuleKeyText() const { return m_strModuleKey; }
     // The tab's window the panel lives in.
     HWND GetTabWindow() const;
@@ -37,7 +43,8 @@ public:
     // Forwarded to the table frame when it has a window.
     void SelectListPage(int index);
     void SetModuleAccessLevel(const CString& moduleKey, int level);
-    // Writes the module's parameter table to `path` through a windowless frame.
+    // Writes the module's parameter table to `path` through a windowless frame; 1 when
+    // the file was written.
     BOOL ExportAllToFile(const CString& path);
 
     // IBaseInterface (shared by the three listener bases): the panel is not released
@@ -60,14 +67,19 @@ protected:
     void DoDataExchange(CDataExchange* pDX) override;
     BOOL OnHelpInfo(HELPINFO* pHelpInfo) override;
     LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void OnSize(UINT nType, int cx, int cy) override;
 
 private:
     void OnLanguageChangedMessage();
     BOOL IsOwnModule(const CString& moduleKey) const;
+    BOOL HasTableWindow() const;
+    void ShowNotice();
 
     CImplementation* m_pOwner = nullptr;
     IHostProject* m_pProject = nullptr;
     IHostDeviceModule* m_pModule = nullptr;
     CString m_strModuleKey;
     IHostWindowTranslator* m_pTranslator = nullptr;
+    CVarTable* m_pTable = nullptr;
+    CZorSkinPTextGauge* m_pNotice = nullptr;
 };

@@ -17,6 +17,7 @@
 
 #include <atomic>
 #include <map>
+#include <set>
 #include <vector>
 
 class CParmiraDialog;
@@ -48,6 +49,7 @@ constexpr UINT IDC_VAR_DESCRIPTION = 1018;
 // The list page of a list style: 0 makes the live list (dialog 2059), 1 the staging list
 // (dialog 2060). The object is not created as a window yet. Defined with the pages.
 CVarTablePage* CreateVarTablePage(int style);
+using VarTablePageFactory = CVarTablePage* (*)(int style);
 
 // The record behind a tree item that stands for a host object. Fixed items have none.
 class CTreeItemData {
@@ -115,6 +117,12 @@ public:
 
     // The windowless export: 1 when the table file was written.
     BOOL ExportAllToFile(const CString& path);
+    // The 10-column parameter table of `list` for the shown module.
+    BOOL WriteParamTableList(const CString& path, const std::vector<IVarObjEx*>& list);
+
+    // Where frames get their pages from; null restores CreateVarTablePage. For hosts
+    // that embed their own pages, and for tests.
+    static void SetPageFactory(VarTablePageFactory factory) { s_pageFactory = factory; }
 
     // Group tree.
     void BuildTree();
@@ -133,6 +141,10 @@ public:
     BOOL IsInModifiedSubtree(HTREEITEM item) const;
     // The tree's context menu for the item under `point` (tree client coordinates).
     void OnTreeContextMenu(CPoint point);
+    // Whether a command of the tree menus is offered for `item`.
+    BOOL IsTreeCommandEnabled(UINT id, HTREEITEM item) const;
+    // Runs a command of the frame; FALSE for ids that aren't the frame's.
+    BOOL OnFrameCommand(UINT id);
 
     // Refresh.
     void StartRefresh();
@@ -146,6 +158,11 @@ public:
     BOOL SupportsAttributeUpdate();
     void StartAttributeUpload();
     static BOOL IsFactoryPasswordAddress(UINT address);
+    // 3 for line 13, 2 for line 11 product 282, else 1.
+    static int AttributeUploadMode(DWORD lineId, DWORD productId);
+    // The module's line and product ids; 0 and 0 (and FALSE) without a product record.
+    BOOL GetProductNumbers(IHostDeviceModule* module, DWORD& lineId, DWORD& productId,
+                           DWORD* subProductId = nullptr);
     // Command 2095 of the pages: the checks run, nothing further happens.
     void OnOldProtocolCommand();
     COldProtocolDeviceAgent* GetOldProtocolDevices() const { return oldProtocolDevices; }
@@ -180,6 +197,7 @@ protected:
     BOOL OnInitDialog() override;
     void OnDestroy() override;
     void OnSize(UINT nType, int cx, int cy) override;
+    void OnSetFocus(CWnd* pOldWnd) override;
     void OnTimer(UINT_PTR nIDEvent) override;
     BOOL OnCommand(WPARAM wParam, LPARAM lParam) override;
     BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
@@ -194,7 +212,15 @@ private:
         UINT expanded = 0;
     };
 
+    struct UniqueVarList {
+        std::vector<IVarObjEx*> order;
+        std::set<IVarObjEx*> seen;
+    };
+
     static UINT RefreshWorker(void* arg);
+    CVarTablePage* NewPage(int style);
+    BOOL IsInSubtree(HTREEITEM item, HTREEITEM top) const;
+    void GatherGroupVars(IGroupNode* group, UniqueVarList& found, BOOL line13, int level);
     void OnRefreshTick();
     void OnRefreshQueryMessage();
     void StartWorker();
@@ -206,13 +232,8 @@ private:
     HTREEITEM InsertRecordItem(const CString& text, int image, HTREEITEM parent, int kind,
                                void* object);
     void ShowModifiedWithMode(int mode);
-    BOOL GetProductNumbers(IHostDeviceModule* module, DWORD& lineId, DWORD& productId,
-                           DWORD* subProductId = nullptr);
     void SubscribeUpload();
     void UnsubscribeUpload();
-    CString LoadText(UINT id) const;
-    void UpdateCustomCommands();
-    BOOL OnFrameCommand(UINT id);
 
     TStackedDialog m_stack;
     CVarTablePage* m_pPage1 = nullptr; // owned by m_stack
@@ -237,5 +258,8 @@ private:
     std::atomic<HWND> m_hWndForWorker{nullptr};
     std::map<CString, TreeState> m_treeState;
     BOOL m_uploadSubscribed = FALSE;
-    BOOL m_inSelection = FALSE;
+    // Set while items are made or deleted in bulk: selection changes then show nothing.
+    BOOL m_bRebuilding = FALSE;
+
+    static VarTablePageFactory s_pageFactory;
 };

@@ -1,0 +1,140 @@
+#include "files/ParamTableWriter.h"
+
+#include "module/ParmiraApp.h"
+#include "module/host/IHostDeviceModule.h"
+#include "module/host/IHostUiService.h"
+#include "module/host/IHostVarUtil.h"
+#include "module/host/IVarAttr.h"
+#include "module/host/IVarObjEx.h"
+
+#include <cstdio>
+#include <fstream>
+#include <unistd.h>
+
+std::vector<CString> ParamTableHeadLines(IHostDeviceModule* module, const SYSTEMTIME& stamp) {
+    std::vector<CString> lines;
+    lines.emplace_back("Sign,Time\n");
+    CString line;
+    line.Format("Zorvanta,%4d-%02d-%02d %02d:%02d:%02d\n\n", stamp.wYear, stamp.wMonth, stamp.wDay,
+                stamp.wHour, stamp.wMinute, stamp.wSecond);
+    lines.push_back(line);
+    lines.emplace_back("DriveName,BusID,Version,ElecData\n");
+    CString name, version, label;
+    module->GetDisplayName(name);
+    module->GetVersionText(version);
+    // The label of a drive is 32 bytes at most; more is not written.
+    const BYTE* bytes = module->GetElecLabel();
+    const UINT size = std::min<UINT>(module->GetElecLabelSize(), 32);
+    for (UINT i = 0; bytes != nullptr && i < size; ++i)
+        label.AppendFormat("%02X", unsigned(bytes[i]));
+    line.Format("%s,%d,%s,%s\n\n", name.GetString(), module->GetAxisIndex(), version.GetString(),
+                label.GetString());
+    lines.push_back(line);
+    return lines;
+}
+
+CString ParamTableTitleLine(IHostUiService* ui) {
+    static const UINT ids[10] = {IDS_COL_CODE,    IDS_COL_NAME, IDS_COL_CURRENT, IDS_COL_FACTORY,
+                                 IDS_COL_UNIT,    IDS_COL_MIN,  IDS_COL_MAX,     IDS_COL_MODIFY,
+                                 IDS_COL_ADDRESS, IDS_COL_TYPE};
+    CString titles[10];
+    for (int i = 0; i < 10; ++i) {
+        if (ui != nullptr)
+            ui->GetString(titles[i], theApp.m_hResource, ids[i], 0);
+        titles[i].Replace(",", ";");
+    }
+    CString line;
+    line.Format("%s,%s,%s,%s,%s,%s,%s,%s,%s,%s\n", titles[0].GetString(), titles[1].GetString(),
+                titles[2].GetString(), titles[3].GetString(), titles[4].GetString(),
+                titles[5].GetString(), titles[6].GetString(), titles[7].GetString(),
+                titles[8].GetString(), titles[9].GetString());
+    return line;
+}
+
+CString ModifyModeText(int mode) {
+    switch (mode) {
+    case 0:
+        return "任意修改";
+    case 1:
+        return "停机修改";
+    case 2:
+        return "不可修改";
+    default:
+        return CString();
+    }
+}
+
+CString ParamTableRow(IVarObjEx* var, IHostVarUtil* util) {
+    IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
+    if (attr == nullptr || util == nullptr)
+        return CString();
+    CString code, name, unit, current, factory, minimum, maximum, type;
+    attr->GetCode(code);
+    attr->GetName(name);
+    attr->GetUnit(unit);
+    const int decimals = attr->GetDecimals();
+    // Numbers in files are decimal whatever the display format.
+    util->FormatVariant(current, var->GetValue(), decimals, 0);
+    util->FormatVariant(factory, attr->GetFactoryValue(), decimals, 0);
+    util->FormatVariant(minimum, attr->GetMinValue(), decimals, 0);
+    util->FormatVariant(maximum, attr->GetMaxValue(), decimals, 0);
+    util->DataTypeName(type, attr->GetDataType());
+    CString row;
+    row.Format("%s,%s,%s,%s,%s,%s,%s,%s,%d,%s\n", code.GetString(), name.GetString(),
+               current.GetString(), factory.GetString(), unit.GetString(), minimum.GetString(),
+               maximum.GetString(), ModifyModeText(attr->GetModifyMode()).GetString(),
+               int(attr->GetAddress()), type.GetString());
+    return row;
+}
+
+BOOL WriteFileReplacing(const CString& path, const std::string& bytes) {
+    if (path.IsEmpty())
+        return FALSE;
+    CString temp;
+    temp.Format("%s.%d.tmp", path.GetString(), int(::getpid()));
+    {
+        std::ofstream out(temp.GetString(), std::ios::binary | std::ios::trunc);
+        if (!out)
+            return FALSE;
+        out.write(bytes.data(), std::streamsize(bytes.size()));
+        out.flush();
+        if (!out) {
+            out.close();
+            std::remove(temp.GetString());
+            return FALSE;
+        }
+    }
+    if (std::rename(temp.GetString(), path.GetString()) != 0) {
+        std::remove(temp.GetString());
+        return FALSE;
+    }
+    return TRUE;
+}
+
+BOOL WriteParamTableList(const CString& path, const std::vector<IVarObjEx*>& list,
+                         IHostDeviceModule* module, const SYSTEMTIME* stamp) {
+    IHostVarUtil* util = theApp.GetVarUtil();
+    if (util == nullptr || module == nullptr || path.IsEmpty())
+        return FALSE;
+    SYSTEMTIME now{};
+    if (stamp == nullptr)
+        GetLocalTime(&now);
+    else
+        now = *stamp;
+
+    std::string file, narrow;
+    for (const CString& line : ParamTableHeadLines(module, now)) {
+        util->ToNarrowText(line, narrow);
+        file += narrow;
+    }
+    util->ToNarrowText(ParamTableTitleLine(theApp.GetUiService()), narrow);
+    file += narrow;
+    for (IVarObjEx* var : list) {
+        const CString row = ParamTableRow(var, util);
+        if (row.IsEmpty())
+            continue;
+        util->ToNarrowText(row, narrow);
+        file += narrow;
+    }
+    return WriteFileReplacing(path, file);
+}

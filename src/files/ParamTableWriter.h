@@ -1,0 +1,44 @@
+// The parameter table: a CSV text of a drive's identity and one row per parameter, read
+// back by the host's table reader. Line feeds only, no byte order mark, fields neither
+// quoted nor escaped; every line goes through the host's narrow text.
+#pragma once
+
+#include "module/host/HostFwd.h"
+
+#include <afx/CString.h>
+#include <afx/afxtypes.h>
+
+#include <string>
+#include <vector>
+
+// Column titles of the table, by string id.
+constexpr UINT IDS_COL_CODE = 2013;
+constexpr UINT IDS_COL_NAME = 2014;
+constexpr UINT IDS_COL_CURRENT = 2009;
+constexpr UINT IDS_COL_FACTORY = 2016;
+constexpr UINT IDS_COL_UNIT = 2019;
+constexpr UINT IDS_COL_MIN = 2017;
+constexpr UINT IDS_COL_MAX = 2018;
+constexpr UINT IDS_COL_MODIFY = 2020;
+constexpr UINT IDS_COL_ADDRESS = 2022;
+constexpr UINT IDS_COL_TYPE = 2023;
+
+// Lines 1 to 6: sign and time, drive name, bus id, version and label. `stamp` is the
+// local time of writing. Each line ends in "\n"; lines 3 and 6 are empty.
+std::vector<CString> ParamTableHeadLines(IHostDeviceModule* module, const SYSTEMTIME& stamp);
+// Line 7: the ten column titles from the string table; a comma in a title becomes ";".
+CString ParamTableTitleLine(IHostUiService* ui);
+// One row of ten fields with its "\n"; empty for a null variable or one without attribute.
+CString ParamTableRow(IVarObjEx* var, IHostVarUtil* util);
+// The text of the modify-mode column; empty for modes other than 0, 1 and 2.
+CString ModifyModeText(int mode);
+
+// Writes the 10-column table of `list` for `module` to `path`, replacing the file in one
+// step (temporary file, then rename). 1 on success; 0 without the value service or the
+// module, with an empty path, or when the file can't be written (nothing is left then).
+// A null `stamp` takes the local time now.
+BOOL WriteParamTableList(const CString& path, const std::vector<IVarObjEx*>& list,
+                         IHostDeviceModule* module, const SYSTEMTIME* stamp = nullptr);
+
+// Writes `bytes` to a temporary file beside `path` and renames it over `path`.
+BOOL WriteFileReplacing(const CString& path, const std::string& bytes);

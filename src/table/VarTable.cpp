@@ -1,0 +1,417 @@
+#include "table/VarTable.h"
+
+#include "module/LocalResource.h"
+#include "module/ParmiraApp.h"
+#include "module/host/IHostAccessService.h"
+#include "module/host/IHostDeviceModule.h"
+#include "module/host/IHostMessageBus.h"
+#include "module/host/IHostModuleList.h"
+#include "module/host/IHostProject.h"
+#include "module/host/IHostRefreshService.h"
+#include "module/host/IHostTransferService.h"
+#include "module/host/IHostUiService.h"
+#include "module/host/IHostVarUtil.h"
+#include "module/host/IHostWindowTranslator.h"
+#include "module/host/IHostWorkspace.h"
+#include "module/host/IVarAttr.h"
+#include "module/host/IVarCatalog.h"
+#include "module/host/IVarObjEx.h"
+#include "module/host/IVarStore.h"
+#include "table/OldProtocolDevice.h"
+#include "table/ParmiraDialog.h"
+#include "table/TableResources.h"
+
+// Until the list pages are linked in, a frame comes up without pages.
+__attribute__((weak)) CVarTablePage* CreateVarTablePage(int /*style*/) {
+    return nullptr;
+}
+
+VarTablePageFactory CVarTable::s_pageFactory = nullptr;
+
+CVarTable::CVarTable() : CZorSkinPDialog(IDD_VAR_TABLE) {
+    oldProtocolDevices = new COldProtocolDeviceAgent;
+    LoadDeviceList(oldProtocolDevices, "OldProtocolDevice.ini");
+    halfDuplexDevices = new COldProtocolDeviceAgent;
+    LoadDeviceList(halfDuplexDevices, "HalfDuplexDevice.ini");
+    theApp.AddLanguageListener(this);
+}
+
+CVarTable::~CVarTable() {
+    theApp.RemoveLanguageListener(this);
+    StopRefresh();
+    delete oldProtocolDevices;
+    oldProtocolDevices = nullptr;
+    delete halfDuplexDevices;
+    halfDuplexDevices = nullptr;
+    delete m_pTranslator;
+    m_pTranslator = nullptr;
+}
+
+CVarTablePage* CVarTable::NewPage(int style) {
+    return s_pageFactory != nullptr ? s_pageFactory(style) : CreateVarTablePage(style);
+}
+
+BOOL CVarTable::OnInitDialog() {
+    CZorSkinPDialog::OnInitDialog();
+    m_hWndForWorker.store(GetSafeHwnd());
+    {
+        CLocalResource scope(theApp.m_hResource);
+        // Images 0, 1 and 2: fixed items; axes and categories; groups.
+        m_images.Create(16, 16, ILC_COLOR32 | ILC_MASK, 3, 0);
+        for (UINT icon : {IDI_TREE_FIXED, IDI_TREE_BRANCH, IDI_TREE_GROUP})
+            m_images.Add(AfxFindIcon(theApp.m_hResource, icon));
+        m_tree.SubclassDlgItem(IDC_GROUP_TREE, this);
+        m_tree.ApplySkinStyle();
+        m_tree.SetImageList(&m_images, TVSIL_NORMAL);
+        m_tree.SetItemHeight(20);
+        m_tree.SetBkColor(RGB(255, 255, 255));
+        m_tree.SetTextColor(RGB(0, 0, 0));
+
+        if (CWnd* placeholder = GetDlgItem(int(IDC_STACK_PLACEHOLDER)))
+            m_stack.Create(IDD_STACKED_HOST, placeholder);
+        if (m_stack.GetSafeHwnd() != nullptr) {
+            if (CVarTablePage* page = NewPage(0)) {
+                page->SetTable(this);
+                if (m_stack.AddPage(IDD_VAR_TABLE_PAGE1, page))
+                    m_pPage1 = page;
+            }
+            if (CVarTablePage* page = NewPage(1)) {
+                page->SetTable(this);
+                if (m_stack.AddPage(IDD_VAR_TABLE_PAGE2, page))
+                    m_pPage2 = page;
+            }
+            m_stack.ShowWindow(SW_SHOW);
+        }
+    }
+    if (IHostUiService* ui = theApp.GetUiService())
+        ui->ApplySkin(GetSafeHwnd(), 0, 0);
+    RecalcLayout();
+
+    BuildTree();
+    const int style = GetListStyle();
+    if (style == 0)
+        m_stack.SetActivePage(IDD_VAR_TABLE_PAGE1);
+    else if (style == 1)
+        m_stack.SetActivePage(IDD_VAR_TABLE_PAGE2);
+    if (m_pModule != nullptr) {
+        if (CVarTablePage* page = GetStylePage())
+            page->ShowAllParameters(GetVarList());
+    }
+    // refreshEnabled is 1 since construction, so only the worker is missing here.
+    StartWorker();
+    if (IHostRefreshService* refresh = theApp.GetRefreshService())
+        refresh->AddRefreshListener(this);
+    SetTimer(IDT_AUTHORITY_POLL, AUTHORITY_POLL_PERIOD_MS);
+
+    if (IHostUiService* ui = theApp.GetUiService()) {
+        delete m_pTranslator;
+        m_pTranslator = ui->CreateWindowTranslator();
+        if (m_pTranslator != nullptr) {
+            m_pTranslator->Attach(GetSafeHwnd());
+            m_pTranslator->Retranslate(0);
+        }
+    }
+    return TRUE;
+}
+
+void CVarTable::OnDestroy() {
+    // NOT DONE: the compare dialog is closed here once it exists.
+    ReleaseWorker();
+    CZorSkinPDialog::OnDestroy();
+    if (IHostRefreshService* refresh = theApp.GetRefreshService())
+        refresh->RemoveRefreshListener(this);
+    StopRefresh();
+    UnsubscribeUpload();
+    m_hWndForWorker.store(nullptr);
+}
+
+// ---------------------------------------------------------------- what the pages ask
+
+int CVarTable::GetAccessLevel() const {
+    return m_pModule != nullptr ? m_pModule->GetAccessLevel() : 0;
+}
+
+int CVarTable::GetListStyle() const {
+    IHostWorkspace* workspace = m_pWorkspace;
+    if (workspace == nullptr) {
+        IHostProject* project = theApp.GetProject();
+        workspace = project != nullptr ? project->GetWorkspace() : nullptr;
+    }
+    return workspace != nullptr ? workspace->GetListStyle() : 0;
+}
+
+IVarStore* CVarTable::GetVarList() const {
+    return m_pModule != nullptr ? m_pModule->GetVarList() : nullptr;
+}
+
+CVarTablePage* CVarTable::GetStylePage() const {
+    CVarTablePage* page = nullptr;
+    switch (GetListStyle()) {
+    case 0:
+        page = m_pPage1;
+        break;
+    case 1:
+        page = m_pPage2;
+        break;
+    default:
+        break;
+    }
+    return page != nullptr && page->GetSafeHwnd() != nullptr ? page : nullptr;
+}
+
+void CVarTable::PostVarCount(BOOL setTotal, int count) {
+    if (m_pPanel != nullptr && m_pPanel->GetSafeHwnd() != nullptr)
+        m_pPanel->PostMessage(UM_UPDATE_VAR_COUNT, setTotal ? 1 : 0, count);
+}
+
+void CVarTable::ShowVarDescription(IVarObjEx* var) {
+    IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
+    if (attr == nullptr || GetSafeHwnd() == nullptr)
+        return;
+    CString text;
+    attr->GetInfoText(text);
+    text.Replace("\n", "\r\n");
+    SetDlgItemText(int(IDC_VAR_DESCRIPTION), text.GetString());
+}
+
+void CVarTable::OpenCompareDialog() {
+    // NOT DONE: the parameter compare dialog comes with the compare work; until then the
+    // command has nothing to open.
+}
+
+BOOL CVarTable::IsCatalogVar(IVarObjEx* var) {
+    if (var == nullptr || m_pModule == nullptr)
+        return FALSE;
+    IHostProject* project = theApp.GetProject();
+    IHostWorkspace* workspace = project != nullptr ? project->GetWorkspace() : nullptr;
+    if (workspace == nullptr || workspace->GetModuleList() == nullptr)
+        return FALSE;
+    IVarCatalog* catalog = m_pModule->GetVarCatalog();
+    if (catalog == nullptr)
+        return FALSE;
+    IVarAttr* attr = catalog->FindAttrByAddress(var->GetInstanceAddress());
+    return attr != nullptr && attr->IsTransferable() ? TRUE : FALSE;
+}
+
+void CVarTable::ApplyAccessLevel(IHostDeviceModule* module, int level) {
+    if (module == nullptr)
+        return;
+    module->SetAccessLevel(level);
+    IHostDeviceModule* shown = m_pModule;
+    StopRefresh();
+    m_pModule = shown;
+    StartRefresh();
+    BuildTree();
+    OnTreeSelection(m_tree.GetSafeHwnd() != nullptr ? m_tree.GetSelectedItem() : nullptr);
+    CString key;
+    module->GetModuleKey(key);
+    if (IHostAccessService* access = theApp.GetAccessService())
+        access->NotifyAccessLevel(key, level);
+    if (IHostTransferService* transfer = theApp.GetTransferService())
+        transfer->NotifyLevelToTransfer(key, level);
+}
+
+void CVarTable::ApplyAccessLevelToAll(int level) {
+    ApplyAccessLevel(m_pModule, level);
+    IHostProject* project = theApp.GetProject();
+    IHostWorkspace* workspace = project != nullptr ? project->GetWorkspace() : nullptr;
+    IHostModuleList* modules = workspace != nullptr ? workspace->GetModuleList() : nullptr;
+    if (modules == nullptr)
+        return;
+    for (int i = 0; i < modules->GetModuleCount(); ++i) {
+        IHostDeviceModule* module = modules->GetModuleAt(i);
+        if (module == nullptr)
+            continue;
+        if (module->GetAccessLevel() != level)
+            module->SetAccessLevel(level);
+        CString key;
+        module->GetModuleKey(key);
+        if (IHostTransferService* transfer = theApp.GetTransferService())
+            transfer->NotifyLevelToTransfer(key, level);
+    }
+}
+
+void CVarTable::ReloadModule() {
+    IHostDeviceModule* module = m_pModule;
+    StopRefresh();
+    m_pModule = module;
+    StartRefresh();
+    BuildTree();
+    lastSelection = m_tree.GetSafeHwnd() != nullptr ? m_tree.GetSelectedItem() : nullptr;
+    OnTreeSelection(lastSelection);
+    RecalcLayout();
+}
+
+void CVarTable::SelectListPage(int index) {
+    if (index == 0)
+        m_stack.SetActivePage(IDD_VAR_TABLE_PAGE1);
+    else if (index == 1)
+        m_stack.SetActivePage(IDD_VAR_TABLE_PAGE2);
+    else
+        return;
+    if (m_tree.GetSafeHwnd() == nullptr)
+        return;
+    if (HTREEITEM selected = m_tree.GetSelectedItem())
+        OnTreeSelection(selected);
+}
+
+void CVarTable::SetModuleAccessLevel(const CString& moduleKey, int level) {
+    IHostDeviceModule* module = theApp.FindModule(moduleKey);
+    if (module == nullptr || module->GetAccessLevel() == level)
+        return;
+    module->SetAccessLevel(level);
+    StopRefresh();
+    m_pModule = module;
+    StartRefresh();
+    BuildTree();
+    if (IHostAccessService* access = theApp.GetAccessService())
+        access->NotifyAccessLevel(moduleKey, level);
+}
+
+// ---------------------------------------------------------------- upload events
+
+void CVarTable::SubscribeUpload() {
+    if (IHostMessageBus* bus = theApp.GetMessageBus()) {
+        bus->Subscribe(IID_IMessage_ModuleUploadEvent, AsSink<IMessage_ModuleUploadEvent>(this));
+        m_uploadSubscribed = TRUE;
+    }
+}
+
+void CVarTable::UnsubscribeUpload() {
+    m_uploadSubscribed = FALSE;
+    if (IHostMessageBus* bus = theApp.GetMessageBus())
+        bus->Unsubscribe(IID_IMessage_ModuleUploadEvent, AsSink<IMessage_ModuleUploadEvent>(this));
+}
+
+void CVarTable::OnModuleUploaded(const CString& /*moduleKey*/, BOOL /*success*/) {
+    UnsubscribeUpload();
+    // NOT DONE: the save that saveAfterUpload names follows here with the upload-and-save
+    // flows; an attribute upload needs nothing more.
+}
+
+void CVarTable::OnModuleDownloaded(const CString& /*moduleKey*/, BOOL /*success*/) {
+    UnsubscribeUpload();
+}
+
+void CVarTable::OnLanguageChanged() {
+    if (m_pTranslator != nullptr)
+        m_pTranslator->Retranslate(0);
+}
+
+// ---------------------------------------------------------------- window
+
+void CVarTable::RecalcLayout() {
+    if (GetSafeHwnd() == nullptr)
+        return;
+    CRect client;
+    GetClientRect(&client);
+    CWnd* tree = GetDlgItem(int(IDC_GROUP_TREE));
+    CWnd* treeSplitter = GetDlgItem(int(IDC_TREE_SPLITTER));
+    CWnd* stack = GetDlgItem(int(IDC_STACK_PLACEHOLDER));
+    CWnd* textSplitter = GetDlgItem(int(IDC_TEXT_SPLITTER));
+    CWnd* text = GetDlgItem(int(IDC_VAR_DESCRIPTION));
+    if (tree == nullptr || treeSplitter == nullptr || stack == nullptr || textSplitter == nullptr ||
+        text == nullptr)
+        return;
+    // Tree and text box keep their widths; the splitters stand beside them and the
+    // stacked area takes what is left.
+    CRect r;
+    tree->GetWindowRect(&r);
+    const int treeWidth = r.Width();
+    treeSplitter->GetWindowRect(&r);
+    const int splitWidth1 = r.Width();
+    textSplitter->GetWindowRect(&r);
+    const int splitWidth2 = r.Width();
+    text->GetWindowRect(&r);
+    const int textWidth = r.Width();
+    const int h = client.Height();
+    int x = 0;
+    tree->MoveWindow(x, 0, treeWidth, h);
+    x += treeWidth;
+    treeSplitter->MoveWindow(x, 0, splitWidth1, h);
+    x += splitWidth1;
+    const int textLeft = std::max(x, client.Width() - textWidth);
+    const int splitLeft = std::max(x, textLeft - splitWidth2);
+    stack->MoveWindow(x, 0, std::max(0, splitLeft - x), h);
+    textSplitter->MoveWindow(splitLeft, 0, splitWidth2, h);
+    text->MoveWindow(textLeft, 0, std::max(0, client.Width() - textLeft), h);
+    if (m_stack.GetSafeHwnd() != nullptr) {
+        CRect inner;
+        stack->GetClientRect(&inner);
+        m_stack.MoveWindow(&inner);
+    }
+}
+
+void CVarTable::OnSize(UINT nType, int cx, int cy) {
+    CZorSkinPDialog::OnSize(nType, cx, cy);
+    RecalcLayout();
+}
+
+void CVarTable::OnSetFocus(CWnd* pOldWnd) {
+    CZorSkinPDialog::OnSetFocus(pOldWnd);
+    Invalidate(FALSE);
+}
+
+BOOL CVarTable::PreTranslateMessage(MSG* pMsg) {
+    // An embedded dialog must not end on Enter or Escape.
+    if (pMsg != nullptr && pMsg->message == WM_KEYDOWN &&
+        (pMsg->wParam == VK_RETURN || pMsg->wParam == VK_ESCAPE))
+        return TRUE;
+    return CZorSkinPDialog::PreTranslateMessage(pMsg);
+}
+
+LRESULT CVarTable::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+    case UM_REFRESH_TICK:
+        OnRefreshTick();
+        return 0;
+    case UM_REFRESH_QUERY:
+        OnRefreshQueryMessage();
+        return 0;
+    case UM_RELOAD_MODULE:
+        ReloadModule();
+        return 0;
+    case UM_SPLITTER_MOVED:
+        RecalcLayout();
+        return 0;
+    default:
+        return CZorSkinPDialog::WindowProc(message, wParam, lParam);
+    }
+}
+
+void CVarTable::OnTimer(UINT_PTR nIDEvent) {
+    if (nIDEvent != IDT_AUTHORITY_POLL) {
+        CZorSkinPDialog::OnTimer(nIDEvent);
+        return;
+    }
+    if (GetListStyle() == 0 && m_pPage1 != nullptr && m_pPage1->GetSafeHwnd() != nullptr)
+        m_pPage1->PollAuthority();
+}
+
+BOOL CVarTable::OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult) {
+    const auto* header = reinterpret_cast<const NMHDR*>(lParam);
+    if (header != nullptr && header->idFrom == IDC_GROUP_TREE) {
+        if (header->code == TVN_SELCHANGED) {
+            const auto* change = reinterpret_cast<const NMTREEVIEW*>(lParam);
+            if (!m_bRebuilding)
+                OnTreeSelection(change->itemNew.hItem);
+            return TRUE;
+        }
+        if (header->code == NM_RCLICK) {
+            CPoint point;
+            GetCursorPos(&point);
+            m_tree.ScreenToClient(&point);
+            OnTreeContextMenu(point);
+            if (pResult != nullptr)
+                *pResult = 1;
+            return TRUE;
+        }
+    }
+    return CZorSkinPDialog::OnNotify(wParam, lParam, pResult);
+}
+
+BOOL CVarTable::OnCommand(WPARAM wParam, LPARAM lParam) {
+    if (lParam == 0 && OnFrameCommand(UINT(LOWORD(wParam))))
+        return TRUE;
+    return CZorSkinPDialog::OnCommand(wParam, lParam);
+}
