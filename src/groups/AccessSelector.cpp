@@ -61,7 +61,8 @@ int PasswordTextToCode(const CString& text) {
 }
 
 void CAccessSelector::AddEntry(UINT stringId, const char* text, int level) {
-    const int index = m_pBox->AddString(LoadEntryText(stringId, text).GetString());
+    // Appended in the order given, even if the box was made sorted.
+    const int index = m_pBox->InsertString(-1, LoadEntryText(stringId, text).GetString());
     if (index >= 0)
         m_pBox->SetItemData(index, DWORD_PTR(level));
 }

@@ -1,0 +1,234 @@
+// The login dialog as a user meets it, the password test, the box that ignores the
+// wheel, and the module binary holding no credential as text.
+#include "access_fixture.h"
+
+#include "groups/Credentials.h"
+#include "groups/LoginDialog.h"
+#include "groups/Sha256.h"
+#include "module/MessageSinks.h"
+#include "module/ParmiraApp.h"
+
+#include <afx/afxqt.h>
+
+#include <QComboBox>
+#include <QCoreApplication>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+// Runs a login dialog whose run is handed to `act`; returns the DoModal result.
+INT_PTR RunLogin(CLoginDialog& dlg, const std::function<void(CDialog&)>& act) {
+    CAfxModalDriver driver(act);
+    const INT_PTR result = dlg.DoModal();
+    EXPECT_EQ(driver.runs, 1);
+    return result;
+}
+
+void Click(CDialog& dlg, int id) {
+    auto* button = static_cast<CButton*>(dlg.GetDlgItem(id));
+    ASSERT_NE(button, nullptr);
+    button->Click();
+}
+
+class LoginDialogTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        services.Register<IHostUiService>(&ui);
+        theApp.SetQueryInterfaceCallback(services.Context(), &zorhost::HostServices::Query);
+    }
+    void TearDown() override { theApp.SetQueryInterfaceCallback(0, nullptr); }
+    zorhost::HostServices services;
+    FakeUiService ui;
+};
+
+} // namespace
+
+TEST_F(LoginDialogTest, OkHandsBackTypedTextAndApplyToAll) {
+    CLoginDialog dlg;
+    EXPECT_EQ(dlg.GetPassword(), "");
+    EXPECT_EQ(dlg.m_nApplyToAll, 1);
+    const INT_PTR result = RunLogin(dlg, [](CDialog& d) {
+        CString title;
+        d.GetWindowText(title);
+        EXPECT_EQ(title, "用户权限登录");
+        CWnd* check = d.GetDlgItem(IDC_LOGIN_APPLY_ALL);
+        ASSERT_NE(check, nullptr);
+        EXPECT_FALSE(check->IsWindowVisible()); // the user never sees it
+        EXPECT_EQ(d.IsDlgButtonChecked(IDC_LOGIN_APPLY_ALL), 1u);
+        AfxTestTypeText(d.GetDlgItem(IDC_LOGIN_PASSWORD), "BenchAdmin");
+        Click(d, IDOK);
+    });
+    EXPECT_EQ(result, IDOK);
+    EXPECT_EQ(dlg.GetPassword(), "BenchAdmin");
+    EXPECT_EQ(dlg.m_nApplyToAll, 1);
+}
+
+TEST_F(LoginDialogTest, CancelLeavesPasswordUnused) {
+    CLoginDialog dlg;
+    const INT_PTR result = RunLogin(dlg, [](CDialog& d) {
+        AfxTestTypeText(d.GetDlgItem(IDC_LOGIN_PASSWORD), "2468");
+        Click(d, IDCANCEL);
+    });
+    EXPECT_EQ(result, IDCANCEL);
+    EXPECT_EQ(dlg.GetPassword(), "");
+}
+
+TEST_F(LoginDialogTest, KeyboardTypesDigitsOnly) {
+    CLoginDialog dlg;
+    RunLogin(dlg, [](CDialog& d) {
+        CWnd* edit = d.GetDlgItem(IDC_LOGIN_PASSWORD);
+        ASSERT_NE(edit, nullptr);
+        edit->SetFocus();
+        const std::pair<UINT, wchar_t> keys[] = {{'1', L'1'}, {'A', L'a'}, {'2', L'2'},
+                                                 {'X', L'X'}, {'3', L'3'}, {VK_BACK, L'\b'},
+                                                 {'4', L'4'}};
+        for (auto [vk, ch] : keys)
+            AfxTestPressKey(edit, vk, ch);
+        AfxTestPressKey(edit, VK_RETURN, L'\r'); // Enter is OK
+    });
+    EXPECT_EQ(dlg.GetPassword(), "124");
+}
+
+// The dialog listens for language changes for its whole life and retranslates through
+// its own translator, which it frees.
+TEST_F(LoginDialogTest, FollowsLanguageWithOwnTranslator) {
+    const int listenersBefore = theApp.languageListeners.GetCount();
+    {
+        CLoginDialog dlg;
+        EXPECT_EQ(theApp.languageListeners.GetCount(), listenersBefore + 1);
+        RunLogin(dlg, [&](CDialog& d) {
+            ASSERT_NE(ui.lastTranslator, nullptr);
+            EXPECT_EQ(ui.lastTranslator->attached, d.GetSafeHwnd());
+            const int before = ui.lastTranslator->retranslations;
+            EXPECT_GE(before, 1);
+            CMessageLanguageChanged sink(&theApp);
+            sink.OnLanguageChanged();
+            EXPECT_EQ(ui.lastTranslator->retranslations, before + 1);
+            Click(d, IDCANCEL);
+        });
+        EXPECT_EQ(ui.translatorsAlive, 1);
+    }
+    EXPECT_EQ(ui.translatorsAlive, 0);
+    EXPECT_EQ(theApp.languageListeners.GetCount(), listenersBefore);
+
+    // Without the host's text service the dialog still works.
+    services.Withhold<IHostUiService>();
+    CLoginDialog plain;
+    const INT_PTR result = RunLogin(plain, [](CDialog& d) {
+        AfxTestTypeText(d.GetDlgItem(IDC_LOGIN_PASSWORD), "7");
+        Click(d, IDOK);
+    });
+    EXPECT_EQ(result, IDOK);
+    EXPECT_EQ(plain.GetPassword(), "7");
+    EXPECT_EQ(ui.translatorsAlive, 0);
+}
+
+// Set PARMIRA_SCREENSHOT_DIR to keep a picture of the dialog with a typed password.
+TEST_F(LoginDialogTest, Screenshot) {
+    const char* dir = std::getenv("PARMIRA_SCREENSHOT_DIR");
+    if (dir == nullptr)
+        GTEST_SKIP() << "PARMIRA_SCREENSHOT_DIR not set";
+    CLoginDialog dlg;
+    RunLogin(dlg, [dir](CDialog& d) {
+        AfxTestTypeText(d.GetDlgItem(IDC_LOGIN_PASSWORD), "2468");
+        const std::string path = std::string(dir) + "/login_dialog.png";
+        EXPECT_TRUE(AfxTestGrabWindow(&d, path.c_str()));
+        Click(d, IDCANCEL);
+    });
+}
+
+// ---------------------------------------------------------------- credentials
+TEST(CredentialsTest, PasswordTest) {
+    const CString code = PARMIRA_TEST_FACTORY_CODE;
+    const CString word = PARMIRA_TEST_ADMIN_WORD;
+    EXPECT_EQ(GetFactoryAccessCodeText(), code);
+    EXPECT_EQ(GetFactoryAccessCode(), std::atoi(PARMIRA_TEST_FACTORY_CODE));
+
+    CString upper = word, lower = word, mixed = word;
+    upper.MakeUpper();
+    lower.MakeLower();
+    for (int i = 0; i < mixed.GetLength(); i += 2)
+        mixed.SetAt(i, wchar_t(std::toupper(int(mixed.GetAt(i)))));
+    for (const CString& pass : {code, word, upper, lower, mixed})
+        EXPECT_TRUE(IsAccessPasswordValid(pass)) << pass.GetString();
+
+    const CString fails[] = {"",           code + "0",  code.Left(3), " " + code, word + " ",
+                             word.Left(9), word + word, "0000",       "admin"};
+    for (const CString& fail : fails)
+        EXPECT_FALSE(IsAccessPasswordValid(fail)) << fail.GetString();
+}
+
+TEST(CredentialsTest, Sha256MatchesReferenceDigests) {
+    // Lengths around the padding edges: one block, two blocks, and several.
+    EXPECT_EQ(Sha256Hex(""), "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
+    EXPECT_EQ(Sha256Hex("abc"), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+    EXPECT_EQ(Sha256Hex(std::string(55, 'a')),
+              "9f4390f8d30c2dd92ec9f095b65e2b9ae9b0a925a5258e241c9f1e910f734318");
+    EXPECT_EQ(Sha256Hex(std::string(56, 'a')),
+              "b35439a4ac6f0948b6d6f9e3c6af0f5f590ce20f1bde7090ef7970686ec6738a");
+    EXPECT_EQ(Sha256Hex(std::string(64, 'a')),
+              "ffe054fe7ae0cb6dc65c3af9b61d5209f439851db43d0ba5997337df154668eb");
+    EXPECT_EQ(Sha256Hex(std::string(119, 'a')),
+              "31eba51c313a5c08226adf18d4a359cfdfd8d2e816b13f4af952f7ea6584dcfb");
+}
+
+// Neither credential can be read out of the module: no digits of the code and no form
+// of the word stand in it, while the salted digest that replaces the word does.
+TEST(CredentialsTest, ModuleHoldsNoCredentialText) {
+    std::ifstream in(PARMIRA_BINARY_DIR "/bin/QXParmira.so", std::ios::binary);
+    ASSERT_TRUE(in) << "QXParmira.so not built";
+    const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    ASSERT_GT(bytes.size(), 100000u);
+
+    std::string lowered = bytes;
+    std::transform(lowered.begin(), lowered.end(), lowered.begin(),
+                   [](char c) { return char(std::tolower(static_cast<unsigned char>(c))); });
+    CString word = PARMIRA_TEST_ADMIN_WORD;
+    word.MakeLower();
+    EXPECT_EQ(lowered.find(word.str()), std::string::npos);
+    // Also not as UTF-16, the other way a text may be stored.
+    std::string wide;
+    for (char c : word.str())
+        wide += std::string{c, '\0'};
+    EXPECT_EQ(lowered.find(wide), std::string::npos);
+    EXPECT_EQ(bytes.find(PARMIRA_TEST_FACTORY_CODE), std::string::npos);
+
+    const std::string digest = Sha256Hex(std::string(PARMIRA_TEST_ADMIN_SALT) + word.str());
+    EXPECT_NE(bytes.find(digest), std::string::npos) << "the module should hold the digest";
+}
+
+// ---------------------------------------------------------------- the box
+TEST(NoWheelComboBoxTest, WheelChangesNothing) {
+    BoxPage page;
+    ASSERT_TRUE(page.Create(31001));
+    auto wheel = [](CWnd& box) {
+        QWidget* w = AfxWidgetFromHandle(box.GetSafeHwnd());
+        ASSERT_NE(w, nullptr);
+        QWheelEvent e(QPointF(5, 5), w->mapToGlobal(QPointF(5, 5)), QPoint(), QPoint(0, -120),
+                      Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(w, &e);
+    };
+    for (CComboBox* box : {static_cast<CComboBox*>(&page.box)}) {
+        for (const char* text : {"a", "b", "c"})
+            box->AddString(text);
+        box->SetCurSel(0);
+        wheel(*box);
+        EXPECT_EQ(box->GetCurSel(), 0);
+    }
+    // The control: the same wheel turns a plain box of the framework.
+    CComboBox plain;
+    ASSERT_TRUE(plain.Create(CBS_DROPDOWNLIST | WS_CHILD | WS_VISIBLE, CRect(10, 40, 170, 64),
+                             &page, 1007));
+    for (const char* text : {"a", "b", "c"})
+        plain.AddString(text);
+    plain.SetCurSel(0);
+    wheel(plain);
+    EXPECT_EQ(plain.GetCurSel(), 1);
+    page.DestroyWindow();
+}

@@ -1,0 +1,480 @@
+// The access box in its three models, row by row of each model's table, online and
+// offline, and the poll that lets the tool's level follow the drive's "Authority".
+#include "access_fixture.h"
+
+#include "groups/LoginDialog.h"
+#include "zorhost/device/DeviceLoader.h"
+
+#include <climits>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+const char* const kServo = "zd3s_servo.json";        // model 2
+const char* const kFourAxis = "zd4m_four_axis.json"; // model 1
+const char* const kInverter = "zv5_inverter.json";   // model 0
+
+CString Word() {
+    return PARMIRA_TEST_ADMIN_WORD;
+}
+CString Code() {
+    return PARMIRA_TEST_FACTORY_CODE;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------- filling the box
+TEST_F(AccessTest, BoxEntriesAndSelectionFollowModelAndLevel) {
+    struct Case {
+        const char* file;
+        bool online;
+        int level;
+        Strings texts;
+        std::vector<int> data;
+        int selected;
+    };
+    const Strings model0 = {"普通用户", "超级管理员"};
+    const Strings model1 = {"巡视参数", "基础参数", "专家参数", "厂家参数"};
+    const Strings model2 = {"巡视参数", "基础参数", "专家参数", "厂家参数", "注销登陆"};
+    const Case cases[] = {
+        {kInverter, true, 3, model0, {1, 3}, 1},
+        {kInverter, false, 1, model0, {1, 3}, 0},
+        {kInverter, true, 0, model0, {1, 3}, 0},
+        {kFourAxis, false, 0, model1, {0, 1, 2, 3}, 1}, // offline: never below basic
+        {kFourAxis, false, 1, model1, {0, 1, 2, 3}, 1},
+        {kFourAxis, false, 2, model1, {0, 1, 2, 3}, 2},
+        {kFourAxis, true, 0, model1, {0, 1, 2, 3}, 0},
+        {kServo, true, 3, model2, {0, 1, 2, 3, 4}, 3},
+        {kServo, false, 0, model2, {0, 1, 2, 3, 4}, 1},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.file) + (c.online ? " online, level " : " offline, level ") +
+                     std::to_string(c.level));
+        owned.clear();
+        helper.modules.clear();
+        frame.workspace.clear();
+        frame.module = nullptr;
+        AddModule(c.file, "m", c.online, c.level);
+        page.box.AddString("left over");
+        Fill();
+        ASSERT_EQ(page.box.GetCount(), int(c.texts.size()));
+        for (int i = 0; i < page.box.GetCount(); ++i) {
+            EXPECT_EQ(EntryText(i).str(), c.texts[size_t(i)]);
+            EXPECT_EQ(int(page.box.GetItemData(i)), c.data[size_t(i)]);
+        }
+        EXPECT_EQ(Selected(), c.selected);
+    }
+}
+
+// Without the device helper the model is unknown: nothing is filled and a selection
+// does nothing, quietly; the first page still remembers the index chosen.
+TEST_F(AccessTest, MissingDeviceHelperEndsQuietly) {
+    AddModule(kInverter, "inv", true, 1);
+    services.Withhold<IHostDeviceHelper>();
+    Fill();
+    EXPECT_EQ(page.box.GetCount(), 0);
+    page.box.AddString("a");
+    page.box.AddString("b");
+    page.box.SetItemData(1, 3);
+    LoginAnswers answers;
+    Choose(1);
+    EXPECT_EQ(selector.m_authorityIndex, 1);
+    EXPECT_EQ(answers.Shown(), 0);
+    EXPECT_TRUE(frame.calls.empty());
+    EXPECT_TRUE(prompts.prompts.empty());
+}
+
+// ---------------------------------------------------------------- model 0
+TEST_F(AccessTest, ModelZeroOrdinaryUserReachesEveryModule) {
+    AddModule(kInverter, "inv", true, 3);
+    auto* other = AddModule(kServo, "servo", false, 3);
+    Fill();
+    LoginAnswers answers;
+    Choose(0);
+    EXPECT_EQ(frame.calls, Strings{"all 1"});
+    EXPECT_EQ(other->GetAccessLevel(), 1);
+    EXPECT_EQ(answers.Shown(), 0);
+    EXPECT_TRUE(helper.writes.empty());
+}
+
+TEST_F(AccessTest, ModelZeroSuperAdministratorLogin) {
+    auto* inv = AddModule(kInverter, "inv", false, 1);
+    auto* other = AddModule(kFourAxis, "axis", false, 0);
+    for (bool online : {true, false}) {
+        SCOPED_TRACE(online ? "online" : "offline");
+        inv->SetOnline(online);
+        inv->SetAccessLevel(1);
+        other->SetAccessLevel(0);
+        frame.calls.clear();
+        Fill();
+        LoginAnswers answers;
+        // Cancel: back to the first entry, nothing applied.
+        answers.Cancel();
+        Choose(1);
+        EXPECT_EQ(Selected(), 0);
+        EXPECT_TRUE(frame.calls.empty());
+        // A wrong word: the box, back to the first entry.
+        answers.Ok("notthisone");
+        Choose(1);
+        EXPECT_EQ(Selected(), 0);
+        EXPECT_TRUE(frame.calls.empty());
+        ASSERT_NE(prompts.Last(AfxPrompt::MessageBox), nullptr);
+        EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "密码输入错误");
+        EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->caption, "");
+        // The word in other letter case passes; the hidden tick box sends it everywhere.
+        CString upper = Word();
+        upper.MakeUpper();
+        answers.Ok(upper.GetString());
+        Choose(1);
+        EXPECT_EQ(frame.calls, Strings{"all 3"});
+        EXPECT_EQ(other->GetAccessLevel(), 3);
+        EXPECT_EQ(answers.Shown(), 3);
+        EXPECT_TRUE(helper.writes.empty()); // model 0 never talks to the drive
+    }
+}
+
+// ---------------------------------------------------------------- model 1
+TEST_F(AccessTest, ModelOneBasicLevelsApplyAtOnce) {
+    auto* axis = AddModule(kFourAxis, "axis", true, 3);
+    for (bool online : {true, false}) {
+        axis->SetOnline(online);
+        frame.calls.clear();
+        Fill();
+        LoginAnswers answers;
+        Choose(0);
+        Choose(1);
+        EXPECT_EQ(frame.calls, (Strings{"apply 0", "apply 1"}));
+        EXPECT_EQ(answers.Shown(), 0);
+    }
+    EXPECT_TRUE(helper.writes.empty());
+}
+
+// Online the stored code goes to the drive whatever was typed, and the level stays.
+TEST_F(AccessTest, ModelOneOnlineLoginWritesStoredCode) {
+    auto* axis = AddModule(kFourAxis, "axis", true, 1);
+    Fill();
+    LoginAnswers answers;
+    answers.Ok("anything");
+    Choose(2);
+    EXPECT_EQ(helper.WriteLog(), Strings{"InputPassword=" + Code().str()});
+    EXPECT_EQ(helper.writes[0].key, "axis");
+    answers.Ok("");
+    Choose(3);
+    EXPECT_EQ(helper.WriteLog(),
+              (Strings{"InputPassword=" + Code().str(), "Factory=" + Code().str(),
+                       "InputPassword=" + Code().str()}));
+    EXPECT_TRUE(frame.calls.empty());
+    EXPECT_EQ(axis->GetAccessLevel(), 1);
+    EXPECT_EQ(Selected(), 3);
+    EXPECT_TRUE(prompts.prompts.empty());
+
+    // Cancel writes nothing and goes back to the first entry.
+    answers.Cancel();
+    Choose(3);
+    answers.Cancel();
+    Choose(2);
+    EXPECT_EQ(helper.writes.size(), 3u);
+    EXPECT_EQ(Selected(), 0);
+}
+
+TEST_F(AccessTest, ModelOneOfflineLoginChecksPassword) {
+    auto* axis = AddModule(kFourAxis, "axis", false, 1);
+    Fill();
+    LoginAnswers answers;
+    for (int entry : {2, 3}) {
+        SCOPED_TRACE(entry);
+        frame.calls.clear();
+        answers.Ok("9999");
+        Choose(entry);
+        EXPECT_EQ(Selected(), 0);
+        EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), size_t(entry - 1));
+        EXPECT_TRUE(frame.calls.empty());
+        answers.Cancel();
+        Choose(entry);
+        EXPECT_EQ(Selected(), 0);
+        EXPECT_TRUE(frame.calls.empty());
+    }
+    answers.Ok(Code().GetString());
+    Choose(2);
+    answers.Ok(Word().GetString());
+    Choose(3);
+    EXPECT_EQ(frame.calls, (Strings{"apply 2", "apply 3"}));
+    EXPECT_EQ(axis->GetAccessLevel(), 3);
+    EXPECT_TRUE(helper.writes.empty());
+}
+
+// ---------------------------------------------------------------- model 2
+TEST_F(AccessTest, ModelTwoLevelGrantedByDriveNeedsNoPassword) {
+    auto* servo = AddModule(kServo, "servo", true, 1);
+    servo->SetDeviceAuthority(2);
+    Fill();
+    selector.m_relockPending = 1;
+    LoginAnswers answers;
+    Choose(2);
+    Choose(0);
+    EXPECT_EQ(frame.calls, (Strings{"apply 2", "apply 0"}));
+    EXPECT_EQ(selector.m_relockPending, 0);
+    EXPECT_EQ(answers.Shown(), 0);
+    EXPECT_TRUE(helper.writes.empty());
+}
+
+TEST_F(AccessTest, ModelTwoLoginOnlineAndOffline) {
+    auto* servo = AddModule(kServo, "servo", true, 1);
+    servo->SetDeviceAuthority(1);
+    Fill();
+    LoginAnswers answers;
+
+    // Cancel: the chosen entry stays, nothing is written or applied.
+    answers.Cancel();
+    Choose(3);
+    EXPECT_EQ(Selected(), 3);
+    EXPECT_TRUE(helper.writes.empty());
+    EXPECT_TRUE(frame.calls.empty());
+    EXPECT_EQ(selector.m_relockPending, 0);
+
+    // Online with the code: it goes to the drive and the level is set at once.
+    answers.Ok(Code().GetString());
+    Choose(2);
+    EXPECT_EQ(helper.WriteLog(), Strings{"InputPassword=" + Code().str()});
+    EXPECT_EQ(frame.calls, Strings{"apply 2"});
+    EXPECT_EQ(servo->GetAccessLevel(), 2);
+    EXPECT_EQ(selector.m_relockPending, 1);
+
+    // Offline with the word: nothing goes out, the level is set.
+    servo->SetOnline(false);
+    helper.writes.clear();
+    frame.calls.clear();
+    selector.m_relockPending = 0;
+    answers.Ok(Word().GetString());
+    Choose(3);
+    EXPECT_TRUE(helper.writes.empty());
+    EXPECT_EQ(frame.calls, Strings{"apply 3"});
+    EXPECT_EQ(selector.m_relockPending, 1);
+
+    // Offline with a wrong text: the box, the first entry, nothing else.
+    servo->SetAccessLevel(1);
+    frame.calls.clear();
+    selector.m_relockPending = 0;
+    answers.Ok("4321");
+    Choose(2);
+    EXPECT_EQ(Selected(), 0);
+    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u);
+    EXPECT_TRUE(frame.calls.empty());
+    EXPECT_TRUE(helper.writes.empty());
+    EXPECT_EQ(selector.m_relockPending, 0);
+    EXPECT_EQ(servo->GetAccessLevel(), 1);
+}
+
+// What the drive's register receives is the decimal reading of the text.
+TEST_F(AccessTest, ModelTwoPasswordReachesDriveAsDecimalNumber) {
+    auto* servo = AddModule(kServo, "servo", true, 1);
+    servo->SetDeviceAuthority(0);
+    Fill();
+    LoginAnswers answers;
+    for (const char* text : {"abc", "12ab", " 77"}) {
+        answers.Ok(text);
+        Choose(3);
+    }
+    EXPECT_EQ(helper.WriteLog(),
+              (Strings{"InputPassword=0", "InputPassword=12", "InputPassword=77"}));
+    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 3u);
+    EXPECT_EQ(PasswordTextToCode("99999999999"), INT_MAX);
+    EXPECT_EQ(PasswordTextToCode("-5x"), -5);
+}
+
+TEST_F(AccessTest, ModelTwoLogOut) {
+    auto* servo = AddModule(kServo, "servo", true, 3);
+    FakeDeviceHelper::SetDriveAuthority(servo, 3);
+    Fill();
+    selector.PollAuthority();
+    LoginAnswers answers;
+    frame.calls.clear();
+
+    // Online: the drive is told, and the tool follows on the next poll.
+    Choose(4);
+    EXPECT_EQ(helper.WriteLog(), Strings{"InputPassword=65535"});
+    EXPECT_TRUE(frame.calls.empty());
+    EXPECT_EQ(selector.m_relockPending, 1);
+    selector.PollAuthority();
+    EXPECT_EQ(frame.calls, Strings{"apply 1"});
+    EXPECT_EQ(Selected(), 1);
+    EXPECT_EQ(selector.m_authorityIndex, 1);
+    EXPECT_EQ(selector.m_relockPending, 0);
+
+    // Offline: straight to the basic level, nothing written.
+    servo->SetOnline(false);
+    servo->SetAccessLevel(3);
+    helper.writes.clear();
+    frame.calls.clear();
+    Choose(4);
+    EXPECT_EQ(frame.calls, Strings{"apply 1"});
+    EXPECT_EQ(servo->GetAccessLevel(), 1);
+    EXPECT_TRUE(helper.writes.empty());
+    EXPECT_EQ(answers.Shown(), 0);
+}
+
+// ---------------------------------------------------------------- following the drive
+// A login the drive accepts raises the tool to what the drive grants, through the poll.
+TEST_F(AccessTest, PollRaisesLevelAfterAcceptedPassword) {
+    auto* servo = AddModule(kServo, "servo", true, 1);
+    FakeDeviceHelper::SetDriveAuthority(servo, 1);
+    Fill();
+    selector.PollAuthority();
+    ASSERT_EQ(servo->GetDeviceAuthority(), 1);
+    LoginAnswers answers;
+    answers.Ok(Code().GetString());
+    Choose(2); // the code passes here too: expert at once; the drive grants factory
+    EXPECT_EQ(servo->GetAccessLevel(), 2);
+    frame.calls.clear();
+    selector.PollAuthority();
+    EXPECT_EQ(servo->GetDeviceAuthority(), 3);
+    EXPECT_EQ(frame.calls, Strings{"apply 3"});
+    EXPECT_EQ(servo->GetAccessLevel(), 3);
+    EXPECT_EQ(Selected(), 3);
+    EXPECT_EQ(selector.m_relockPending, 0);
+    // Taken over once; the next poll finds nothing new.
+    selector.PollAuthority();
+    EXPECT_EQ(frame.calls.size(), 1u);
+}
+
+// A code only the drive knows fails the tool's test, yet the drive's grant is taken over.
+TEST_F(AccessTest, PollTakesOverGrantForCodeOnlyDriveKnows) {
+    auto* servo = AddModule(kServo, "servo", true, 1);
+    FakeDeviceHelper::SetDriveAuthority(servo, 1);
+    Fill();
+    selector.PollAuthority();
+    LoginAnswers answers;
+    answers.Ok(std::to_string(helper.drivePassword).c_str());
+    Choose(3);
+    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u);
+    EXPECT_EQ(Selected(), 0);
+    EXPECT_EQ(servo->GetAccessLevel(), 1);
+    selector.PollAuthority();
+    EXPECT_EQ(frame.calls, Strings{"apply 2"});
+    EXPECT_EQ(servo->GetAccessLevel(), 2);
+    EXPECT_EQ(Selected(), 2);
+}
+
+TEST_F(AccessTest, PollFallAlwaysReachesToolRiseOnlyAfterPassword) {
+    auto* servo = AddModule(kServo, "servo", true, 2);
+    FakeDeviceHelper::SetDriveAuthority(servo, 2);
+    Fill();
+    selector.PollAuthority();
+    LoginAnswers answers;
+    Choose(1); // granted already: no dialog
+    Choose(2);
+    ASSERT_EQ(selector.m_authorityIndex, 2);
+    frame.calls.clear();
+
+    // A rise without a password going out waits for the user.
+    FakeDeviceHelper::SetDriveAuthority(servo, 3);
+    selector.PollAuthority();
+    EXPECT_EQ(servo->GetDeviceAuthority(), 3);
+    EXPECT_TRUE(frame.calls.empty());
+    EXPECT_EQ(servo->GetAccessLevel(), 2);
+    EXPECT_EQ(Selected(), 2);
+
+    // A fall is taken over, with or without a password pending.
+    for (int pending : {0, 1}) {
+        SCOPED_TRACE(pending);
+        FakeDeviceHelper::SetDriveAuthority(servo, 0);
+        selector.m_relockPending = pending;
+        selector.PollAuthority();
+        EXPECT_EQ(servo->GetAccessLevel(), 0);
+        EXPECT_EQ(Selected(), 0);
+        EXPECT_EQ(selector.m_relockPending, 0);
+        selector.m_authorityIndex = 2;
+    }
+    EXPECT_EQ(frame.calls, (Strings{"apply 0", "apply 0"}));
+    EXPECT_EQ(answers.Shown(), 0);
+}
+
+TEST_F(AccessTest, PollOnlyForOnlineModelTwo) {
+    auto* servo = AddModule(kServo, "servo", false, 3);
+    servo->SetDeviceAuthority(3);
+    FakeDeviceHelper::SetDriveAuthority(servo, 0);
+    Fill();
+    selector.m_authorityIndex = 3;
+    selector.PollAuthority(); // offline: the drive's value isn't read
+    EXPECT_TRUE(frame.calls.empty());
+    EXPECT_EQ(servo->GetDeviceAuthority(), 3);
+
+    servo->SetOnline(true);
+    services.Withhold<IHostVarUtil>();
+    selector.PollAuthority();
+    EXPECT_TRUE(frame.calls.empty());
+    EXPECT_EQ(servo->GetDeviceAuthority(), 3);
+    services.Withhold<IHostVarUtil>(false);
+    selector.PollAuthority(); // the control: with everything there the fall is taken over
+    EXPECT_EQ(frame.calls, Strings{"apply 0"});
+    frame.calls.clear();
+
+    for (const char* file : {kFourAxis, kInverter}) {
+        owned.clear();
+        helper.modules.clear();
+        frame.workspace.clear();
+        frame.module = nullptr;
+        auto* m = AddModule(file, "other", true, 3);
+        m->SetDeviceAuthority(3);
+        selector.PollAuthority();
+        EXPECT_EQ(m->GetDeviceAuthority(), 3) << file;
+    }
+    EXPECT_TRUE(frame.calls.empty());
+}
+
+// A model 2 description without "Authority": the level stays whatever the drive does.
+TEST_F(AccessTest, ModelTwoWithoutAuthorityKeepsLevel) {
+    std::ifstream in(PARMIRA_SOURCE_DIR "/devices/zd3s_servo.json");
+    std::stringstream text;
+    text << in.rdbuf();
+    std::string json = text.str();
+    const std::string line = "{\"name\": \"Authority\", \"code\": \"H0B-40\"},";
+    const size_t at = json.find(line);
+    ASSERT_NE(at, std::string::npos);
+    json.erase(at, line.size());
+    auto loaded = zorhost::device::ParseDeviceJson(json, "no_authority.json");
+    ASSERT_TRUE(loaded) << loaded.error.ToString();
+    ASSERT_EQ(loaded.device->FindNamedVariable("Authority"), nullptr);
+    owned.push_back(std::make_unique<zorhost::model::CDeviceModule>(loaded.device, "servo", 1));
+    auto* servo = owned.back().get();
+    servo->SetOnline(true);
+    servo->SetAccessLevel(3);
+    helper.modules.push_back(servo);
+    frame.module = servo;
+    Fill();
+    selector.m_authorityIndex = 3;
+    selector.m_relockPending = 1;
+    selector.PollAuthority();
+    EXPECT_TRUE(frame.calls.empty());
+    EXPECT_EQ(servo->GetAccessLevel(), 3);
+    EXPECT_EQ(selector.m_relockPending, 1);
+}
+
+// The second page compares the drive's level with the entry on show.
+TEST_F(AccessTest, SecondPagePollComparesWithShownEntry) {
+    CAccessSelector second(FALSE);
+    second.Attach(&page.box, &frame);
+    page.selector = &second;
+    auto* servo = AddModule(kServo, "servo", true, 3);
+    FakeDeviceHelper::SetDriveAuthority(servo, 3);
+    second.FillAccessBox();
+    second.m_authorityIndex = 0; // not used on this page
+    second.PollAuthority();
+    EXPECT_TRUE(frame.calls.empty());
+    FakeDeviceHelper::SetDriveAuthority(servo, 1);
+    second.PollAuthority();
+    EXPECT_EQ(frame.calls, Strings{"apply 1"});
+    EXPECT_EQ(SelectedData(), 1);
+    FakeDeviceHelper::SetDriveAuthority(servo, 3);
+    second.PollAuthority();
+    EXPECT_EQ(frame.calls.size(), 1u);
+    second.m_relockPending = 1;
+    second.PollAuthority();
+    EXPECT_EQ(frame.calls, (Strings{"apply 1", "apply 3"}));
+    EXPECT_EQ(SelectedData(), 3);
+    EXPECT_EQ(second.m_authorityIndex, 0);
+    page.selector = &selector;
+}
