@@ -1,0 +1,139 @@
+// The reference host in one object: a project with its modules, one simulated drive per
+// module, and every host service registered in a HostServices table. The desktop program
+// and the tests both run the module against it.
+//
+//     zorhost::ReferenceHost host;
+//     host.LoadDemo();                       // or LoadProject(spec)
+//     SetQueryInterfaceCallback(host.Services().Context(), &zorhost::HostServices::Query);
+//     host.Tick(100);                        // drives move, one refresh cycle runs
+#pragma once
+
+#include "zorhost/HostServices.h"
+#include "zorhost/model/ProjectModel.h"
+#include "zorhost/services/HostAccessService.h"
+#include "zorhost/services/HostDeviceHelper.h"
+#include "zorhost/services/HostHelpService.h"
+#include "zorhost/services/HostModuleManager.h"
+#include "zorhost/services/HostRefreshService.h"
+#include "zorhost/services/HostTransferService.h"
+#include "zorhost/services/HostVarUtil.h"
+#include "zorhost/services/Oscilloscope.h"
+#include "zorhost/sim/DriveDirectory.h"
+#include "zorhost/sim/SimulatedDrive.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+class QTimer;
+
+namespace zorhost {
+
+struct ProjectModuleSpec {
+    std::string deviceFile; // absolute, or relative to the device folder
+    CString key;            // unique in the project
+    CString displayName;    // empty: the product's name
+    int number = 0;         // station number; 0: the position in the list, from 1
+    bool online = true;
+};
+
+struct ProjectSpec {
+    CString directory; // the project's folder (custom groups live there); may be empty
+    int listStyle = 0; // 0 live list, 1 staging list
+    std::vector<ProjectModuleSpec> modules;
+};
+
+class ReferenceHost : public sim::DriveDirectory {
+public:
+    ReferenceHost();
+    ~ReferenceHost() override;
+    ReferenceHost(const ReferenceHost&) = delete;
+    ReferenceHost& operator=(const ReferenceHost&) = delete;
+
+    // The three shipped drives, online: "ZD3S" (servo, model 2), "ZD4M" (four axes,
+    // model 1), "ZV5" (inverter, model 0), numbered 1 to 3.
+    static ProjectSpec DemoProject();
+    // Replaces the open project. On any failure the host is left without a project and
+    // `error` tells which file and why.
+    bool LoadProject(const ProjectSpec& spec, std::string* error = nullptr);
+    bool LoadDemo(std::string* error = nullptr) { return LoadProject(DemoProject(), error); }
+    void CloseProject();
+
+    // The query callback's table; hand Services().Context() and &HostServices::Query to
+    // the plug-in.
+    HostServices& Services() { return m_services; }
+
+    model::CProjectRoot& Root() { return m_root; }
+    model::CProject* Project();
+    std::vector<CString> ModuleKeys() const;
+    model::CDeviceModule* Module(const CString& key);
+    sim::SimulatedDrive* Drive(const CString& key);
+
+    // sim::DriveDirectory
+    model::CDeviceModule* FindModule(const CString& key) override { return Module(key); }
+    sim::DriveLink* FindLink(const CString& key) override;
+
+    // Connect or disconnect a drive; the module follows at once.
+    void SetOnline(const CString& key, bool online);
+    // Lets every module's online state follow its drive (a drive may fail on its own).
+    void SyncOnlineStates();
+    // One tick of the host: every drive advances dt_ms, modules follow their drives'
+    // online states, the oscilloscope redraws and one refresh cycle runs.
+    void Tick(int dt_ms);
+    // Runs Tick from a Qt timer on the user-interface thread (the program's way).
+    void StartTimer(int period_ms = 200);
+    void StopTimer();
+
+    // Uses a Qt progress dialog for long transfers (the program; tests show none).
+    void SetShowTransferProgress(bool show);
+    // Language of texts the host makes itself (drive refusals).
+    void SetEnglish(bool english);
+    // Where the end of every transfer is told: (module key, success, download). Until the
+    // message bus is part of the host this is the only route.
+    using TransferEndHandler =
+        std::function<void(const CString& moduleKey, BOOL success, bool download)>;
+    void SetTransferEndHandler(TransferEndHandler handler);
+    // Whether any drive's oscilloscope samples now.
+    bool IsAnyOscilloscopeRunning() const;
+
+    CHostVarUtil& VarUtil() { return m_varUtil; }
+    CHostModuleManager& ModuleManager() { return m_moduleManager; }
+    CHostRefreshService& Refresh() { return m_refresh; }
+    CHostDeviceHelper& DeviceHelper() { return m_deviceHelper; }
+    CHostTransferService& Transfer() { return m_transfer; }
+    CHostAccessService& Access() { return m_access; }
+    CHostHelpService& Help() { return m_help; }
+    COscilloscopePanel& Oscilloscope() { return m_scope; }
+    CHostCommState& CommState() { return m_commState; }
+
+private:
+    struct Station {
+        CString key;
+        model::CDeviceModule* module = nullptr; // owned by the project
+        std::unique_ptr<sim::SimulatedDrive> drive;
+    };
+    Station* Find(const CString& key);
+    const Station* Find(const CString& key) const;
+    void RegisterServices();
+    void AnnounceTransferEnd(const CString& key, BOOL success, bool download);
+
+    HostServices m_services;
+    model::CProjectRoot m_root;
+    std::vector<Station> m_stations;
+    CHostVarUtil m_varUtil;
+    CHostModuleManager m_moduleManager;
+    CHostRefreshService m_refresh;
+    CHostDeviceHelper m_deviceHelper;
+    CHostTransferService m_transfer;
+    CHostAccessService m_access;
+    CHostHelpService m_help;
+    COscilloscopePanel m_scope;
+    CHostCommState m_commState;
+    std::unique_ptr<TransferProgress> m_progress;
+    TransferEndHandler m_transferEnded;
+    bool m_english = false;
+    QTimer* m_timer = nullptr; // owned
+};
+
+} // namespace zorhost

@@ -1,0 +1,86 @@
+// Bulk transfers between the drives and the host's variables (IHostTransferService).
+// Each transfer runs to its end inside the call, with the host's own progress display
+// when one is installed, and ends with the upload-finished event, whatever happened on the
+// way: a drive that fails or goes offline ends it with success 0.
+#pragma once
+
+#include "module/host/IHostTransferService.h"
+
+#include <functional>
+#include <mutex>
+#include <vector>
+
+namespace zorhost {
+
+namespace sim {
+class DriveDirectory;
+}
+class CHostDeviceHelper;
+
+// Shows how far a transfer has come. Begin and Advance run on the transfer's thread (the
+// user-interface thread); Advance returns false when the user cancelled.
+class TransferProgress {
+public:
+    virtual ~TransferProgress() = default;
+    virtual void Begin(const CString& moduleKey, int total) = 0;
+    virtual bool Advance(int done) = 0;
+    virtual void End() = 0;
+};
+
+class CHostTransferService : public IHostTransferService {
+public:
+    static constexpr int kTimeout_ms = 200;
+    static constexpr int kTries = 3;
+
+    // How the end of a transfer is announced: (module key, success, false) for an upload,
+    // (..., true) for a download. The host routes it to its message bus.
+    using EndNotifier = std::function<void(const CString& moduleKey, BOOL success, bool download)>;
+
+    CHostTransferService(sim::DriveDirectory& drives, CHostDeviceHelper& helper);
+
+    void SetEndNotifier(EndNotifier notifier);
+    // Not owned; null shows nothing (tests, command-line runs).
+    void SetProgress(TransferProgress* progress) { m_progress = progress; }
+    // Called after every variable with (done, total): lets a test act half way through.
+    void SetStepHook(std::function<void(int done, int total)> hook) {
+        m_stepHook = std::move(hook);
+    }
+
+    BOOL UploadVars(HWND owner, const CString& moduleKey,
+                    const std::vector<IVarObjEx*>& vars) override;
+    BOOL UploadModule(HWND owner, const CString& moduleKey) override;
+    BOOL SyncModuleAttributes(HWND owner, const CString& moduleKey, int mode) override;
+    BOOL GetModuleVars(const CString& moduleKey, std::vector<IVarObjEx*>& vars) override;
+    // Downloads, files and axis comparison come with the file side of the host; until
+    // then they are refused (and, where a transfer would have started, announce nothing).
+    BOOL OpenAndDownload(HWND owner, const CString& moduleKey) override;
+    BOOL DownloadRecords(HWND owner, const CString& moduleKey,
+                         const std::vector<IRWDataItem*>& records) override;
+    BOOL CompareAxes(const CString& sourceKey, const CString& targetKey, const CString& sourceAxis,
+                     const CString& targetAxis, std::vector<IRWDataItem*>& rows) override;
+    BOOL DownloadAxisRecords(HWND owner, const CString& targetKey, const CString& targetAxis,
+                             const std::vector<IRWDataItem*>& rows) override;
+    void NotifyLevelToTransfer(const CString& moduleKey, int level) override;
+
+    // Last level each module reported, -1 when none.
+    int NotifiedLevel(const CString& moduleKey) const;
+    // Uploads announced so far, for tests of the event path.
+    int UploadsEnded() const { return m_uploadsEnded; }
+
+private:
+    // Reads `vars` from the drive into themselves; false when any read failed, the drive
+    // went offline or the user cancelled.
+    bool ReadVars(const CString& moduleKey, const std::vector<IVarObjEx*>& vars);
+    void AnnounceUpload(const CString& moduleKey, bool success);
+
+    sim::DriveDirectory& m_drives;
+    CHostDeviceHelper& m_helper;
+    EndNotifier m_notifier;
+    TransferProgress* m_progress = nullptr;
+    std::function<void(int, int)> m_stepHook;
+    int m_uploadsEnded = 0;
+    mutable std::mutex m_levelMutex;
+    std::vector<std::pair<CString, int>> m_levels;
+};
+
+} // namespace zorhost

@@ -1,0 +1,249 @@
+#include "zorhost/ReferenceHost.h"
+
+#include "zorhost/device/DeviceLoader.h"
+
+#include <QApplication>
+#include <QProgressDialog>
+#include <QTimer>
+
+#include <map>
+
+namespace zorhost {
+
+namespace {
+
+// The host's own progress display for long transfers; short ones finish before it shows.
+class DialogProgress : public TransferProgress {
+public:
+    static constexpr int kShowFrom = 50; // variables
+    explicit DialogProgress(const bool& english) : m_english(english) {}
+
+    void Begin(const CString& moduleKey, int total) override {
+        m_dialog.reset();
+        if (total < kShowFrom || !qobject_cast<QApplication*>(QCoreApplication::instance()))
+            return;
+        const QString key = QString::fromStdString(moduleKey.str());
+        m_dialog = std::make_unique<QProgressDialog>(
+            m_english ? QStringLiteral("Reading the parameters of %1 …").arg(key)
+                      : QStringLiteral("正在读取 %1 的参数…").arg(key),
+            m_english ? QStringLiteral("Cancel") : QStringLiteral("取消"), 0, total);
+        m_dialog->setWindowModality(Qt::ApplicationModal);
+        m_dialog->setMinimumDuration(300);
+    }
+    bool Advance(int done) override {
+        if (!m_dialog)
+            return true;
+        m_dialog->setValue(done);
+        QCoreApplication::processEvents();
+        return !m_dialog->wasCanceled();
+    }
+    void End() override { m_dialog.reset(); }
+
+private:
+    const bool& m_english;
+    std::unique_ptr<QProgressDialog> m_dialog;
+};
+
+std::string DevicePath(const std::string& file) {
+    if (!file.empty() && file.front() == '/')
+        return file;
+    return device::DefaultDeviceDirectory() + "/" + file;
+}
+
+} // namespace
+
+ReferenceHost::ReferenceHost()
+    : m_refresh(*this), m_deviceHelper(*this), m_transfer(*this, m_deviceHelper),
+      m_commState(m_scope) {
+    m_transfer.SetEndNotifier([this](const CString& key, BOOL success, bool download) {
+        AnnounceTransferEnd(key, success, download);
+    });
+    m_scope.SetBusyProbe([this] { return IsAnyOscilloscopeRunning(); });
+    RegisterServices();
+}
+
+ReferenceHost::~ReferenceHost() {
+    StopTimer();
+    m_transfer.SetProgress(nullptr);
+    CloseProject();
+}
+
+void ReferenceHost::RegisterServices() {
+    m_services.Register<IHostVarUtil>(&m_varUtil);
+    m_services.Register<IHostModuleManager>(&m_moduleManager);
+    m_services.Register<IHostProjectRoot>(&m_root);
+    m_services.Register<IHostRefreshService>(&m_refresh);
+    m_services.Register<IHostDeviceHelper>(&m_deviceHelper);
+    m_services.Register<IHostTransferService>(&m_transfer);
+    m_services.Register<IHostAccessService>(&m_access);
+    m_services.Register<IHostHelpService>(&m_help);
+    m_moduleManager.RegisterModuleInterface(IOscilloscopePanel::kIID, &m_scope);
+    // TODO(host services): IHostMessageBus, IHostUiService and IHostProductDb are registered
+    // here as they land; IHostTabManager belongs to the program's main window, which
+    // registers it in Services() itself. Until the bus is here, the end of a transfer
+    // reaches only SetTransferEndHandler.
+}
+
+void ReferenceHost::SetTransferEndHandler(TransferEndHandler handler) {
+    m_transferEnded = std::move(handler);
+}
+
+void ReferenceHost::AnnounceTransferEnd(const CString& key, BOOL success, bool download) {
+    if (m_transferEnded)
+        m_transferEnded(key, success, download);
+}
+
+ProjectSpec ReferenceHost::DemoProject() {
+    ProjectSpec spec;
+    spec.modules = {
+        {"zd3s_servo.json", "ZD3S", "", 1, true},
+        {"zd4m_four_axis.json", "ZD4M", "", 2, true},
+        {"zv5_inverter.json", "ZV5", "", 3, true},
+    };
+    return spec;
+}
+
+bool ReferenceHost::LoadProject(const ProjectSpec& spec, std::string* error) {
+    CloseProject();
+    auto fail = [&](std::string text) {
+        CloseProject();
+        if (error)
+            *error = std::move(text);
+        return false;
+    };
+    auto project = std::make_unique<model::CProject>(spec.directory);
+    project->Workspace().SetListStyle(spec.listStyle);
+    std::map<std::string, std::shared_ptr<const device::DeviceDescription>> loaded;
+    std::vector<Station> stations;
+    int position = 0;
+    for (const ProjectModuleSpec& m : spec.modules) {
+        ++position;
+        const std::string path = DevicePath(m.deviceFile);
+        auto& device = loaded[path];
+        if (!device) {
+            device::LoadResult r = device::LoadDeviceFile(path);
+            if (!r)
+                return fail(r.error.ToString());
+            device = r.device;
+        }
+        if (m.key.IsEmpty())
+            return fail("module " + std::to_string(position) + ": the key is empty");
+        auto module =
+            std::make_unique<model::CDeviceModule>(device, m.key, m.number ? m.number : position);
+        module->SetDisplayName(m.displayName.IsEmpty()
+                                   ? CString(std::string(device->Text(device->product.name)))
+                                   : m.displayName);
+        module->SetOnline(m.online);
+        model::CDeviceModule* added = project->Workspace().Modules().Add(std::move(module));
+        if (!added)
+            return fail("module " + std::to_string(position) + " \"" + m.key.str() +
+                        "\": its key or number is taken already");
+        Station s;
+        s.key = m.key;
+        s.module = added;
+        s.drive = std::make_unique<sim::SimulatedDrive>(device);
+        s.drive->SetConnected(m.online);
+        stations.push_back(std::move(s));
+    }
+    m_root.Open(std::move(project));
+    m_stations = std::move(stations);
+    m_scope.Watch(m_stations.empty() ? nullptr : m_stations.front().drive.get());
+    return true;
+}
+
+void ReferenceHost::CloseProject() {
+    m_scope.Watch(nullptr);
+    m_root.Open(nullptr); // the modules go first; the drives have no ties to them
+    m_stations.clear();
+}
+
+model::CProject* ReferenceHost::Project() {
+    return static_cast<model::CProject*>(m_root.GetProject());
+}
+
+std::vector<CString> ReferenceHost::ModuleKeys() const {
+    std::vector<CString> keys;
+    for (const Station& s : m_stations)
+        keys.push_back(s.key);
+    return keys;
+}
+
+ReferenceHost::Station* ReferenceHost::Find(const CString& key) {
+    for (Station& s : m_stations)
+        if (s.key == key)
+            return &s;
+    return nullptr;
+}
+
+const ReferenceHost::Station* ReferenceHost::Find(const CString& key) const {
+    for (const Station& s : m_stations)
+        if (s.key == key)
+            return &s;
+    return nullptr;
+}
+
+model::CDeviceModule* ReferenceHost::Module(const CString& key) {
+    Station* s = Find(key);
+    return s ? s->module : nullptr;
+}
+
+sim::SimulatedDrive* ReferenceHost::Drive(const CString& key) {
+    Station* s = Find(key);
+    return s ? s->drive.get() : nullptr;
+}
+
+sim::DriveLink* ReferenceHost::FindLink(const CString& key) {
+    return Drive(key);
+}
+
+void ReferenceHost::SetOnline(const CString& key, bool online) {
+    if (Station* s = Find(key)) {
+        s->drive->SetConnected(online);
+        s->module->SetOnline(s->drive->IsOnline());
+    }
+}
+
+void ReferenceHost::SyncOnlineStates() {
+    for (Station& s : m_stations)
+        s.module->SetOnline(s.drive->IsOnline());
+}
+
+void ReferenceHost::Tick(int dt_ms) {
+    for (Station& s : m_stations)
+        s.drive->Step(dt_ms);
+    SyncOnlineStates();
+    m_scope.Update();
+    m_refresh.RunCycle();
+}
+
+void ReferenceHost::StartTimer(int period_ms) {
+    StopTimer();
+    m_timer = new QTimer;
+    QObject::connect(m_timer, &QTimer::timeout, [this, period_ms] { Tick(period_ms); });
+    m_timer->start(period_ms);
+}
+
+void ReferenceHost::StopTimer() {
+    delete m_timer;
+    m_timer = nullptr;
+}
+
+void ReferenceHost::SetShowTransferProgress(bool show) {
+    if (show && !m_progress)
+        m_progress = std::make_unique<DialogProgress>(m_english);
+    m_transfer.SetProgress(show ? m_progress.get() : nullptr);
+}
+
+void ReferenceHost::SetEnglish(bool english) {
+    m_english = english;
+    m_deviceHelper.SetEnglish(english);
+}
+
+bool ReferenceHost::IsAnyOscilloscopeRunning() const {
+    for (const Station& s : m_stations)
+        if (s.drive->IsOscilloscopeRunning())
+            return true;
+    return false;
+}
+
+} // namespace zorhost

@@ -1,0 +1,44 @@
+#include "zorhost/services/HostAccessService.h"
+
+#include <algorithm>
+
+namespace zorhost {
+
+void CHostAccessService::NotifyAccessLevel(const CString& moduleKey, int level) {
+    LevelListener listener;
+    {
+        std::lock_guard lock(m_mutex);
+        m_levels[moduleKey] = level;
+        listener = m_listener;
+    }
+    if (listener)
+        listener(moduleKey, level);
+}
+
+void CHostAccessService::AddWatchVars(const CString& moduleKey,
+                                      const std::vector<UINT>& addresses) {
+    std::lock_guard lock(m_mutex);
+    std::vector<UINT>& list = m_watch[moduleKey];
+    for (UINT a : addresses)
+        if (std::find(list.begin(), list.end(), a) == list.end())
+            list.push_back(a);
+}
+
+int CHostAccessService::NotifiedLevel(const CString& moduleKey) const {
+    std::lock_guard lock(m_mutex);
+    auto it = m_levels.find(moduleKey);
+    return it == m_levels.end() ? -1 : it->second;
+}
+
+std::vector<UINT> CHostAccessService::WatchList(const CString& moduleKey) const {
+    std::lock_guard lock(m_mutex);
+    auto it = m_watch.find(moduleKey);
+    return it == m_watch.end() ? std::vector<UINT>() : it->second;
+}
+
+void CHostAccessService::ClearWatchList(const CString& moduleKey) {
+    std::lock_guard lock(m_mutex);
+    m_watch.erase(moduleKey);
+}
+
+} // namespace zorhost

@@ -1,0 +1,151 @@
+#include "zorhost/services/HostTransferService.h"
+
+#include "module/host/IVarAttr.h"
+#include "zorhost/model/ProjectModel.h"
+#include "zorhost/services/HostDeviceHelper.h"
+#include "zorhost/sim/DriveDirectory.h"
+
+namespace zorhost {
+
+using device::DataType;
+
+CHostTransferService::CHostTransferService(sim::DriveDirectory& drives, CHostDeviceHelper& helper)
+    : m_drives(drives), m_helper(helper) {}
+
+void CHostTransferService::SetEndNotifier(EndNotifier notifier) {
+    m_notifier = std::move(notifier);
+}
+
+void CHostTransferService::AnnounceUpload(const CString& moduleKey, bool success) {
+    ++m_uploadsEnded;
+    if (m_notifier)
+        m_notifier(moduleKey, success ? 1 : 0, false);
+}
+
+bool CHostTransferService::ReadVars(const CString& moduleKey, const std::vector<IVarObjEx*>& vars) {
+    model::CDeviceModule* module = m_drives.FindModule(moduleKey);
+    sim::DriveLink* link = m_drives.FindLink(moduleKey);
+    if (!module || !link || !link->IsOnline())
+        return false;
+    const int total = int(vars.size());
+    if (m_progress)
+        m_progress->Begin(moduleKey, total);
+    bool ok = true;
+    for (int i = 0; i < total; ++i) {
+        IVarObjEx* var = vars[size_t(i)];
+        IVarAttr* attr = var ? var->GetAttr() : nullptr;
+        if (attr) {
+            const UINT address = var->GetInstanceAddress();
+            const auto type = DataType(attr->GetDataType());
+            double raw = 0;
+            const sim::LinkResult r =
+                m_helper.Read(moduleKey, address, type, raw, kTimeout_ms, kTries);
+            if (r.status == sim::LinkStatus::Offline) {
+                ok = false;
+                break; // nothing more will come from this drive
+            }
+            if (r.ok()) {
+                const Variant value = RawToVariant(type, raw);
+                IVarObjEx* own = module->Store().FindByAddress(address);
+                if (own == var)
+                    static_cast<model::CVarObj*>(own)->StoreRead(value);
+                else
+                    var->SetValue(value); // a copy the caller made: it gets the value only
+            } else {
+                ok = false; // the variable keeps its value; the others are still read
+            }
+        }
+        if (m_stepHook)
+            m_stepHook(i + 1, total);
+        if (m_progress && !m_progress->Advance(i + 1)) {
+            ok = false;
+            break;
+        }
+    }
+    if (m_progress)
+        m_progress->End();
+    return ok;
+}
+
+BOOL CHostTransferService::UploadVars(HWND, const CString& moduleKey,
+                                      const std::vector<IVarObjEx*>& vars) {
+    const bool known = m_drives.FindModule(moduleKey) != nullptr;
+    // The end is announced in every case: the caller's flow waits for it.
+    AnnounceUpload(moduleKey, known && ReadVars(moduleKey, vars));
+    return known ? 1 : 0;
+}
+
+BOOL CHostTransferService::UploadModule(HWND owner, const CString& moduleKey) {
+    std::vector<IVarObjEx*> all, vars;
+    GetModuleVars(moduleKey, all);
+    vars.reserve(all.size());
+    for (IVarObjEx* v : all) {
+        IVarAttr* a = v->GetAttr();
+        if (a && a->IsTransferable() && a->GetModifyMode() != int(device::ModifyMode::NotListed))
+            vars.push_back(v);
+    }
+    return UploadVars(owner, moduleKey, vars);
+}
+
+// The simulated drives run the very description the host loaded, so their attributes can
+// only agree with the host's; the sync asks each drive for its variables, which proves it
+// answers, and ends like an upload. The three protocol modes differ on real links only.
+BOOL CHostTransferService::SyncModuleAttributes(HWND owner, const CString& moduleKey, int mode) {
+    if (mode < 1 || mode > 3) {
+        AnnounceUpload(moduleKey, false);
+        return 0;
+    }
+    return UploadModule(owner, moduleKey);
+}
+
+BOOL CHostTransferService::GetModuleVars(const CString& moduleKey, std::vector<IVarObjEx*>& vars) {
+    model::CDeviceModule* module = m_drives.FindModule(moduleKey);
+    if (!module)
+        return 0;
+    model::CVarStore& store = module->Store();
+    const int n = store.GetCount();
+    vars.reserve(vars.size() + size_t(n));
+    for (int i = 0; i < n; ++i)
+        vars.push_back(store.GetAt(i));
+    return 1;
+}
+
+// TODO(files): downloads, parameter files and axis comparison arrive with the host's file
+// store; until then they are refused without starting anything.
+BOOL CHostTransferService::OpenAndDownload(HWND, const CString&) {
+    return 0;
+}
+
+BOOL CHostTransferService::DownloadRecords(HWND, const CString&, const std::vector<IRWDataItem*>&) {
+    return 0;
+}
+
+BOOL CHostTransferService::CompareAxes(const CString&, const CString&, const CString&,
+                                       const CString&, std::vector<IRWDataItem*>&) {
+    return 0;
+}
+
+BOOL CHostTransferService::DownloadAxisRecords(HWND, const CString&, const CString&,
+                                               const std::vector<IRWDataItem*>&) {
+    return 0;
+}
+
+void CHostTransferService::NotifyLevelToTransfer(const CString& moduleKey, int level) {
+    std::lock_guard lock(m_levelMutex);
+    for (auto& [key, l] : m_levels)
+        if (key == moduleKey) {
+            l = level;
+            return;
+        }
+    m_levels.emplace_back(moduleKey, level);
+}
+
+int CHostTransferService::NotifiedLevel(const CString& moduleKey) const {
+    std::lock_guard lock(m_levelMutex);
+    for (const auto& [key, l] : m_levels)
+        if (key == moduleKey)
+            return l;
+    return -1;
+}
+
+} // namespace zorhost
