@@ -1,0 +1,171 @@
+#include <zorhost/project/ProjectFile.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using namespace zorhost::project;
+
+namespace {
+
+std::string Path(const QTemporaryDir& dir, const char* name) {
+    return QDir(dir.path()).filePath(QString::fromUtf8(name)).toStdString();
+}
+
+void Write(const std::string& path, const std::string& text) {
+    QFile f(QString::fromStdString(path));
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write(text.data(), qint64(text.size()));
+}
+
+ProjectFile FullProject() {
+    ProjectFile p;
+    p.name = "二号线 line 2";
+    p.directory = "work/二号线";
+    p.listStyle = ListStyle::Staging;
+    p.modules.push_back({"ZD3S", "zd3s_servo.json", "主轴 spindle", 7, true});
+    p.modules.push_back({"ZV5", "/opt/devices/zv5_inverter.json", "", 0, false});
+    return p;
+}
+
+} // namespace
+
+TEST(ProjectFile, SavedProjectReadsBackEqualAndReplacesTheOldFile) {
+    QTemporaryDir dir;
+    const std::string path = Path(dir, "line.zdbproj");
+    Write(path, "old content that is not a project");
+
+    const ProjectFile saved = FullProject();
+    std::string error;
+    ASSERT_TRUE(SaveProjectFile(path, saved, &error)) << error;
+    ProjectFile loaded;
+    ProjectError loadError;
+    ASSERT_TRUE(LoadProjectFile(path, loaded, &loadError)) << loadError.ToString();
+    EXPECT_EQ(loaded, saved);
+
+    // No temporary file is left beside it.
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList{"line.zdbproj"});
+}
+
+TEST(ProjectFile, SaveIntoAMissingFolderFailsWithTheReason) {
+    QTemporaryDir dir;
+    std::string error;
+    EXPECT_FALSE(SaveProjectFile(Path(dir, "no/such/folder/p.json"), FullProject(), &error));
+    EXPECT_NE(error.find("p.json: cannot be written"), std::string::npos) << error;
+}
+
+TEST(ProjectFile, OptionalFieldsTakeTheirDefaults) {
+    ProjectFile p;
+    ProjectError e;
+    ASSERT_TRUE(ParseProjectJson(R"({"format": "zordrivebench-project", "version": 1,
+        "modules": [{"key": "A", "deviceFile": "a.json"}, {"key": "a", "deviceFile": "b.json"}]})",
+                                 "p.json", p, &e))
+        << e.ToString();
+    EXPECT_EQ(p.name, "");
+    EXPECT_EQ(p.directory, "");
+    EXPECT_EQ(p.listStyle, ListStyle::Live);
+    ASSERT_EQ(p.modules.size(), 2u); // keys differ by case only: two modules
+    EXPECT_EQ(p.modules[0].number, 0);
+    EXPECT_TRUE(p.modules[0].online);
+    EXPECT_EQ(p.modules[1].key, "a");
+}
+
+struct Broken {
+    const char* json;
+    const char* place;
+    const char* message; // a part of the message
+};
+
+class BrokenProjectFile : public ::testing::TestWithParam<Broken> {};
+
+TEST_P(BrokenProjectFile, IsRefusedWithItsPlaceAndLeavesTheProjectAlone) {
+    const Broken& b = GetParam();
+    ProjectFile p = FullProject();
+    ProjectError e;
+    EXPECT_FALSE(ParseProjectJson(b.json, "p.json", p, &e));
+    EXPECT_EQ(p, FullProject());
+    EXPECT_EQ(e.file, "p.json");
+    EXPECT_EQ(e.place, b.place) << e.ToString();
+    EXPECT_NE(e.message.find(b.message), std::string::npos) << e.ToString();
+}
+
+#define HEAD R"("format": "zordrivebench-project", "version": 1, )"
+#define ONE R"("modules": [{"key": "A", "deviceFile": "a.json"}])"
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, BrokenProjectFile,
+    ::testing::Values(
+        // Broken JSON: the place counts lines from 1 and columns in characters.
+        Broken{"{\n  \"name\": \"工程\",\n  \"format\" \"x\"\n}", "line 3, column 13 (offset 34)",
+               "missing name separator"},
+        Broken{"{\"name\": \"工程\"\n, \"a\": \"工程\" \"b\"}", "line 2, column 14 (offset 35)",
+               "unterminated object"},
+        Broken{"[1, 2]", "top level", "must be an object"},
+        Broken{R"({"version": 1, )" ONE "}", "top level", "missing \"format\""},
+        Broken{R"({"format": "zor-device", "version": 1, )" ONE "}", "format", "no project file"},
+        Broken{R"({"format": "zordrivebench-project", )" ONE "}", "top level",
+               "missing \"version\""},
+        Broken{R"({"format": "zordrivebench-project", "version": 2, )" ONE "}", "version",
+               "not supported"},
+        Broken{"{" HEAD R"("listStyle": "grid", )" ONE "}", "listStyle", "\"grid\""},
+        Broken{"{" HEAD R"("colour": 3, )" ONE "}", "colour", "unknown key"},
+        Broken{"{" HEAD R"("name": 5, )" ONE "}", "name", "must be a text, not a number"},
+        Broken{R"({"format": "zordrivebench-project", "version": 1})", "top level",
+               "missing \"modules\""},
+        Broken{"{" HEAD R"("modules": {}})", "modules", "must be an array"},
+        Broken{"{" HEAD R"("modules": []})", "modules", "at least one module"},
+        Broken{"{" HEAD R"("modules": [{"key": "A", "deviceFile": "a.json"}, 3]})", "modules[1]",
+               "must be an object"},
+        Broken{"{" HEAD R"("modules": [{"deviceFile": "a.json"}]})", "modules[0]",
+               "missing \"key\""},
+        Broken{"{" HEAD R"("modules": [{"key": "", "deviceFile": "a.json"}]})", "modules[0].key",
+               "must not be empty"},
+        Broken{"{" HEAD R"("modules": [{"key": "A"}]})", "modules[0]", "missing \"deviceFile\""},
+        Broken{"{" HEAD R"("modules": [{"key": "A", "deviceFile": "a", "onLine": true}]})",
+               "modules[0].onLine", "unknown key"},
+        Broken{"{" HEAD R"("modules": [{"key": "A", "deviceFile": "a", "online": "yes"}]})",
+               "modules[0].online", "true or false"},
+        Broken{"{" HEAD R"("modules": [{"key": "A", "deviceFile": "a", "number": 1.5}]})",
+               "modules[0].number", "whole number"},
+        Broken{"{" HEAD R"("modules": [{"key": "A", "deviceFile": "a", "number": -1}]})",
+               "modules[0].number", "whole number"},
+        Broken{"{" HEAD R"("modules": [{"key": "A", "deviceFile": "a"},
+                                       {"key": "B", "deviceFile": "b"},
+                                       {"key": "A", "deviceFile": "c"}]})",
+               "modules[2].key", "taken by modules[0]"},
+        // An explicit number may collide with the position another module takes by default.
+        Broken{"{" HEAD R"("modules": [{"key": "A", "deviceFile": "a"},
+                                       {"key": "B", "deviceFile": "b", "number": 1}]})",
+               "modules[1].number", "station number 1 is taken by modules[0]"},
+        Broken{"{" HEAD R"("modules": [{"key": "A", "deviceFile": "a", "number": 2},
+                                       {"key": "B", "deviceFile": "b"}]})",
+               "modules[1]", "station number 2 is taken by modules[0]"}));
+
+TEST(ProjectFile, MissingFileSaysSo) {
+    ProjectFile p;
+    ProjectError e;
+    EXPECT_FALSE(LoadProjectFile("/nonexistent/p.json", p, &e));
+    EXPECT_EQ(e.ToString().rfind("/nonexistent/p.json: cannot be read", 0), 0u) << e.ToString();
+}
+
+TEST(ProjectFile, DeviceFilesResolveBesideTheProjectThenAmongTheShippedOnes) {
+    QTemporaryDir project, shipped;
+    Write(Path(shipped, "servo.json"), "{}");
+    Write(Path(shipped, "both.json"), "{}");
+    Write(Path(project, "both.json"), "{}");
+    const std::string base = project.path().toStdString();
+    const std::string devices = shipped.path().toStdString();
+
+    EXPECT_EQ(ResolveDeviceFile(base, devices, "both.json"), Path(project, "both.json"));
+    EXPECT_EQ(ResolveDeviceFile(base, devices, "servo.json"), Path(shipped, "servo.json"));
+    // A path with a folder in it means that folder; it is never looked for elsewhere.
+    EXPECT_EQ(ResolveDeviceFile(base, devices, "sub/servo.json"), Path(project, "sub/servo.json"));
+    // Missing everywhere: the place beside the project, so that the error names it.
+    EXPECT_EQ(ResolveDeviceFile(base, devices, "none.json"), Path(project, "none.json"));
+    EXPECT_EQ(ResolveDeviceFile(base, devices, "/abs/../x.json"), "/x.json");
+    EXPECT_EQ(ResolvePath(base, ""), "");
+}
