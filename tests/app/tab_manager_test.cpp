@@ -1,0 +1,183 @@
+#include <zorhost/services/HostTabManager.h>
+
+#include <afx/afxqt.h>
+#include <afx/afxtest.h>
+#include <afx/afxwin.h>
+
+#include <QTabWidget>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <vector>
+
+using zorhost::CHostTabManager;
+
+namespace {
+
+// Stands for a plug-in's panel: a framework window built inside the tab's parent.
+class Panel : public CWnd {
+public:
+    explicit Panel(int* destroyed) : m_destroyed(destroyed) {}
+    std::function<void()> onDestroy;
+
+protected:
+    void OnDestroy() override {
+        ++*m_destroyed;
+        if (onDestroy)
+            onDestroy();
+        CWnd::OnDestroy();
+    }
+
+private:
+    int* m_destroyed;
+};
+
+class TabManager : public ::testing::Test {
+protected:
+    TabManager() {
+        widget.resize(800, 600);
+        widget.show();
+    }
+    // A tab with a panel in it, as ShowPanel makes one.
+    HWND Open(const char* caption, uintptr_t context, Panel& panel) {
+        HWND parent = nullptr;
+        RECT rect{};
+        EXPECT_TRUE(tabs.CreateTab(parent, rect, context, caption, ""));
+        EXPECT_NE(parent, nullptr);
+        EXPECT_TRUE(panel.Create(nullptr, "panel", WS_CHILD | WS_VISIBLE, rect,
+                                 CWnd::FromHandle(parent), 100));
+        return parent;
+    }
+    QString Caption(int i) const { return widget.tabText(i); }
+
+    QTabWidget widget;
+    CHostTabManager tabs{&widget};
+    int destroyed = 0;
+};
+
+} // namespace
+
+TEST_F(TabManager, TabsOpenAtTheFrontWithTheirCaptionAndTheTabAreaAsRectangle) {
+    Panel a(&destroyed), b(&destroyed);
+    HWND first = Open("驱动器 1 参数列表", 11, a);
+    QWidget* page = tabs.PageOf(first);
+    ASSERT_NE(page, nullptr);
+    EXPECT_EQ(AfxWidgetFromHandle(first), page);
+    EXPECT_EQ(Caption(0), QStringLiteral("驱动器 1 参数列表"));
+    CRect r;
+    a.GetClientRect(&r);
+    EXPECT_EQ(r.Width(), page->width());
+    EXPECT_EQ(r.Height(), page->height());
+    EXPECT_GT(r.Height(), 100);
+
+    HWND second = Open("Two", 22, b);
+    EXPECT_NE(second, first);
+    EXPECT_EQ(tabs.TabCount(), 2);
+    EXPECT_EQ(tabs.CurrentParent(), second);
+    EXPECT_EQ(tabs.ContextOf(first), 11u);
+    EXPECT_EQ(tabs.ContextOf(second), 22u);
+    EXPECT_EQ(tabs.ParentAt(0), first);
+}
+
+TEST_F(TabManager, ActivateAndRenameActOnTheirTabOnlyAndIgnoreUnknownParents) {
+    Panel a(&destroyed), b(&destroyed);
+    HWND first = Open("One", 1, a);
+    HWND second = Open("Two", 2, b);
+    std::vector<uintptr_t> activated;
+    tabs.SetActivationHandler([&](uintptr_t c) { activated.push_back(c); });
+
+    tabs.ActivateTab(first);
+    EXPECT_EQ(tabs.CurrentParent(), first);
+    tabs.RenameTab(second, "参数列表");
+    EXPECT_EQ(Caption(0), QStringLiteral("One"));
+    EXPECT_EQ(Caption(1), QStringLiteral("参数列表"));
+
+    HWND stranger = reinterpret_cast<HWND>(uintptr_t(0x1234));
+    tabs.ActivateTab(stranger);
+    tabs.RenameTab(stranger, "x");
+    tabs.CloseTab(stranger);
+    tabs.CloseTab(nullptr);
+    EXPECT_EQ(tabs.CurrentParent(), first);
+    EXPECT_EQ(tabs.TabCount(), 2);
+    widget.setCurrentIndex(1);
+    EXPECT_EQ(activated, (std::vector<uintptr_t>{1, 2}));
+}
+
+TEST_F(TabManager, ThePanelFollowsTheSizeOfItsTab) {
+    Panel a(&destroyed);
+    Open("One", 1, a);
+    widget.resize(1000, 700);
+    QWidget* page = tabs.PageOf(tabs.CurrentParent());
+    ASSERT_NE(page, nullptr);
+    ASSERT_TRUE(AfxPumpMessagesUntil([&] { return page->width() > 900; }, 2000));
+    CRect r;
+    a.GetClientRect(&r);
+    EXPECT_EQ(r.Width(), page->width());
+    EXPECT_EQ(r.Height(), page->height());
+}
+
+TEST_F(TabManager, ClosingDestroysThePanelOnceWhicheverWayTheTabCloses) {
+    Panel a(&destroyed), b(&destroyed), c(&destroyed);
+    HWND first = Open("One", 1, a);
+    HWND second = Open("Two", 2, b);
+    Open("Three", 3, c);
+
+    tabs.CloseTab(first);
+    EXPECT_EQ(destroyed, 1);
+    EXPECT_EQ(a.GetSafeHwnd(), nullptr);
+    EXPECT_EQ(AfxWidgetFromHandle(first), nullptr);
+    EXPECT_EQ(tabs.TabCount(), 2);
+    EXPECT_EQ(widget.count(), 2);
+    tabs.CloseTab(first); // twice is harmless
+    EXPECT_EQ(destroyed, 1);
+
+    // The user's close button.
+    emit widget.tabCloseRequested(widget.indexOf(tabs.PageOf(second)));
+    EXPECT_EQ(destroyed, 2);
+    EXPECT_EQ(b.GetSafeHwnd(), nullptr);
+    EXPECT_EQ(widget.count(), 1);
+    EXPECT_EQ(Caption(0), QStringLiteral("Three"));
+}
+
+TEST_F(TabManager, APanelThatClosesItsOwnTabWhileDyingIsDestroyedOnce) {
+    Panel a(&destroyed), b(&destroyed);
+    HWND first = Open("One", 1, a);
+    Open("Two", 2, b);
+    a.onDestroy = [&] { tabs.CloseTab(first); };
+    tabs.CloseTab(first);
+    EXPECT_EQ(destroyed, 1);
+    EXPECT_EQ(tabs.TabCount(), 1);
+    EXPECT_EQ(widget.count(), 1);
+}
+
+TEST(TabManagerLifetime, TheManagerClosesItsTabsAndLeavesOthersAlone) {
+    QTabWidget widget;
+    auto* own = new QWidget;
+    widget.addTab(own, QStringLiteral("host page"));
+    int destroyed = 0;
+    Panel a(&destroyed);
+    {
+        CHostTabManager tabs(&widget);
+        HWND parent = nullptr;
+        RECT rect{};
+        ASSERT_TRUE(tabs.CreateTab(parent, rect, 5, "One", ""));
+        ASSERT_TRUE(
+            a.Create(nullptr, "panel", WS_CHILD | WS_VISIBLE, rect, CWnd::FromHandle(parent), 100));
+        EXPECT_EQ(tabs.ParentAt(0), nullptr); // the host's own page
+        EXPECT_EQ(tabs.ParentAt(7), nullptr);
+        emit widget.tabCloseRequested(0); // not the manager's to close
+        EXPECT_EQ(widget.count(), 2);
+    }
+    EXPECT_EQ(destroyed, 1);
+    EXPECT_EQ(widget.count(), 1);
+    EXPECT_EQ(widget.widget(0), own);
+}
+
+TEST(TabManagerLifetime, WithoutATabWidgetNoTabIsMade) {
+    CHostTabManager tabs(nullptr);
+    HWND parent = reinterpret_cast<HWND>(uintptr_t(1));
+    RECT rect{};
+    EXPECT_FALSE(tabs.CreateTab(parent, rect, 0, "x", ""));
+    EXPECT_EQ(parent, nullptr);
+}
