@@ -1,0 +1,197 @@
+// Every Chinese text written into the module's sources must have English, so that a text
+// added later without a translation fails here rather than on a user's screen.
+#include "text_checks.h"
+#include "zorhost/services/HostUiService.h"
+
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct Literal {
+    std::string text; // after escapes, adjacent literals joined
+    int line;
+};
+
+// Reads the escapes of a literal body. \x and octal escapes are kept as written: nothing
+// the module shows is spelt that way, and a wrong guess would only hide a text.
+std::string Unescape(const std::string& body) {
+    std::string out;
+    for (size_t i = 0; i < body.size(); ++i) {
+        if (body[i] != '\\' || i + 1 == body.size()) {
+            out += body[i];
+            continue;
+        }
+        const char c = body[++i];
+        switch (c) {
+        case 'n':
+            out += '\n';
+            break;
+        case 't':
+            out += '\t';
+            break;
+        case 'r':
+            out += '\r';
+            break;
+        case '\\':
+        case '"':
+        case '\'':
+        case '?':
+            out += c;
+            break;
+        default:
+            out += '\\';
+            out += c;
+        }
+    }
+    return out;
+}
+
+bool IsIdentChar(char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) || c == '_';
+}
+
+// The string literals of a C++ source, comments and character literals skipped; literals
+// that stand next to each other (only blanks between) are joined as the compiler does.
+std::vector<Literal> StringLiterals(const std::string& src) {
+    std::vector<Literal> result;
+    int line = 1;
+    size_t lastEnd = std::string::npos; // where the previous literal ended
+    auto onlyBlanksSince = [&](size_t from, size_t to) {
+        for (size_t k = from; k < to; ++k)
+            if (!std::isspace(static_cast<unsigned char>(src[k])))
+                return false;
+        return true;
+    };
+    for (size_t i = 0; i < src.size();) {
+        const char c = src[i];
+        if (c == '\n') {
+            ++line;
+            ++i;
+        } else if (src.compare(i, 2, "//") == 0) {
+            while (i < src.size() && src[i] != '\n')
+                ++i;
+        } else if (src.compare(i, 2, "/*") == 0) {
+            const size_t end = src.find("*/", i + 2);
+            const size_t stop = end == std::string::npos ? src.size() : end + 2;
+            for (; i < stop; ++i)
+                line += src[i] == '\n';
+        } else if (c == '\'' &&
+                   !(i > 0 && std::isxdigit(static_cast<unsigned char>(src[i - 1])) &&
+                     i + 1 < src.size() && std::isxdigit(static_cast<unsigned char>(src[i + 1])))) {
+            // A character literal (a digit separator such as 1'000 is not one).
+            for (++i; i < src.size() && src[i] != '\''; ++i)
+                if (src[i] == '\\')
+                    ++i;
+            ++i;
+        } else if (c == '"') {
+            const int startLine = line;
+            std::string text;
+            // R"d(...)d", also behind an encoding prefix (u8R, LR ...).
+            const bool raw = i > 0 && src[i - 1] == 'R' &&
+                             (i < 2 || !IsIdentChar(src[i - 2]) || std::strchr("8uUL", src[i - 2]));
+            const size_t start = i;
+            if (raw) {
+                const size_t open = src.find('(', i);
+                const std::string close = ")" + src.substr(i + 1, open - i - 1) + "\"";
+                const size_t end = src.find(close, open);
+                const size_t stop = end == std::string::npos ? src.size() : end;
+                text = src.substr(open + 1, stop - open - 1);
+                i = stop + close.size();
+            } else {
+                std::string body;
+                for (++i; i < src.size() && src[i] != '"' && src[i] != '\n'; ++i) {
+                    if (src[i] == '\\' && i + 1 < src.size())
+                        body += src[i++];
+                    body += src[i];
+                }
+                ++i;
+                text = Unescape(body);
+            }
+            for (size_t k = start; k < i && k < src.size(); ++k)
+                line += src[k] == '\n';
+            const size_t literalStart = raw ? start - 1 : start;
+            if (!result.empty() && lastEnd != std::string::npos &&
+                onlyBlanksSince(lastEnd, literalStart))
+                result.back().text += text;
+            else
+                result.push_back({text, startLine});
+            lastEnd = i;
+        } else {
+            ++i;
+        }
+    }
+    return result;
+}
+
+// Known as a whole, or (a button's caption with a second line) every Chinese line known.
+bool HasEnglish(const zorhost::CHostUiService& ui, const std::string& text) {
+    CString english;
+    if (ui.FindEnglish(text.c_str(), english))
+        return true;
+    if (text.find('\n') == std::string::npos)
+        return false;
+    std::istringstream lines(text);
+    std::string part;
+    while (std::getline(lines, part))
+        if (HasChineseText(part) && !ui.FindEnglish(part.c_str(), english))
+            return false;
+    return true;
+}
+
+TEST(SourceLiteralScanner, FindsJoinsAndSkipsWhatTheCompilerDoes) {
+    const std::string src = "// \"注释\" is no text\n"
+                            "const char* a = \"第一\" \"段\";\n"
+                            "/* \"也不是\"\n */ char c = '\"'; int n = 1'000;\n"
+                            "f(\"带\\\"引号\\\"\\n换行\");\n"
+                            "g(R\"x(原\"样)x\", \"乙\");\n";
+    const std::vector<Literal> found = StringLiterals(src);
+    ASSERT_EQ(found.size(), 4u);
+    EXPECT_EQ(found[0].text, "第一段");
+    EXPECT_EQ(found[0].line, 2);
+    EXPECT_EQ(found[1].text, "带\"引号\"\n换行");
+    EXPECT_EQ(found[1].line, 5);
+    EXPECT_EQ(found[2].text, "原\"样");
+    EXPECT_EQ(found[3].text, "乙");
+    EXPECT_EQ(found[3].line, 6);
+}
+
+TEST(SourceTexts, EveryChineseLiteralUnderSrcHasEnglish) {
+    namespace fs = std::filesystem;
+    const fs::path root = fs::path(PARMIRA_SOURCE_DIR) / "src";
+    ASSERT_TRUE(fs::is_directory(root));
+    zorhost::CHostUiService ui;
+    std::string missing;
+    int files = 0;
+    int chineseTexts = 0;
+    for (const auto& entry : fs::recursive_directory_iterator(root)) {
+        const std::string ext = entry.path().extension().string();
+        if (!entry.is_regular_file() || (ext != ".cpp" && ext != ".h"))
+            continue;
+        ++files;
+        std::ifstream in(entry.path(), std::ios::binary);
+        std::stringstream content;
+        content << in.rdbuf();
+        for (const Literal& literal : StringLiterals(content.str())) {
+            if (!HasChineseText(literal.text))
+                continue;
+            ++chineseTexts;
+            if (!HasEnglish(ui, literal.text))
+                missing += "\n  " + fs::relative(entry.path(), root).string() + ":" +
+                           std::to_string(literal.line) + " \"" + literal.text + "\"";
+        }
+    }
+    EXPECT_GT(files, 0);
+    EXPECT_GT(chineseTexts, 0); // the scan must see the module's texts at all
+    EXPECT_TRUE(missing.empty()) << "texts without English (add them to host/translations/en.tsv):"
+                                 << missing;
+}
+
+} // namespace

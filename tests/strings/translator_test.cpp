@@ -1,0 +1,258 @@
+// Translation of texts, menus and windows, in both languages and back again.
+#include "zorhost/services/HostUiService.h"
+
+#include <afx/afxqt.h>
+#include <afx/afxwin.h>
+
+#include <QFont>
+#include <QWidget>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using zorhost::CHostUiService;
+using zorhost::UiLanguage;
+
+namespace {
+
+CString Translated(CHostUiService& ui, const char* text) {
+    CString out = "left over";
+    ui.TranslateText(out, text);
+    return out;
+}
+
+TEST(TranslateText, ChineseAsWrittenEnglishWhenKnownElseUnchanged) {
+    CHostUiService ui;
+    EXPECT_EQ(ui.GetLanguage(), UiLanguage::Chinese);
+    EXPECT_EQ(Translated(ui, "上传并保存"), "上传并保存");
+    ui.SetLanguage(UiLanguage::English);
+    EXPECT_EQ(Translated(ui, "上传并保存"), "Upload and save");
+    EXPECT_EQ(Translated(ui, "模块'%s'不在线,是否继续执行保存操作？"),
+              "Module '%s' is offline. Save anyway?");
+    EXPECT_EQ(Translated(ui, "没有译文的字"), "没有译文的字");
+    EXPECT_EQ(Translated(ui, ""), "");
+    // A caption with a second line: known as a whole, or line by line when composed.
+    EXPECT_EQ(Translated(ui, "写入全部\n(除H00和H01組)"), "Write all\n(except H00 and H01)");
+    EXPECT_EQ(Translated(ui, "比较\r\n没有译文"), "Compare\r\n没有译文");
+    // Near misses are not translations.
+    EXPECT_EQ(Translated(ui, "上传并保存 "), "上传并保存 ");
+}
+
+TEST(TranslateText, AddedTranslationsWorkBothWays) {
+    CHostUiService ui;
+    ui.AddTranslation("电机额定转速", "Rated motor speed");
+    ui.SetLanguage(UiLanguage::English);
+    EXPECT_EQ(Translated(ui, "电机额定转速"), "Rated motor speed");
+    EXPECT_EQ(ui.SourceOf("Rated motor speed"), "电机额定转速");
+    // A new English replaces the old one, which no longer leads back.
+    ui.AddTranslation("电机额定转速", "Motor rated speed");
+    EXPECT_EQ(Translated(ui, "电机额定转速"), "Motor rated speed");
+    EXPECT_EQ(ui.SourceOf("Rated motor speed"), "Rated motor speed");
+    EXPECT_EQ(ui.SourceOf("Motor rated speed"), "电机额定转速");
+    // A second text with the same English doesn't take over the way back.
+    ui.AddTranslation("额定转速", "Motor rated speed");
+    EXPECT_EQ(ui.SourceOf("Motor rated speed"), "电机额定转速");
+    ui.AddTranslation("", "nothing");
+    ui.AddTranslation("空", "");
+    EXPECT_EQ(Translated(ui, "空"), "空");
+}
+
+TEST(TranslateMenu, EntriesAndPopupsChangeIdsAndStatesStay) {
+    CHostUiService ui;
+    CMenu menu;
+    menu.CreatePopupMenu();
+    menu.AppendMenu(MF_STRING | MF_CHECKED, 2107, "导出");
+    menu.AppendMenu(MF_SEPARATOR);
+    CMenu sub;
+    sub.CreatePopupMenu();
+    sub.AppendMenu(MF_STRING | MF_GRAYED, 32845, "新建子组");
+    sub.AppendMenu(MF_STRING, 4001, "H01 没有译文");
+    menu.AppendMenu(MF_POPUP, reinterpret_cast<UINT_PTR>(sub.Detach()), "添加到自定义参数组");
+
+    auto text = [](CMenu* m, int pos) {
+        CString t;
+        m->GetMenuString(UINT(pos), t, MF_BYPOSITION);
+        return t;
+    };
+    ui.SetLanguage(UiLanguage::English);
+    for (int round = 0; round < 2; ++round) { // twice: translating again changes nothing
+        ui.TranslateMenu(menu.GetSafeHmenu());
+        EXPECT_EQ(text(&menu, 0), "Export");
+        EXPECT_EQ(menu.GetMenuItemID(0), 2107u);
+        EXPECT_TRUE(menu.GetMenuState(0, MF_BYPOSITION) & MF_CHECKED);
+        EXPECT_EQ(menu.GetMenuItemID(1), 0u); // still a separator
+        EXPECT_EQ(text(&menu, 2), "Add to custom group");
+        CMenu* popup = menu.GetSubMenu(2);
+        ASSERT_NE(popup, nullptr);
+        EXPECT_EQ(text(popup, 0), "New subgroup");
+        EXPECT_EQ(popup->GetMenuItemID(0), 32845u);
+        EXPECT_TRUE(popup->GetMenuState(0, MF_BYPOSITION) & MF_GRAYED);
+        EXPECT_EQ(text(popup, 1), "H01 没有译文");
+    }
+    ui.SetLanguage(UiLanguage::Chinese);
+    ui.TranslateMenu(menu.GetSafeHmenu());
+    EXPECT_EQ(text(&menu, 0), "导出");
+    EXPECT_EQ(text(menu.GetSubMenu(2), 0), "新建子组");
+    ui.TranslateMenu(nullptr);
+}
+
+enum : UINT {
+    IDD_TRANSLATED = 9700,
+    IDC_NAME_LABEL = 9701,
+    IDC_HIDE_READONLY = 9702,
+    IDC_CONDITION_BOX = 9703,
+    IDC_VALUE_EDIT = 9704,
+    IDC_LEVEL_BOX = 9705,
+    IDC_UNKNOWN_LABEL = 9706,
+    IDC_TWO_LINES = 9707,
+    IDC_LATE_BUTTON = 9708,
+};
+
+class WindowTranslationTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        resources = AfxCreateResourceHandle("translated-dialog");
+        AfxRegisterDialog(
+            resources,
+            {IDD_TRANSLATED,
+             "参数比较",
+             420,
+             300,
+             {{IDC_NAME_LABEL, DlgCtl::Static, "参数名称", 10, 10, 120, 20},
+              {IDC_HIDE_READONLY, DlgCtl::Check, "隐藏只读参数", 10, 40, 160, 20},
+              {IDC_CONDITION_BOX, DlgCtl::GroupBox, "比较条件", 10, 70, 200, 80},
+              {IDC_VALUE_EDIT, DlgCtl::Edit, "当前值", 220, 10, 120, 22},
+              {IDC_LEVEL_BOX, DlgCtl::ComboDropList, "", 220, 40, 120, 24},
+              {IDC_UNKNOWN_LABEL, DlgCtl::Static, "没有译文", 220, 70, 120, 20},
+              {IDC_TWO_LINES, DlgCtl::Button, "上传并保存\n(所有勾选项)", 10, 160, 160, 44},
+              {IDOK, DlgCtl::Button, "确定", 240, 250, 80, 26, BS_DEFPUSHBUTTON}}});
+        ASSERT_TRUE(dialog.Create(IDD_TRANSLATED));
+        auto* level = static_cast<CComboBox*>(dialog.GetDlgItem(IDC_LEVEL_BOX));
+        ASSERT_NE(level, nullptr);
+        level->AddString("厂家参数");
+        level->SetCurSel(0);
+    }
+    void TearDown() override {
+        dialog.DestroyWindow();
+        AfxFreeResourceHandle(resources);
+    }
+
+    CString Text(UINT id) { return dialog.GetDlgItem(int(id))->GetWindowTextString(); }
+
+    void ExpectChinese() {
+        EXPECT_EQ(dialog.GetWindowTextString(), "参数比较");
+        EXPECT_EQ(Text(IDC_NAME_LABEL), "参数名称");
+        EXPECT_EQ(Text(IDC_HIDE_READONLY), "隐藏只读参数");
+        EXPECT_EQ(Text(IDC_CONDITION_BOX), "比较条件");
+        EXPECT_EQ(Text(IDC_TWO_LINES), "上传并保存\n(所有勾选项)");
+        EXPECT_EQ(Text(IDOK), "确定");
+        ExpectDataUntouched();
+    }
+    void ExpectEnglish() {
+        EXPECT_EQ(dialog.GetWindowTextString(), "Parameter compare");
+        EXPECT_EQ(Text(IDC_NAME_LABEL), "Parameter name");
+        EXPECT_EQ(Text(IDC_HIDE_READONLY), "Hide read-only parameters");
+        EXPECT_EQ(Text(IDC_CONDITION_BOX), "Compare by");
+        EXPECT_EQ(Text(IDC_TWO_LINES), "Upload and save\n(all checked)");
+        EXPECT_EQ(Text(IDOK), "OK");
+        ExpectDataUntouched();
+    }
+    // Edits and lists hold values, not captions, whatever they read like.
+    void ExpectDataUntouched() {
+        EXPECT_EQ(Text(IDC_VALUE_EDIT), "当前值");
+        EXPECT_EQ(Text(IDC_LEVEL_BOX), "厂家参数");
+        EXPECT_EQ(Text(IDC_UNKNOWN_LABEL), "没有译文");
+    }
+
+    HINSTANCE resources = nullptr;
+    CDialog dialog;
+    CHostUiService ui;
+};
+
+TEST_F(WindowTranslationTest, TranslatorSwitchesBackAndForthWithoutLoss) {
+    std::unique_ptr<IHostWindowTranslator> translator(ui.CreateWindowTranslator());
+    ASSERT_NE(translator, nullptr);
+    translator->Attach(dialog.GetSafeHwnd());
+    ExpectChinese(); // attaching only remembers
+    for (int round = 0; round < 2; ++round) {
+        ui.SetLanguage(UiLanguage::English);
+        translator->Retranslate(0);
+        ExpectEnglish();
+        translator->Retranslate(0);
+        ExpectEnglish();
+        ui.SetLanguage(UiLanguage::Chinese);
+        translator->Retranslate(0);
+        ExpectChinese();
+    }
+}
+
+TEST_F(WindowTranslationTest, TextsSetByCodeAndLateChildrenFollowTheLanguage) {
+    std::unique_ptr<IHostWindowTranslator> translator(ui.CreateWindowTranslator());
+    translator->Attach(dialog.GetSafeHwnd());
+    ui.SetLanguage(UiLanguage::English);
+    translator->Retranslate(0);
+
+    // Code writes a Chinese text while English is on: it is the text as written now.
+    dialog.SetDlgItemText(IDC_NAME_LABEL, "描述");
+    // Code writes a text it got already translated (GetString in English).
+    dialog.SetDlgItemText(IDC_CONDITION_BOX, "Current value");
+    // A control made after Attach.
+    CButton late;
+    ASSERT_TRUE(late.Create("取消", WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON,
+                            CRect(330, 250, 410, 276), &dialog, IDC_LATE_BUTTON));
+    translator->Retranslate(0);
+    EXPECT_EQ(Text(IDC_NAME_LABEL), "Description");
+    EXPECT_EQ(Text(IDC_CONDITION_BOX), "Current value");
+    EXPECT_EQ(Text(IDC_LATE_BUTTON), "Cancel");
+
+    ui.SetLanguage(UiLanguage::Chinese);
+    translator->Retranslate(0);
+    EXPECT_EQ(Text(IDC_NAME_LABEL), "描述");
+    EXPECT_EQ(Text(IDC_CONDITION_BOX), "当前值");
+    EXPECT_EQ(Text(IDC_LATE_BUTTON), "取消");
+    EXPECT_EQ(dialog.GetWindowTextString(), "参数比较");
+}
+
+TEST_F(WindowTranslationTest, ServiceRetranslatesAWindowWithoutATranslator) {
+    ui.SetLanguage(UiLanguage::English);
+    ui.RetranslateWindow(dialog.GetSafeHwnd());
+    ExpectEnglish();
+    // A second translator over the same window agrees with what the first walk kept.
+    std::unique_ptr<IHostWindowTranslator> translator(ui.CreateWindowTranslator());
+    translator->Attach(dialog.GetSafeHwnd());
+    ui.SetLanguage(UiLanguage::Chinese);
+    translator->Retranslate(0);
+    ExpectChinese();
+    ui.RetranslateWindow(nullptr);
+}
+
+TEST_F(WindowTranslationTest, TranslatorOutlivingItsWindowDoesNothing) {
+    std::unique_ptr<IHostWindowTranslator> translator(ui.CreateWindowTranslator());
+    translator->Retranslate(0); // not attached yet
+    translator->Attach(dialog.GetSafeHwnd());
+    dialog.DestroyWindow();
+    ui.SetLanguage(UiLanguage::English);
+    translator->Retranslate(0);
+    SUCCEED();
+}
+
+TEST_F(WindowTranslationTest, SkinScalesFontsOnceFromTheirFirstSize) {
+    QWidget* label = AfxWidgetFromHandle(dialog.GetDlgItem(IDC_NAME_LABEL)->GetSafeHwnd());
+    ASSERT_NE(label, nullptr);
+    const double base = label->font().pointSizeF();
+    ASSERT_GT(base, 0.0);
+    ui.ApplySkin(dialog.GetSafeHwnd(), 0, 0);
+    EXPECT_DOUBLE_EQ(label->font().pointSizeF(), base); // scale 1: nothing changes
+    ui.SetUiScale(1.5);
+    ui.ApplySkin(dialog.GetSafeHwnd(), 0, 0);
+    ui.ApplySkin(dialog.GetSafeHwnd(), 0, 0);
+    EXPECT_DOUBLE_EQ(label->font().pointSizeF(), base * 1.5);
+    ui.SetUiScale(1.0);
+    ui.ApplySkin(dialog.GetSafeHwnd(), 0, 0);
+    EXPECT_DOUBLE_EQ(label->font().pointSizeF(), base);
+    ui.SetUiScale(0.0); // refused
+    EXPECT_DOUBLE_EQ(ui.GetUiScale(), 1.0);
+}
+
+} // namespace
