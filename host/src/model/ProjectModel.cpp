@@ -1,5 +1,7 @@
 #include "zorhost/model/ProjectModel.h"
 
+#include "zorhost/device/DeviceLoader.h"
+
 namespace zorhost::model {
 
 int ProductKindCode(device::ProductKind kind) {
@@ -18,7 +20,8 @@ CDeviceModule::CDeviceModule(std::shared_ptr<const DeviceDescription> device, CS
                              int number)
     : m_key(std::move(key)), m_displayName(CString(device->Text(device->product.name))),
       m_subName(CString(device->Text(device->product.nameEn))), m_number(number),
-      m_productInfo(ProductKindCode(device->product.kind)), m_store(device, this) {}
+      m_productInfo(ProductKindCode(device->product.kind)), m_store(device, this),
+      m_perUnit(device) {}
 
 int CDeviceModule::GetAxisCopyCount() {
     return m_store.Device().product.axisCopyCount;
@@ -60,6 +63,30 @@ IHostDeviceModule* CModuleList::GetModuleAt(int index) {
 BOOL CWorkspace::GetProjectDir(CString& dir) {
     dir = m_dir;
     return !m_dir.IsEmpty();
+}
+
+IVarDatabase* CWorkspace::GetDatabase(const BYTE* label, UINT size, const CString& version) {
+    if (!label || size == 0)
+        return nullptr;
+    for (auto& db : m_databases) {
+        CVarStore& store = db->Store();
+        CString v;
+        store.GetVersionText(v);
+        if (v == version &&
+            device::IsSameDeviceType(label, size, store.GetElecLabel(), store.GetElecLabelSize()))
+            return db.get();
+    }
+    for (int i = 0; i < m_modules.GetModuleCount(); ++i) {
+        CVarStore& store = static_cast<CDeviceModule*>(m_modules.GetModuleAt(i))->Store();
+        CString v;
+        store.GetVersionText(v);
+        if (v == version &&
+            device::IsSameDeviceType(label, size, store.GetElecLabel(), store.GetElecLabelSize())) {
+            m_databases.push_back(std::make_unique<CVarDatabase>(store));
+            return m_databases.back().get();
+        }
+    }
+    return nullptr;
 }
 
 } // namespace zorhost::model

@@ -1,15 +1,15 @@
 #include "zorhost/model/VarStore.h"
 
-#include <cmath>
+#include "zorhost/services/HostVarUtil.h"
+
+#include <array>
+#include <cstring>
+#include <mutex>
 #include <string>
 
 namespace zorhost::model {
 
 namespace {
-
-CString Txt(const DeviceDescription* d, device::TextRef ref) {
-    return CString(d->Text(ref));
-}
 
 // One stateless converter serves every variable.
 CHostVarUtil& Util() {
@@ -17,124 +17,76 @@ CHostVarUtil& Util() {
     return util;
 }
 
-Variant FigureAs(int dataType, double figure) {
-    if (dataType == VT_BSTR || dataType == VT_EMPTY)
-        return Variant::OfType(VARTYPE(dataType));
-    Variant v = Variant::OfType(VARTYPE(dataType));
-    Util().DoubleToVariant(figure, v);
-    return v;
+// Values may be read by workers while the user-interface thread writes them. A small
+// pool of locks picked by address keeps a mutex out of every variable.
+std::mutex& LockOf(const void* var) {
+    static std::array<std::mutex, 64> locks;
+    return locks[(reinterpret_cast<std::uintptr_t>(var) >> 4) % locks.size()];
 }
 
 } // namespace
 
-// ---- CVarAttr
+// ---- PackedValue
 
-CVarAttr::CVarAttr(const DeviceDescription* device, std::uint32_t parameter)
-    : m_device(device), m_parameter(parameter),
-      m_accessLevel(device->parameters[parameter].accessLevel) {}
-
-void CVarAttr::GetCode(CString& code) {
-    code = Txt(m_device, Def().code);
-}
-void CVarAttr::GetName(CString& name) {
-    name = Txt(m_device, Def().name);
-}
-void CVarAttr::GetUnit(CString& unit) {
-    unit = Txt(m_device, Def().unit);
-}
-UINT CVarAttr::GetAddress() {
-    return Def().address;
-}
-int CVarAttr::GetDataType() {
-    return int(Def().dataType);
-}
-int CVarAttr::GetDecimals() {
-    return Def().decimals;
+void PackedValue::Free() {
+    if (m_vt == VT_BSTR)
+        delete m_text;
+    m_vt = VT_EMPTY;
+    m_bits = 0;
 }
 
-int CVarAttr::GetValueLength() {
-    // Registers are 16 bits wide: anything smaller still takes one.
-    int bits = device::DataTypeBits(Def().dataType);
-    return bits > 16 ? bits / 8 : 2;
+void PackedValue::Assign(const Variant& v) {
+    if (v.vt == VT_BSTR) {
+        m_text = new std::string(v.bstrVal.str());
+    } else {
+        // Every numeric member lives in the same eight bytes.
+        std::memcpy(&m_bits, &v.dblVal, sizeof m_bits);
+    }
+    m_vt = v.vt;
 }
 
-Variant CVarAttr::GetFactoryValue() {
-    return FigureAs(GetDataType(), Def().factoryValue);
-}
-
-Variant CVarAttr::Limit(double figure, std::uint32_t link) const {
-    if (link != device::kNoIndex)
-        return Variant::Str(CString(m_device->Code(m_device->parameters[link])));
-    return FigureAs(int(Def().dataType), figure);
-}
-
-Variant CVarAttr::GetMinValue() {
-    return Limit(Def().minValue, Def().minLink);
-}
-Variant CVarAttr::GetMaxValue() {
-    return Limit(Def().maxValue, Def().maxLink);
-}
-BOOL CVarAttr::IsMinLinked() {
-    return Def().IsMinLinked();
-}
-BOOL CVarAttr::IsMaxLinked() {
-    return Def().IsMaxLinked();
-}
-int CVarAttr::GetModifyMode() {
-    return int(Def().modifyMode);
-}
-int CVarAttr::GetEffectMode() {
-    return int(Def().effectMode);
-}
-int CVarAttr::GetDisplayFormat() {
-    return int(Def().displayFormat);
-}
-IValueInfo* CVarAttr::GetValueInfo() {
-    return nullptr;
-} // not built yet
-int CVarAttr::GetPerUnitBaseId() {
-    return Def().perUnitBaseId;
-}
-int CVarAttr::GetAccessLevel() {
-    return m_accessLevel;
-}
-void CVarAttr::SetAccessLevel(int level) {
-    m_accessLevel = level;
-}
-BOOL CVarAttr::IsHiddenForUser() {
-    return Def().IsHiddenForUser();
-}
-BOOL CVarAttr::IsTransferable() {
-    return Def().IsTransferable();
-}
-BOOL CVarAttr::IsFixed() {
-    return Def().IsFixed();
-}
-BOOL CVarAttr::IsChangeTracked() {
-    return Def().IsChangeTracked();
-}
-
-void CVarAttr::GetGroupText(CString& text) {
-    int axis = Def().axis;
-    if (axis >= 0 && size_t(axis) < m_device->axes.size())
-        text = Txt(m_device, m_device->axes[size_t(axis)].name);
+void PackedValue::Assign(const PackedValue& o) {
+    if (o.m_vt == VT_BSTR)
+        m_text = new std::string(*o.m_text);
     else
-        text.Empty();
+        m_bits = o.m_bits;
+    m_vt = o.m_vt;
 }
 
-void CVarAttr::GetInfoText(CString& text) {
-    text = Txt(m_device, Def().info);
+PackedValue& PackedValue::operator=(const PackedValue& o) {
+    if (this != &o) {
+        Free();
+        Assign(o);
+    }
+    return *this;
 }
-IVarCatalog* CVarAttr::GetOwnerCatalog() {
-    return nullptr;
-} // not built yet
-IVarAttr* CVarAttr::Clone() {
-    return new CVarAttr(*this);
+
+PackedValue& PackedValue::operator=(const Variant& v) {
+    Free();
+    Assign(v);
+    return *this;
+}
+
+Variant PackedValue::Get() const {
+    Variant v;
+    v.vt = m_vt;
+    if (m_vt == VT_BSTR)
+        v.bstrVal = CString(*m_text);
+    else
+        std::memcpy(&v.dblVal, &m_bits, sizeof m_bits);
+    return v;
 }
 
 // ---- CVarObj
 
-CVarObj::CVarObj(IVarAttr* attr, IHostDeviceModule* owner) : m_attr(attr), m_owner(owner) {}
+CVarObj::CVarObj(const CVarObj& o)
+    : IVarObjEx(o), m_attr(o.m_attr), m_owner(o.m_owner), m_key(o.m_key),
+      m_perUnitMode(o.m_perUnitMode), m_checked(o.m_checked), m_keyIsPrefix(o.m_keyIsPrefix) {
+    std::lock_guard<std::mutex> hold(LockOf(&o));
+    m_value = o.m_value;
+    m_setValue = o.m_setValue;
+    m_lastRead = o.m_lastRead;
+}
 
 UINT CVarObj::GetInstanceAddress() {
     return m_attr ? m_attr->GetAddress() : 0;
@@ -148,10 +100,56 @@ void CVarObj::GetInstanceCode(CString& code) {
 }
 
 void CVarObj::GetInstanceGuid(CString& key) {
-    if (!m_key.IsEmpty())
-        key = m_key;
-    else
+    if (!m_key) {
         GetInstanceCode(key);
+    } else if (m_keyIsPrefix) {
+        CString code;
+        GetInstanceCode(code);
+        key = CString(*m_key + code.str());
+    } else {
+        key = CString(*m_key);
+    }
+}
+
+void CVarObj::SetInstanceKey(const CString& key) {
+    m_key = key.IsEmpty() ? nullptr : std::make_shared<const std::string>(key.str());
+    m_keyIsPrefix = false;
+}
+
+void CVarObj::SetKeyPrefix(std::shared_ptr<const std::string> prefix) {
+    m_key = std::move(prefix);
+    m_keyIsPrefix = m_key != nullptr;
+}
+
+Variant CVarObj::GetValue() {
+    std::lock_guard<std::mutex> hold(LockOf(this));
+    return m_value.Get();
+}
+
+void CVarObj::SetValue(const Variant& value) {
+    std::lock_guard<std::mutex> hold(LockOf(this));
+    m_value = value;
+}
+
+Variant CVarObj::GetSetValue() {
+    std::lock_guard<std::mutex> hold(LockOf(this));
+    return m_setValue.Get();
+}
+
+void CVarObj::SetSetValue(const Variant& value) {
+    std::lock_guard<std::mutex> hold(LockOf(this));
+    m_setValue = value;
+}
+
+Variant CVarObj::GetLastReadValue() {
+    std::lock_guard<std::mutex> hold(LockOf(this));
+    return m_lastRead.Get();
+}
+
+void CVarObj::StoreRead(const Variant& value) {
+    std::lock_guard<std::mutex> hold(LockOf(this));
+    m_value = value;
+    m_lastRead = value;
 }
 
 void CVarObj::FormatOwn(CString& text, const Variant& value) {
@@ -168,76 +166,66 @@ void CVarObj::FormatOwn(CString& text, const Variant& value) {
 }
 
 void CVarObj::GetValueText(CString& text) {
-    FormatOwn(text, m_value);
+    FormatOwn(text, GetValue());
 }
 void CVarObj::GetSetValueText(CString& text) {
-    FormatOwn(text, m_setValue);
+    FormatOwn(text, GetSetValue());
 }
 
 // ---- CVarStore
 
 CVarStore::CVarStore(std::shared_ptr<const DeviceDescription> device, IHostDeviceModule* owner)
-    : m_device(std::move(device)), m_owner(owner) {
-    const DeviceDescription* d = m_device.get();
-    m_attrs.reserve(d->parameters.size());
-    m_vars.reserve(d->parameters.size());
-    for (std::uint32_t i = 0; i < d->parameters.size(); ++i) {
-        m_attrs.push_back(std::make_unique<CVarAttr>(d, i));
-        auto var = std::make_unique<CVarObj>(m_attrs.back().get(), owner);
-        int axis = d->parameters[i].axis;
-        if (axis >= 0 && size_t(axis) < d->axes.size())
-            var->SetInstanceKey(CString(std::string(d->Text(d->axes[size_t(axis)].key)) + "." +
-                                        std::string(d->Code(d->parameters[i]))));
-        var->SetValue(m_attrs.back()->GetFactoryValue());
-        m_vars.push_back(std::move(var));
+    : m_device(std::move(device)), m_catalog(CVarCatalog::Of(m_device)), m_owner(owner),
+      m_fixed(*m_device, m_device->groupSet), m_axes(*m_device) {
+    const DeviceDescription& d = *m_device;
+    std::vector<std::shared_ptr<const std::string>> prefixes;
+    for (const device::AxisDef& a : d.axes)
+        prefixes.push_back(std::make_shared<const std::string>(std::string(d.Text(a.key)) + "."));
+    m_vars.reserve(d.parameters.size());
+    for (std::uint32_t i = 0; i < d.parameters.size(); ++i) {
+        CVarAttr* attr = m_catalog->Attr(i);
+        m_vars.emplace_back(attr, owner);
+        int axis = d.parameters[i].axis;
+        if (axis >= 0 && size_t(axis) < prefixes.size())
+            m_vars.back().SetKeyPrefix(prefixes[size_t(axis)]);
+        m_vars.back().SetValue(attr->GetFactoryValue());
     }
+    m_functions = std::make_unique<CFunctionTable>(d, *this);
 }
 
-// Variables go before the attributes they point at.
+// Variables and tables go before the catalog whose attributes they point at.
 CVarStore::~CVarStore() {
+    m_functions.reset();
     m_vars.clear();
 }
 
 IVarObjEx* CVarStore::GetAt(int index) {
-    return index >= 0 && size_t(index) < m_vars.size() ? m_vars[size_t(index)].get() : nullptr;
+    return index >= 0 && size_t(index) < m_vars.size() ? &m_vars[size_t(index)] : nullptr;
 }
 
 IVarObjEx* CVarStore::FindByCode(const CString& key) {
-    const std::string& k = key.str();
-    size_t dot = k.find('.');
-    if (dot != std::string::npos) {
-        // "<axis key>.<code>": the code within that axis.
-        std::string_view axisKey(k.data(), dot);
-        for (size_t a = 0; a < m_device->axes.size(); ++a)
-            if (m_device->Text(m_device->axes[a].key) == axisKey) {
-                std::uint32_t i = m_device->FindByCode(std::string_view(k).substr(dot + 1), int(a));
-                return i == device::kNoIndex ? nullptr : m_vars[i].get();
-            }
-        return nullptr;
-    }
-    std::uint32_t i = m_device->FindByCode(k, device::kCommonScope);
-    for (size_t a = 0; i == device::kNoIndex && a < m_device->axes.size(); ++a)
-        i = m_device->FindByCode(k, int(a));
-    return i == device::kNoIndex ? nullptr : m_vars[i].get();
+    std::uint32_t i = FindParameterByKey(*m_device, key.str());
+    return i == device::kNoIndex ? nullptr : &m_vars[i];
 }
 
 IVarObjEx* CVarStore::FindByAddress(UINT address) {
     std::uint32_t i = m_device->FindByAddress(address);
-    return i == device::kNoIndex ? nullptr : m_vars[i].get();
+    return i == device::kNoIndex ? nullptr : &m_vars[i];
 }
 
-// Groups, axes, functions and the catalog are not built on the store yet.
-IGroupSet* CVarStore::GetGroupRoot(int) {
-    return nullptr;
+IGroupSet* CVarStore::GetGroupRoot(int which) {
+    switch (which) {
+    case 0:
+        return &m_fixed;
+    case 1:
+        return &m_custom;
+    default:
+        return nullptr;
+    }
 }
-IHostAxisList* CVarStore::GetAxisList() {
-    return nullptr;
-}
-IFunctionTable* CVarStore::GetFunctionTable(int) {
-    return nullptr;
-}
-IVarCatalog* CVarStore::GetStoreCatalog() {
-    return nullptr;
+
+IFunctionTable* CVarStore::GetFunctionTable(int which) {
+    return which == 0 ? m_functions.get() : nullptr;
 }
 
 const BYTE* CVarStore::GetElecLabel() {

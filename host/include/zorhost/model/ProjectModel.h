@@ -8,6 +8,7 @@
 #include "module/host/IHostProject.h"
 #include "module/host/IHostProjectRoot.h"
 #include "module/host/IHostWorkspace.h"
+#include "zorhost/model/VarDatabase.h"
 #include "zorhost/model/VarStore.h"
 
 #include <memory>
@@ -34,8 +35,14 @@ public:
     CDeviceModule(std::shared_ptr<const DeviceDescription> device, CString key, int number);
 
     CVarStore& Store() { return m_store; }
+    CPerUnitTable& PerUnitTable() { return m_perUnit; }
+    // Told by the host's communication (the simulated drives follow their links).
     void SetOnline(bool online) { m_online = online; }
     void SetDisplayName(CString name) { m_displayName = std::move(name); }
+    void SetSubName(CString name) { m_subName = std::move(name); }
+    // The label of the primary unit when this module is part of a composite device; an
+    // empty label means there is none.
+    void SetPrimaryElecLabel(std::vector<BYTE> label) { m_primaryLabel = std::move(label); }
 
     void GetModuleKey(CString& key) override { key = m_key; }
     void GetDisplayName(CString& name) override { name = m_displayName; }
@@ -48,20 +55,24 @@ public:
     int GetDeviceAuthority() override { return m_authority; }
     void SetDeviceAuthority(int level) override { m_authority = level; }
     IVarStore* GetVarList() override { return &m_store; }
-    IVarCatalog* GetVarCatalog() override { return nullptr; } // not built yet
+    IVarCatalog* GetVarCatalog() override { return &m_store.Catalog(); }
     const BYTE* GetElecLabel() override { return m_store.GetElecLabel(); }
     UINT GetElecLabelSize() override { return m_store.GetElecLabelSize(); }
-    const BYTE* GetPrimaryElecLabel() override { return nullptr; }
-    UINT GetPrimaryElecLabelSize() override { return 0; }
+    const BYTE* GetPrimaryElecLabel() override {
+        return m_primaryLabel.empty() ? nullptr : m_primaryLabel.data();
+    }
+    UINT GetPrimaryElecLabelSize() override { return UINT(m_primaryLabel.size()); }
     void GetVersionText(CString& version) override { m_store.GetVersionText(version); }
     int GetAxisCopyCount() override;
-    IPerUnitTable* GetPerUnitTable() override { return nullptr; } // not built yet
+    IPerUnitTable* GetPerUnitTable() override { return &m_perUnit; }
 
 private:
     CString m_key, m_displayName, m_subName;
     int m_number;
     CProductInfo m_productInfo;
     CVarStore m_store; // after the fields it is told about
+    CPerUnitTable m_perUnit;
+    std::vector<BYTE> m_primaryLabel;
     bool m_online = false;
     int m_accessLevel = 0;
     int m_authority = 0;
@@ -90,12 +101,14 @@ public:
     IHostModuleList* GetModuleList() override { return &m_modules; }
     int GetListStyle() override { return m_listStyle; }
     BOOL GetProjectDir(CString& dir) override;
-    IVarDatabase* GetDatabase(const BYTE*, UINT, const CString&) override { return nullptr; }
+    // The table of the first module of that device type and version, or null.
+    IVarDatabase* GetDatabase(const BYTE* label, UINT size, const CString& version) override;
 
 private:
     CString m_dir;
     int m_listStyle = 0;
     CModuleList m_modules;
+    std::vector<std::unique_ptr<CVarDatabase>> m_databases; // one per module asked for
 };
 
 class CProject : public IHostProject {
@@ -103,14 +116,17 @@ public:
     explicit CProject(CString projectDir = CString()) : m_workspace(std::move(projectDir)) {}
     CWorkspace& Workspace() { return m_workspace; }
     void SetConnectionKind(int kind) { m_connectionKind = kind; }
+    // The communication state the host keeps (not owned); null until told.
+    void SetCommState(IHostCommState* state) { m_commState = state; }
 
     IHostWorkspace* GetWorkspace() override { return &m_workspace; }
-    IHostCommState* GetCommState() override { return nullptr; } // not built yet
+    IHostCommState* GetCommState() override { return m_commState; }
     int GetConnectionKind() override { return m_connectionKind; }
 
 private:
     CWorkspace m_workspace;
     int m_connectionKind = 0;
+    IHostCommState* m_commState = nullptr;
 };
 
 class CProjectRoot : public IHostProjectRoot {
