@@ -1,0 +1,141 @@
+#include "SimFixture.h"
+
+#include "module/host/IHostModuleManager.h"
+#include "module/host/IHostWorkerThread.h"
+
+#include <atomic>
+#include <thread>
+
+using namespace simtest;
+
+namespace {
+
+template <class I> I* Ask(zorhost::ReferenceHost& host) {
+    void* out = nullptr;
+    zorhost::HostServices::Query(host.Services().Context(), &I::kIID, &out);
+    return static_cast<I*>(out);
+}
+
+} // namespace
+
+TEST_F(DemoHost, DemoProjectAndTheServicesThroughTheCallback) {
+    EXPECT_EQ(host.ModuleKeys(), (std::vector<CString>{"ZD3S", "ZD4M", "ZV5"}));
+    auto* root = Ask<IHostProjectRoot>(host);
+    ASSERT_NE(root, nullptr);
+    IHostModuleList* list = root->GetProject()->GetWorkspace()->GetModuleList();
+    ASSERT_EQ(list->GetModuleCount(), 3);
+    for (int i = 0; i < 3; ++i) {
+        IHostDeviceModule* m = list->GetModuleAt(i);
+        EXPECT_TRUE(m->IsOnline());
+        EXPECT_EQ(m->GetAxisIndex(), i + 1);
+        CString name;
+        m->GetDisplayName(name);
+        EXPECT_FALSE(name.IsEmpty());
+    }
+    EXPECT_EQ(Ask<IHostRefreshService>(host), &host.Refresh());
+    EXPECT_EQ(Ask<IHostDeviceHelper>(host), &host.DeviceHelper());
+    EXPECT_EQ(Ask<IHostTransferService>(host), &host.Transfer());
+    EXPECT_EQ(Ask<IHostAccessService>(host), &host.Access());
+    EXPECT_EQ(Ask<IHostHelpService>(host), &host.Help());
+    EXPECT_NE(Ask<IHostVarUtil>(host), nullptr);
+    host.Services().Withhold<IHostDeviceHelper>();
+    EXPECT_EQ(Ask<IHostDeviceHelper>(host), nullptr);
+
+    // Connection state: the module follows its drive, also when the drive fails by itself.
+    host.SetOnline("ZV5", false);
+    EXPECT_FALSE(host.Module("ZV5")->IsOnline());
+    host.SetOnline("ZV5", true);
+    host.Drive("ZV5")->SetFailure(FailureMode::Offline);
+    EXPECT_TRUE(host.Module("ZV5")->IsOnline()) << "noticed at the next tick";
+    host.Tick(100);
+    EXPECT_FALSE(host.Module("ZV5")->IsOnline());
+    EXPECT_EQ(host.Module("NOPE"), nullptr);
+    EXPECT_EQ(host.Drive("NOPE"), nullptr);
+}
+
+TEST(ReferenceHostProject, BrokenProjectsAreRefusedWhole) {
+    zorhost::ReferenceHost host;
+    std::string error;
+    zorhost::ProjectSpec spec = zorhost::ReferenceHost::DemoProject();
+    spec.modules[1].deviceFile = "no_such_device.json";
+    EXPECT_FALSE(host.LoadProject(spec, &error));
+    EXPECT_NE(error.find("no_such_device.json"), std::string::npos) << error;
+    EXPECT_EQ(host.Project(), nullptr);
+    EXPECT_TRUE(host.ModuleKeys().empty());
+
+    spec = zorhost::ReferenceHost::DemoProject();
+    spec.modules[2].key = "ZD3S";
+    EXPECT_FALSE(host.LoadProject(spec, &error));
+    EXPECT_NE(error.find("ZD3S"), std::string::npos) << error;
+    EXPECT_EQ(host.Drive("ZD3S"), nullptr);
+
+    // Two modules of one product share its description but not their drives.
+    spec = zorhost::ReferenceHost::DemoProject();
+    spec.modules[1] = {"zd3s_servo.json", "SECOND", "Second servo", 0, false};
+    spec.listStyle = 1;
+    ASSERT_TRUE(host.LoadProject(spec, &error)) << error;
+    EXPECT_EQ(&host.Drive("ZD3S")->Device(), &host.Drive("SECOND")->Device());
+    EXPECT_FALSE(host.Module("SECOND")->IsOnline());
+    EXPECT_EQ(host.Module("SECOND")->GetAxisIndex(), 2);
+    EXPECT_EQ(host.Project()->GetWorkspace()->GetListStyle(), 1);
+    const UINT a = host.Drive("ZD3S")->Device().parameters[10].address;
+    ASSERT_TRUE(host.Drive("ZD3S")->PokeRaw(a, 1));
+    double other = -1;
+    ASSERT_TRUE(host.Drive("SECOND")->PeekRaw(a, other));
+    EXPECT_EQ(other, host.Drive("SECOND")->Device().parameters[10].factoryValue);
+}
+
+// A worker made through the host's factory is never freed under its running function.
+TEST_F(DemoHost, WorkerReleaseWaitsForItsFunction) {
+    auto* manager = Ask<IHostModuleManager>(host);
+    ASSERT_NE(manager, nullptr);
+    auto* worker =
+        static_cast<IHostWorkerThread*>(manager->CreateInstance(IHostWorkerThread::kIID));
+    ASSERT_NE(worker, nullptr);
+    struct Shared {
+        std::atomic<bool> started{false};
+        std::atomic<bool> ended{false};
+    } shared;
+    worker->SetUserData(&shared);
+    worker->SetWaitTimeout(-1);
+    ASSERT_TRUE(worker->Start(
+        [](void* arg) -> unsigned {
+            auto* self = static_cast<IHostWorkerThread*>(arg);
+            auto* s = static_cast<Shared*>(self->GetUserData());
+            s->started = true;
+            while (!self->IsStopRequested())
+                self->Wait(500);
+            // Work that outlasts the stop request: Release must wait for it.
+            volatile unsigned sum = 0;
+            for (unsigned i = 0; i < 20'000'000; ++i)
+                sum = sum + i;
+            s->ended = true;
+            return sum & 0;
+        },
+        0, worker));
+    while (!shared.started)
+        std::this_thread::yield();
+    worker->Release();
+    EXPECT_TRUE(shared.ended) << "Release returned before the function ended";
+}
+
+TEST_F(DemoHost, OscilloscopeWindowAndBusyState) {
+    auto* manager = Ask<IHostModuleManager>(host);
+    auto* scope =
+        static_cast<IOscilloscopePanel*>(manager->GetModuleInterface(IOscilloscopePanel::kIID));
+    ASSERT_NE(scope, nullptr);
+    EXPECT_EQ(scope->GetWindow(), nullptr) << "no window before it is first shown";
+    host.Oscilloscope().Show(true);
+    EXPECT_NE(scope->GetWindow(), nullptr);
+    EXPECT_TRUE(host.Oscilloscope().IsVisible());
+    host.Oscilloscope().Show(false);
+    EXPECT_FALSE(host.Oscilloscope().IsVisible());
+    EXPECT_NE(scope->GetWindow(), nullptr) << "the window outlives being hidden";
+
+    EXPECT_FALSE(host.CommState().IsOscilloscopeRunning());
+    host.Drive("ZD4M")->StartOscilloscope();
+    EXPECT_TRUE(host.CommState().IsOscilloscopeRunning());
+    EXPECT_TRUE(host.Oscilloscope().IsBusy());
+    host.Drive("ZD4M")->StopOscilloscope();
+    EXPECT_FALSE(host.CommState().IsOscilloscopeRunning());
+}
