@@ -1,0 +1,152 @@
+// CVarTablePageBase: what both list pages share. The page holds the rows on show as
+// pointers into the host's store and answers the list's questions about them as the
+// list paints: texts, colours, which editor a cell gets and what a committed text does.
+// Nothing of a cell is kept; a repaint is all a refresh needs.
+#pragma once
+
+#include "module/TemplateList.h"
+#include "module/host/HostFwd.h"
+#include "module/host/IMessage_ModulePropertyUpdateEvent.h"
+#include "module/host/IMessage_ModuleUploadEvent.h"
+#include "pages/ListCtrlEx.h"
+#include "table/StackedDialog.h"
+
+#include <afx/afxcmn.h>
+
+#include <vector>
+
+class CSearchObj;
+
+// Colours of the list.
+constexpr COLORREF PAGE_ROW_EVEN = RGB(228, 250, 245);
+constexpr COLORREF PAGE_ROW_ODD = RGB(200, 240, 240);
+constexpr COLORREF PAGE_NOT_READ = RGB(254, 200, 241);
+constexpr COLORREF PAGE_NOT_FACTORY_BACK = RGB(239, 228, 176);
+constexpr COLORREF PAGE_READ_ONLY_SET = RGB(176, 176, 176);
+constexpr COLORREF PAGE_SET_DIFFERS = RGB(255, 228, 225);
+constexpr COLORREF PAGE_NOT_FACTORY_TEXT = RGB(24, 24, 240);
+
+// Filters of a collection (m_listFilter).
+enum {
+    LIST_FILTER_ALL = 1,
+    LIST_FILTER_SET_NOT_FACTORY = 2,
+    LIST_FILTER_SET_NOT_CURRENT = 3,
+    LIST_FILTER_MODIFIED = 4,
+    LIST_FILTER_CHECKED = 5,
+};
+
+constexpr UINT IDC_PAGE_LIST = 1984;
+constexpr UINT IDI_STATE_NONE = 2053;
+constexpr UINT IDI_STATE_UNCHECKED = 2054;
+constexpr UINT IDI_STATE_CHECKED = 2055;
+
+class CVarTablePageBase : public CVarTablePage,
+                          public IMessage_ModulePropertyUpdateEvent,
+                          public IMessage_ModuleUploadEvent {
+public:
+    CVarTablePageBase(UINT nIDTemplate, BOOL firstPage);
+    ~CVarTablePageBase() override;
+
+    // ---- what the frame calls
+    void ShowAllParameters(IVarStore* varList) override;
+    void ShowGroup(IGroupNode* group, IVarStore* varList) override;
+    void ShowAxis(IHostAxis* axis, IVarStore* varList) override;
+    void ShowCategory(IGroupCategory* category, IVarStore* varList) override;
+    void ShowCustomRoot(IVarStore* varList) override;
+    void ShowModified(IVarStore* varList, int mode) override;
+    void RepaintList() override;
+    void SubmitRefreshQuery() override;
+    int GetShownCount() const override { return m_shownVars.GetCount(); }
+    IVarObjEx* GetShownVar(int index) const override { return m_shownVars.GetAt(index); }
+    void CollectShown(std::vector<IVarObjEx*>& list) const override;
+
+    // Empties the rows and walks everything again, keeping the filter as it stands.
+    void RefillAll();
+    int GetListFilter() const { return m_listFilter; }
+    void SetListFilter(int filter) { m_listFilter = filter; }
+    BOOL IsFirstPage() const { return m_bFirstPage; }
+    // 1 multi-axis, 0 single-axis, -1 when the chain to the catalog is broken.
+    int GetMultiAxisFlag() const;
+    // The index of the value column in the layout in use ("当前值" on the first page,
+    // "设定值" on the second).
+    int GetValueColumn() const;
+    // The current value column of the layout in use.
+    int GetCurrentValueColumn() const;
+    const CTemplateList<IVarObjEx*, IVarObjEx*>& GetLinkedVars() const { return m_linkedVars; }
+    const CTemplateList<IVarObjEx*, IVarObjEx*>& GetGroupVars() const { return m_groupVars; }
+    const std::vector<int>& GetColumnWidths() const { return m_columnWidths; }
+
+    virtual CListCtrlEx& GetList() = 0;
+
+    // ---- what the list asks of its page
+    CString GetCellText(int row, int column);
+    virtual void OnCellButtonClicked(CItemButton* button, int row, int column, const CString& text);
+    virtual void OnCellComboSelected(CItemComBox* combo, int row, int column, const CString& text);
+    virtual void OnCellEditCommitted(int row, int column, const CString& text);
+    virtual COLORREF GetCellTextColor(int row, int column);
+    virtual COLORREF GetCellBackColor(int row, int column);
+    virtual void GetCellEditorKind(int& kind, int row, int column);
+    virtual void GetCellEditKind(int& kind, int row, int column);
+    virtual void InitCellEditEx(CItemEditEx* edit, int row, int column);
+    virtual void InitCellEdit(CItemEdit* edit, int row, int column);
+    virtual void InitCellCombo(CItemComBox* combo, int row, int column);
+    virtual void InitCellButton(CItemButton* button, int row, int column);
+    // The tip over a cell: the meaning of each bit, range or digit of the current value.
+    CString GetToolTipText(int row, int column);
+
+    // A row whose value was never read.
+    static BOOL HasNoValue(IVarObjEx* var);
+    // Whether the current value equals the factory value at the parameter's decimals.
+    static BOOL EqualsFactory(IVarObjEx* var);
+
+    // IBaseInterface of the listener bases: the page is not released by the host.
+    void Release() override {}
+    // IMessage_ModulePropertyUpdateEvent
+    void OnModulePropertyUpdated(const CString& moduleKey) override;
+
+protected:
+    BOOL OnInitDialog() override;
+    void OnDestroy() override;
+    void OnSize(UINT nType, int cx, int cy) override;
+    BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
+    BOOL PreTranslateMessage(MSG* pMsg) override;
+
+    // The top of the list in the page's client area.
+    virtual int GetListTop() const = 0;
+    void BuildColumns();
+    void LinkList();
+    void OnListClick(const NMITEMACTIVATE* item);
+    void Subscribe(const GUID& eventId, IBaseInterface* sink);
+    void Unsubscribe(const GUID& eventId, IBaseInterface* sink);
+    void SubscribeUpload();
+    void UnsubscribeUpload();
+    BOOL IsModuleKey(const CString& moduleKey) const;
+    // The commit of a typed value: parsed, compared and written to the drive.
+    void CommitCellText(int row, int column, const CString& text);
+    // The text a packed or connector value takes in a cell on this page.
+    CString FormatEditedValue(IVarAttr* attr, LONGLONG value, BOOL connector) const;
+    void OpenConnectorDialog(int row, int column);
+    CString LinkedLimitText(IVarAttr* attr, BOOL max);
+
+    CTemplateList<IVarObjEx*, IVarObjEx*> m_shownVars;
+    CTemplateList<IVarObjEx*, IVarObjEx*> m_groupVars;
+    CTemplateList<IVarObjEx*, IVarObjEx*> m_linkedVars;
+    CTemplateList<CString, CSearchObj*> m_searchHistory;
+    int m_listFilter = LIST_FILTER_ALL;
+    std::vector<int> m_columnWidths;
+    IHostWindowTranslator* m_pTranslator = nullptr;
+    int m_relockPending = 0;
+    BOOL m_bFirstPage;
+    BOOL m_bUploadSubscribed = FALSE;
+    BOOL m_bPropertySubscribed = FALSE;
+    CImageList m_stateImages;
+
+private:
+    void Collect(IVarStore* varList, BOOL all);
+    void WalkAll(IVarStore* varList);
+    void WalkGroup(IGroupNode* group, IVarStore* varList, int level);
+    BOOL PassesFilter(IVarObjEx* var, IVarAttr* attr) const;
+    void AddRow(IVarObjEx* var, BOOL toGroup);
+    void FinishCollection(BOOL setTotal, BOOL postCount);
+    void AddRefreshItem(IHostRefreshQuery* query, UINT address, int type, int length);
+};

@@ -1,0 +1,638 @@
+// The cells of a list page: headers, texts, colours, and the editor rule.
+#include "module/ParmiraApp.h"
+#include "module/host/IHostDeviceHelper.h"
+#include "module/host/IHostDeviceModule.h"
+#include "module/host/IHostProductInfo.h"
+#include "module/host/IHostVarUtil.h"
+#include "module/host/IPerUnitBase.h"
+#include "module/host/IPerUnitEntry.h"
+#include "module/host/IPerUnitTable.h"
+#include "module/host/IValueInfo.h"
+#include "module/host/IValueInfoEntry.h"
+#include "module/host/IValueInfoList.h"
+#include "module/host/IVarAttr.h"
+#include "module/host/IVarCatalog.h"
+#include "module/host/IVarObjEx.h"
+#include "module/host/IVarStore.h"
+#include "pages/PageText.h"
+#include "pages/VarTablePageBase.h"
+#include "table/VarTable.h"
+#include "values/WriteLinkerVarDialog.h"
+#include "values/WriteVarDialog.h"
+
+#include <cmath>
+#include <cstdint>
+
+using namespace pagetext;
+
+namespace {
+
+struct ColumnDef {
+    UINT header; // string id; 0: no header
+    int width;
+};
+
+// First page.
+const ColumnDef kPage1Single[] = {{2011, 0},  {2013, 60}, {2014, 200}, {2015, 150}, {2019, 60},
+                                  {2016, 90}, {2017, 90}, {2018, 90},  {2020, 90},  {2021, 90},
+                                  {1972, 0},  {2022, 0},  {185, 110}};
+const ColumnDef kPage1Multi[] = {{2011, 70},  {2012, 80}, {2013, 80}, {2014, 150}, {2015, 180},
+                                 {2019, 90},  {2016, 90}, {2017, 90}, {2018, 110}, {2020, 90},
+                                 {1972, 100}, {2022, 0},  {0, 0}};
+// Second page.
+const ColumnDef kPage2Single[] = {{2011, 70},  {2013, 80}, {2014, 150}, {1959, 150},
+                                  {2015, 150}, {2016, 80}, {2017, 80},  {2018, 80},
+                                  {2019, 50},  {2020, 80}, {1972, 0}};
+const ColumnDef kPage2Multi[] = {{0, 20},     {2012, 70},  {2013, 80},  {2014, 150},
+                                 {1959, 120}, {2015, 145}, {2016, 100}, {2017, 100},
+                                 {2018, 100}, {2019, 100}, {2020, 100}, {1972, 100}};
+
+// What a column shows, whatever its index in a layout.
+enum CellKind {
+    CellRow,
+    CellAxis,
+    CellCode,
+    CellName,
+    CellSet,
+    CellCurrent,
+    CellUnit,
+    CellUnitPlain,
+    CellFactory,
+    CellFactoryLimit,
+    CellMin,
+    CellMax,
+    CellModify,
+    CellDisplay,
+    CellEffect,
+    CellAddressDec,
+    CellAddressHex,
+    CellEmpty,
+};
+
+const CellKind kKindsPage1Single[] = {
+    CellRow, CellCode,   CellName,    CellCurrent, CellUnit,       CellFactory,   CellMin,
+    CellMax, CellModify, CellDisplay, CellEffect,  CellAddressDec, CellAddressHex};
+const CellKind kKindsPage1Multi[] = {
+    CellRow, CellAxis, CellCode,   CellName,   CellCurrent, CellUnitPlain, CellFactoryLimit,
+    CellMin, CellMax,  CellModify, CellEffect, CellEmpty,   CellEmpty};
+const CellKind kKindsPage2Single[] = {CellRow,       CellCode,         CellName,  CellSet,
+                                      CellCurrent,   CellFactoryLimit, CellMin,   CellMax,
+                                      CellUnitPlain, CellModify,       CellEffect};
+const CellKind kKindsPage2Multi[] = {CellEmpty, CellAxis,      CellCode,         CellName,
+                                     CellSet,   CellCurrent,   CellFactoryLimit, CellMin,
+                                     CellMax,   CellUnitPlain, CellModify,       CellEffect};
+
+template <size_t N> CellKind KindAt(const CellKind (&kinds)[N], int column) {
+    return column >= 0 && size_t(column) < N ? kinds[column] : CellEmpty;
+}
+
+BOOL IsEmptyOrNull(const Variant& v) {
+    return v.vt == VT_EMPTY || v.vt == VT_NULL;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------- columns
+void CVarTablePageBase::BuildColumns() {
+    CListCtrlEx& list = GetList();
+    // A broken chain builds the single-axis layout.
+    const BOOL multi = GetMultiAxisFlag() == 1;
+    const ColumnDef* defs = nullptr;
+    size_t count = 0;
+    if (m_bFirstPage) {
+        defs = multi ? kPage1Multi : kPage1Single;
+        count = multi ? std::size(kPage1Multi) : std::size(kPage1Single);
+    } else {
+        defs = multi ? kPage2Multi : kPage2Single;
+        count = multi ? std::size(kPage2Multi) : std::size(kPage2Single);
+    }
+    while (list.GetColumnCount() > 0)
+        list.DeleteColumn(0);
+    m_columnWidths.clear();
+    for (size_t i = 0; i < count; ++i) {
+        const CString header = defs[i].header != 0 ? LoadString(defs[i].header) : CString();
+        list.InsertColumn(int(i), header.GetString(), LVCFMT_LEFT, defs[i].width);
+        m_columnWidths.push_back(defs[i].width);
+    }
+    list.RemoveAllEditableColumns();
+    list.AddEditableColumn(GetValueColumn());
+    if (m_bFirstPage && !multi)
+        list.AddEditableColumn(9);
+}
+
+int CVarTablePageBase::GetValueColumn() const {
+    return GetMultiAxisFlag() == 1 ? 4 : 3;
+}
+
+int CVarTablePageBase::GetCurrentValueColumn() const {
+    const int column = GetValueColumn();
+    return m_bFirstPage ? column : column + 1;
+}
+
+// ---------------------------------------------------------------- texts
+CString CVarTablePageBase::LinkedLimitText(IVarAttr* attr, BOOL max) {
+    IHostVarUtil* util = theApp.GetVarUtil();
+    if (util == nullptr)
+        return CString();
+    CString code;
+    util->FormatVariant(code, max ? attr->GetMaxValue() : attr->GetMinValue(), 0, 0);
+    IVarStore* store = m_pTable != nullptr ? m_pTable->GetVarList() : nullptr;
+    IVarObjEx* target = store != nullptr ? store->FindByCode(code) : nullptr;
+    CString value;
+    if (target != nullptr) {
+        value = ItemValueText(target);
+        // Read with the next refresh, though it may be no row of the list.
+        m_linkedVars.Add(target, target);
+    }
+    CString text;
+    text.Format("%s[%s]", value.GetString(), code.GetString());
+    return text;
+}
+
+CString CVarTablePageBase::GetCellText(int row, int column) {
+    IVarObjEx* var = m_shownVars.GetAt(row);
+    IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
+    if (attr == nullptr || m_pTable == nullptr || theApp.GetVarUtil() == nullptr)
+        return CString();
+    // The layout is asked anew for each cell; a broken chain reads as multi-axis.
+    const BOOL multi = GetMultiAxisFlag() != 0;
+    CellKind kind = CellEmpty;
+    if (m_bFirstPage)
+        kind = multi ? KindAt(kKindsPage1Multi, column) : KindAt(kKindsPage1Single, column);
+    else
+        kind = multi ? KindAt(kKindsPage2Multi, column) : KindAt(kKindsPage2Single, column);
+    const BOOL hidden = attr->GetDisplayFormat() == 4;
+    CString text;
+    switch (kind) {
+    case CellRow:
+        text.Format("%03d", row + 1);
+        break;
+    case CellAxis: {
+        CString axis;
+        attr->GetGroupText(axis);
+        if (m_bFirstPage)
+            text = Translate(axis);
+        else if (!axis.IsEmpty())
+            text = Translate(axis.Left(1)) + axis.Mid(1);
+        break;
+    }
+    case CellCode:
+        attr->GetCode(text);
+        break;
+    case CellName: {
+        CString name;
+        attr->GetName(name);
+        text = Translate(name).Left(259);
+        break;
+    }
+    case CellSet:
+        if (hidden)
+            text = kHiddenText;
+        else if (IsEmptyOrNull(var->GetSetValue()))
+            text = "---";
+        else
+            text = SetValueText(var);
+        break;
+    case CellCurrent:
+        text = hidden ? CString(kHiddenText) : CurrentValueText(var);
+        break;
+    case CellUnit:
+        attr->GetUnit(text);
+        if (text.IsEmpty())
+            text = "-";
+        break;
+    case CellUnitPlain:
+        attr->GetUnit(text);
+        break;
+    case CellFactory:
+        text = hidden ? CString(kHiddenText) : FactoryValueText(var);
+        break;
+    case CellFactoryLimit:
+        text = hidden ? CString(kHiddenText) : LimitValueText(attr, attr->GetFactoryValue());
+        break;
+    case CellMin:
+        if (attr->IsMinLinked())
+            text = LinkedLimitText(attr, FALSE);
+        else
+            text = m_bFirstPage && !multi ? MinValueText(var)
+                                          : LimitValueText(attr, attr->GetMinValue());
+        break;
+    case CellMax:
+        if (attr->IsMaxLinked())
+            text = LinkedLimitText(attr, TRUE);
+        else
+            text = m_bFirstPage && !multi ? MaxValueText(var)
+                                          : LimitValueText(attr, attr->GetMaxValue());
+        break;
+    case CellModify:
+        text = ModifyModeText(attr);
+        break;
+    case CellDisplay:
+        text = DisplayFormatText(var);
+        break;
+    case CellEffect:
+        text = EffectModeText(attr);
+        break;
+    case CellAddressDec:
+        text.Format("%d", int(attr->GetAddress()));
+        break;
+    case CellAddressHex:
+        text.Format("0x%04X", attr->GetAddress());
+        break;
+    case CellEmpty:
+        break;
+    }
+    return text;
+}
+
+// ---------------------------------------------------------------- colours
+BOOL CVarTablePageBase::HasNoValue(IVarObjEx* var) {
+    return IsEmptyOrNull(var->GetLastReadValue());
+}
+
+BOOL CVarTablePageBase::EqualsFactory(IVarObjEx* var) {
+    IVarAttr* attr = var->GetAttr();
+    IHostVarUtil* util = theApp.GetVarUtil();
+    if (attr == nullptr || util == nullptr)
+        return TRUE;
+    const Variant current = var->GetValue();
+    const Variant factory = attr->GetFactoryValue();
+    const BOOL noCurrent = IsEmptyOrNull(current);
+    const BOOL noFactory = IsEmptyOrNull(factory);
+    if (noCurrent || noFactory)
+        return noCurrent && noFactory;
+    const double s = std::pow(10.0, attr->GetDecimals());
+    const double x = util->VariantToDouble(current, attr->GetDataType(), attr->GetDecimals());
+    const double y = util->VariantToDouble(factory, attr->GetDataType(), attr->GetDecimals());
+    return int64_t(s * x) == int64_t(s * y);
+}
+
+COLORREF CVarTablePageBase::GetCellBackColor(int row, int column) {
+    const COLORREF rowColour = row % 2 == 0 ? PAGE_ROW_EVEN : PAGE_ROW_ODD;
+    IVarObjEx* var = m_shownVars.GetAt(row);
+    IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
+    if (attr == nullptr)
+        return rowColour;
+    const int valueColumn = GetValueColumn();
+    if (m_bFirstPage) {
+        if (column != valueColumn)
+            return rowColour;
+        if (HasNoValue(var))
+            return PAGE_NOT_READ;
+        return attr->GetModifyMode() != 2 ? RGB(255, 255, 255) : rowColour;
+    }
+    if (column == valueColumn + 1) {
+        if (HasNoValue(var))
+            return PAGE_NOT_READ;
+        return EqualsFactory(var) ? rowColour : PAGE_NOT_FACTORY_BACK;
+    }
+    if (column == valueColumn) {
+        if (attr->GetModifyMode() == 2)
+            return PAGE_READ_ONLY_SET;
+        IHostVarUtil* util = theApp.GetVarUtil();
+        const Variant set = var->GetSetValue();
+        if (util != nullptr && !set.IsEmpty() && !util->VariantEquals(set, var->GetValue()))
+            return PAGE_SET_DIFFERS;
+    }
+    return rowColour;
+}
+
+COLORREF CVarTablePageBase::GetCellTextColor(int row, int column) {
+    IVarObjEx* var = m_shownVars.GetAt(row);
+    if (var == nullptr || var->GetAttr() == nullptr || column != GetCurrentValueColumn())
+        return RGB(0, 0, 0);
+    return EqualsFactory(var) ? RGB(0, 0, 0) : PAGE_NOT_FACTORY_TEXT;
+}
+
+// ---------------------------------------------------------------- editors
+void CVarTablePageBase::GetCellEditorKind(int& kind, int row, int column) {
+    IVarObjEx* var = m_shownVars.GetAt(row);
+    IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
+    IValueInfo* info = attr != nullptr ? attr->GetValueInfo() : nullptr;
+    if (info == nullptr)
+        return;
+    if (m_bFirstPage && column == 9 && GetMultiAxisFlag() != 1) {
+        kind = attr->GetDisplayFormat() == 2 ? 2 : 0;
+        return;
+    }
+    if (column != GetValueColumn()) {
+        kind = 0;
+        return;
+    }
+    const int k = info->GetKind();
+    const BOOL packed = k >= 2 && k <= 6;
+    switch (attr->GetModifyMode()) {
+    case 0:
+    case 1:
+        kind = k == 1 ? 2 : (packed ? 3 : 1);
+        break;
+    case 2:
+        // The bit view opens, though it can't change the value.
+        kind = packed ? 3 : 0;
+        break;
+    default:
+        kind = 0;
+        break;
+    }
+}
+
+void CVarTablePageBase::GetCellEditKind(int& kind, int row, int) {
+    IVarObjEx* var = m_shownVars.GetAt(row);
+    IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
+    if (attr == nullptr)
+        return;
+    if (attr->GetDisplayFormat() == 0)
+        kind = 0;
+    else if (attr->GetDisplayFormat() == 1)
+        kind = 1;
+}
+
+void CVarTablePageBase::InitCellEdit(CItemEdit* edit, int row, int column) {
+    IVarObjEx* var = m_shownVars.GetAt(row);
+    IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
+    if (attr == nullptr || column != GetValueColumn())
+        return;
+    if (attr->GetDisplayFormat() == 4) {
+        edit->ModifyStyle(0, ES_PASSWORD);
+        edit->SetPasswordChar('*');
+        return;
+    }
+    edit->SetMaxWholeDigits(16);
+    edit->AllowNegative(TRUE);
+    edit->SetMaxDecimalPlaces(attr->GetDecimals());
+}
+
+void CVarTablePageBase::InitCellEditEx(CItemEditEx* edit, int row, int) {
+    IVarObjEx* var = m_shownVars.GetAt(row);
+    IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
+    if (attr != nullptr && attr->GetDisplayFormat() == 1)
+        // Digits, the hexadecimal letters and the prefix stay typable.
+        edit->SetInvalidCharacters("~!@#$%^&*(){}[]|\\:;\"'<>,.?/"
+                                   "qwrtyuiopsghjklzvnmQWRTYUIOPSGHJKLZVNM");
+}
+
+void CVarTablePageBase::InitCellCombo(CItemComBox* combo, int row, int column) {
+    IVarObjEx* var = m_shownVars.GetAt(row);
+    IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
+    IHostVarUtil* util = theApp.GetVarUtil();
+    if (attr == nullptr || util == nullptr)
+        return;
+    const int multi = GetMultiAxisFlag();
+    if (m_bFirstPage && column == 9 && multi != 1) {
+        combo->AddString(LoadString(176).GetString());
+        combo->AddString(LoadString(195).GetString());
+        IHostDeviceModule* module = m_pTable != nullptr ? m_pTable->GetModule() : nullptr;
+        IPerUnitTable* table = module != nullptr ? module->GetPerUnitTable() : nullptr;
+        IPerUnitBase* base = attr->GetPerUnitBaseId() != 0 && table != nullptr
+                                 ? table->FindById(attr->GetPerUnitBaseId())
+                                 : nullptr;
+        if (base != nullptr)
+            for (int mode = 2; mode < 2 + base->GetEntryCount(); ++mode)
+                if (IPerUnitEntry* entry = base->GetEntry(mode)) {
+                    CString name;
+                    entry->GetName(name);
+                    combo->AddString(Translate(name).GetString());
+                }
+        const int mode = var->GetPerUnitMode();
+        int index = mode <= 0 ? 0 : mode;
+        if (index >= combo->GetCount())
+            index = 1;
+        combo->SetCurSel(index);
+        return;
+    }
+    // Column 3 of a multi-axis layout is the name column there.
+    if (column != GetValueColumn())
+        return;
+    IValueInfo* info = attr->GetValueInfo();
+    IValueInfoList* list = info != nullptr && info->GetKind() == 1 ? info->GetEnumList() : nullptr;
+    if (list == nullptr)
+        return;
+    const int count = list->GetCount();
+    int widest = combo->GetDroppedWidth();
+    for (int i = 0; i < count; ++i) {
+        IValueInfoEntry* entry = list->GetAt(i);
+        if (entry == nullptr)
+            continue;
+        CString name;
+        entry->GetText(name);
+        CString text;
+        if (i == count - 1 && IsConnectorName(name)) {
+            // The last entry stands for a free connector.
+            text.Format("%s[%s]", Translate("其他").GetString(), name.GetString());
+        } else if (attr->GetDisplayFormat() == 1) {
+            text.Format("0x%04X[%s]", unsigned(int64_t(util->VariantAsDouble(entry->GetValue()))),
+                        Translate(name).GetString());
+        } else {
+            CString value;
+            util->VariantToText(value, entry->GetValue());
+            text.Format("%s[%s]", value.GetString(), Translate(name).GetString());
+        }
+        const int at = combo->AddString(text.GetString());
+        combo->SetItemDataPtr(at, entry);
+        widest = std::max(widest, text.GetLength() * 8);
+    }
+    combo->SetDroppedWidth(UINT(widest));
+}
+
+void CVarTablePageBase::InitCellButton(CItemButton*, int, int) {}
+
+void CVarTablePageBase::OnCellComboSelected(CItemComBox* combo, int row, int column,
+                                            const CString& text) {
+    IVarObjEx* var = m_shownVars.GetAt(row);
+    IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
+    if (attr == nullptr)
+        return;
+    if (m_bFirstPage && column == 9 && GetMultiAxisFlag() != 1) {
+        var->SetPerUnitMode(combo->GetCurSel());
+        GetList().Invalidate(FALSE);
+        return;
+    }
+    if (column != GetValueColumn())
+        return;
+    if (HasConnectorName(text)) {
+        OpenConnectorDialog(row, column);
+        return;
+    }
+    IHostVarUtil* util = theApp.GetVarUtil();
+    const int sel = combo->GetCurSel();
+    auto* entry = sel >= 0 ? static_cast<IValueInfoEntry*>(combo->GetItemDataPtr(sel)) : nullptr;
+    if (util == nullptr || entry == nullptr)
+        return;
+    CString value;
+    util->VariantToText(value, entry->GetValue());
+    OnCellEditCommitted(row, column, value);
+}
+
+CString CVarTablePageBase::FormatEditedValue(IVarAttr* attr, LONGLONG value, BOOL connector) const {
+    CString text;
+    switch (attr->GetDisplayFormat()) {
+    case 0:
+        text.Format("%lld", static_cast<long long>(value));
+        break;
+    case 1:
+        if (!m_bFirstPage)
+            text.Format("%4X", unsigned(value));
+        else if (connector)
+            text.Format("%04X", unsigned(value));
+        else
+            text.Format("0x%04X", unsigned(value));
+        break;
+    default:
+        break;
+    }
+    return text;
+}
+
+void CVarTablePageBase::OnCellButtonClicked(CItemButton*, int row, int column, const CString&) {
+    IVarObjEx* var = m_shownVars.GetAt(row);
+    IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
+    IValueInfo* info = attr != nullptr ? attr->GetValueInfo() : nullptr;
+    if (info == nullptr || info->GetKind() < 2 || info->GetKind() > 6)
+        return;
+    CWriteVarDialog dialog(this);
+    dialog.SetItem(var);
+    if (dialog.DoModal() == IDOK) {
+        OnCellEditCommitted(row, column, FormatEditedValue(attr, dialog.GetEditedValue(), FALSE));
+        return;
+    }
+    GetList().CloseEditors(-1);
+}
+
+void CVarTablePageBase::OpenConnectorDialog(int row, int column) {
+    IVarObjEx* var = m_shownVars.GetAt(row);
+    IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
+    if (attr == nullptr)
+        return;
+    IHostDeviceModule* module = m_pTable != nullptr ? m_pTable->GetModule() : nullptr;
+    IVarCatalog* catalog = module != nullptr ? module->GetVarCatalog() : attr->GetOwnerCatalog();
+    CWriteLinkerVarDialog dialog(this);
+    dialog.SetItem(var);
+    dialog.SetCatalog(catalog, catalog != nullptr ? catalog->GetConnectorTable() : nullptr);
+    if (dialog.DoModal() == IDOK) {
+        OnCellEditCommitted(row, column, FormatEditedValue(attr, dialog.GetValue(), TRUE));
+        GetList().Invalidate(FALSE);
+        return;
+    }
+    GetList().CloseEditors(-1);
+}
+
+void CVarTablePageBase::OnCellEditCommitted(int row, int column, const CString& text) {
+    if (text.IsEmpty() || text == "-" || text == "--")
+        return;
+    CommitCellText(row, column, text);
+}
+
+void CVarTablePageBase::CommitCellText(int row, int, const CString& typed) {
+    IVarObjEx* var = m_shownVars.GetAt(row);
+    IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
+    IHostVarUtil* util = theApp.GetVarUtil();
+    if (attr == nullptr || util == nullptr || m_pTable == nullptr)
+        return;
+    if (m_bFirstPage && typed.IsEmpty())
+        return;
+    if (typed == "---" || typed == "-")
+        return;
+    CString text = typed;
+    IValueInfo* info = attr->GetValueInfo();
+    const BOOL plain = info == nullptr || info->GetKind() == 0;
+    if (!m_bFirstPage || plain) {
+        if (attr->GetDisplayFormat() == 1)
+            text = HexTextToDecimal(text);
+        else if (attr->GetDisplayFormat() == 2)
+            text = BinaryTextToDecimal(text);
+    }
+    Variant parsed;
+    util->ParseVariant(parsed, text, VT_R8);
+    if (m_bFirstPage) {
+        Variant current = Variant::OfType(VT_R8);
+        util->DoubleToVariant(util->VariantToDouble(var->GetValue(), 5, attr->GetDecimals()),
+                              current);
+        if (util->VariantEquals(current, parsed))
+            return;
+    }
+    if (m_pTable->GetListStyle() != 0)
+        return; // the staging commit comes with the second page's rules
+    IHostDeviceHelper* helper = theApp.GetDeviceHelper();
+    IHostDeviceModule* module = m_pTable->GetModule();
+    if (helper == nullptr || module == nullptr)
+        return;
+    CString key;
+    module->GetModuleKey(key);
+    Variant result;
+    std::vector<CString> errors;
+    if (helper->WriteVarDirect(key, var->GetInstanceAddress(), attr->GetDataType(), parsed, result,
+                               errors, 1, 200, 3))
+        return;
+    CString message;
+    for (const CString& error : errors) {
+        if (!message.IsEmpty())
+            message += "\n";
+        message += error;
+    }
+    if (message.IsEmpty())
+        message = Translate("参数下载失败.");
+    const CString caption = LoadString(2037);
+    MessageBox(GetSafeHwnd(), message.GetString(), caption.GetString(), MB_OK | MB_ICONWARNING);
+}
+
+// ---------------------------------------------------------------- tool tips
+CString CVarTablePageBase::GetToolTipText(int row, int column) {
+    if (!m_bFirstPage || column != 3)
+        return CString();
+    int kind = 1;
+    GetCellEditorKind(kind, row, column);
+    if (kind != 3)
+        return CString();
+    IVarObjEx* var = m_shownVars.GetAt(row);
+    IVarAttr* attr = var->GetAttr();
+    IHostVarUtil* util = theApp.GetVarUtil();
+    IValueInfo* info = attr->GetValueInfo();
+    if (util == nullptr || info == nullptr)
+        return CString();
+    const LONGLONG v = LONGLONG(util->VariantAsDouble(var->GetValue()));
+    CString tip;
+    auto line = [&](IValueInfoEntry* entry, LONGLONG fieldValue) {
+        CString name;
+        entry->GetText(name);
+        CString value;
+        value.Format("%lld", static_cast<long long>(fieldValue));
+        for (int i = 0; i < entry->GetOptionCount(); ++i) {
+            IValueInfoEntry* option = entry->GetOptionAt(i);
+            if (option != nullptr &&
+                LONGLONG(util->VariantAsDouble(option->GetValue())) == fieldValue) {
+                CString optionText;
+                option->GetText(optionText);
+                CString joined;
+                joined.Format("%s[%s]", value.GetString(), Translate(optionText).GetString());
+                value = joined;
+                break;
+            }
+        }
+        tip.AppendFormat("%s  %s\n", Translate(name).GetString(), value.GetString());
+    };
+    const int k = info->GetKind();
+    IValueInfoList* list = k == 2   ? info->GetBitList()
+                           : k == 3 ? info->GetBitRangeList()
+                           : k == 4 ? info->GetDigitList()
+                                    : nullptr;
+    const int count = list != nullptr ? list->GetCount() : 0;
+    const LONGLONG radix = attr->GetDisplayFormat() == 0 ? 10 : 16;
+    for (int i = 0; i < count; ++i) {
+        IValueInfoEntry* entry = list->GetAt(i);
+        if (entry == nullptr)
+            continue;
+        const int bit = entry->GetBit();
+        if (k == 2) {
+            line(entry, util->GetBit(v, bit));
+        } else if (k == 3) {
+            const int width = std::max(entry->GetWidth(), 1);
+            line(entry, util->GetBitRange(v, bit, bit + width - 1));
+        } else {
+            LONGLONG div = 1;
+            for (int d = 0; d < bit; ++d)
+                div *= radix;
+            line(entry, (v / div) % radix);
+        }
+    }
+    return tip;
+}
