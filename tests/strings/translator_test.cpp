@@ -35,6 +35,10 @@ TEST(TranslateText, ChineseAsWrittenEnglishWhenKnownElseUnchanged) {
     // A caption with a second line: known as a whole, or line by line when composed.
     EXPECT_EQ(Translated(ui, "写入全部\n(除H00和H01組)"), "Write all\n(except H00 and H01)");
     EXPECT_EQ(Translated(ui, "比较\r\n没有译文"), "Compare\r\n没有译文");
+    // A tree label, name and description, known in parts.
+    EXPECT_EQ(Translated(ui, "其他[B连接器]"), "Other[B connector]");
+    EXPECT_EQ(Translated(ui, "H02[参数组]"), "H02[Parameter groups]");
+    EXPECT_EQ(Translated(ui, "H02[没有译文]"), "H02[没有译文]");
     // Near misses are not translations.
     EXPECT_EQ(Translated(ui, "上传并保存 "), "上传并保存 ");
 }

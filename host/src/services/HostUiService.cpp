@@ -40,8 +40,23 @@ std::string MapText(const std::unordered_map<std::string, std::string>& table,
                     const std::string& text) {
     if (auto it = table.find(text); it != table.end())
         return it->second;
-    if (text.find('\n') == std::string::npos)
-        return text;
+    if (text.find('\n') == std::string::npos) {
+        // A tree label: a name with its description in brackets.
+        const size_t open = text.find('[');
+        if (open == std::string::npos || text.back() != ']' || open + 2 > text.size())
+            return text;
+        const std::string name = text.substr(0, open);
+        const std::string inner = text.substr(open + 1, text.size() - open - 2);
+        const auto n = table.find(name);
+        const auto i = table.find(inner);
+        if (n == table.end() && i == table.end())
+            return text;
+        std::string result = n != table.end() ? n->second : name;
+        result.push_back('[');
+        result.append(i != table.end() ? i->second : inner);
+        result.push_back(']');
+        return result;
+    }
     std::string result;
     bool first = true;
     for (std::string line : SplitLines(text)) {

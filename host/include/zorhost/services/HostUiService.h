@@ -18,6 +18,10 @@
 
 namespace zorhost {
 
+namespace device {
+class DeviceDescription;
+}
+
 enum class UiLanguage {
     Chinese, // texts as written
     English,
@@ -49,8 +53,9 @@ public:
     // The text as written of a text shown in any language: `text` itself when it is not
     // a known translation.
     CString SourceOf(const CString& text) const;
-    // `source` in `language`: English when known (or every line of a multi-line text
-    // translated by itself), else `source` unchanged.
+    // `source` in `language`: English when known, else put together from known parts
+    // (each line of a multi-line text; name and bracketed description of "名称[描述]"),
+    // else `source` unchanged.
     CString Translate(const CString& source, UiLanguage language) const;
 
     // Scale of fonts in windows ApplySkin is given; 1.0 unless the user chose otherwise.
@@ -80,6 +85,11 @@ private:
     UiLanguage m_language = UiLanguage::Chinese;
     double m_uiScale = 1.0;
 };
+
+// Adds the English a device description brings for its texts: parameter names and
+// information texts, value meanings, group and category descriptions, axes, per-unit bases
+// and the product's name. Texts without English are left out. Returns how many were added.
+int AddDeviceTranslations(CHostUiService& service, const device::DeviceDescription& device);
 
 // A translator bound to one window (IHostWindowTranslator). It only holds the window's
 // handle: the texts as written are kept on the widgets themselves, so a translator that
