@@ -1,6 +1,7 @@
 // The demo project in an in-process host, with helpers to reach a parameter by code.
 #pragma once
 
+#include "module/host/IMessage_ModuleUploadEvent.h"
 #include "zorhost/ReferenceHost.h"
 
 #include <gtest/gtest.h>
@@ -17,9 +18,14 @@ protected:
     void SetUp() override {
         std::string error;
         ASSERT_TRUE(host.LoadDemo(&error)) << error;
-        host.SetTransferEndHandler([this](const CString& key, BOOL success, bool download) {
-            ends.push_back({key, success, download});
-        });
+        // The ends of transfers are heard where the module hears them: on the bus.
+        auto* bus = host.Services().Get<IHostMessageBus>();
+        ASSERT_NE(bus, nullptr);
+        ASSERT_TRUE(bus->Subscribe(IMessage_ModuleUploadEvent::kIID, &sink));
+    }
+    void TearDown() override {
+        host.Services().Get<IHostMessageBus>()->Unsubscribe(IMessage_ModuleUploadEvent::kIID,
+                                                            &sink);
     }
 
     const zorhost::device::ParameterDef& Param(const char* key, const char* code, int axis = -1) {
@@ -45,8 +51,18 @@ protected:
         BOOL success;
         bool download;
     };
-    zorhost::ReferenceHost host;
     std::vector<End> ends;
+    struct Sink : IMessage_ModuleUploadEvent {
+        std::vector<End>& ends;
+        explicit Sink(std::vector<End>& e) : ends(e) {}
+        void OnModuleUploaded(const CString& key, BOOL success) override {
+            ends.push_back({key, success, false});
+        }
+        void OnModuleDownloaded(const CString& key, BOOL success) override {
+            ends.push_back({key, success, true});
+        }
+    } sink{ends};
+    zorhost::ReferenceHost host;
 };
 
 } // namespace simtest

@@ -38,6 +38,21 @@ TEST_F(DemoHost, DemoProjectAndTheServicesThroughTheCallback) {
     EXPECT_EQ(Ask<IHostAccessService>(host), &host.Access());
     EXPECT_EQ(Ask<IHostHelpService>(host), &host.Help());
     EXPECT_NE(Ask<IHostVarUtil>(host), nullptr);
+    EXPECT_EQ(Ask<IHostMessageBus>(host), &host.Bus());
+    EXPECT_EQ(Ask<IHostUiService>(host), &host.Ui());
+    EXPECT_EQ(Ask<IHostProductDb>(host), &host.ProductDb());
+    EXPECT_EQ(host.Project()->GetCommState(), &host.CommState());
+
+    // A transfer's end goes to the bus and to the program's own handler alike.
+    int handled = 0;
+    host.SetTransferEndHandler([&](const CString& key, BOOL ok, bool download) {
+        handled += key == "ZV5" && ok && !download;
+    });
+    EXPECT_TRUE(host.Transfer().UploadModule(nullptr, "ZV5"));
+    EXPECT_EQ(handled, 1);
+    ASSERT_EQ(ends.size(), 1u);
+    EXPECT_TRUE(ends[0].success);
+    host.SetTransferEndHandler(nullptr);
     host.Services().Withhold<IHostDeviceHelper>();
     EXPECT_EQ(Ask<IHostDeviceHelper>(host), nullptr);
 

@@ -13,9 +13,12 @@
 #include "zorhost/services/HostAccessService.h"
 #include "zorhost/services/HostDeviceHelper.h"
 #include "zorhost/services/HostHelpService.h"
+#include "zorhost/services/HostMessageBus.h"
 #include "zorhost/services/HostModuleManager.h"
+#include "zorhost/services/HostProductDb.h"
 #include "zorhost/services/HostRefreshService.h"
 #include "zorhost/services/HostTransferService.h"
+#include "zorhost/services/HostUiService.h"
 #include "zorhost/services/HostVarUtil.h"
 #include "zorhost/services/Oscilloscope.h"
 #include "zorhost/sim/DriveDirectory.h"
@@ -87,10 +90,11 @@ public:
 
     // Uses a Qt progress dialog for long transfers (the program; tests show none).
     void SetShowTransferProgress(bool show);
-    // Language of texts the host makes itself (drive refusals).
+    // Language of texts the host makes itself (drive refusals, progress). The program
+    // switches Ui() and raises the language event on Bus() itself.
     void SetEnglish(bool english);
-    // Where the end of every transfer is told: (module key, success, download). Until the
-    // message bus is part of the host this is the only route.
+    // Where the end of every transfer is told besides the message bus: (module key,
+    // success, download).
     using TransferEndHandler =
         std::function<void(const CString& moduleKey, BOOL success, bool download)>;
     void SetTransferEndHandler(TransferEndHandler handler);
@@ -106,6 +110,9 @@ public:
     CHostHelpService& Help() { return m_help; }
     COscilloscopePanel& Oscilloscope() { return m_scope; }
     CHostCommState& CommState() { return m_commState; }
+    CHostMessageBus& Bus() { return m_bus; }
+    CHostUiService& Ui() { return m_ui; }
+    CHostProductDb& ProductDb() { return m_productDb; }
 
 private:
     struct Station {
@@ -119,6 +126,9 @@ private:
     void AnnounceTransferEnd(const CString& key, BOOL success, bool download);
 
     HostServices m_services;
+    CHostMessageBus m_bus; // before everything that raises events on it
+    CHostUiService m_ui;
+    CHostProductDb m_productDb;
     model::CProjectRoot m_root;
     std::vector<Station> m_stations;
     CHostVarUtil m_varUtil;

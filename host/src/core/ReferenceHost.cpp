@@ -77,11 +77,13 @@ void ReferenceHost::RegisterServices() {
     m_services.Register<IHostTransferService>(&m_transfer);
     m_services.Register<IHostAccessService>(&m_access);
     m_services.Register<IHostHelpService>(&m_help);
+    m_services.Register<IHostMessageBus>(&m_bus);
+    m_services.Register<IHostUiService>(&m_ui);
+    m_services.Register<IHostProductDb>(&m_productDb);
     m_moduleManager.RegisterModuleInterface(IOscilloscopePanel::kIID, &m_scope);
-    // TODO(host services): IHostMessageBus, IHostUiService and IHostProductDb are registered
-    // here as they land; IHostTabManager belongs to the program's main window, which
-    // registers it in Services() itself. Until the bus is here, the end of a transfer
-    // reaches only SetTransferEndHandler.
+    // IHostTabManager belongs to the program's main window, which registers it itself.
+    // TODO(host services): IHostParamRecordFactory and IHostVarPicker come with the file
+    // side of the host.
 }
 
 void ReferenceHost::SetTransferEndHandler(TransferEndHandler handler) {
@@ -89,6 +91,10 @@ void ReferenceHost::SetTransferEndHandler(TransferEndHandler handler) {
 }
 
 void ReferenceHost::AnnounceTransferEnd(const CString& key, BOOL success, bool download) {
+    if (download)
+        m_bus.RaiseModuleDownloaded(key, success);
+    else
+        m_bus.RaiseModuleUploaded(key, success);
     if (m_transferEnded)
         m_transferEnded(key, success, download);
 }
@@ -113,6 +119,7 @@ bool ReferenceHost::LoadProject(const ProjectSpec& spec, std::string* error) {
     };
     auto project = std::make_unique<model::CProject>(spec.directory);
     project->Workspace().SetListStyle(spec.listStyle);
+    project->SetCommState(&m_commState);
     std::map<std::string, std::shared_ptr<const device::DeviceDescription>> loaded;
     std::vector<Station> stations;
     int position = 0;
@@ -125,6 +132,8 @@ bool ReferenceHost::LoadProject(const ProjectSpec& spec, std::string* error) {
             if (!r)
                 return fail(r.error.ToString());
             device = r.device;
+            m_productDb.Add(device);
+            AddDeviceTranslations(m_ui, *device);
         }
         if (m.key.IsEmpty())
             return fail("module " + std::to_string(position) + ": the key is empty");
