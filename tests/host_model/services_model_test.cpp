@@ -1,0 +1,300 @@
+// The product database, the project's module state and stored custom groups, and the
+// message bus's delivery on the user-interface thread.
+#include "zorhost/device/DeviceGenerator.h"
+#include "zorhost/device/DeviceLoader.h"
+#include "zorhost/model/ProjectModel.h"
+#include "zorhost/services/HostMessageBus.h"
+#include "zorhost/services/HostProductDb.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <atomic>
+#include <thread>
+
+using namespace zorhost::model;
+using zorhost::CHostMessageBus;
+using zorhost::CHostProductDb;
+
+namespace {
+
+std::shared_ptr<const zorhost::device::DeviceDescription> Load(const char* file) {
+    auto r = zorhost::device::LoadDeviceFile(std::string(PARMIRA_DEVICES_DIR) + "/" + file);
+    EXPECT_TRUE(r) << r.error.ToString();
+    return r.device;
+}
+
+// Runs the event loop until `done` holds or five seconds passed.
+template <class Done> bool PumpUntil(Done done) {
+    QDeadlineTimer deadline(5000);
+    while (!done() && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+    return done();
+}
+
+TEST(HostProductDb, FindsProductsAndCatalogsByLabelAndVersion) {
+    auto servo = Load("zd3s_servo.json");
+    auto axes = Load("zd4m_four_axis.json");
+    ASSERT_TRUE(servo && axes);
+    CHostProductDb db;
+    db.Add(servo);
+    db.Add(axes);
+    db.Add(axes);
+    EXPECT_EQ(db.Count(), 2);
+
+    CDeviceModule four(axes, "ZD4M", 1), one(servo, "ZD3S", 2);
+    IHostProductRecord* record = db.FindProduct(four.GetElecLabel(), four.GetElecLabelSize());
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->GetLineId(), 11u);
+    EXPECT_EQ(record->GetProductId(), 282u);
+    EXPECT_EQ(record->GetSubProductId(), 0u);
+    record = db.FindProduct(one.GetElecLabel(), one.GetElecLabelSize());
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->GetLineId(), 13u);
+
+    // The module's own catalog: multi-axis for the four-axis drive only.
+    CString version;
+    four.GetVersionText(version);
+    IVarCatalog* catalog =
+        db.GetProductCatalog(four.GetElecLabel(), four.GetElecLabelSize(), version);
+    EXPECT_EQ(catalog, four.GetVarCatalog());
+    ASSERT_TRUE(catalog && catalog->GetAxisList());
+    EXPECT_TRUE(catalog->GetAxisList()->IsValid());
+    one.GetVersionText(version);
+    catalog = db.GetProductCatalog(one.GetElecLabel(), one.GetElecLabelSize(), version);
+    ASSERT_TRUE(catalog && catalog->GetAxisList());
+    EXPECT_FALSE(catalog->GetAxisList()->IsValid());
+    EXPECT_EQ(db.GetProductCatalog(one.GetElecLabel(), one.GetElecLabelSize(), "V9.99.99"), catalog)
+        << "another firmware of a known type";
+
+    // Unknown and short labels find nothing.
+    std::vector<BYTE> label(one.GetElecLabel(), one.GetElecLabel() + one.GetElecLabelSize());
+    label[14] ^= 0xFF;
+    EXPECT_EQ(db.FindProduct(label.data(), UINT(label.size())), nullptr);
+    EXPECT_EQ(db.FindProduct(one.GetElecLabel(), 8), nullptr);
+    EXPECT_EQ(db.FindProduct(nullptr, 0), nullptr);
+    EXPECT_EQ(db.GetProductCatalog(label.data(), UINT(label.size()), version), nullptr);
+}
+
+TEST(HostProjectModel, ModuleStateIsToldByTheHost) {
+    auto servo = Load("zd3s_servo.json");
+    ASSERT_TRUE(servo);
+    CDeviceModule module(servo, "ZD3S", 4);
+    EXPECT_FALSE(module.IsOnline());
+    module.SetOnline(true);
+    EXPECT_TRUE(module.IsOnline());
+    module.SetAccessLevel(2);
+    module.SetDeviceAuthority(3);
+    EXPECT_EQ(module.GetAccessLevel(), 2);
+    EXPECT_EQ(module.GetDeviceAuthority(), 3);
+
+    // Without a primary unit the label pointer is null, so callers take the own label.
+    EXPECT_EQ(module.GetPrimaryElecLabel(), nullptr);
+    EXPECT_EQ(module.GetPrimaryElecLabelSize(), 0u);
+    module.SetPrimaryElecLabel({1, 2, 3});
+    ASSERT_NE(module.GetPrimaryElecLabel(), nullptr);
+    EXPECT_EQ(module.GetPrimaryElecLabelSize(), 3u);
+    EXPECT_EQ(module.GetPrimaryElecLabel()[2], 3);
+    module.SetSubName("S1");
+    CString name;
+    module.GetSubName(name);
+    EXPECT_EQ(name, CString("S1"));
+
+    CProject project;
+    EXPECT_EQ(project.GetCommState(), nullptr);
+}
+
+TEST(HostProjectModel, CustomGroupsSurviveTheWorkspaceDatabase) {
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    auto servo = Load("zd3s_servo.json");
+    ASSERT_TRUE(servo);
+    CWorkspace workspace(CString(dir.path().toStdString()));
+    CDeviceModule* module =
+        workspace.Modules().Add(std::make_unique<CDeviceModule>(servo, "ZD3S", 1));
+    ASSERT_NE(module, nullptr);
+    CString version;
+    module->GetVersionText(version);
+    EXPECT_EQ(workspace.GetDatabase(module->GetElecLabel(), module->GetElecLabelSize(), "V0"),
+              nullptr);
+    IVarDatabase* db =
+        workspace.GetDatabase(module->GetElecLabel(), module->GetElecLabelSize(), version);
+    ASSERT_NE(db, nullptr);
+    EXPECT_EQ(workspace.GetDatabase(module->GetElecLabel(), module->GetElecLabelSize(), version),
+              db);
+
+    IGroupSet* custom = module->GetVarList()->GetGroupRoot(1);
+    IGroupNode* g = custom->NewGroup();
+    g->SetName("调试");
+    g->SetDescription("常用");
+    g->AddMember("H00-04");
+    g->AddMember("H05-14");
+    IGroupNode* sub = custom->NewGroup();
+    sub->SetName("sub");
+    sub->AddMember("H03-00");
+    ASSERT_TRUE(g->AddChild(sub));
+    ASSERT_TRUE(custom->AddGroup(g));
+    custom->AddMember("H02-22");
+
+    const CString path(dir.filePath("Variables.dat").toStdString());
+    ASSERT_TRUE(db->SaveToFile(path));
+
+    // A second module of the same device reads the groups back.
+    CVarStore other(servo);
+    CVarDatabase reader(other);
+    std::string error;
+    ASSERT_TRUE(reader.LoadFromFile(path, &error)) << error;
+    IGroupSet* back = other.GetGroupRoot(1);
+    ASSERT_EQ(back->GetCount(), 1);
+    IGroupNode* g2 = back->GetAt(0);
+    CString text;
+    g2->GetName(text);
+    EXPECT_EQ(text, CString("调试"));
+    g2->GetDescription(text);
+    EXPECT_EQ(text, CString("常用"));
+    ASSERT_EQ(g2->GetMemberCount(), 2);
+    g2->GetMemberAt(1, text);
+    EXPECT_EQ(text, CString("H05-14"));
+    ASSERT_EQ(g2->GetChildCount(), 1);
+    EXPECT_EQ(g2->GetChildAt(0)->GetParent(), g2);
+    ASSERT_EQ(back->GetMemberCount(), 1);
+
+    // A broken file is refused and leaves the groups as they were.
+    QFile broken(dir.filePath("broken.dat"));
+    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+    broken.write("{\"format\": 1, \"groups\": [{\"description\": \"no name\"}]}");
+    broken.close();
+    EXPECT_FALSE(reader.LoadFromFile(CString(broken.fileName().toStdString()), &error));
+    EXPECT_NE(error.find("broken.dat"), std::string::npos) << error;
+    EXPECT_EQ(back->GetCount(), 1);
+    EXPECT_FALSE(reader.LoadFromFile(CString(dir.filePath("missing").toStdString())));
+    EXPECT_FALSE(db->SaveToFile(CString(dir.filePath("no/such/dir/x").toStdString())));
+}
+
+// A listener of every bus event that records what it heard and on which thread.
+class Listener : public IMessage_LanguageChanged,
+                 public IMessage_ModuleEvent,
+                 public IMessage_ModuleUploadEvent {
+public:
+    void OnLanguageChanged() override { Heard("language"); }
+    void OnModuleNotify1(uintptr_t) override {}
+    void OnModuleRemoved(const CString& key) override { Heard("removed " + key.str()); }
+    void OnModuleNotify3(uintptr_t) override {}
+    void OnModuleRenamed(const CString& key, const CString& name) override {
+        Heard("renamed " + key.str() + " " + name.str());
+    }
+    void OnModuleUploaded(const CString& key, BOOL ok) override {
+        Heard("up " + key.str() + (ok ? " ok" : " failed"));
+    }
+    void OnModuleDownloaded(const CString& key, BOOL ok) override {
+        Heard("down " + key.str() + (ok ? " ok" : " failed"));
+    }
+
+    std::vector<std::string> heard;
+    bool onUiThread = true;
+    std::function<void()> onHear;
+
+private:
+    void Heard(std::string what) {
+        onUiThread = onUiThread && QThread::currentThread() == qApp->thread();
+        heard.push_back(std::move(what));
+        if (onHear)
+            onHear();
+    }
+};
+
+TEST(HostMessageBus, DeliversToSubscribersInOrderAndHonoursUnsubscribe) {
+    CHostMessageBus bus;
+    Listener a, b;
+    const GUID kModule = IMessage_ModuleEvent::kIID;
+    EXPECT_TRUE(bus.Subscribe(kModule, AsSink<IMessage_ModuleEvent>(&a)));
+    EXPECT_TRUE(bus.Subscribe(kModule, AsSink<IMessage_ModuleEvent>(&b)));
+    EXPECT_TRUE(bus.Subscribe(kModule, AsSink<IMessage_ModuleEvent>(&a)));
+    EXPECT_TRUE(
+        bus.Subscribe(IMessage_LanguageChanged::kIID, AsSink<IMessage_LanguageChanged>(&b)));
+    EXPECT_FALSE(bus.Subscribe(IMessage_ModuleEvent::kIID, nullptr));
+    EXPECT_FALSE(bus.Subscribe(IHostMessageBus::kIID, AsSink<IMessage_ModuleEvent>(&a)))
+        << "not an event";
+
+    bus.RaiseModuleRenamed("M1", "Drive 1");
+    EXPECT_EQ(a.heard, (std::vector<std::string>{"renamed M1 Drive 1", "renamed M1 Drive 1"}))
+        << "subscribed twice, heard twice";
+    EXPECT_EQ(b.heard, (std::vector<std::string>{"renamed M1 Drive 1"}));
+
+    EXPECT_TRUE(bus.Unsubscribe(kModule, AsSink<IMessage_ModuleEvent>(&a)));
+    EXPECT_EQ(bus.ListenerCount(kModule), 2);
+    bus.RaiseModuleRemoved("M1");
+    EXPECT_EQ(a.heard.size(), 3u) << "one subscription left";
+    bus.RaiseLanguageChanged();
+    EXPECT_EQ(b.heard.back(), "language");
+    EXPECT_TRUE(bus.Unsubscribe(kModule, AsSink<IMessage_ModuleEvent>(&a)));
+    EXPECT_FALSE(bus.Unsubscribe(kModule, AsSink<IMessage_ModuleEvent>(&a)));
+}
+
+TEST(HostMessageBus, ListenersMayUnsubscribeThemselvesOrOthersDuringDelivery) {
+    CHostMessageBus bus;
+    const GUID kUpload = IMessage_ModuleUploadEvent::kIID;
+    Listener first, second, third;
+    for (Listener* l : {&first, &second, &third})
+        bus.Subscribe(kUpload, AsSink<IMessage_ModuleUploadEvent>(l));
+    // The first one leaves and takes the second with it; a late subscriber waits for the
+    // next event.
+    Listener late;
+    first.onHear = [&] {
+        bus.Unsubscribe(kUpload, AsSink<IMessage_ModuleUploadEvent>(&first));
+        bus.Unsubscribe(kUpload, AsSink<IMessage_ModuleUploadEvent>(&second));
+        bus.Subscribe(kUpload, AsSink<IMessage_ModuleUploadEvent>(&late));
+    };
+    bus.RaiseModuleUploaded("M2", 1);
+    EXPECT_EQ(first.heard.size(), 1u);
+    EXPECT_TRUE(second.heard.empty()) << "removed before its turn";
+    EXPECT_EQ(third.heard, (std::vector<std::string>{"up M2 ok"}));
+    EXPECT_TRUE(late.heard.empty());
+    bus.RaiseModuleDownloaded("M2", 0);
+    EXPECT_EQ(first.heard.size(), 1u);
+    EXPECT_EQ(late.heard, (std::vector<std::string>{"down M2 failed"}));
+    EXPECT_EQ(third.heard.back(), "down M2 failed");
+}
+
+TEST(HostMessageBus, EventsRaisedOnAWorkerArriveOnTheUiThread) {
+    CHostMessageBus bus;
+    Listener l;
+    bus.Subscribe(IMessage_ModuleUploadEvent::kIID, AsSink<IMessage_ModuleUploadEvent>(&l));
+    std::atomic<bool> raised{false};
+    std::thread worker([&] {
+        for (int i = 0; i < 20; ++i)
+            bus.RaiseModuleUploaded(CString("M" + std::to_string(i)), 1);
+        raised = true;
+    });
+    worker.join();
+    EXPECT_TRUE(raised);
+    EXPECT_TRUE(l.heard.empty()) << "queued, not called on the worker";
+    ASSERT_TRUE(PumpUntil([&] { return l.heard.size() == 20; }));
+    EXPECT_TRUE(l.onUiThread);
+    EXPECT_EQ(l.heard.front(), "up M0 ok");
+    EXPECT_EQ(l.heard.back(), "up M19 ok") << "in the order raised";
+
+    // An event still queued when its listener leaves is not delivered to it.
+    std::thread([&] { bus.RaiseModuleUploaded("late", 1); }).join();
+    bus.Unsubscribe(IMessage_ModuleUploadEvent::kIID, AsSink<IMessage_ModuleUploadEvent>(&l));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(l.heard.size(), 20u);
+}
+
+TEST(HostMessageBus, QueuedEventsOfADestroyedBusAreDropped) {
+    Listener l;
+    {
+        CHostMessageBus bus;
+        bus.Subscribe(IMessage_LanguageChanged::kIID, AsSink<IMessage_LanguageChanged>(&l));
+        std::thread([&] { bus.RaiseLanguageChanged(); }).join();
+    }
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(l.heard.empty());
+}
+
+} // namespace
