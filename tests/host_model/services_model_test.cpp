@@ -100,13 +100,42 @@ TEST(HostProjectModel, ModuleStateIsToldByTheHost) {
     ASSERT_NE(module.GetPrimaryElecLabel(), nullptr);
     EXPECT_EQ(module.GetPrimaryElecLabelSize(), 3u);
     EXPECT_EQ(module.GetPrimaryElecLabel()[2], 3);
-    module.SetSubName("S1");
     CString name;
+    module.GetSubName(name);
+    EXPECT_EQ(name, CString("ZD3-S")) << "the model designation of the product name";
+    module.SetSubName("S1");
     module.GetSubName(name);
     EXPECT_EQ(name, CString("S1"));
 
     CProject project;
     EXPECT_EQ(project.GetCommState(), nullptr);
+}
+
+TEST(HostProjectModel, SubNameAndPrimaryLabelComeFromTheDescription) {
+    QFile file(QString(PARMIRA_DEVICES_DIR) + "/zd3s_servo.json");
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const std::string json = file.readAll().toStdString();
+    auto withProductKeys = [&](const std::string& keys) {
+        std::string text = json;
+        size_t at = text.find("\"product\": {");
+        EXPECT_NE(at, std::string::npos);
+        text.insert(at + 12, keys);
+        return zorhost::device::ParseDeviceJson(text, "composite.json");
+    };
+    auto r = withProductKeys("\"subName\": \"S3\", \"primaryElectronicLabel\": \"0102 03\", ");
+    ASSERT_TRUE(r) << r.error.ToString();
+    CDeviceModule module(r.device, "C", 1);
+    CString name;
+    module.GetSubName(name);
+    EXPECT_EQ(name, CString("S3"));
+    ASSERT_EQ(module.GetPrimaryElecLabelSize(), 3u);
+    EXPECT_EQ(module.GetPrimaryElecLabel()[0], 1);
+    EXPECT_EQ(module.GetPrimaryElecLabel()[2], 3);
+
+    r = withProductKeys("\"primaryElectronicLabel\": \"01x2\", ");
+    ASSERT_FALSE(r);
+    EXPECT_NE(r.error.ToString().find("product.primaryElectronicLabel"), std::string::npos)
+        << r.error.ToString();
 }
 
 TEST(HostProjectModel, CustomGroupsSurviveTheWorkspaceDatabase) {

@@ -119,9 +119,9 @@ std::size_t DeviceDescription::HeapBytes() const {
     auto options = [](const std::vector<ValueOption>& v) { return v.capacity() * sizeof(v[0]); };
     std::size_t n =
         sourceFile.capacity() + textPool.capacity() + product.electronicLabel.capacity() +
-        parameters.capacity() * sizeof(ParameterDef) + valueInfos.capacity() * sizeof(ValueInfo) +
-        groups.capacity() * sizeof(GroupDef) + axes.capacity() * sizeof(AxisDef) +
-        namedVariables.capacity() * sizeof(NamedVariable) +
+        product.primaryElectronicLabel.capacity() + parameters.capacity() * sizeof(ParameterDef) +
+        valueInfos.capacity() * sizeof(ValueInfo) + groups.capacity() * sizeof(GroupDef) +
+        axes.capacity() * sizeof(AxisDef) + namedVariables.capacity() * sizeof(NamedVariable) +
         functions.capacity() * sizeof(NamedVariable) +
         connectors.capacity() * sizeof(ConnectorGroupDef) +
         perUnitTables.capacity() * sizeof(PerUnitTable) +

@@ -174,6 +174,8 @@ private:
                      bool required = false);
     QJsonObject Object(const QJsonValue& v, const std::string& place);
 
+    std::vector<std::uint8_t> Label(const QJsonObject& o, const char* key, const std::string& place,
+                                    bool required);
     void LoadProduct(const QJsonObject& o);
     std::uint32_t LoadValueInfo(const QJsonObject& o, const std::string& place);
     std::vector<ValueOption> LoadOptions(const QJsonArray& a, const std::string& place);
@@ -293,11 +295,34 @@ QJsonObject Loader::Object(const QJsonValue& v, const std::string& place) {
     return v.toObject();
 }
 
+// A label is written as hexadecimal bytes, blanks between them allowed.
+std::vector<std::uint8_t> Loader::Label(const QJsonObject& o, const char* key,
+                                        const std::string& place, bool required) {
+    std::vector<std::uint8_t> bytes;
+    if (!required && !o.contains(key))
+        return bytes;
+    const std::string at = place + "." + key;
+    std::string label = String(o, key, place, required);
+    std::string digits;
+    for (char c : label) {
+        if (c == ' ')
+            continue;
+        if (!std::isxdigit(static_cast<unsigned char>(c)))
+            Refuse(at, "not a hexadecimal byte list");
+        digits += c;
+    }
+    if (digits.size() % 2 != 0 || digits.empty() || digits.size() > 64)
+        Refuse(at, "expected 1 to 32 whole bytes");
+    for (std::size_t i = 0; i < digits.size(); i += 2)
+        bytes.push_back(std::uint8_t(std::strtoul(digits.substr(i, 2).c_str(), nullptr, 16)));
+    return bytes;
+}
+
 void Loader::LoadProduct(const QJsonObject& o) {
     const std::string place = "product";
     Keys(o, place,
-         {"name", "nameEn", "lineId", "productId", "subProductId", "electronicLabel", "version",
-          "kind", "accessModel", "axisCopyCount"});
+         {"name", "nameEn", "subName", "lineId", "productId", "subProductId", "electronicLabel",
+          "primaryElectronicLabel", "version", "kind", "accessModel", "axisCopyCount"});
     ProductInfo& p = d_.product;
     p.name = Text(o, "name", place, true);
     p.nameEn = Text(o, "nameEn", place);
@@ -306,21 +331,9 @@ void Loader::LoadProduct(const QJsonObject& o) {
     p.subProductId = std::uint32_t(Integer(o, "subProductId", place, 0, 0, 0xFFFF));
     p.versionText = Text(o, "version", place);
 
-    // The label is written as hexadecimal bytes, blanks between them allowed.
-    std::string label = String(o, "electronicLabel", place, true);
-    std::string digits;
-    for (char c : label) {
-        if (c == ' ')
-            continue;
-        if (!std::isxdigit(static_cast<unsigned char>(c)))
-            Refuse(place + ".electronicLabel", "not a hexadecimal byte list");
-        digits += c;
-    }
-    if (digits.size() % 2 != 0 || digits.empty() || digits.size() > 64)
-        Refuse(place + ".electronicLabel", "expected 1 to 32 whole bytes");
-    for (std::size_t i = 0; i < digits.size(); i += 2)
-        p.electronicLabel.push_back(
-            std::uint8_t(std::strtoul(digits.substr(i, 2).c_str(), nullptr, 16)));
+    p.electronicLabel = Label(o, "electronicLabel", place, true);
+    p.primaryElectronicLabel = Label(o, "primaryElectronicLabel", place, false);
+    p.subName = Text(o, "subName", place);
 
     std::string kind = String(o, "kind", place, true);
     if (kind == "servo")

@@ -16,12 +16,26 @@ int ProductKindCode(device::ProductKind kind) {
     return 0;
 }
 
+namespace {
+
+// The description's own sub name, else the model designation that leads the product name
+// ("ZD3-S" of "ZD3-S 单轴伺服驱动器").
+CString SubNameOf(const DeviceDescription& d) {
+    std::string_view sub = d.Text(d.product.subName);
+    if (!sub.empty())
+        return CString(sub);
+    std::string_view name = d.Text(d.product.name);
+    return CString(name.substr(0, name.find(' ')));
+}
+
+} // namespace
+
 CDeviceModule::CDeviceModule(std::shared_ptr<const DeviceDescription> device, CString key,
                              int number)
     : m_key(std::move(key)), m_displayName(CString(device->Text(device->product.name))),
-      m_subName(CString(device->Text(device->product.nameEn))), m_number(number),
+      m_subName(SubNameOf(*device)), m_number(number),
       m_productInfo(ProductKindCode(device->product.kind)), m_store(device, this),
-      m_perUnit(device) {}
+      m_perUnit(device), m_primaryLabel(device->product.primaryElectronicLabel) {}
 
 int CDeviceModule::GetAxisCopyCount() {
     return m_store.Device().product.axisCopyCount;

@@ -223,7 +223,10 @@ struct ProductInfo {
     std::uint32_t lineId = 0;
     std::uint32_t productId = 0;
     std::uint32_t subProductId = 0;
+    TextRef subName;                           // short model designation; may be empty
     std::vector<std::uint8_t> electronicLabel; // at most 32 bytes
+    // The primary unit's label when the product is part of a composite device; else empty.
+    std::vector<std::uint8_t> primaryElectronicLabel;
     TextRef versionText;
     ProductKind kind = ProductKind::Servo;
     AccessModel accessModel = AccessModel::ToolOnly;
