@@ -129,6 +129,27 @@ void CAccessSelector::WriteNamedVar(IHostDeviceModule* module, const char* name,
     helper->WriteNamedVar(key, name, value);
 }
 
+void CAccessSelector::WriteFactoryAccessCode(IHostDeviceModule* module) {
+    IHostDeviceHelper* helper = theApp.GetDeviceHelper();
+    if (module == nullptr || helper == nullptr)
+        return;
+    const char* name = nullptr;
+    switch (helper->GetProtocolKind(module)) {
+    case 0:
+    case 1:
+        name = "Factory";
+        break;
+    case 2:
+        name = "TempAuthority";
+        break;
+    default:
+        return;
+    }
+    CString key;
+    module->GetModuleKey(key);
+    helper->WriteNamedVar(key, name, GetFactoryAccessCode());
+}
+
 void CAccessSelector::OnAccessSelected() {
     if (m_pBox == nullptr)
         return;

@@ -78,6 +78,11 @@ public:
     // Takes the drive's "Authority" over (model 2, online).
     void PollAuthority();
 
+    // Opens the drive's factory access before a read of all parameters: the code goes
+    // to "Factory" in models 0 and 1, to "TempAuthority" in model 2; the result isn't
+    // looked at. Nothing happens without a module or the device helper.
+    static void WriteFactoryAccessCode(IHostDeviceModule* module);
+
     // 1 after a password went to the drive, so that the next change of "Authority" is
     // taken over also when it rises.
     int m_relockPending = 0;

@@ -2,8 +2,10 @@
 
 #include "groups/LoginDialog.h"
 #include "module/ParmiraApp.h"
+#include "module/host/IHostRefreshItem.h"
+#include "module/host/IHostRefreshQuery.h"
+#include "module/host/IVarAttr.h"
 #include "module/host/IVarObjEx.h"
-#include "zorhost/device/DeviceLoader.h"
 
 #include <afx/afxres.h>
 
@@ -21,18 +23,10 @@ public:
 [[maybe_unused]] ::testing::Environment* const g_moduleStart =
     ::testing::AddGlobalTestEnvironment(new ModuleStart);
 
-zorhost::model::CDeviceModule* AsDevice(const std::vector<zorhost::model::CDeviceModule*>& list,
-                                        IHostDeviceModule* module) {
-    for (auto* m : list)
-        if (static_cast<IHostDeviceModule*>(m) == module)
-            return m;
-    return nullptr;
-}
-
 } // namespace
 
-// ---------------------------------------------------------------- drive
-std::vector<std::string> FakeDeviceHelper::WriteLog() const {
+// ---------------------------------------------------------------- helper
+std::vector<std::string> RecordingDeviceHelper::WriteLog() const {
     std::vector<std::string> log;
     for (const Write& w : writes) {
         CString entry;
@@ -40,51 +34,6 @@ std::vector<std::string> FakeDeviceHelper::WriteLog() const {
         log.push_back(entry.str());
     }
     return log;
-}
-
-void FakeDeviceHelper::SetDriveAuthority(zorhost::model::CDeviceModule* module, int level) {
-    const auto* named = module->Store().Device().FindNamedVariable("Authority");
-    if (named == nullptr)
-        return;
-    auto* var =
-        static_cast<zorhost::model::CVarObj*>(module->Store().FindByAddress(named->address));
-    if (var != nullptr)
-        var->StoreRead(Variant::UI2(uint16_t(level)));
-}
-
-int FakeDeviceHelper::GetProtocolKind(IHostDeviceModule* module) {
-    auto* device = AsDevice(modules, module);
-    return device != nullptr ? int(device->Store().Device().product.accessModel) : -1;
-}
-
-IVarObjEx* FakeDeviceHelper::FindNamedVar(IHostDeviceModule* module, const CString& name) {
-    auto* device = AsDevice(modules, module);
-    if (device == nullptr)
-        return nullptr;
-    const auto* named = device->Store().Device().FindNamedVariable(name.str());
-    return named != nullptr ? device->Store().FindByAddress(named->address) : nullptr;
-}
-
-BOOL FakeDeviceHelper::WriteNamedVar(const CString& moduleKey, const CString& name, double value) {
-    writes.push_back({moduleKey, name, value});
-    zorhost::model::CDeviceModule* device = nullptr;
-    for (auto* m : modules) {
-        CString key;
-        m->GetModuleKey(key);
-        if (key == moduleKey)
-            device = m;
-    }
-    if (device == nullptr || !device->IsOnline())
-        return FALSE;
-    if (name == "InputPassword") {
-        if (value == PARMIRA_TEST_FACTORY_CODE_NUMBER)
-            SetDriveAuthority(device, 3);
-        else if (value == drivePassword)
-            SetDriveAuthority(device, 2);
-        else if (value == 65535)
-            SetDriveAuthority(device, 1);
-    }
-    return TRUE;
 }
 
 // ---------------------------------------------------------------- frame
@@ -143,9 +92,8 @@ BOOL BoxPage::OnCommand(WPARAM wParam, LPARAM lParam) {
 
 // ---------------------------------------------------------------- fixture
 void AccessTest::SetUp() {
-    services.Register<IHostVarUtil>(&util);
-    services.Register<IHostDeviceHelper>(&helper);
-    theApp.SetQueryInterfaceCallback(services.Context(), &zorhost::HostServices::Query);
+    host.Services().Register<IHostDeviceHelper>(&helper);
+    theApp.SetQueryInterfaceCallback(host.Services().Context(), &zorhost::HostServices::Query);
     ASSERT_TRUE(page.Create(IDD_BOX_PAGE));
     page.selector = &selector;
     selector.Attach(&page.box, &frame);
@@ -156,31 +104,60 @@ void AccessTest::TearDown() {
     theApp.SetQueryInterfaceCallback(0, nullptr);
 }
 
-zorhost::model::CDeviceModule* AccessTest::AddModule(const char* file, const char* key, bool online,
-                                                     int level) {
-    auto loaded =
-        zorhost::device::LoadDeviceFile(std::string(PARMIRA_SOURCE_DIR "/devices/") + file);
-    EXPECT_TRUE(loaded) << loaded.error.ToString();
-    if (!loaded)
-        return nullptr;
-    owned.push_back(
-        std::make_unique<zorhost::model::CDeviceModule>(loaded.device, key, int(owned.size()) + 1));
-    auto* module = owned.back().get();
-    module->SetOnline(online);
-    module->SetAccessLevel(level);
-    helper.modules.push_back(module);
-    if (frame.module == nullptr)
-        frame.module = module;
-    frame.workspace.push_back(module);
-    return module;
+void AccessTest::Open(std::vector<TestModule> modules) {
+    zorhost::ProjectSpec spec;
+    for (const TestModule& m : modules) {
+        zorhost::ProjectModuleSpec station;
+        station.deviceFile = m.file;
+        station.key = m.key;
+        station.online = m.online;
+        spec.modules.push_back(station);
+    }
+    std::string error;
+    ASSERT_TRUE(host.LoadProject(spec, &error)) << error;
+    frame.module = nullptr;
+    frame.workspace.clear();
+    for (const TestModule& m : modules) {
+        auto* module = host.Module(m.key);
+        ASSERT_NE(module, nullptr) << m.key;
+        module->SetAccessLevel(m.level);
+        if (frame.module == nullptr)
+            frame.module = module;
+        frame.workspace.push_back(module);
+    }
 }
 
-void AccessTest::Fill() {
-    selector.FillAccessBox();
+void AccessTest::ReadAuthority() {
+    IVarObjEx* var = host.DeviceHelper().FindNamedVar(frame.module, "Authority");
+    ASSERT_NE(var, nullptr);
+    CString key;
+    frame.module->GetModuleKey(key);
+    IHostRefreshQuery* query = host.Refresh().NewQuery();
+    query->SetModuleKey(key);
+    IHostRefreshItem* item = query->NewItem();
+    item->SetAddress(var->GetInstanceAddress());
+    item->SetDataType(var->GetAttr()->GetDataType());
+    item->SetLength(var->GetAttr()->GetValueLength());
+    if (!query->AddItem(item))
+        delete item;
+    host.Refresh().SubmitQuery(query);
+    delete query;
+    host.Refresh().RunCycle();
 }
 
-void AccessTest::Choose(int index) {
-    page.box.ChooseEntry(index);
+void AccessTest::DriveReports(int level) {
+    CString key;
+    frame.module->GetModuleKey(key);
+    const auto* named = host.Module(key)->Store().Device().FindNamedVariable("Authority");
+    ASSERT_NE(named, nullptr);
+    ASSERT_TRUE(host.Drive(key)->PokeRaw(named->address, level));
+    ReadAuthority();
+}
+
+void AccessTest::SetOnline(bool online) {
+    CString key;
+    frame.module->GetModuleKey(key);
+    host.SetOnline(key, online);
 }
 
 CString AccessTest::EntryText(int index) const {

@@ -1,7 +1,7 @@
-// A small host for the access tests: real device modules loaded from the shipped
-// descriptions, a stand-in drive behind IHostDeviceHelper that grants "Authority" for
-// the codes it knows, a frame that records how levels are applied, and a page-like
-// window holding the access box.
+// The access tests run against the reference host: modules of the shipped descriptions,
+// each with its simulated drive, which grants "Authority" 3 for the factory code and
+// falls back to 1 at a log-out. Around it: a frame that records how levels are applied,
+// and a page-like window holding the access box.
 #pragma once
 
 #include "controls/NoWheelComboBox.h"
@@ -9,9 +9,7 @@
 #include "module/host/IHostDeviceHelper.h"
 #include "module/host/IHostUiService.h"
 #include "module/host/IHostWindowTranslator.h"
-#include "zorhost/HostServices.h"
-#include "zorhost/model/ProjectModel.h"
-#include "zorhost/services/HostVarUtil.h"
+#include "zorhost/ReferenceHost.h"
 
 #include <afx/afxtest.h>
 
@@ -22,38 +20,58 @@
 #include <string>
 #include <vector>
 
-// The drive side of IHostDeviceHelper. InputPassword with the factory code grants level
-// 3, with `drivePassword` level 2, and 65535 logs out to level 1; the granted level shows
-// in the module's "Authority" variable as a read would bring it.
-class FakeDeviceHelper : public IHostDeviceHelper {
+// The host's device helper with a record of the named writes on their way to the drive.
+class RecordingDeviceHelper : public IHostDeviceHelper {
 public:
+    explicit RecordingDeviceHelper(IHostDeviceHelper& inner) : m_inner(inner) {}
     struct Write {
         CString key, name;
         double value;
     };
     std::vector<Write> writes;
-    std::vector<zorhost::model::CDeviceModule*> modules;
-    int drivePassword = 1357;
-
-    // Names of the writes, in order ("Factory=2468" ...).
+    // The writes in order, as "name=value".
     std::vector<std::string> WriteLog() const;
-    // Stores `level` in the module's "Authority" variable, as the drive reports it.
-    static void SetDriveAuthority(zorhost::model::CDeviceModule* module, int level);
 
-    int GetProtocolKind(IHostDeviceModule* module) override;
-    IVarObjEx* FindNamedVar(IHostDeviceModule* module, const CString& name) override;
-    BOOL WriteNamedVar(const CString& moduleKey, const CString& name, double value) override;
-    IFunctionEntry* FindFunctionVar(IHostDeviceModule*, const CString&) override { return nullptr; }
-    BOOL ReadCsvParamFile(const CString&, IParamFile*, IHostDeviceModule*) override { return 0; }
-    BOOL ReadParameter(const CString&, UINT, double&) override { return 0; }
-    BOOL WriteParameter(const CString&, UINT, double) override { return 0; }
-    BOOL WriteParameterAs(const CString&, UINT, int, double) override { return 0; }
-    BOOL WriteVarDirect(const CString&, UINT, int, const Variant&, Variant&, std::vector<CString>&,
-                        int, int, int) override {
-        return 0;
+    int GetProtocolKind(IHostDeviceModule* module) override {
+        return m_inner.GetProtocolKind(module);
     }
-    BOOL ReadVarDirect(const CString&, UINT, int, Variant&, int, int) override { return 0; }
-    double GetUiScale() override { return 1.0; }
+    IVarObjEx* FindNamedVar(IHostDeviceModule* module, const CString& name) override {
+        return m_inner.FindNamedVar(module, name);
+    }
+    BOOL WriteNamedVar(const CString& moduleKey, const CString& name, double value) override {
+        writes.push_back({moduleKey, name, value});
+        return m_inner.WriteNamedVar(moduleKey, name, value);
+    }
+    IFunctionEntry* FindFunctionVar(IHostDeviceModule* module, const CString& name) override {
+        return m_inner.FindFunctionVar(module, name);
+    }
+    BOOL ReadCsvParamFile(const CString& path, IParamFile* file,
+                          IHostDeviceModule* module) override {
+        return m_inner.ReadCsvParamFile(path, file, module);
+    }
+    BOOL ReadParameter(const CString& key, UINT address, double& value) override {
+        return m_inner.ReadParameter(key, address, value);
+    }
+    BOOL WriteParameter(const CString& key, UINT address, double value) override {
+        return m_inner.WriteParameter(key, address, value);
+    }
+    BOOL WriteParameterAs(const CString& key, UINT address, int type, double value) override {
+        return m_inner.WriteParameterAs(key, address, type, value);
+    }
+    BOOL WriteVarDirect(const CString& key, UINT address, int type, const Variant& value,
+                        Variant& result, std::vector<CString>& errors, int mode, int timeout_ms,
+                        int tries) override {
+        return m_inner.WriteVarDirect(key, address, type, value, result, errors, mode, timeout_ms,
+                                      tries);
+    }
+    BOOL ReadVarDirect(const CString& key, UINT address, int type, Variant& value, int timeout_ms,
+                       int tries) override {
+        return m_inner.ReadVarDirect(key, address, type, value, timeout_ms, tries);
+    }
+    double GetUiScale() override { return m_inner.GetUiScale(); }
+
+private:
+    IHostDeviceHelper& m_inner;
 };
 
 // The table frame as the box sees it: applies a level to the shown module (or to every
@@ -132,27 +150,41 @@ protected:
     BOOL OnCommand(WPARAM wParam, LPARAM lParam) override;
 };
 
+// One module of a test project.
+struct TestModule {
+    const char* file; // under devices/, or an absolute path
+    const char* key;
+    bool online;
+    int level;
+};
+
 class AccessTest : public ::testing::Test {
 protected:
     void SetUp() override;
     void TearDown() override;
 
-    // Adds a module of the device in devices/<file>; the first becomes the shown one.
-    zorhost::model::CDeviceModule* AddModule(const char* file, const char* key, bool online,
-                                             int level);
-    // Fills the box for the shown module.
-    void Fill();
+    // Opens a project of these modules in the reference host, each with its simulated
+    // drive; the first is the module on show, all form the workspace.
+    void Open(std::vector<TestModule> modules);
+    zorhost::model::CDeviceModule* Module(const char* key) { return host.Module(key); }
+    zorhost::sim::SimulatedDrive* Drive(const char* key) { return host.Drive(key); }
+    // One refresh cycle with the shown module's "Authority" in the query, as the first
+    // page keeps it in its reads.
+    void ReadAuthority();
+    // The drive itself changes the level it grants (another tool, a power cycle).
+    void DriveReports(int level);
+    void SetOnline(bool online);
+
+    void Fill() { selector.FillAccessBox(); }
     // Simulates the user's choice of entry `index`.
-    void Choose(int index);
+    void Choose(int index) { page.box.ChooseEntry(index); }
     CString EntryText(int index) const;
     int Selected() const { return page.box.GetCurSel(); }
     int SelectedData() const;
 
-    zorhost::HostServices services;
-    zorhost::CHostVarUtil util;
-    FakeDeviceHelper helper;
+    zorhost::ReferenceHost host;
+    RecordingDeviceHelper helper{host.DeviceHelper()};
     RecordingFrame frame;
-    std::vector<std::unique_ptr<zorhost::model::CDeviceModule>> owned;
     BoxPage page;
     CAccessSelector selector{TRUE};
     CAfxRecordingResponder prompts;

@@ -3,9 +3,10 @@
 #include "access_fixture.h"
 
 #include "groups/LoginDialog.h"
-#include "zorhost/device/DeviceLoader.h"
 
 #include <climits>
+#include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -53,11 +54,7 @@ TEST_F(AccessTest, BoxEntriesAndSelectionFollowModelAndLevel) {
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.file) + (c.online ? " online, level " : " offline, level ") +
                      std::to_string(c.level));
-        owned.clear();
-        helper.modules.clear();
-        frame.workspace.clear();
-        frame.module = nullptr;
-        AddModule(c.file, "m", c.online, c.level);
+        Open({{c.file, "m", c.online, c.level}});
         page.box.AddString("left over");
         Fill();
         ASSERT_EQ(page.box.GetCount(), int(c.texts.size()));
@@ -72,8 +69,8 @@ TEST_F(AccessTest, BoxEntriesAndSelectionFollowModelAndLevel) {
 // Without the device helper the model is unknown: nothing is filled and a selection
 // does nothing, quietly; the first page still remembers the index chosen.
 TEST_F(AccessTest, MissingDeviceHelperEndsQuietly) {
-    AddModule(kInverter, "inv", true, 1);
-    services.Withhold<IHostDeviceHelper>();
+    Open({{kInverter, "inv", true, 1}});
+    host.Services().Withhold<IHostDeviceHelper>();
     Fill();
     EXPECT_EQ(page.box.GetCount(), 0);
     page.box.AddString("a");
@@ -89,25 +86,23 @@ TEST_F(AccessTest, MissingDeviceHelperEndsQuietly) {
 
 // ---------------------------------------------------------------- model 0
 TEST_F(AccessTest, ModelZeroOrdinaryUserReachesEveryModule) {
-    AddModule(kInverter, "inv", true, 3);
-    auto* other = AddModule(kServo, "servo", false, 3);
+    Open({{kInverter, "inv", true, 3}, {kServo, "servo", false, 3}});
     Fill();
     LoginAnswers answers;
     Choose(0);
     EXPECT_EQ(frame.calls, Strings{"all 1"});
-    EXPECT_EQ(other->GetAccessLevel(), 1);
+    EXPECT_EQ(Module("servo")->GetAccessLevel(), 1);
     EXPECT_EQ(answers.Shown(), 0);
     EXPECT_TRUE(helper.writes.empty());
 }
 
 TEST_F(AccessTest, ModelZeroSuperAdministratorLogin) {
-    auto* inv = AddModule(kInverter, "inv", false, 1);
-    auto* other = AddModule(kFourAxis, "axis", false, 0);
+    Open({{kInverter, "inv", false, 1}, {kFourAxis, "axis", false, 0}});
     for (bool online : {true, false}) {
         SCOPED_TRACE(online ? "online" : "offline");
-        inv->SetOnline(online);
-        inv->SetAccessLevel(1);
-        other->SetAccessLevel(0);
+        SetOnline(online);
+        Module("inv")->SetAccessLevel(1);
+        Module("axis")->SetAccessLevel(0);
         frame.calls.clear();
         Fill();
         LoginAnswers answers;
@@ -130,7 +125,7 @@ TEST_F(AccessTest, ModelZeroSuperAdministratorLogin) {
         answers.Ok(upper.GetString());
         Choose(1);
         EXPECT_EQ(frame.calls, Strings{"all 3"});
-        EXPECT_EQ(other->GetAccessLevel(), 3);
+        EXPECT_EQ(Module("axis")->GetAccessLevel(), 3);
         EXPECT_EQ(answers.Shown(), 3);
         EXPECT_TRUE(helper.writes.empty()); // model 0 never talks to the drive
     }
@@ -138,9 +133,9 @@ TEST_F(AccessTest, ModelZeroSuperAdministratorLogin) {
 
 // ---------------------------------------------------------------- model 1
 TEST_F(AccessTest, ModelOneBasicLevelsApplyAtOnce) {
-    auto* axis = AddModule(kFourAxis, "axis", true, 3);
+    Open({{kFourAxis, "axis", true, 3}});
     for (bool online : {true, false}) {
-        axis->SetOnline(online);
+        SetOnline(online);
         frame.calls.clear();
         Fill();
         LoginAnswers answers;
@@ -154,7 +149,7 @@ TEST_F(AccessTest, ModelOneBasicLevelsApplyAtOnce) {
 
 // Online the stored code goes to the drive whatever was typed, and the level stays.
 TEST_F(AccessTest, ModelOneOnlineLoginWritesStoredCode) {
-    auto* axis = AddModule(kFourAxis, "axis", true, 1);
+    Open({{kFourAxis, "axis", true, 1}});
     Fill();
     LoginAnswers answers;
     answers.Ok("anything");
@@ -166,8 +161,9 @@ TEST_F(AccessTest, ModelOneOnlineLoginWritesStoredCode) {
     EXPECT_EQ(helper.WriteLog(),
               (Strings{"InputPassword=" + Code().str(), "Factory=" + Code().str(),
                        "InputPassword=" + Code().str()}));
+    EXPECT_EQ(Drive("axis")->Authority(), 3); // the drive took the code
     EXPECT_TRUE(frame.calls.empty());
-    EXPECT_EQ(axis->GetAccessLevel(), 1);
+    EXPECT_EQ(Module("axis")->GetAccessLevel(), 1);
     EXPECT_EQ(Selected(), 3);
     EXPECT_TRUE(prompts.prompts.empty());
 
@@ -181,7 +177,7 @@ TEST_F(AccessTest, ModelOneOnlineLoginWritesStoredCode) {
 }
 
 TEST_F(AccessTest, ModelOneOfflineLoginChecksPassword) {
-    auto* axis = AddModule(kFourAxis, "axis", false, 1);
+    Open({{kFourAxis, "axis", false, 1}});
     Fill();
     LoginAnswers answers;
     for (int entry : {2, 3}) {
@@ -202,14 +198,14 @@ TEST_F(AccessTest, ModelOneOfflineLoginChecksPassword) {
     answers.Ok(Word().GetString());
     Choose(3);
     EXPECT_EQ(frame.calls, (Strings{"apply 2", "apply 3"}));
-    EXPECT_EQ(axis->GetAccessLevel(), 3);
+    EXPECT_EQ(Module("axis")->GetAccessLevel(), 3);
     EXPECT_TRUE(helper.writes.empty());
 }
 
 // ---------------------------------------------------------------- model 2
 TEST_F(AccessTest, ModelTwoLevelGrantedByDriveNeedsNoPassword) {
-    auto* servo = AddModule(kServo, "servo", true, 1);
-    servo->SetDeviceAuthority(2);
+    Open({{kServo, "servo", true, 1}});
+    Module("servo")->SetDeviceAuthority(2);
     Fill();
     selector.m_relockPending = 1;
     LoginAnswers answers;
@@ -222,7 +218,8 @@ TEST_F(AccessTest, ModelTwoLevelGrantedByDriveNeedsNoPassword) {
 }
 
 TEST_F(AccessTest, ModelTwoLoginOnlineAndOffline) {
-    auto* servo = AddModule(kServo, "servo", true, 1);
+    Open({{kServo, "servo", true, 1}});
+    auto* servo = Module("servo");
     servo->SetDeviceAuthority(1);
     Fill();
     LoginAnswers answers;
@@ -244,7 +241,7 @@ TEST_F(AccessTest, ModelTwoLoginOnlineAndOffline) {
     EXPECT_EQ(selector.m_relockPending, 1);
 
     // Offline with the word: nothing goes out, the level is set.
-    servo->SetOnline(false);
+    SetOnline(false);
     helper.writes.clear();
     frame.calls.clear();
     selector.m_relockPending = 0;
@@ -270,8 +267,8 @@ TEST_F(AccessTest, ModelTwoLoginOnlineAndOffline) {
 
 // What the drive's register receives is the decimal reading of the text.
 TEST_F(AccessTest, ModelTwoPasswordReachesDriveAsDecimalNumber) {
-    auto* servo = AddModule(kServo, "servo", true, 1);
-    servo->SetDeviceAuthority(0);
+    Open({{kServo, "servo", true, 1}});
+    Module("servo")->SetDeviceAuthority(0);
     Fill();
     LoginAnswers answers;
     for (const char* text : {"abc", "12ab", " 77"}) {
@@ -281,23 +278,30 @@ TEST_F(AccessTest, ModelTwoPasswordReachesDriveAsDecimalNumber) {
     EXPECT_EQ(helper.WriteLog(),
               (Strings{"InputPassword=0", "InputPassword=12", "InputPassword=77"}));
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 3u);
+    EXPECT_EQ(selector.m_relockPending, 1);
     EXPECT_EQ(PasswordTextToCode("99999999999"), INT_MAX);
     EXPECT_EQ(PasswordTextToCode("-5x"), -5);
 }
 
 TEST_F(AccessTest, ModelTwoLogOut) {
-    auto* servo = AddModule(kServo, "servo", true, 3);
-    FakeDeviceHelper::SetDriveAuthority(servo, 3);
+    Open({{kServo, "servo", true, 3}});
     Fill();
-    selector.PollAuthority();
     LoginAnswers answers;
+    answers.Ok(Code().GetString());
+    Choose(3); // the drive starts at basic: a login to factory
+    ReadAuthority();
+    selector.PollAuthority();
+    ASSERT_EQ(Drive("servo")->Authority(), 3);
+    ASSERT_EQ(Module("servo")->GetDeviceAuthority(), 3);
     frame.calls.clear();
+    helper.writes.clear();
 
     // Online: the drive is told, and the tool follows on the next poll.
     Choose(4);
     EXPECT_EQ(helper.WriteLog(), Strings{"InputPassword=65535"});
     EXPECT_TRUE(frame.calls.empty());
     EXPECT_EQ(selector.m_relockPending, 1);
+    ReadAuthority();
     selector.PollAuthority();
     EXPECT_EQ(frame.calls, Strings{"apply 1"});
     EXPECT_EQ(Selected(), 1);
@@ -305,23 +309,24 @@ TEST_F(AccessTest, ModelTwoLogOut) {
     EXPECT_EQ(selector.m_relockPending, 0);
 
     // Offline: straight to the basic level, nothing written.
-    servo->SetOnline(false);
-    servo->SetAccessLevel(3);
+    SetOnline(false);
+    Module("servo")->SetAccessLevel(3);
     helper.writes.clear();
     frame.calls.clear();
     Choose(4);
     EXPECT_EQ(frame.calls, Strings{"apply 1"});
-    EXPECT_EQ(servo->GetAccessLevel(), 1);
+    EXPECT_EQ(Module("servo")->GetAccessLevel(), 1);
     EXPECT_TRUE(helper.writes.empty());
-    EXPECT_EQ(answers.Shown(), 0);
+    EXPECT_EQ(answers.Shown(), 1);
 }
 
 // ---------------------------------------------------------------- following the drive
 // A login the drive accepts raises the tool to what the drive grants, through the poll.
 TEST_F(AccessTest, PollRaisesLevelAfterAcceptedPassword) {
-    auto* servo = AddModule(kServo, "servo", true, 1);
-    FakeDeviceHelper::SetDriveAuthority(servo, 1);
+    Open({{kServo, "servo", true, 1}});
+    auto* servo = Module("servo");
     Fill();
+    ReadAuthority();
     selector.PollAuthority();
     ASSERT_EQ(servo->GetDeviceAuthority(), 1);
     LoginAnswers answers;
@@ -329,6 +334,7 @@ TEST_F(AccessTest, PollRaisesLevelAfterAcceptedPassword) {
     Choose(2); // the code passes here too: expert at once; the drive grants factory
     EXPECT_EQ(servo->GetAccessLevel(), 2);
     frame.calls.clear();
+    ReadAuthority();
     selector.PollAuthority();
     EXPECT_EQ(servo->GetDeviceAuthority(), 3);
     EXPECT_EQ(frame.calls, Strings{"apply 3"});
@@ -336,31 +342,37 @@ TEST_F(AccessTest, PollRaisesLevelAfterAcceptedPassword) {
     EXPECT_EQ(Selected(), 3);
     EXPECT_EQ(selector.m_relockPending, 0);
     // Taken over once; the next poll finds nothing new.
+    ReadAuthority();
     selector.PollAuthority();
     EXPECT_EQ(frame.calls.size(), 1u);
 }
 
-// A code only the drive knows fails the tool's test, yet the drive's grant is taken over.
-TEST_F(AccessTest, PollTakesOverGrantForCodeOnlyDriveKnows) {
-    auto* servo = AddModule(kServo, "servo", true, 1);
-    FakeDeviceHelper::SetDriveAuthority(servo, 1);
+// A code the drive refuses leaves its grant where it was; the tool shows that grant.
+TEST_F(AccessTest, RefusedCodeLeavesDriveGrant) {
+    Open({{kServo, "servo", true, 1}});
     Fill();
+    ReadAuthority();
     selector.PollAuthority();
     LoginAnswers answers;
-    answers.Ok(std::to_string(helper.drivePassword).c_str());
+    answers.Ok("1111");
     Choose(3);
+    EXPECT_EQ(helper.WriteLog(), Strings{"InputPassword=1111"});
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u);
     EXPECT_EQ(Selected(), 0);
-    EXPECT_EQ(servo->GetAccessLevel(), 1);
+    EXPECT_EQ(selector.m_relockPending, 1);
+    ReadAuthority();
     selector.PollAuthority();
-    EXPECT_EQ(frame.calls, Strings{"apply 2"});
-    EXPECT_EQ(servo->GetAccessLevel(), 2);
-    EXPECT_EQ(Selected(), 2);
+    EXPECT_EQ(Drive("servo")->Authority(), 1);
+    EXPECT_EQ(frame.calls, Strings{"apply 1"});
+    EXPECT_EQ(Module("servo")->GetAccessLevel(), 1);
+    EXPECT_EQ(Selected(), 1);
+    EXPECT_EQ(selector.m_relockPending, 0);
 }
 
 TEST_F(AccessTest, PollFallAlwaysReachesToolRiseOnlyAfterPassword) {
-    auto* servo = AddModule(kServo, "servo", true, 2);
-    FakeDeviceHelper::SetDriveAuthority(servo, 2);
+    Open({{kServo, "servo", true, 2}});
+    auto* servo = Module("servo");
+    DriveReports(2);
     Fill();
     selector.PollAuthority();
     LoginAnswers answers;
@@ -370,7 +382,7 @@ TEST_F(AccessTest, PollFallAlwaysReachesToolRiseOnlyAfterPassword) {
     frame.calls.clear();
 
     // A rise without a password going out waits for the user.
-    FakeDeviceHelper::SetDriveAuthority(servo, 3);
+    DriveReports(3);
     selector.PollAuthority();
     EXPECT_EQ(servo->GetDeviceAuthority(), 3);
     EXPECT_TRUE(frame.calls.empty());
@@ -380,7 +392,7 @@ TEST_F(AccessTest, PollFallAlwaysReachesToolRiseOnlyAfterPassword) {
     // A fall is taken over, with or without a password pending.
     for (int pending : {0, 1}) {
         SCOPED_TRACE(pending);
-        FakeDeviceHelper::SetDriveAuthority(servo, 0);
+        DriveReports(0);
         selector.m_relockPending = pending;
         selector.PollAuthority();
         EXPECT_EQ(servo->GetAccessLevel(), 0);
@@ -393,34 +405,33 @@ TEST_F(AccessTest, PollFallAlwaysReachesToolRiseOnlyAfterPassword) {
 }
 
 TEST_F(AccessTest, PollOnlyForOnlineModelTwo) {
-    auto* servo = AddModule(kServo, "servo", false, 3);
+    Open({{kServo, "servo", true, 3}});
+    auto* servo = Module("servo");
+    DriveReports(0);
     servo->SetDeviceAuthority(3);
-    FakeDeviceHelper::SetDriveAuthority(servo, 0);
+    SetOnline(false);
     Fill();
     selector.m_authorityIndex = 3;
-    selector.PollAuthority(); // offline: the drive's value isn't read
+    selector.PollAuthority(); // offline: the drive's value isn't taken
     EXPECT_TRUE(frame.calls.empty());
     EXPECT_EQ(servo->GetDeviceAuthority(), 3);
 
-    servo->SetOnline(true);
-    services.Withhold<IHostVarUtil>();
+    SetOnline(true);
+    host.Services().Withhold<IHostVarUtil>();
     selector.PollAuthority();
     EXPECT_TRUE(frame.calls.empty());
     EXPECT_EQ(servo->GetDeviceAuthority(), 3);
-    services.Withhold<IHostVarUtil>(false);
+    host.Services().Withhold<IHostVarUtil>(false);
     selector.PollAuthority(); // the control: with everything there the fall is taken over
     EXPECT_EQ(frame.calls, Strings{"apply 0"});
     frame.calls.clear();
 
+    // Models 0 and 1 have no authority to follow.
     for (const char* file : {kFourAxis, kInverter}) {
-        owned.clear();
-        helper.modules.clear();
-        frame.workspace.clear();
-        frame.module = nullptr;
-        auto* m = AddModule(file, "other", true, 3);
-        m->SetDeviceAuthority(3);
+        Open({{file, "other", true, 3}});
+        Module("other")->SetDeviceAuthority(3);
         selector.PollAuthority();
-        EXPECT_EQ(m->GetDeviceAuthority(), 3) << file;
+        EXPECT_EQ(Module("other")->GetDeviceAuthority(), 3) << file;
     }
     EXPECT_TRUE(frame.calls.empty());
 }
@@ -435,21 +446,27 @@ TEST_F(AccessTest, ModelTwoWithoutAuthorityKeepsLevel) {
     const size_t at = json.find(line);
     ASSERT_NE(at, std::string::npos);
     json.erase(at, line.size());
-    auto loaded = zorhost::device::ParseDeviceJson(json, "no_authority.json");
-    ASSERT_TRUE(loaded) << loaded.error.ToString();
-    ASSERT_EQ(loaded.device->FindNamedVariable("Authority"), nullptr);
-    owned.push_back(std::make_unique<zorhost::model::CDeviceModule>(loaded.device, "servo", 1));
-    auto* servo = owned.back().get();
-    servo->SetOnline(true);
-    servo->SetAccessLevel(3);
-    helper.modules.push_back(servo);
-    frame.module = servo;
+    const std::filesystem::path dir =
+        std::filesystem::path(::testing::TempDir()) / "parmira_access_no_authority";
+    std::filesystem::create_directories(dir);
+    const std::string path = (dir / "servo_without_authority.json").string();
+    std::ofstream(path) << json;
+
+    Open({{path.c_str(), "servo", true, 3}});
+    std::filesystem::remove_all(dir);
+    auto* servo = Module("servo");
+    ASSERT_EQ(helper.FindNamedVar(servo, "Authority"), nullptr);
     Fill();
+    EXPECT_EQ(page.box.GetCount(), 5);
     selector.m_authorityIndex = 3;
     selector.m_relockPending = 1;
+    servo->SetDeviceAuthority(3);
+    LoginAnswers answers;
+    Choose(4); // logs out at the drive; no authority ever comes back
     selector.PollAuthority();
     EXPECT_TRUE(frame.calls.empty());
     EXPECT_EQ(servo->GetAccessLevel(), 3);
+    EXPECT_EQ(servo->GetDeviceAuthority(), 3);
     EXPECT_EQ(selector.m_relockPending, 1);
 }
 
@@ -458,17 +475,17 @@ TEST_F(AccessTest, SecondPagePollComparesWithShownEntry) {
     CAccessSelector second(FALSE);
     second.Attach(&page.box, &frame);
     page.selector = &second;
-    auto* servo = AddModule(kServo, "servo", true, 3);
-    FakeDeviceHelper::SetDriveAuthority(servo, 3);
+    Open({{kServo, "servo", true, 3}});
+    DriveReports(3);
     second.FillAccessBox();
     second.m_authorityIndex = 0; // not used on this page
     second.PollAuthority();
     EXPECT_TRUE(frame.calls.empty());
-    FakeDeviceHelper::SetDriveAuthority(servo, 1);
+    DriveReports(1);
     second.PollAuthority();
     EXPECT_EQ(frame.calls, Strings{"apply 1"});
     EXPECT_EQ(SelectedData(), 1);
-    FakeDeviceHelper::SetDriveAuthority(servo, 3);
+    DriveReports(3);
     second.PollAuthority();
     EXPECT_EQ(frame.calls.size(), 1u);
     second.m_relockPending = 1;
@@ -477,4 +494,19 @@ TEST_F(AccessTest, SecondPagePollComparesWithShownEntry) {
     EXPECT_EQ(SelectedData(), 3);
     EXPECT_EQ(second.m_authorityIndex, 0);
     page.selector = &selector;
+}
+
+// Before a read of all parameters the factory access is opened under the model's name.
+TEST_F(AccessTest, FactoryAccessBeforeReadGoesToModelsVariable) {
+    Open({{kInverter, "inv", true, 1}, {kFourAxis, "axis", true, 1}, {kServo, "servo", true, 0}});
+    CAccessSelector::WriteFactoryAccessCode(nullptr);
+    for (const char* key : {"inv", "axis", "servo"})
+        CAccessSelector::WriteFactoryAccessCode(Module(key));
+    EXPECT_EQ(helper.WriteLog(), (Strings{"Factory=" + Code().str(), "Factory=" + Code().str(),
+                                          "TempAuthority=" + Code().str()}));
+    EXPECT_EQ(helper.writes[1].key, "axis");
+    EXPECT_EQ(Drive("servo")->Authority(), 3); // the drives take the code
+    host.Services().Withhold<IHostDeviceHelper>();
+    CAccessSelector::WriteFactoryAccessCode(Module("inv"));
+    EXPECT_EQ(helper.writes.size(), 3u);
 }
