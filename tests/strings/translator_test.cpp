@@ -1,6 +1,7 @@
 // Translation of texts, menus and windows, in both languages and back again.
 #include "zorhost/services/HostUiService.h"
 
+#include <afx/afxcmn.h>
 #include <afx/afxqt.h>
 #include <afx/afxwin.h>
 
@@ -111,6 +112,7 @@ enum : UINT {
     IDC_UNKNOWN_LABEL = 9706,
     IDC_TWO_LINES = 9707,
     IDC_LATE_BUTTON = 9708,
+    IDC_VAR_LIST = 9709,
 };
 
 class WindowTranslationTest : public ::testing::Test {
@@ -130,12 +132,19 @@ protected:
               {IDC_LEVEL_BOX, DlgCtl::ComboDropList, "", 220, 40, 120, 24},
               {IDC_UNKNOWN_LABEL, DlgCtl::Static, "没有译文", 220, 70, 120, 20},
               {IDC_TWO_LINES, DlgCtl::Button, "上传并保存\n(所有勾选项)", 10, 160, 160, 44},
+              {IDC_VAR_LIST, DlgCtl::List, "", 220, 100, 190, 140, LVS_REPORT},
               {IDOK, DlgCtl::Button, "确定", 240, 250, 80, 26, BS_DEFPUSHBUTTON}}});
         ASSERT_TRUE(dialog.Create(IDD_TRANSLATED));
         auto* level = static_cast<CComboBox*>(dialog.GetDlgItem(IDC_LEVEL_BOX));
         ASSERT_NE(level, nullptr);
         level->AddString("厂家参数");
         level->SetCurSel(0);
+        list = static_cast<CListCtrl*>(dialog.GetDlgItem(IDC_VAR_LIST));
+        ASSERT_NE(list, nullptr);
+        list->InsertColumn(0, "参数", LVCFMT_LEFT, 60);
+        list->InsertColumn(1, "当前值", LVCFMT_LEFT, 80);
+        list->InsertColumn(2, "Guid", LVCFMT_LEFT, 40);
+        list->InsertItem(0, "出厂值");
     }
     void TearDown() override {
         dialog.DestroyWindow();
@@ -151,6 +160,8 @@ protected:
         EXPECT_EQ(Text(IDC_CONDITION_BOX), "比较条件");
         EXPECT_EQ(Text(IDC_TWO_LINES), "上传并保存\n(所有勾选项)");
         EXPECT_EQ(Text(IDOK), "确定");
+        EXPECT_EQ(list->GetColumnText(0), "参数");
+        EXPECT_EQ(list->GetColumnText(1), "当前值");
         ExpectDataUntouched();
     }
     void ExpectEnglish() {
@@ -160,6 +171,8 @@ protected:
         EXPECT_EQ(Text(IDC_CONDITION_BOX), "Compare by");
         EXPECT_EQ(Text(IDC_TWO_LINES), "Upload and save\n(all checked)");
         EXPECT_EQ(Text(IDOK), "OK");
+        EXPECT_EQ(list->GetColumnText(0), "Parameter");
+        EXPECT_EQ(list->GetColumnText(1), "Current value");
         ExpectDataUntouched();
     }
     // Edits and lists hold values, not captions, whatever they read like.
@@ -167,10 +180,13 @@ protected:
         EXPECT_EQ(Text(IDC_VALUE_EDIT), "当前值");
         EXPECT_EQ(Text(IDC_LEVEL_BOX), "厂家参数");
         EXPECT_EQ(Text(IDC_UNKNOWN_LABEL), "没有译文");
+        EXPECT_EQ(list->GetColumnText(2), "Guid");
+        EXPECT_EQ(list->GetItemText(0, 0), "出厂值");
     }
 
     HINSTANCE resources = nullptr;
     CDialog dialog;
+    CListCtrl* list = nullptr;
     CHostUiService ui;
 };
 

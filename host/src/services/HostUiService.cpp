@@ -1,5 +1,6 @@
 #include "zorhost/services/HostUiService.h"
 
+#include <afx/afxcmn.h>
 #include <afx/afxqt.h>
 #include <afx/afxres.h>
 
@@ -93,6 +94,21 @@ void CollectCaptions(QWidget* w, bool isRoot, std::vector<Caption>& out) {
     } else if (auto* box = qobject_cast<QGroupBox*>(w)) {
         out.push_back({w, "text", [box] { return box->title(); },
                        [box](const QString& t) { box->setTitle(t); }});
+    } else if (w->inherits("afxi::AfxListView")) {
+        // A report list's column titles. The list is driven through its handle; the
+        // column calls use nothing but the handle.
+        auto* list = static_cast<CListCtrl*>(CWnd::FromHandle(AfxHandleFromWidget(w)));
+        if (list != nullptr)
+            for (int i = 0; i < list->GetColumnCount(); ++i)
+                out.push_back({w, "column" + QByteArray::number(i),
+                               [list, i] { return AfxToQString(list->GetColumnText(i)); },
+                               [list, i](const QString& t) {
+                                   std::string text = AfxFromQString(t).GetString();
+                                   LVCOLUMN column{};
+                                   column.mask = LVCF_TEXT;
+                                   column.pszText = text.data();
+                                   list->SetColumn(i, &column);
+                               }});
     } else if (auto* tabs = qobject_cast<QTabBar*>(w)) {
         for (int i = 0; i < tabs->count(); ++i)
             out.push_back({w, "tab" + QByteArray::number(i), [tabs, i] { return tabs->tabText(i); },

@@ -65,10 +65,10 @@ public:
     // IHostUiService
     BOOL GetString(CString& text, HINSTANCE module, UINT id, int reserved) override;
     IHostWindowTranslator* CreateWindowTranslator() override;
-    // Labels, buttons, group boxes, tab titles and window titles of `window` and its
-    // children. Each keeps its text as written, so switching back and forth is lossless;
-    // a text that code set meanwhile becomes the new text as written. Edits, lists and
-    // combo boxes hold data, not captions, and are left alone.
+    // Labels, buttons, group boxes, tab titles, list column titles and window titles of
+    // `window` and its children. Each keeps its text as written, so switching back and
+    // forth is lossless; a text that code set meanwhile becomes the new text as written.
+    // Edits, list rows, trees and combo boxes hold data, not captions, and are left alone.
     void RetranslateWindow(HWND window) override;
     void TranslateText(CString& translated, const CString& text) override;
     // Every entry, popups included; check marks, states and ids stay.
