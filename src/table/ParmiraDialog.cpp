@@ -123,6 +123,10 @@ void CParmiraDialog::ShowNotice() {
     m_pNotice->SetText(text.GetString());
 }
 
+CString CParmiraDialog::GetNoticeText() const {
+    return m_pNotice != nullptr ? m_pNotice->GetText() : CString();
+}
+
 void CParmiraDialog::OnSize(UINT nType, int cx, int cy) {
     CZorSkinPDialog::OnSize(nType, cx, cy);
     CWnd* placeholder = GetDlgItem(int(IDC_TABLE_PLACEHOLDER));

@@ -36,6 +36,8 @@ public:
     CImplementation* GetOwner() const { return m_pOwner; }
     // The table frame; null before OnInitDialog and after OnDestroy.
     CVarTable* GetTable() const { return m_pTable; }
+    // What the notice strip shows; empty for all but line 13.
+    CString GetNoticeText() const;
     const CString& GetModuleKeyText() const { return m_strModuleKey; }
     // The tab's window the panel lives in.
     HWND GetTabWindow() const;

@@ -38,6 +38,11 @@ CVarTable::CVarTable() : CZorSkinPDialog(IDD_VAR_TABLE) {
 
 CVarTable::~CVarTable() {
     theApp.RemoveLanguageListener(this);
+    // A window destroyed together with its parent may never have seen OnDestroy; the
+    // host must not keep a listener or a subscription that points here.
+    RemoveRefreshListener();
+    if (m_uploadSubscribed)
+        UnsubscribeUpload();
     StopRefresh();
     delete oldProtocolDevices;
     oldProtocolDevices = nullptr;
@@ -99,8 +104,10 @@ BOOL CVarTable::OnInitDialog() {
     }
     // refreshEnabled is 1 since construction, so only the worker is missing here.
     StartWorker();
-    if (IHostRefreshService* refresh = theApp.GetRefreshService())
+    if (IHostRefreshService* refresh = theApp.GetRefreshService()) {
         refresh->AddRefreshListener(this);
+        m_bRefreshListening = TRUE;
+    }
     SetTimer(IDT_AUTHORITY_POLL, AUTHORITY_POLL_PERIOD_MS);
 
     if (IHostUiService* ui = theApp.GetUiService()) {
@@ -118,11 +125,18 @@ void CVarTable::OnDestroy() {
     // NOT DONE: the compare dialog is closed here once it exists.
     ReleaseWorker();
     CZorSkinPDialog::OnDestroy();
-    if (IHostRefreshService* refresh = theApp.GetRefreshService())
-        refresh->RemoveRefreshListener(this);
+    RemoveRefreshListener();
     StopRefresh();
     UnsubscribeUpload();
     m_hWndForWorker.store(nullptr);
+}
+
+void CVarTable::RemoveRefreshListener() {
+    if (!m_bRefreshListening)
+        return;
+    m_bRefreshListening = FALSE;
+    if (IHostRefreshService* refresh = theApp.GetRefreshService())
+        refresh->RemoveRefreshListener(this);
 }
 
 // ---------------------------------------------------------------- what the pages ask

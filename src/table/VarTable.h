@@ -224,6 +224,7 @@ private:
     void OnRefreshTick();
     void OnRefreshQueryMessage();
     void StartWorker();
+    void RemoveRefreshListener();
     void ReleaseWorker();
     void RecalcLayout();
     void DeleteTreeRecords();
@@ -258,6 +259,7 @@ private:
     std::atomic<HWND> m_hWndForWorker{nullptr};
     std::map<CString, TreeState> m_treeState;
     BOOL m_uploadSubscribed = FALSE;
+    BOOL m_bRefreshListening = FALSE;
     // Set while items are made or deleted in bulk: selection changes then show nothing.
     BOOL m_bRebuilding = FALSE;
 

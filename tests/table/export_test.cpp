@@ -1,0 +1,132 @@
+// The parameter table, byte for byte, and the windowless export that writes it.
+#include "frame_fixture.h"
+
+#include "files/ParamTableWriter.h"
+#include "module/Implementation.h"
+#include "table/ParmiraDialog.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+using namespace tt;
+
+namespace {
+
+std::string ReadBytes(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream all;
+    all << in.rdbuf();
+    return all.str();
+}
+
+class ExportTest : public FrameTest {
+protected:
+    void SetUp() override {
+        FrameTest::SetUp();
+        module->name = "伺服A";
+        module->axisIndex = 3;
+        module->version = "V2.10";
+        module->label = {0x0D, 0x00, 0x1A, 0x01, 0xAB};
+        Group* h00 = module->drive.groups.Add("H00");
+        Attr* a = module->drive.AddParam("H00-00", 0);
+        a->name = "电机编号";
+        a->dataType = VT_UI2;
+        a->factory = Variant::I4(14000);
+        a->maximum = Variant::I4(65535);
+        a->modifyMode = 1;
+        module->drive.VarOf("H00-00")->value = Variant::I4(14101);
+        h00->members.push_back("H00-00");
+
+        Group* h02 = module->drive.groups.Add("H02");
+        a = module->drive.AddParam("H02-02", 0x202);
+        a->name = "速度,增益"; // a comma shifts the row; nothing guards it
+        a->unit = "Hz";
+        a->decimals = 1;
+        a->dataType = VT_R8;
+        a->factory = Variant::R8(40);
+        a->minimum = Variant::R8(1);
+        a->maximum = Variant::R8(2000.5);
+        a->modifyMode = 0;
+        module->drive.VarOf("H02-02")->value = Variant::R8(-12.34);
+        h02->members.push_back("H02-02");
+        a = module->drive.AddParam("H02-05", 0x205);
+        a->modifyMode = 2;
+        a->dataType = VT_I2;
+        a->minimum = Variant::I4(-100);
+        module->drive.VarOf("H02-05")->value = Variant();
+        h02->members.push_back("H02-05");
+        a = module->drive.AddParam("H02-06", 0x206);
+        a->modifyMode = 3; // never in a list or a file
+        h02->members.push_back("H02-06");
+    }
+    std::string Golden() {
+        return ReadBytes(PARMIRA_SOURCE_DIR "/tests/table/data/param_table.csv");
+    }
+    std::string Out(const char* name) { return host.tempDir + "/" + name; }
+};
+
+TEST_F(ExportTest, TableMatchesTheExpectedBytes) {
+    table = std::make_unique<CVarTable>();
+    table->SetModule(module);
+    std::vector<IVarObjEx*> list;
+    table->CollectAllVars(list, TRUE);
+    list.insert(list.begin() + 1, nullptr); // null entries give no line
+    const SYSTEMTIME stamp{2026, 3, 1, 9, 7, 5, 4, 0};
+    ASSERT_TRUE(WriteParamTableList(CString(Out("a.csv")), list, module, &stamp));
+    EXPECT_EQ(ReadBytes(Out("a.csv")), Golden());
+}
+
+TEST_F(ExportTest, EmptyListAndEmptyLabelStillGiveTheWholeHead) {
+    module->label.clear();
+    const SYSTEMTIME stamp{2026, 12, 0, 31, 23, 59, 58, 0};
+    ASSERT_TRUE(WriteParamTableList(CString(Out("e.csv")), {}, module, &stamp));
+    EXPECT_EQ(ReadBytes(Out("e.csv")),
+              "Sign,Time\nZorvanta,2026-12-31 23:59:58\n\nDriveName,BusID,Version,ElecData\n"
+              "伺服A,3,V2.10,\n\n参数,参数名称,当前值,出厂值,单位,最小值,最大值,修改方式,"
+              "通讯地址(Dec),变量类型\n");
+    EXPECT_FALSE(WriteParamTableList(CString(), {}, module, &stamp));
+    EXPECT_FALSE(WriteParamTableList(CString(Out("n.csv")), {}, nullptr, &stamp));
+    EXPECT_FALSE(std::filesystem::exists(Out("n.csv")));
+}
+
+// Through the panel interface, as a script drives it: the file is the golden table but for
+// the time of writing.
+TEST_F(ExportTest, ExportParametersWritesTheTableWithoutAnyWindow) {
+    CImplementation impl(nullptr);
+    const std::string path = Out("new/drive.CSV"); // one missing level is made
+    impl.ExportParameters(CString(path), "M1");
+    ASSERT_TRUE(std::filesystem::exists(path));
+    std::string bytes = ReadBytes(path), golden = Golden();
+    const size_t line2 = bytes.find('\n') + 1, golden2 = golden.find('\n') + 1;
+    EXPECT_EQ(bytes.substr(line2, 9), "Zorvanta,");
+    EXPECT_EQ(bytes.find('\n', line2) - line2, golden.find('\n', golden2) - golden2);
+    EXPECT_EQ(bytes.substr(bytes.find('\n', line2)), golden.substr(golden.find('\n', golden2)));
+    // Nothing was left beside it.
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Out("new")),
+                            std::filesystem::directory_iterator()),
+              1);
+}
+
+TEST_F(ExportTest, RefusedExportsLeaveNoFile) {
+    CParmiraDialog panel;
+    panel.SetModule(module);
+    EXPECT_FALSE(panel.ExportAllToFile("no-separator.csv"));
+    EXPECT_FALSE(panel.ExportAllToFile(CString(Out("table.txt"))));
+    EXPECT_FALSE(panel.ExportAllToFile(CString(Out("table"))));
+    EXPECT_FALSE(panel.ExportAllToFile(CString(Out("two/levels/table.csv"))));
+    module->online = 0;
+    EXPECT_FALSE(panel.ExportAllToFile(CString(Out("offline.csv"))));
+    panel.SetModule(nullptr);
+    EXPECT_FALSE(panel.ExportAllToFile(CString(Out("none.csv"))));
+    for (const char* name : {"table.txt", "table", "offline.csv", "none.csv", "two"})
+        EXPECT_FALSE(std::filesystem::exists(Out(name))) << name;
+    // Over an existing file the export replaces it.
+    module->online = 1;
+    panel.SetModule(module);
+    std::ofstream(Out("old.csv")) << "old content that is longer than nothing";
+    EXPECT_TRUE(panel.ExportAllToFile(CString(Out("old.csv"))));
+    EXPECT_EQ(ReadBytes(Out("old.csv")).rfind("Sign,Time\n", 0), 0u);
+}
+
+} // namespace

@@ -1,0 +1,145 @@
+// The refresh life cycle: the worker's tick and the host's query reach the page of the
+// style while the frame runs, and nothing does after StopRefresh. Run under
+// ThreadSanitizer in CI, with the reference host's worker threads.
+#include "frame_fixture.h"
+
+#include <afx/afxmt.h>
+#include <afx/afxtest.h>
+
+#include <atomic>
+#include <thread>
+
+using namespace tt;
+
+namespace {
+
+// Counts the refresh messages that reach the frame's window.
+class CountingTable : public CVarTable {
+public:
+    int ticks = 0, queries = 0;
+
+protected:
+    LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
+        if (message == UM_REFRESH_TICK)
+            ++ticks;
+        else if (message == UM_REFRESH_QUERY)
+            ++queries;
+        return CVarTable::WindowProc(message, wParam, lParam);
+    }
+};
+
+class RefreshTest : public FrameTest {
+protected:
+    void OpenCounting() {
+        ASSERT_TRUE(parent.Create(9901, nullptr));
+        auto* counting = new CountingTable;
+        counter = counting;
+        table.reset(counting);
+        table->SetWorkspace(&host.project);
+        table->SetModule(module);
+        ASSERT_TRUE(table->Create(IDD_VAR_TABLE, &parent));
+    }
+    CountingTable* counter = nullptr;
+};
+
+TEST_F(RefreshTest, TickAndQueryReachThePageWhileRunning) {
+    ListedGroup("H02", "H02-00", 0x200);
+    OpenCounting();
+    TestPage* page = g_pages[0];
+    ASSERT_NE(page, nullptr);
+    ASSERT_EQ(host.refresh.listeners.size(), 1u);
+    // The worker's 500 ms tick repaints the page.
+    EXPECT_TRUE(AfxPumpMessagesUntil([&] { return page->repaints >= 2; }, 5000));
+    // The host's query, on another thread, only posts; the page submits on arrival.
+    std::thread([&] { host.refresh.listeners[0]->OnRefreshQuery(); }).join();
+    EXPECT_TRUE(AfxPumpMessagesUntil([&] { return page->queries == 1; }, 2000));
+
+    // Offline, ticks still come but the list stands still.
+    module->online = 0;
+    AfxPumpPendingMessages();
+    const int repaints = page->repaints;
+    const int ticks = counter->ticks;
+    EXPECT_TRUE(AfxPumpMessagesUntil([&] { return counter->ticks >= ticks + 1; }, 5000));
+    EXPECT_EQ(page->repaints, repaints);
+}
+
+TEST_F(RefreshTest, NothingFlowsAfterStopAndStopTwiceIsHarmless) {
+    ListedGroup("H02", "H02-00", 0x200);
+    OpenCounting();
+    TestPage* page = g_pages[0];
+    EXPECT_TRUE(AfxPumpMessagesUntil([&] { return page->repaints >= 1; }, 5000));
+
+    table->StopRefresh();
+    table->StopRefresh();
+    EXPECT_EQ(table->GetModule(), nullptr);
+    EXPECT_EQ(table->refreshEnabled.load(), 0);
+    EXPECT_EQ(Tree().GetCount(), 0u);
+    AfxPumpPendingMessages(); // whatever was posted before the stop
+    const int ticks = counter->ticks, queries = counter->queries;
+
+    // No post after the stop, from the query or from a worker.
+    table->OnRefreshQuery();
+    AfxPumpPendingMessages();
+    EXPECT_EQ(counter->queries, queries);
+    EXPECT_EQ(counter->ticks, ticks);
+
+    // A late tick or query that was already on its way does nothing.
+    const int repaints = page->repaints, submitted = page->queries;
+    table->PostMessage(UM_REFRESH_TICK);
+    table->PostMessage(UM_REFRESH_QUERY);
+    AfxPumpPendingMessages();
+    EXPECT_EQ(counter->ticks, ticks + 1);
+    EXPECT_EQ(page->repaints, repaints);
+    EXPECT_EQ(page->queries, submitted);
+
+    // Started again with the module, the ticks come back.
+    table->SetModule(module);
+    table->StartRefresh();
+    EXPECT_TRUE(AfxPumpMessagesUntil([&] { return page->repaints > repaints; }, 5000));
+}
+
+// The host's query thread hammers the listener while the user-interface thread stops and
+// restarts the refresh: the flag is the only shared state, and it is atomic.
+TEST_F(RefreshTest, QueriesFromAnotherThreadRaceStopsCleanly) {
+    ListedGroup("H02", "H02-00", 0x200);
+    OpenCounting();
+    std::atomic<bool> done{false};
+    IRefreshQueryEvent* listener = host.refresh.listeners.at(0);
+    std::thread querier([&] {
+        while (!done.load())
+            listener->OnRefreshQuery();
+    });
+    for (int i = 0; i < 20; ++i) {
+        table->StopRefresh();
+        AfxPumpPendingMessages();
+        table->SetModule(module);
+        table->StartRefresh();
+        AfxPumpPendingMessages();
+    }
+    done.store(true);
+    querier.join();
+    EXPECT_GT(counter->queries, 0);
+}
+
+TEST_F(RefreshTest, DestroyRemovesTheListenerAndEndsTheWorker) {
+    OpenCounting();
+    ASSERT_EQ(host.refresh.listeners.size(), 1u);
+    table->DestroyWindow();
+    EXPECT_TRUE(host.refresh.listeners.empty());
+    EXPECT_EQ(table->refreshEnabled.load(), 0);
+    // Destruction after the window went: StopRefresh runs a second time, harmlessly.
+    table.reset();
+}
+
+TEST_F(RefreshTest, WithoutWorkerTheFrameStillRuns) {
+    host.services.Withhold<IHostModuleManager>();
+    host.services.Withhold<IHostRefreshService>();
+    ListedGroup("H02", "H02-00", 0x200);
+    OpenCounting();
+    EXPECT_EQ(g_pages[0]->calls.front(), "all");
+    table->PostMessage(UM_REFRESH_TICK);
+    AfxPumpPendingMessages();
+    EXPECT_EQ(g_pages[0]->repaints, 1);
+}
+
+} // namespace

@@ -1,0 +1,491 @@
+// A small host for the table frame: the real value service, module manager and worker
+// threads of the reference host, and in-test drive objects (groups, categories, axes,
+// catalog, store) shaped freely by each test.
+#pragma once
+
+#include "module/host/HostContract.h"
+#include "table/StackedDialog.h"
+
+#include <zorhost/HostServices.h>
+#include <zorhost/services/HostModuleManager.h>
+#include <zorhost/services/HostVarUtil.h>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tt {
+
+struct Attr : IVarAttr {
+    CString code, name, unit, info;
+    UINT address = 0;
+    int dataType = VT_I4, decimals = 0, modifyMode = 0, level = 0;
+    Variant factory = Variant::I4(0), minimum = Variant::I4(0), maximum = Variant::I4(100);
+    BOOL hidden = 0, transferable = 1, fixed = 0;
+
+    void GetCode(CString& s) override { s = code; }
+    void GetName(CString& s) override { s = name; }
+    void GetUnit(CString& s) override { s = unit; }
+    UINT GetAddress() override { return address; }
+    int GetDataType() override { return dataType; }
+    int GetDecimals() override { return decimals; }
+    int GetValueLength() override { return 2; }
+    Variant GetFactoryValue() override { return factory; }
+    Variant GetMinValue() override { return minimum; }
+    Variant GetMaxValue() override { return maximum; }
+    BOOL IsMinLinked() override { return 0; }
+    BOOL IsMaxLinked() override { return 0; }
+    int GetModifyMode() override { return modifyMode; }
+    int GetEffectMode() override { return 1; }
+    int GetDisplayFormat() override { return 0; }
+    IValueInfo* GetValueInfo() override { return nullptr; }
+    int GetPerUnitBaseId() override { return 0; }
+    int GetAccessLevel() override { return level; }
+    void SetAccessLevel(int l) override { level = l; }
+    BOOL IsHiddenForUser() override { return hidden; }
+    BOOL IsTransferable() override { return transferable; }
+    BOOL IsFixed() override { return fixed; }
+    BOOL IsChangeTracked() override { return 1; }
+    void GetGroupText(CString& s) override { s.Empty(); }
+    void GetInfoText(CString& s) override { s = info; }
+    IVarCatalog* GetOwnerCatalog() override { return nullptr; }
+    IVarAttr* Clone() override { return new Attr(*this); }
+};
+
+struct Var : IVarObjEx {
+    Attr* attr = nullptr;
+    Variant value = Variant::I4(0);
+    IVarAttr* GetAttr() override { return attr; }
+    void SetAttr(IVarAttr*) override {}
+    IHostDeviceModule* GetOwnerModule() override { return nullptr; }
+    UINT GetInstanceAddress() override { return attr != nullptr ? attr->address : 0; }
+    void GetInstanceCode(CString& s) override { s = attr != nullptr ? attr->code : CString(); }
+    void GetInstanceGuid(CString& s) override { s.Empty(); }
+    Variant GetValue() override { return value; }
+    void SetValue(const Variant& v) override { value = v; }
+    Variant GetSetValue() override { return Variant(); }
+    void SetSetValue(const Variant&) override {}
+    Variant GetLastReadValue() override { return value; }
+    Variant GetRawValue() override { return value; }
+    void GetValueText(CString& s) override { s.Empty(); }
+    void GetSetValueText(CString& s) override { s.Empty(); }
+    BOOL IsChecked() override { return 0; }
+    void SetChecked(BOOL) override {}
+    int GetPerUnitMode() override { return 0; }
+    void SetPerUnitMode(int) override {}
+    IVarObjEx* Clone() override { return nullptr; }
+};
+
+struct Group : IGroupNode {
+    CString name, description;
+    int level = 0;
+    BOOL visible = 1, fixed = 0;
+    std::vector<CString> members;
+    std::vector<std::unique_ptr<Group>> children;
+
+    Group* AddChildGroup(const char* childName) {
+        children.push_back(std::make_unique<Group>());
+        children.back()->name = childName;
+        return children.back().get();
+    }
+    void GetName(CString& s) override { s = name; }
+    void SetName(const CString& s) override { name = s; }
+    void GetDescription(CString& s) override { s = description; }
+    void SetDescription(const CString& s) override { description = s; }
+    int GetAccessLevel() override { return level; }
+    BOOL IsGroupVisible() override { return visible; }
+    BOOL IsGroupFixed() override { return fixed; }
+    int GetMemberCount() override { return int(members.size()); }
+    BOOL GetMemberAt(int i, CString& key) override {
+        if (i < 0 || i >= int(members.size()))
+            return 0;
+        key = members[size_t(i)];
+        return 1;
+    }
+    BOOL AddMember(const CString& key) override {
+        members.push_back(key);
+        return 1;
+    }
+    BOOL RemoveMember(const CString&) override { return 0; }
+    void ClearMembers() override { members.clear(); }
+    int GetChildCount() override { return int(children.size()); }
+    IGroupNode* GetChildAt(int i) override {
+        return i >= 0 && i < int(children.size()) ? children[size_t(i)].get() : nullptr;
+    }
+    BOOL AddChild(IGroupNode*) override { return 0; }
+    BOOL RemoveChild(IGroupNode*) override { return 0; }
+    IGroupNode* GetParent() override { return nullptr; }
+    IGroupNode* Clone() override { return nullptr; }
+};
+
+struct Category : IGroupCategory {
+    CString name, description;
+    std::vector<std::unique_ptr<Group>> children; // only their names count
+    void Name(const char* childName) {
+        children.push_back(std::make_unique<Group>());
+        children.back()->name = childName;
+    }
+    void GetName(CString& s) override { s = name; }
+    void GetDescription(CString& s) override { s = description; }
+    int GetChildCount() override { return int(children.size()); }
+    IGroupNode* GetChildAt(int i) override {
+        return i >= 0 && i < int(children.size()) ? children[size_t(i)].get() : nullptr;
+    }
+};
+
+struct GroupSet : IGroupSet {
+    std::vector<std::unique_ptr<Group>> groups;
+    std::vector<std::unique_ptr<Category>> categories;
+
+    Group* Add(const char* name) {
+        groups.push_back(std::make_unique<Group>());
+        groups.back()->name = name;
+        return groups.back().get();
+    }
+    Category* AddCategory(const char* name) {
+        categories.push_back(std::make_unique<Category>());
+        categories.back()->name = name;
+        return categories.back().get();
+    }
+    static IGroupNode* FindIn(Group* g, const CString& name) {
+        if (g->name == name)
+            return g;
+        for (auto& c : g->children)
+            if (IGroupNode* f = FindIn(c.get(), name))
+                return f;
+        return nullptr;
+    }
+    int GetCount() override { return int(groups.size()); }
+    IGroupNode* GetAt(int i) override {
+        return i >= 0 && i < int(groups.size()) ? groups[size_t(i)].get() : nullptr;
+    }
+    int GetCategoryCount() override { return int(categories.size()); }
+    IGroupCategory* GetCategoryAt(int i) override {
+        return i >= 0 && i < int(categories.size()) ? categories[size_t(i)].get() : nullptr;
+    }
+    IGroupNode* FindByName(const CString& name) override {
+        for (auto& g : groups)
+            if (IGroupNode* f = FindIn(g.get(), name))
+                return f;
+        return nullptr;
+    }
+    IGroupNode* NewGroup() override { return nullptr; }
+    BOOL AddGroup(IGroupNode*) override { return 0; }
+    BOOL RemoveGroup(IGroupNode*, BOOL) override { return 0; }
+    int GetMemberCount() override { return 0; }
+    BOOL GetMemberAt(int, CString&) override { return 0; }
+    BOOL AddMember(const CString&) override { return 0; }
+    BOOL RemoveMember(const CString&) override { return 0; }
+    IHostAxis* AddAxis() override { return nullptr; }
+};
+
+struct Axis : IHostAxis {
+    CString name;
+    GroupSet set;
+    void GetName(CString& s) override { s = name; }
+    void SetName(const CString& s) override { name = s; }
+    void GetKey(CString& s) override { s = name; }
+    void SetKey(const CString&) override {}
+    UINT GetAddressBase() override { return 0; }
+    IGroupSet* GetGroupSet() override { return &set; }
+};
+
+struct AxisList : IHostAxisList {
+    BOOL valid = 0;
+    std::vector<std::unique_ptr<Axis>> axes;
+    Axis* Add(const char* name) {
+        valid = 1;
+        axes.push_back(std::make_unique<Axis>());
+        axes.back()->name = name;
+        return axes.back().get();
+    }
+    BOOL IsValid() override { return valid; }
+    int GetCount() override { return int(axes.size()); }
+    IHostAxis* GetAt(int i) override {
+        return i >= 0 && i < int(axes.size()) ? axes[size_t(i)].get() : nullptr;
+    }
+};
+
+// A drive: its parameters, the catalog's groups (also the store's fixed root), its axes
+// and the custom groups.
+struct Drive : IVarStore, IVarCatalog {
+    std::vector<std::unique_ptr<Attr>> attrs;
+    std::vector<std::unique_ptr<Var>> vars;
+    GroupSet groups, custom;
+    AxisList axes;
+
+    // Adds parameter `code` and returns its attribute to adjust.
+    Attr* AddParam(const char* code, UINT address) {
+        attrs.push_back(std::make_unique<Attr>());
+        Attr* a = attrs.back().get();
+        a->code = code;
+        a->name = CString(code) + "名称";
+        a->address = address;
+        vars.push_back(std::make_unique<Var>());
+        vars.back()->attr = a;
+        return a;
+    }
+    Var* VarOf(const char* code) {
+        for (auto& v : vars)
+            if (v->attr->code == code)
+                return v.get();
+        return nullptr;
+    }
+    // IVarStore
+    int GetCount() override { return int(vars.size()); }
+    IVarObjEx* GetAt(int i) override {
+        return i >= 0 && i < int(vars.size()) ? vars[size_t(i)].get() : nullptr;
+    }
+    IVarObjEx* FindByCode(const CString& key) override { return VarOf(key.GetString()); }
+    IVarObjEx* FindByAddress(UINT address) override {
+        for (auto& v : vars)
+            if (v->attr->address == address)
+                return v.get();
+        return nullptr;
+    }
+    IGroupSet* GetGroupRoot(int which) override { return which == 0 ? &groups : &custom; }
+    IHostAxisList* GetAxisList() override { return &axes; }
+    IFunctionTable* GetFunctionTable(int) override { return nullptr; }
+    IHostDeviceModule* GetOwnerModule() override { return nullptr; }
+    IVarCatalog* GetStoreCatalog() override { return this; }
+    const BYTE* GetElecLabel() override { return nullptr; }
+    UINT GetElecLabelSize() override { return 0; }
+    void GetVersionText(CString& s) override { s.Empty(); }
+    // IVarCatalog
+    IGroupSet* GetGroupSet() override { return &groups; }
+    IConnectorTable* GetConnectorTable() override { return nullptr; }
+    IVarAttr* FindAttrByCode(const CString& code) override {
+        Var* v = VarOf(code.GetString());
+        return v != nullptr ? v->attr : nullptr;
+    }
+    IVarAttr* FindAttrByAddress(UINT address) override {
+        IVarObjEx* v = FindByAddress(address);
+        return v != nullptr ? v->GetAttr() : nullptr;
+    }
+};
+
+struct ProductInfo : IHostProductInfo {
+    int GetProductKind() override { return 1; }
+};
+
+struct Module : IHostDeviceModule {
+    CString key = "M1", name = "Drive1", version = "V1.00";
+    int axisIndex = 1, level = 0;
+    BOOL online = 1;
+    std::vector<BYTE> label;
+    Drive drive;
+    ProductInfo product;
+    BOOL hasCatalog = 1;
+
+    void GetModuleKey(CString& s) override { s = key; }
+    void GetDisplayName(CString& s) override { s = name; }
+    void GetSubName(CString& s) override { s.Empty(); }
+    int GetAxisIndex() override { return axisIndex; }
+    IHostProductInfo* GetProductInfo() override { return &product; }
+    BOOL IsOnline() override { return online; }
+    int GetAccessLevel() override { return level; }
+    void SetAccessLevel(int l) override { level = l; }
+    int GetDeviceAuthority() override { return 0; }
+    void SetDeviceAuthority(int) override {}
+    IVarStore* GetVarList() override { return &drive; }
+    IVarCatalog* GetVarCatalog() override { return hasCatalog ? &drive : nullptr; }
+    const BYTE* GetElecLabel() override { return label.empty() ? nullptr : label.data(); }
+    UINT GetElecLabelSize() override { return UINT(label.size()); }
+    const BYTE* GetPrimaryElecLabel() override { return nullptr; }
+    UINT GetPrimaryElecLabelSize() override { return 0; }
+    void GetVersionText(CString& s) override { s = version; }
+    int GetAxisCopyCount() override { return 0; }
+    IPerUnitTable* GetPerUnitTable() override { return nullptr; }
+};
+
+struct ProductRecord : IHostProductRecord {
+    DWORD line = 0, product = 0, sub = 0;
+    DWORD GetLineId() override { return line; }
+    DWORD GetProductId() override { return product; }
+    DWORD GetSubProductId() override { return sub; }
+};
+
+// Records by the first byte of the label.
+struct ProductDb : IHostProductDb {
+    std::map<BYTE, ProductRecord> records;
+    IHostProductRecord* FindProduct(const BYTE* label, UINT size) override {
+        if (label == nullptr || size == 0)
+            return nullptr;
+        auto it = records.find(label[0]);
+        return it != records.end() ? &it->second : nullptr;
+    }
+    IVarCatalog* GetProductCatalog(const BYTE*, UINT, const CString&) override { return nullptr; }
+};
+
+struct CommState : IHostCommState {
+    BOOL running = 0;
+    BOOL IsOscilloscopeRunning() override { return running; }
+};
+
+struct ModuleList : IHostModuleList {
+    std::vector<IHostDeviceModule*> modules;
+    IHostDeviceModule* FindModule(const CString& key) override {
+        for (IHostDeviceModule* m : modules) {
+            CString k;
+            m->GetModuleKey(k);
+            if (k == key)
+                return m;
+        }
+        return nullptr;
+    }
+    IHostDeviceModule* FindModuleByNumber(int) override { return nullptr; }
+    int GetModuleCount() override { return int(modules.size()); }
+    IHostDeviceModule* GetModuleAt(int i) override {
+        return i >= 0 && i < int(modules.size()) ? modules[size_t(i)] : nullptr;
+    }
+};
+
+struct Project : IHostProject, IHostWorkspace, IHostProjectRoot {
+    ModuleList list;
+    CommState comm;
+    int connection = 0, listStyle = 0;
+    // IHostProjectRoot
+    IHostProject* GetProject() override { return this; }
+    // IHostProject
+    IHostWorkspace* GetWorkspace() override { return this; }
+    IHostCommState* GetCommState() override { return &comm; }
+    int GetConnectionKind() override { return connection; }
+    // IHostWorkspace
+    IHostModuleList* GetModuleList() override { return &list; }
+    int GetListStyle() override { return listStyle; }
+    BOOL GetProjectDir(CString& dir) override {
+        dir.Empty();
+        return 0;
+    }
+    IVarDatabase* GetDatabase(const BYTE*, UINT, const CString&) override { return nullptr; }
+};
+
+// Strings from the module's string table, translated as themselves.
+struct UiService : IHostUiService {
+    std::vector<CString> translated;
+    BOOL GetString(CString& text, HINSTANCE module, UINT id, int) override;
+    IHostWindowTranslator* CreateWindowTranslator() override { return nullptr; }
+    void RetranslateWindow(HWND) override {}
+    void TranslateText(CString& out, const CString& text) override {
+        translated.push_back(text);
+        out = text;
+    }
+    void TranslateMenu(HMENU) override {}
+    void ApplySkin(HWND, int, int) override {}
+};
+
+struct DeviceHelper : IHostDeviceHelper {
+    int GetProtocolKind(IHostDeviceModule*) override { return 0; }
+    IVarObjEx* FindNamedVar(IHostDeviceModule*, const CString&) override { return nullptr; }
+    BOOL WriteNamedVar(const CString&, const CString&, double) override { return 0; }
+    IFunctionEntry* FindFunctionVar(IHostDeviceModule*, const CString&) override { return nullptr; }
+    BOOL ReadCsvParamFile(const CString&, IParamFile*, IHostDeviceModule*) override { return 0; }
+    BOOL ReadParameter(const CString&, UINT, double&) override { return 0; }
+    BOOL WriteParameter(const CString&, UINT, double) override { return 0; }
+    BOOL WriteParameterAs(const CString&, UINT, int, double) override { return 0; }
+    BOOL WriteVarDirect(const CString&, UINT, int, const Variant&, Variant&, std::vector<CString>&,
+                        int, int, int) override {
+        return 0;
+    }
+    BOOL ReadVarDirect(const CString&, UINT, int, Variant&, int, int) override { return 0; }
+    double GetUiScale() override { return 1.0; }
+};
+
+// The reference host's value service with the install folder of the test.
+struct VarUtil : zorhost::CHostVarUtil {
+    CString installDir;
+    void GetInstallDir(CString& dir) override { dir = installDir; }
+};
+
+struct RefreshService : IHostRefreshService {
+    std::vector<IRefreshQueryEvent*> listeners;
+    void AddRefreshListener(IRefreshQueryEvent* l) override { listeners.push_back(l); }
+    void RemoveRefreshListener(IRefreshQueryEvent* l) override { std::erase(listeners, l); }
+    IHostRefreshQuery* NewQuery() override { return nullptr; }
+    void SubmitQuery(IHostRefreshQuery*) override {}
+};
+
+struct TransferService : IHostTransferService {
+    std::vector<int> syncModes;
+    BOOL UploadVars(HWND, const CString&, const std::vector<IVarObjEx*>&) override { return 0; }
+    BOOL UploadModule(HWND, const CString&) override { return 0; }
+    BOOL SyncModuleAttributes(HWND, const CString&, int mode) override {
+        syncModes.push_back(mode);
+        return 1;
+    }
+    BOOL OpenAndDownload(HWND, const CString&) override { return 0; }
+    BOOL DownloadRecords(HWND, const CString&, const std::vector<IRWDataItem*>&) override {
+        return 0;
+    }
+    BOOL GetModuleVars(const CString&, std::vector<IVarObjEx*>&) override { return 0; }
+    BOOL CompareAxes(const CString&, const CString&, const CString&, const CString&,
+                     std::vector<IRWDataItem*>&) override {
+        return 0;
+    }
+    BOOL DownloadAxisRecords(HWND, const CString&, const CString&,
+                             const std::vector<IRWDataItem*>&) override {
+        return 0;
+    }
+    std::vector<std::pair<CString, int>> levels;
+    void NotifyLevelToTransfer(const CString& key, int level) override {
+        levels.emplace_back(key, level);
+    }
+};
+
+// The host of one test: installs itself as the module's query callback and takes it
+// back at the end. Resources are registered under a handle of the test's own.
+class TableHost {
+public:
+    TableHost();
+    ~TableHost();
+    TableHost(const TableHost&) = delete;
+    TableHost& operator=(const TableHost&) = delete;
+
+    Module* AddModule(const char* key);
+
+    zorhost::HostServices services;
+    VarUtil util;
+    UiService ui;
+    DeviceHelper helper;
+    ProductDb products;
+    Project project;
+    RefreshService refresh;
+    TransferService transfer;
+    zorhost::CHostModuleManager manager;
+    std::vector<std::unique_ptr<Module>> modules;
+    std::string tempDir;
+};
+
+// Records what the frame asks of a list page.
+class TestPage : public CVarTablePage {
+public:
+    explicit TestPage(UINT id) : CVarTablePage(id) {}
+    void ShowAllParameters(IVarStore*) override { calls.push_back("all"); }
+    void ShowGroup(IGroupNode* group, IVarStore*) override {
+        CString name;
+        group->GetName(name);
+        calls.push_back("group:" + std::string(name.GetString()));
+    }
+    void ShowAxis(IHostAxis*, IVarStore*) override { calls.push_back("axis"); }
+    void ShowCategory(IGroupCategory*, IVarStore*) override { calls.push_back("category"); }
+    void ShowCustomRoot(IVarStore*) override { calls.push_back("custom"); }
+    void ShowModified(IVarStore*, int mode) override {
+        calls.push_back("modified:" + std::to_string(mode));
+    }
+    void RepaintList() override { ++repaints; }
+    void SubmitRefreshQuery() override { ++queries; }
+    void PollAuthority() override { ++polls; }
+    int GetShownCount() const override { return 0; }
+    IVarObjEx* GetShownVar(int) const override { return nullptr; }
+    void CollectShown(std::vector<IVarObjEx*>&) const override {}
+
+    std::vector<std::string> calls;
+    int repaints = 0, queries = 0, polls = 0;
+};
+
+// The pages the frames of a test get; index 0 the first page.
+extern TestPage* g_pages[2];
+CVarTablePage* MakeTestPage(int style);
+
+} // namespace tt

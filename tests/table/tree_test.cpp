@@ -1,0 +1,313 @@
+// The group tree: which groups get an item, how a rebuild keeps expansion and selection,
+// how a selection reaches the page, and which variables a group collects.
+#include "frame_fixture.h"
+
+#include "module/ParmiraApp.h"
+#include "table/TableResources.h"
+
+#include <afx/afxtest.h>
+
+using namespace tt;
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+class TreeTest : public FrameTest {};
+
+TEST_F(TreeTest, FixedItemsStandInOrderAndAllParametersIsSelected) {
+    ListedGroup("H02", "H02-00", 0x200)->description = "基本控制";
+    OpenFrame();
+    EXPECT_EQ(Tree().GetItemText(table->GetRootItem()), "参数组");
+    EXPECT_EQ(ChildTexts(table->GetRootItem()), (Texts{"已修改参数", "自定义", "所有参数"}));
+    // A description makes the label "name[description]".
+    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"H02[基本控制]"}));
+    EXPECT_EQ(SelectedText(), "所有参数");
+    ASSERT_NE(g_pages[0], nullptr);
+    EXPECT_EQ(g_pages[0]->calls.front(), "all");
+}
+
+// Only groups with at least one member that a list could show get an item.
+TEST_F(TreeTest, GroupsWithoutListableMembersHaveNoItem) {
+    ListedGroup("H02", "H02-00", 0x200);
+    Group* notListed = ListedGroup("H03", "H03-00", 0x300);
+    module->drive.VarOf("H03-00")->attr->modifyMode = 3;
+    notListed->members.push_back("H03-01");
+    module->drive.AddParam("H03-01", 0x301)->modifyMode = 3;
+    ListedGroup("H04", "H04-00", 0x400)->fixed = 1;
+    ListedGroup("H05", "H05-00", 0x500)->visible = 0;
+    ListedGroup("H06", "H06-00", 0x600);
+    module->drive.VarOf("H06-00")->attr->transferable = 0;
+    ListedGroup("H07", "H07-00", 0x700);
+    module->drive.VarOf("H07-00")->attr->fixed = 1;
+    Group* unknown = module->drive.groups.Add("H08");
+    unknown->members.push_back("no-such-code");
+    // A failing parent hides its children, whatever they hold.
+    Group* parentFails = module->drive.groups.Add("H09");
+    parentFails->AddChildGroup("H09a")->members.push_back("H02-00");
+    OpenFrame();
+    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"H02"}));
+}
+
+TEST_F(TreeTest, CategoriesHoldTheirGroupsWhichDoNotRepeatAtTopLevel) {
+    ListedGroup("H02", "H02-00", 0x200);
+    ListedGroup("H03", "H03-00", 0x300);
+    Group* hidden = ListedGroup("H04", "H04-00", 0x400);
+    hidden->level = 3;
+    ListedGroup("H05", "H05-00", 0x500);
+    Category* motor = module->drive.groups.AddCategory("电机");
+    motor->Name("H02");
+    Category* empty = module->drive.groups.AddCategory("空类");
+    empty->Name("H04"); // above the level: the category gets nothing and goes again
+    // Named in another case: found by no exact lookup, yet not repeated at the top.
+    Category* other = module->drive.groups.AddCategory("其他");
+    other->Name("h03");
+    OpenFrame();
+    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"电机", "H05"}));
+    HTREEITEM motorItem = FindChild(table->GetAllItem(), "电机");
+    ASSERT_NE(motorItem, nullptr);
+    EXPECT_EQ(ChildTexts(motorItem), (Texts{"H02"}));
+}
+
+TEST_F(TreeTest, AxesAndCustomGroupsAreListed) {
+    module->drive.AddParam("H01-00", 0x100);
+    Axis* axis = module->drive.axes.Add("轴1");
+    axis->set.Add("H11")->members.push_back("H01-00");
+    axis->set.Add("H12")->members.push_back("nothing");
+    // Custom groups are shown whatever they hold, children too.
+    Group* mine = module->drive.custom.Add("我的");
+    mine->AddChildGroup("子组");
+    OpenFrame();
+    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"轴1"}));
+    EXPECT_EQ(ChildTexts(FindChild(table->GetAllItem(), "轴1")), (Texts{"H11"}));
+    HTREEITEM mineItem = FindChild(table->GetCustomItem(), "我的");
+    ASSERT_NE(mineItem, nullptr);
+    EXPECT_EQ(ChildTexts(mineItem), (Texts{"子组"}));
+}
+
+TEST_F(TreeTest, RebuildRestoresSelectionAndExpansionButNeverTheModifiedItem) {
+    ListedGroup("H02", "H02-00", 0x200)->AddChildGroup("H02a")->members.push_back("H02-00");
+    ListedGroup("H03", "H03-00", 0x300);
+    OpenFrame();
+    HTREEITEM h02 = FindChild(table->GetAllItem(), "H02");
+    ASSERT_NE(h02, nullptr);
+    Tree().Expand(h02, TVE_EXPAND);
+    Tree().Expand(table->GetCustomItem(), TVE_COLLAPSE);
+    Tree().SelectItem(FindChild(table->GetAllItem(), "H03"));
+
+    table->ReloadModule();
+    EXPECT_EQ(SelectedText(), "H03");
+    h02 = FindChild(table->GetAllItem(), "H02");
+    EXPECT_TRUE(Tree().GetItemState(h02, TVIS_EXPANDED) & TVIS_EXPANDED);
+    EXPECT_FALSE(Tree().GetItemState(table->GetCustomItem(), TVIS_EXPANDED) & TVIS_EXPANDED);
+
+    // On the modified item a rebuild lands on all parameters, without the sync question.
+    CAfxRecordingResponder responder;
+    responder.AnswerMessageBox(IDNO);
+    Tree().SelectItem(table->GetModifiedItem());
+    EXPECT_EQ(responder.Count(AfxPrompt::MessageBox), 1u);
+    table->ReloadModule();
+    EXPECT_EQ(SelectedText(), "所有参数");
+    EXPECT_EQ(responder.Count(AfxPrompt::MessageBox), 1u);
+}
+
+TEST_F(TreeTest, AccessLevelChangesAddAndDropGroups) {
+    ListedGroup("H02", "H02-00", 0x200);
+    ListedGroup("H03", "H03-00", 0x300)->level = 2;
+    ListedGroup("H04", "H04-00", 0x400);
+    module->drive.VarOf("H04-00")->attr->level = 2; // only member above level 0
+    OpenFrame();
+    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"H02"}));
+
+    table->SetModuleAccessLevel("M1", 2);
+    EXPECT_EQ(module->level, 2);
+    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"H02", "H03", "H04"}));
+    Tree().SelectItem(FindChild(table->GetAllItem(), "H03"));
+
+    // Going down drops the selected group: all parameters takes the selection.
+    table->ApplyAccessLevel(module, 0);
+    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"H02"}));
+    EXPECT_EQ(SelectedText(), "所有参数");
+    ASSERT_FALSE(host.transfer.levels.empty());
+    EXPECT_EQ(host.transfer.levels.back(), std::make_pair(CString("M1"), 0));
+    // The shown module stays shown after the level change.
+    EXPECT_EQ(table->GetModule(), module);
+}
+
+TEST_F(TreeTest, SelectionCallsThePageOfTheListStyle) {
+    Group* h02 = ListedGroup("H02", "H02-00", 0x200);
+    module->drive.groups.AddCategory("类")->Name("H02");
+    module->drive.axes.Add("轴1")->set.Add("H11")->members.push_back("H02-00");
+    module->drive.custom.Add("我的");
+    OpenFrame();
+    TestPage* page = g_pages[0];
+    ASSERT_NE(page, nullptr);
+    page->calls.clear();
+
+    HTREEITEM category = FindChild(table->GetAllItem(), "类");
+    Tree().SelectItem(FindChild(category, "H02"));
+    EXPECT_EQ(table->GetCurrentCustomGroup(), h02);
+    EXPECT_EQ(table->inCustomOrModified, 0);
+    Tree().SelectItem(category);
+    EXPECT_EQ(table->GetCurrentCustomGroup(), nullptr);
+    Tree().SelectItem(FindChild(table->GetAllItem(), "轴1"));
+    Tree().SelectItem(table->GetCustomItem());
+    EXPECT_EQ(table->inCustomOrModified, 1);
+    Tree().SelectItem(FindChild(table->GetCustomItem(), "我的"));
+    EXPECT_EQ(table->inCustomOrModified, 1);
+    EXPECT_EQ(page->calls, (Texts{"group:H02", "category", "axis", "custom", "group:我的"}));
+
+    // Style 1 sends the same selection to the second page; the first hears nothing more.
+    host.project.listStyle = 1;
+    page->calls.clear();
+    table->SelectListPage(1);
+    ASSERT_NE(g_pages[1], nullptr);
+    EXPECT_EQ(g_pages[1]->calls, (Texts{"group:我的"}));
+    EXPECT_TRUE(page->calls.empty());
+
+    // Another style fills no list at all.
+    host.project.listStyle = 7;
+    g_pages[1]->calls.clear();
+    Tree().SelectItem(table->GetAllItem());
+    EXPECT_TRUE(page->calls.empty());
+    EXPECT_TRUE(g_pages[1]->calls.empty());
+}
+
+TEST_F(TreeTest, ModifiedItemAsksToSynchroniseUnlessToldNotTo) {
+    ListedGroup("H02", "H02-00", 0x200);
+    OpenFrame();
+    TestPage* page = g_pages[0];
+    CAfxRecordingResponder responder;
+    responder.AnswerMessageBox(IDYES);
+    Tree().SelectItem(table->GetModifiedItem());
+    ASSERT_EQ(responder.Count(AfxPrompt::MessageBox), 1u);
+    const AfxPrompt* box = responder.Last(AfxPrompt::MessageBox);
+    EXPECT_EQ(box->text, "是否要从驱动器同步参数？");
+    EXPECT_EQ(box->caption, "提示");
+    EXPECT_EQ(box->Buttons(), UINT(MB_YESNO));
+    EXPECT_EQ(box->Icon(), UINT(MB_ICONWARNING));
+    EXPECT_EQ(page->calls.back(), "modified:2");
+
+    responder.AnswerMessageBox(IDNO);
+    Tree().SelectItem(table->GetAllItem());
+    Tree().SelectItem(table->GetModifiedItem());
+    EXPECT_EQ(page->calls.back(), "modified:0");
+
+    // Toggled off through its menu command: no question, the known list.
+    EXPECT_TRUE(table->OnFrameCommand(ID_TOGGLE_MODIFIED_PROMPT));
+    Tree().SelectItem(table->GetAllItem());
+    Tree().SelectItem(table->GetModifiedItem());
+    EXPECT_EQ(responder.Count(AfxPrompt::MessageBox), 2u);
+    EXPECT_EQ(page->calls.back(), "modified:0");
+    // "刷新列表" always synchronises.
+    EXPECT_TRUE(table->OnFrameCommand(ID_SHOW_MODIFIED_REFRESH));
+    EXPECT_EQ(page->calls.back(), "modified:2");
+}
+
+TEST_F(TreeTest, ContextMenusFollowTheItemUnderTheCursor) {
+    ListedGroup("H02", "H02-00", 0x200);
+    module->drive.custom.Add("我的");
+    OpenFrame();
+    TestPage* page = g_pages[0];
+    CAfxRecordingResponder responder;
+    auto centre = [&](HTREEITEM item) {
+        CRect rc;
+        Tree().GetItemRect(item, &rc, TRUE);
+        return rc.CenterPoint();
+    };
+
+    // Right click on the modified item: selected without the question, menu 162.
+    table->OnTreeContextMenu(centre(table->GetModifiedItem()));
+    EXPECT_EQ(responder.Count(AfxPrompt::MessageBox), 0u);
+    EXPECT_EQ(page->calls.back(), "modified:0");
+    ASSERT_EQ(responder.Count(AfxPrompt::PopupMenu), 1u);
+    const CStringArray& modified = responder.Last(AfxPrompt::PopupMenu)->menuItems;
+    bool sawToggle = false;
+    for (int i = 0; i < modified.GetSize(); ++i)
+        if (modified[i] == "32853:不再提示更新")
+            sawToggle = true;
+    EXPECT_TRUE(sawToggle);
+
+    // The toggle taken from the menu flips its own text.
+    responder.ChooseMenuCommand(ID_TOGGLE_MODIFIED_PROMPT);
+    table->OnTreeContextMenu(centre(table->GetModifiedItem()));
+    EXPECT_EQ(table->promptOnModified, 0);
+    table->OnTreeContextMenu(centre(table->GetModifiedItem()));
+    const CStringArray& toggled = responder.Last(AfxPrompt::PopupMenu)->menuItems;
+    bool sawRestore = false;
+    for (int i = 0; i < toggled.GetSize(); ++i)
+        if (toggled[i] == "32853:恢复提示更新")
+            sawRestore = true;
+    EXPECT_TRUE(sawRestore);
+
+    // On "自定义" delete and edit are never offered; the custom branch gets menu 1980.
+    table->OnTreeContextMenu(centre(table->GetCustomItem()));
+    EXPECT_EQ(responder.Count(AfxPrompt::PopupMenu), 4u);
+    EXPECT_FALSE(table->IsTreeCommandEnabled(ID_DELETE_CUSTOM_GROUP, table->GetCustomItem()));
+    EXPECT_FALSE(table->IsTreeCommandEnabled(ID_EDIT_CUSTOM_GROUP, table->GetCustomItem()));
+
+    // Empty space selects nothing and opens nothing, whatever was selected before.
+    const size_t menus = responder.Count(AfxPrompt::PopupMenu);
+    table->OnTreeContextMenu(CPoint(5, 2000));
+    EXPECT_EQ(responder.Count(AfxPrompt::PopupMenu), menus);
+    EXPECT_EQ(SelectedText(), "自定义");
+}
+
+// ---------------------------------------------------------------- collection
+
+class CollectTest : public FrameTest {};
+
+TEST_F(CollectTest, FactoryGroupsHiddenAndUnlistedParametersAreLeftOut) {
+    Group* h00 = ListedGroup("H00", "H00-00", 0x000);
+    Group* h01 = ListedGroup("H01", "H01-00", 0x100);
+    Group* h02 = ListedGroup("H02", "H02-00", 0x200);
+    (void)h00;
+    (void)h01;
+    h02->members.push_back("H02-01");
+    module->drive.AddParam("H02-01", 0x201)->modifyMode = 3;
+    h02->members.push_back("H02-02");
+    module->drive.AddParam("H02-02", 0x202)->hidden = 1;
+    h02->members.push_back("H02-03");
+    module->drive.AddParam("H02-03", 0x203)->level = 1;
+    // A child's members join the parent's list once each.
+    Group* child = h02->AddChildGroup("H00"); // the factory test is off below the top
+    child->members = {"H02-00", "H02-04"};
+    module->drive.AddParam("H02-04", 0x204);
+
+    auto codes = [&](BOOL includeFactory) {
+        std::vector<IVarObjEx*> list;
+        table->CollectAllVars(list, includeFactory);
+        std::vector<std::string> out;
+        for (IVarObjEx* v : list) {
+            CString code;
+            v->GetAttr()->GetCode(code);
+            out.emplace_back(code.GetString());
+        }
+        return out;
+    };
+    table = std::make_unique<CVarTable>(); // no window is needed for collecting
+    table->SetModule(module);
+    EXPECT_EQ(codes(TRUE), (Texts{"H00-00", "H01-00", "H02-00", "H02-02", "H02-04"}));
+    EXPECT_EQ(codes(FALSE), (Texts{"H02-00", "H02-02", "H02-04"}));
+
+    // A line-13 drive at level 0 also keeps its hidden-for-user parameters out.
+    module->label = {0x13};
+    host.products.records[0x13].line = 13;
+    EXPECT_EQ(codes(FALSE), (Texts{"H02-00", "H02-04"}));
+    module->level = 1;
+    EXPECT_EQ(codes(FALSE), (Texts{"H02-00", "H02-02", "H02-03", "H02-04"}));
+}
+
+TEST_F(CollectTest, AxesAreCollectedAfterTheFixedGroups) {
+    ListedGroup("H02", "H02-00", 0x200);
+    module->drive.AddParam("A1-00", 0x1000);
+    module->drive.axes.Add("轴1")->set.Add("A1")->members.push_back("A1-00");
+    table = std::make_unique<CVarTable>();
+    table->SetModule(module);
+    std::vector<IVarObjEx*> list;
+    table->CollectAllVars(list, TRUE);
+    ASSERT_EQ(list.size(), 2u);
+    EXPECT_EQ(list[1], module->drive.VarOf("A1-00"));
+}
+
+} // namespace
