@@ -88,6 +88,9 @@ public:
     void StartTimer(int period_ms = 200);
     void StopTimer();
 
+    // Makes every drive (of this and later projects) hold its callers for its latency, as
+    // a real link does; off by default, so that tests never wait.
+    void SetRealTimeDrives(bool realTime);
     // Uses a Qt progress dialog for long transfers (the program; tests show none).
     void SetShowTransferProgress(bool show);
     // Language of texts the host makes itself (drive refusals, progress). The program
@@ -143,6 +146,7 @@ private:
     std::unique_ptr<TransferProgress> m_progress;
     TransferEndHandler m_transferEnded;
     bool m_english = false;
+    bool m_realTime = false;
     QTimer* m_timer = nullptr; // owned
 };
 

@@ -152,6 +152,7 @@ bool ReferenceHost::LoadProject(const ProjectSpec& spec, std::string* error) {
         s.module = added;
         s.drive = std::make_unique<sim::SimulatedDrive>(device);
         s.drive->SetConnected(m.online);
+        s.drive->SetRealTime(m_realTime);
         stations.push_back(std::move(s));
     }
     m_root.Open(std::move(project));
@@ -241,6 +242,12 @@ void ReferenceHost::SetShowTransferProgress(bool show) {
     if (show && !m_progress)
         m_progress = std::make_unique<DialogProgress>(m_english);
     m_transfer.SetProgress(show ? m_progress.get() : nullptr);
+}
+
+void ReferenceHost::SetRealTimeDrives(bool realTime) {
+    m_realTime = realTime;
+    for (Station& s : m_stations)
+        s.drive->SetRealTime(realTime);
 }
 
 void ReferenceHost::SetEnglish(bool english) {
