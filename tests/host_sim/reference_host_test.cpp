@@ -3,6 +3,8 @@
 #include "module/host/IHostModuleManager.h"
 #include "module/host/IHostWorkerThread.h"
 
+#include <afx/afxwin.h>
+
 #include <atomic>
 #include <thread>
 
@@ -140,11 +142,19 @@ TEST_F(DemoHost, OscilloscopeWindowAndBusyState) {
         static_cast<IOscilloscopePanel*>(manager->GetModuleInterface(IOscilloscopePanel::kIID));
     ASSERT_NE(scope, nullptr);
     EXPECT_EQ(scope->GetWindow(), nullptr) << "no window before it is first shown";
+    // Seen as the module sees it: through the window framework.
+    auto visible = [&] {
+        HWND h = scope->GetWindow();
+        CWnd* w = h && ::IsWindow(h) ? CWnd::FromHandle(h) : nullptr;
+        return w && w->IsWindowVisible();
+    };
     host.Oscilloscope().Show(true);
     EXPECT_NE(scope->GetWindow(), nullptr);
     EXPECT_TRUE(host.Oscilloscope().IsVisible());
+    EXPECT_TRUE(visible());
     host.Oscilloscope().Show(false);
     EXPECT_FALSE(host.Oscilloscope().IsVisible());
+    EXPECT_FALSE(visible());
     EXPECT_NE(scope->GetWindow(), nullptr) << "the window outlives being hidden";
 
     EXPECT_FALSE(host.CommState().IsOscilloscopeRunning());
