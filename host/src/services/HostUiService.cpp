@@ -114,8 +114,8 @@ void CollectCaptions(QWidget* w, bool isRoot, std::vector<Caption>& out) {
             out.push_back({w, "tab" + QByteArray::number(i), [tabs, i] { return tabs->tabText(i); },
                            [tabs, i](const QString& t) { tabs->setTabText(i, t); }});
     }
-    // The title of a window of its own, or of the root when it is given one (a panel's
-    // title is what the host shows on its tab).
+    // The title of a window of its own, and of the window handed in (an empty title, as
+    // child panels have, stays empty).
     if (w->isWindow() || isRoot)
         out.push_back({w, "title", [w] { return w->windowTitle(); },
                        [w](const QString& t) { w->setWindowTitle(t); }});
