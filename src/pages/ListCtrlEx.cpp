@@ -126,7 +126,7 @@ BOOL CListCtrlEx::IsEditableColumn(int column) const {
 }
 
 BOOL CListCtrlEx::IsButtonShown() const {
-    return m_button.GetSafeHwnd() != nullptr && m_button.IsWindowVisible();
+    return m_bButtonOpen && m_button.GetSafeHwnd() != nullptr;
 }
 
 void CListCtrlEx::CloseEditors(int keepRow) {

@@ -1,0 +1,220 @@
+// The road of a typed value: editor, commit, drive, next read, colour.
+#include "page_fixture.h"
+
+#include "module/host/IHostVarUtil.h"
+#include "module/host/IValueInfo.h"
+#include "module/host/IVarAttr.h"
+#include "module/host/IVarObjEx.h"
+#include "zorhost/sim/DriveLink.h"
+#include "zorhost/sim/SimulatedDrive.h"
+
+#include <afx/afxtest.h>
+
+#include <cmath>
+
+namespace pt {
+namespace {
+
+constexpr int kValueColumn = 3;
+
+class CommitTest : public PageTest {
+protected:
+    void SetUp() override {
+        PageTest::SetUp();
+        OpenFrame();
+    }
+    // Plain integer parameters that can be changed at any time, in row order.
+    std::vector<int> PlainRows(int modifyMode = 0) {
+        std::vector<int> rows;
+        for (int i = 0; i < Page().GetShownCount(); ++i) {
+            IVarAttr* a = Page().GetShownVar(i)->GetAttr();
+            const int kind = a->GetValueInfo() ? a->GetValueInfo()->GetKind() : 0;
+            // Parameters above the level the drive grants after power-on are refused.
+            if (a->GetModifyMode() == modifyMode && kind == 0 && a->GetDisplayFormat() == 0 &&
+                a->GetAccessLevel() <= zorhost::sim::SimulatedDrive::kBaseAuthority &&
+                a->GetDecimals() == 0 && !a->IsMinLinked() && !a->IsMaxLinked())
+                rows.push_back(i);
+        }
+        return rows;
+    }
+    CString CodeOf(int row) {
+        CString code;
+        Page().GetShownVar(row)->GetAttr()->GetCode(code);
+        return code;
+    }
+    double RawAt(int row) {
+        double raw = -12345;
+        drive->PeekRaw(Page().GetShownVar(row)->GetInstanceAddress(), raw);
+        return raw;
+    }
+    // A value inside the limits that the drive doesn't hold and that isn't the factory value.
+    int FreshValue(int row) {
+        IHostVarUtil* util = host.Services().Get<IHostVarUtil>();
+        IVarAttr* a = Page().GetShownVar(row)->GetAttr();
+        const int lo = int(util->VariantAsDouble(a->GetMinValue()));
+        const int factory = int(util->VariantAsDouble(a->GetFactoryValue()));
+        const int held = int(RawAt(row));
+        for (int v = lo + 1;; ++v)
+            if (v != factory && v != held)
+                return v;
+    }
+    void OpenNumeric(int row) {
+        List().EnsureVisible(row, FALSE);
+        List().ClickCell(row, kValueColumn);
+        ASSERT_NE(List().GetItemEdit().GetSafeHwnd(), nullptr) << CodeOf(row).GetString();
+    }
+    std::string LastBox() const {
+        const AfxPrompt* box = prompts.Last(AfxPrompt::MessageBox);
+        return box != nullptr ? box->text.GetString() : "";
+    }
+    CAfxRecordingResponder prompts;
+};
+
+TEST_F(CommitTest, ClickingFromOneValueCellToAnotherCommitsTheFirstAndOpensTheSecond) {
+    const std::vector<int> rows = PlainRows();
+    ASSERT_GE(rows.size(), 2u);
+    const int a = rows[0];
+    const int b = rows[1];
+    const int value = FreshValue(a);
+    const double before_b = RawAt(b);
+    OpenNumeric(a);
+    CString text;
+    text.Format("%d", value);
+    AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+    List().ClickCell(b, kValueColumn);
+    EXPECT_EQ(RawAt(a), value);
+    EXPECT_EQ(RawAt(b), before_b);
+    ASSERT_NE(List().GetItemEdit().GetSafeHwnd(), nullptr);
+    EXPECT_EQ(List().GetItemEdit().m_nRow, b);
+    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u) << LastBox();
+}
+
+TEST_F(CommitTest, EscapeInANumericCellWritesNothing) {
+    const int row = PlainRows().at(0);
+    const double before = RawAt(row);
+    const uint64_t requests = drive->RequestCount();
+    OpenNumeric(row);
+    CString text;
+    text.Format("%d", FreshValue(row));
+    AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+    AfxTestPressKey(&List().GetItemEdit(), VK_ESCAPE);
+    EXPECT_EQ(List().GetItemEdit().GetSafeHwnd(), nullptr);
+    EXPECT_EQ(RawAt(row), before);
+    EXPECT_EQ(drive->RequestCount(), requests);
+    // The page is still there: Escape didn't end the embedded dialog.
+    EXPECT_TRUE(Page().IsWindowVisible());
+}
+
+TEST_F(CommitTest, ScrollingClosesEditorsTheNumericEditCommitsTheTextEditDrops) {
+    const int row = PlainRows().at(0);
+    const int value = FreshValue(row);
+    OpenNumeric(row);
+    CString text;
+    text.Format("%d", value);
+    AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+    List().SendMessage(WM_VSCROLL, MAKEWPARAM(SB_LINEDOWN, 0), 0);
+    EXPECT_EQ(List().GetItemEdit().GetSafeHwnd(), nullptr);
+    EXPECT_EQ(RawAt(row), value);
+
+    // A hexadecimal cell uses the text edit, which drops what was typed.
+    int hexRow = -1;
+    for (int i = 0; i < Page().GetShownCount() && hexRow < 0; ++i) {
+        IVarAttr* a = Page().GetShownVar(i)->GetAttr();
+        if (a->GetModifyMode() == 0 && a->GetDisplayFormat() == 1 &&
+            (a->GetValueInfo() == nullptr || a->GetValueInfo()->GetKind() == 0))
+            hexRow = i;
+    }
+    ASSERT_GE(hexRow, 0);
+    const double hexBefore = RawAt(hexRow);
+    List().EnsureVisible(hexRow, FALSE);
+    List().ClickCell(hexRow, kValueColumn);
+    ASSERT_NE(List().GetItemEditEx().GetSafeHwnd(), nullptr);
+    AfxTestTypeText(&List().GetItemEditEx(), "0x0003");
+    List().SendMessage(WM_VSCROLL, MAKEWPARAM(SB_LINEDOWN, 0), 0);
+    EXPECT_EQ(List().GetItemEditEx().GetSafeHwnd(), nullptr);
+    EXPECT_EQ(RawAt(hexRow), hexBefore);
+}
+
+TEST_F(CommitTest, ATypedValueReachesTheDriveAndTheNextReadShowsItBlue) {
+    const int row = PlainRows().at(0);
+    IVarObjEx* var = Page().GetShownVar(row);
+    const int value = FreshValue(row);
+    OpenNumeric(row);
+    CString text;
+    text.Format("%d", value);
+    AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+    AfxTestPressKey(&List().GetItemEdit(), VK_RETURN);
+    EXPECT_EQ(List().GetItemEdit().GetSafeHwnd(), nullptr);
+    EXPECT_EQ(RawAt(row), value);
+    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u);
+
+    // The page writes nothing into the variable: the next read brings the value.
+    ReadCycle();
+    ReadCycle();
+    EXPECT_EQ(List().GetItemText(row, kValueColumn), text);
+    EXPECT_EQ(Page().GetCellTextColor(row, kValueColumn), PAGE_NOT_FACTORY_TEXT);
+    EXPECT_EQ(Page().GetCellTextColor(row, 1), RGB(0, 0, 0));
+
+    // Back to the factory value: black again.
+    IHostVarUtil* util = host.Services().Get<IHostVarUtil>();
+    const int factory = int(util->VariantAsDouble(var->GetAttr()->GetFactoryValue()));
+    OpenNumeric(row);
+    text.Format("%d", factory);
+    AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+    AfxTestPressKey(&List().GetItemEdit(), VK_RETURN);
+    ReadCycle();
+    ReadCycle();
+    EXPECT_EQ(RawAt(row), factory);
+    EXPECT_EQ(Page().GetCellTextColor(row, kValueColumn), RGB(0, 0, 0));
+}
+
+TEST_F(CommitTest, AnUnchangedValueIsNotWrittenAgain) {
+    const int row = PlainRows().at(0);
+    List().EnsureVisible(row, FALSE);
+    ReadCycle();
+    ReadCycle();
+    drive->TakeRequests();
+    OpenNumeric(row);
+    // The cell's own text goes back unchanged.
+    AfxTestPressKey(&List().GetItemEdit(), VK_RETURN);
+    for (const auto& r : drive->TakeRequests())
+        EXPECT_NE(r.kind, zorhost::sim::DriveRequest::Write);
+}
+
+TEST_F(CommitTest, ARefusedWriteShowsTheDrivesReason) {
+    const std::vector<int> rows = PlainRows(1); // changeable at standstill only
+    ASSERT_FALSE(rows.empty());
+    const int row = rows[0];
+    const double before = RawAt(row);
+    drive->SetRunning(true);
+    OpenNumeric(row);
+    CString text;
+    text.Format("%d", FreshValue(row));
+    AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+    AfxTestPressKey(&List().GetItemEdit(), VK_RETURN);
+    EXPECT_EQ(RawAt(row), before);
+    ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u);
+    const AfxPrompt* box = prompts.Last(AfxPrompt::MessageBox);
+    const std::string reason = zorhost::sim::LinkResultText(
+        zorhost::sim::LinkResult::Refuse(zorhost::sim::Refusal::WhileRunning), false);
+    EXPECT_EQ(box->text, CodeOf(row) + ": " + CString(reason));
+    EXPECT_TRUE(box->caption.IsEmpty());
+}
+
+TEST_F(CommitTest, MinusReplacesTheSelectedTextByOneSign) {
+    const int row = PlainRows().at(0);
+    OpenNumeric(row);
+    // The cell's text stands selected after opening.
+    AfxTestPressKey(&List().GetItemEdit(), 0xBD);
+    EXPECT_EQ(List().GetItemEdit().GetWindowTextString(), "-");
+    AfxTestPressKey(&List().GetItemEdit(), 0xBD);
+    EXPECT_EQ(List().GetItemEdit().GetWindowTextString(), "-");
+    // A lone minus is no value: nothing goes to the drive.
+    const double before = RawAt(row);
+    AfxTestPressKey(&List().GetItemEdit(), VK_RETURN);
+    EXPECT_EQ(RawAt(row), before);
+    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u);
+}
+
+} // namespace
+} // namespace pt

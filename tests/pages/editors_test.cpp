@@ -1,0 +1,157 @@
+// Which editor a click opens, and how the list closes its editors.
+#include "page_fixture.h"
+
+#include "module/host/IValueInfo.h"
+#include "module/host/IVarAttr.h"
+#include "module/host/IVarObjEx.h"
+
+#include <functional>
+
+namespace pt {
+namespace {
+
+// Value column of the single-axis live list.
+constexpr int kValueColumn = 3;
+
+class EditorTest : public PageTest {
+protected:
+    void SetUp() override {
+        PageTest::SetUp();
+        OpenFrame();
+    }
+    // The first shown row whose parameter matches.
+    int FindRow(const std::function<bool(IVarAttr*)>& match) {
+        for (int i = 0; i < Page().GetShownCount(); ++i)
+            if (match(Page().GetShownVar(i)->GetAttr()))
+                return i;
+        return -1;
+    }
+    static int Kind(IVarAttr* a) { return a->GetValueInfo() ? a->GetValueInfo()->GetKind() : 0; }
+
+    enum Opened { None, Numeric, Text, Combo, Button };
+    Opened OpenedEditor() {
+        CListCtrlEx& list = List();
+        const int n = (list.GetItemEdit().GetSafeHwnd() != nullptr) +
+                      (list.GetItemEditEx().GetSafeHwnd() != nullptr) +
+                      (list.GetItemCombo().GetSafeHwnd() != nullptr) + list.IsButtonShown();
+        EXPECT_LE(n, 1) << "more than one editor open";
+        if (list.GetItemEdit().GetSafeHwnd() != nullptr)
+            return Numeric;
+        if (list.GetItemEditEx().GetSafeHwnd() != nullptr)
+            return Text;
+        if (list.GetItemCombo().GetSafeHwnd() != nullptr)
+            return Combo;
+        if (list.IsButtonShown())
+            return Button;
+        return None;
+    }
+    Opened ClickValue(int row, int column = kValueColumn) {
+        EXPECT_GE(row, 0);
+        List().ClickCell(row, column);
+        return OpenedEditor();
+    }
+};
+
+TEST_F(EditorTest, ClickOpensTheEditorOfModifyModeAndValueKind) {
+    struct Case {
+        const char* what;
+        std::function<bool(IVarAttr*)> match;
+        Opened expected;
+    };
+    const Case cases[] = {
+        {"plain decimal, any time",
+         [](IVarAttr* a) {
+             return a->GetModifyMode() == 0 && Kind(a) == 0 && a->GetDisplayFormat() == 0;
+         },
+         Numeric},
+        {"plain hexadecimal, any time",
+         [](IVarAttr* a) {
+             return a->GetModifyMode() == 0 && Kind(a) == 0 && a->GetDisplayFormat() == 1;
+         },
+         Text},
+        {"plain decimal, at standstill",
+         [](IVarAttr* a) {
+             return a->GetModifyMode() == 1 && Kind(a) == 0 && a->GetDisplayFormat() == 0;
+         },
+         Numeric},
+        {"enumeration", [](IVarAttr* a) { return a->GetModifyMode() <= 1 && Kind(a) == 1; }, Combo},
+        {"bits", [](IVarAttr* a) { return a->GetModifyMode() == 0 && Kind(a) == 2; }, Button},
+        {"bit ranges", [](IVarAttr* a) { return a->GetModifyMode() <= 1 && Kind(a) == 3; }, Button},
+        {"digits", [](IVarAttr* a) { return a->GetModifyMode() <= 1 && Kind(a) == 4; }, Button},
+        {"read-only bits", [](IVarAttr* a) { return a->GetModifyMode() == 2 && Kind(a) == 2; },
+         Button},
+        // Without a value meaning the list's default stands: an edit box. The drive
+        // refuses the write then.
+        {"read-only number without meaning",
+         [](IVarAttr* a) { return a->GetModifyMode() == 2 && a->GetValueInfo() == nullptr; },
+         Numeric},
+        {"read-only enumeration",
+         [](IVarAttr* a) { return a->GetModifyMode() == 2 && Kind(a) == 1; }, None},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        const int row = FindRow(c.match);
+        ASSERT_GE(row, 0) << "the demo servo has no such parameter";
+        EXPECT_EQ(ClickValue(row), c.expected);
+        List().CloseEditors(-2);
+    }
+}
+
+TEST_F(EditorTest, AReadOnlyValueCellIsNeverWhiteAndANeverReadOneIsPink) {
+    const int readOnlyBits =
+        FindRow([](IVarAttr* a) { return a->GetModifyMode() == 2 && Kind(a) == 2; });
+    const int writable = FindRow([](IVarAttr* a) { return a->GetModifyMode() == 0; });
+    ASSERT_GE(readOnlyBits, 0);
+    ASSERT_GE(writable, 0);
+    // Nothing was read yet.
+    EXPECT_EQ(Page().GetCellBackColor(writable, kValueColumn), PAGE_NOT_READ);
+    List().EnsureVisible(readOnlyBits, FALSE);
+    List().EnsureVisible(writable, FALSE);
+    Page().SubmitRefreshQuery();
+    host.Refresh().RunCycle();
+    // A read turns the cell white when it can be changed, else the row colour.
+    const int top = List().GetTopIndex();
+    for (int row = top; row < top + List().GetCountPerPage() && row < Page().GetShownCount();
+         ++row) {
+        IVarAttr* a = Page().GetShownVar(row)->GetAttr();
+        const COLORREF back = Page().GetCellBackColor(row, kValueColumn);
+        if (Page().GetShownVar(row)->GetLastReadValue().IsEmptyOrNull())
+            continue;
+        if (a->GetModifyMode() == 2)
+            EXPECT_EQ(back, row % 2 == 0 ? PAGE_ROW_EVEN : PAGE_ROW_ODD) << row;
+        else
+            EXPECT_EQ(back, RGB(255, 255, 255)) << row;
+        EXPECT_EQ(Page().GetCellBackColor(row, 1), row % 2 == 0 ? PAGE_ROW_EVEN : PAGE_ROW_ODD);
+    }
+}
+
+TEST_F(EditorTest, AClickOnAColumnThatIsNotRegisteredOnlySelects) {
+    const int row = FindRow([](IVarAttr* a) { return a->GetModifyMode() == 0 && Kind(a) == 0; });
+    ASSERT_GE(row, 0);
+    EXPECT_EQ(ClickValue(row, 1), None);
+    EXPECT_EQ(List().GetSelectionMark(), row);
+    EXPECT_TRUE(List().GetItemState(row, LVIS_SELECTED) & LVIS_SELECTED);
+}
+
+TEST_F(EditorTest, TheEnumerationDropDownListsValueAndNameAndSelectsTheCell) {
+    const int row = FindRow([](IVarAttr* a) { return a->GetModifyMode() <= 1 && Kind(a) == 1; });
+    ASSERT_GE(row, 0);
+    ReadCycle();
+    List().EnsureVisible(row, FALSE);
+    ReadCycle();
+    ASSERT_EQ(ClickValue(row), Combo);
+    CComboBox& combo = List().GetItemCombo();
+    ASSERT_GT(combo.GetCount(), 0);
+    CString first;
+    combo.GetLBText(0, first);
+    EXPECT_TRUE(first.Find("[") > 0 && first.Right(1) == "]") << first.GetString();
+    // The cell text is the value with its meaning; the drop-down opens on that entry.
+    const CString cell = List().GetItemText(row, kValueColumn);
+    ASSERT_GE(combo.GetCurSel(), 0) << cell.GetString();
+    CString selected;
+    combo.GetLBText(combo.GetCurSel(), selected);
+    EXPECT_EQ(selected, cell);
+}
+
+} // namespace
+} // namespace pt

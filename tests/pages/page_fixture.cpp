@@ -1,0 +1,122 @@
+#include "page_fixture.h"
+
+#include "module/ModuleResources.h"
+#include "module/ParmiraApp.h"
+#include "module/host/IGroupNode.h"
+#include "module/host/IGroupSet.h"
+#include "module/host/IVarAttr.h"
+#include "module/host/IVarObjEx.h"
+#include "module/host/IVarStore.h"
+#include "table/TableResources.h"
+
+#include <afx/afxres.h>
+
+namespace pt {
+
+namespace {
+constexpr UINT IDD_TEST_PARENT = 9951;
+}
+
+void RecordingRefresh::SubmitQuery(IHostRefreshQuery* query) {
+    ++submitted;
+    lastAddresses.clear();
+    for (const auto& item : static_cast<zorhost::CHostRefreshQuery*>(query)->m_items)
+        lastAddresses.push_back(item->m_address);
+    m_real.SubmitQuery(query);
+}
+
+void PageTest::SetUp() {
+    std::string error;
+    ASSERT_TRUE(host.LoadDemo(&error)) << error;
+    refresh = std::make_unique<RecordingRefresh>(host.Refresh());
+    host.Services().Register<IHostRefreshService>(refresh.get());
+    HINSTANCE h = AfxCreateResourceHandle("pages-test");
+    theApp.m_hResource = h;
+    RegisterModuleResources(h);
+    RegisterTableResources(h);
+    AfxRegisterDialog(h, DlgTemplate{IDD_TEST_PARENT, "pages test", 1200, 720, {}, WS_POPUP});
+    theApp.SetQueryInterfaceCallback(host.Services().Context(), &zorhost::HostServices::Query);
+}
+
+void PageTest::TearDown() {
+    CloseFrame();
+    theApp.SetQueryInterfaceCallback(0, nullptr);
+    theApp.languageListeners.RemoveAll();
+    AfxFreeResourceHandle(theApp.m_hResource);
+    theApp.m_hResource = nullptr;
+}
+
+void PageTest::OpenFrame(const char* moduleKey) {
+    zorhost::model::CDeviceModule* m = host.Module(moduleKey);
+    ASSERT_NE(m, nullptr);
+    m->SetAccessLevel(3);
+    module = m;
+    drive = host.Drive(moduleKey);
+    ASSERT_TRUE(parent.Create(IDD_TEST_PARENT, nullptr));
+    table = std::make_unique<CVarTable>();
+    table->SetWorkspace(host.Project()->GetWorkspace());
+    table->SetModule(m);
+    ASSERT_TRUE(table->Create(IDD_VAR_TABLE, &parent));
+    table->MoveWindow(0, 0, 1200, 720);
+    parent.ShowWindow(SW_SHOW);
+    ASSERT_NE(table->GetPage1(), nullptr);
+    ASSERT_NE(Page().GetSafeHwnd(), nullptr);
+}
+
+void PageTest::CloseFrame() {
+    if (table != nullptr && table->GetSafeHwnd() != nullptr)
+        table->DestroyWindow();
+    table.reset();
+    if (parent.GetSafeHwnd() != nullptr)
+        parent.DestroyWindow();
+}
+
+void PageTest::ShowGroup(const char* name) {
+    IGroupSet* root = Store()->GetGroupRoot(0);
+    ASSERT_NE(root, nullptr);
+    IGroupNode* group = root->FindByName(name);
+    ASSERT_NE(group, nullptr) << name;
+    Page().ShowGroup(group, Store());
+}
+
+int PageTest::RowOf(const char* code) {
+    for (int i = 0; i < Page().GetShownCount(); ++i) {
+        CString c;
+        Page().GetShownVar(i)->GetAttr()->GetCode(c);
+        if (c == code)
+            return i;
+    }
+    return -1;
+}
+
+IVarObjEx* PageTest::Var(const char* code) {
+    return Store()->FindByCode(code);
+}
+
+UINT PageTest::Address(const char* code) {
+    IVarObjEx* var = Var(code);
+    return var != nullptr ? var->GetInstanceAddress() : 0;
+}
+
+double PageTest::DriveValue(const char* code) {
+    double raw = -12345;
+    drive->PeekRaw(Address(code), raw);
+    return raw;
+}
+
+void PageTest::ReadCycle() {
+    Page().SubmitRefreshQuery();
+    host.Refresh().RunCycle();
+    Pump();
+}
+
+void PageTest::Pump() {
+    int n = 0;
+    AfxPumpMessagesUntil([&] { return ++n > 3; }, 200);
+}
+
+void PageTest::TypeIntoEdit(CWnd& edit, const char* text) {
+    AfxTestTypeText(&edit, text);
+}
+
+} // namespace pt

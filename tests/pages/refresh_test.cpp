@@ -1,0 +1,146 @@
+// What the live list asks the host to read.
+#include "page_fixture.h"
+
+#include "module/host/IHostDeviceHelper.h"
+#include "module/host/IHostVarUtil.h"
+#include "module/host/IVarAttr.h"
+#include "module/host/IVarObjEx.h"
+
+#include <algorithm>
+#include <set>
+
+namespace pt {
+namespace {
+
+class RefreshTest : public PageTest {
+protected:
+    void SetUp() override {
+        PageTest::SetUp();
+        OpenFrame();
+    }
+    UINT AuthorityAddress() {
+        IVarObjEx* var =
+            host.Services().Get<IHostDeviceHelper>()->FindNamedVar(module, "Authority");
+        return var != nullptr ? var->GetAttr()->GetAddress() : 0;
+    }
+    std::set<UINT> RowAddresses(int first, int end) {
+        std::set<UINT> addresses;
+        for (int i = first; i < end; ++i)
+            addresses.insert(Page().GetShownVar(i)->GetAttr()->GetAddress());
+        return addresses;
+    }
+};
+
+TEST_F(RefreshTest, TheQueryHoldsTheVisibleRowsPlusOneAndAuthorityNeverTheWholeGroup) {
+    const int shown = Page().GetShownCount();
+    const int perPage = List().GetCountPerPage();
+    ASSERT_GT(perPage, 0);
+    ASSERT_GT(shown, perPage + 10) << "all parameters should not fit on one page";
+    // Linked limits of painted cells join the next query; take them as they stand.
+    for (int row = 0; row <= perPage; ++row)
+        for (int col = 0; col < List().GetColumnCount(); ++col)
+            List().GetItemText(row, col);
+    std::set<UINT> linked;
+    for (IVarObjEx* v : Page().GetLinkedVars().GetArray())
+        linked.insert(v->GetAttr()->GetAddress());
+    Page().SubmitRefreshQuery();
+    const std::vector<UINT>& asked = refresh->lastAddresses;
+    const std::set<UINT> rows = RowAddresses(0, perPage + 1);
+    for (UINT a : rows)
+        EXPECT_EQ(std::count(asked.begin(), asked.end(), a), 1) << a;
+    EXPECT_EQ(std::count(asked.begin(), asked.end(), AuthorityAddress()), 1);
+    EXPECT_EQ(asked.size(), size_t(perPage + 1) + linked.size() + 1);
+    // The row below the one extra is not read.
+    const UINT below = Page().GetShownVar(perPage + 1)->GetAttr()->GetAddress();
+    if (!linked.count(below) && below != AuthorityAddress()) {
+        EXPECT_EQ(std::count(asked.begin(), asked.end(), below), 0);
+    }
+    // The linked variables went out with this query and are forgotten.
+    EXPECT_EQ(Page().GetLinkedVars().GetCount(), 0);
+}
+
+TEST_F(RefreshTest, AtTheEndOfTheListNoRowBeyondTheLastIsRead) {
+    const int shown = Page().GetShownCount();
+    List().EnsureVisible(shown - 1, FALSE);
+    const int top = List().GetTopIndex();
+    ASSERT_GT(top, 0);
+    Page().GetLinkedVars();
+    Page().SubmitRefreshQuery();
+    const std::vector<UINT>& asked = refresh->lastAddresses;
+    for (UINT a : RowAddresses(top, shown))
+        EXPECT_EQ(std::count(asked.begin(), asked.end(), a), 1) << a;
+    EXPECT_LE(asked.size(), size_t(shown - top) + 1 + 2 * size_t(List().GetCountPerPage()));
+}
+
+TEST_F(RefreshTest, AnOfflineModuleSendsNoQueryAndKeepsItsLinkedVariables) {
+    // Paint the limits of every row on screen so that links are noted.
+    const int perPage = List().GetCountPerPage();
+    for (int row = 0; row <= perPage && row < Page().GetShownCount(); ++row) {
+        List().GetItemText(row, 6);
+        List().GetItemText(row, 7);
+    }
+    const int linked = Page().GetLinkedVars().GetCount();
+    host.SetOnline("ZD3S", false);
+    const int before = refresh->submitted;
+    Page().SubmitRefreshQuery();
+    EXPECT_EQ(refresh->submitted, before);
+    EXPECT_EQ(Page().GetLinkedVars().GetCount(), linked);
+}
+
+TEST_F(RefreshTest, ALinkTargetIsReadOnlyAfterAPaintAskedForIt) {
+    int row = -1;
+    for (int i = 0; i < Page().GetShownCount() && row < 0; ++i) {
+        IVarAttr* a = Page().GetShownVar(i)->GetAttr();
+        if (a->IsMaxLinked() || a->IsMinLinked())
+            row = i;
+    }
+    ASSERT_GE(row, 0) << "the demo servo has a linked limit";
+    IVarAttr* a = Page().GetShownVar(row)->GetAttr();
+    const int column = a->IsMaxLinked() ? 7 : 6;
+    // Far from the screen, so no paint asked for it yet.
+    List().EnsureVisible(0, FALSE);
+    Page().SubmitRefreshQuery();
+    ASSERT_EQ(Page().GetLinkedVars().GetCount(), 0);
+    const CString text = List().GetItemText(row, column);
+    ASSERT_EQ(Page().GetLinkedVars().GetCount(), 1) << text.GetString();
+    const UINT target = Page().GetLinkedVars().GetAt(0)->GetAttr()->GetAddress();
+    // The cell names the target's code in brackets.
+    CString code;
+    Page().GetLinkedVars().GetAt(0)->GetAttr()->GetCode(code);
+    EXPECT_EQ(text.Right(code.GetLength() + 2), "[" + code + "]");
+    Page().SubmitRefreshQuery();
+    const std::vector<UINT>& asked = refresh->lastAddresses;
+    EXPECT_EQ(std::count(asked.begin(), asked.end(), target), 1);
+}
+
+TEST_F(RefreshTest, ShowModifiedKeepsOnlyReadValuesThatDifferFromFactoryThenAllRowsAgain) {
+    ShowGroup("H03");
+    ASSERT_GT(Page().GetShownCount(), 2);
+    IVarObjEx* changed = Page().GetShownVar(0);
+    IVarObjEx* same = Page().GetShownVar(1);
+    ASSERT_TRUE(changed->GetAttr()->IsChangeTracked());
+    IHostVarUtil* util = host.Services().Get<IHostVarUtil>();
+    const double factory = util->VariantAsDouble(changed->GetAttr()->GetFactoryValue());
+    drive->PokeRaw(changed->GetInstanceAddress(), factory + 1);
+    drive->PokeRaw(same->GetInstanceAddress(),
+                   util->VariantAsDouble(same->GetAttr()->GetFactoryValue()));
+    ReadCycle();
+    ReadCycle();
+    ASSERT_FALSE(changed->GetValue().IsEmpty());
+    Page().ShowModified(Store(), 0);
+    std::vector<IVarObjEx*> rows;
+    Page().CollectShown(rows);
+    EXPECT_EQ(std::count(rows.begin(), rows.end(), changed), 1);
+    EXPECT_EQ(std::count(rows.begin(), rows.end(), same), 0);
+    for (IVarObjEx* v : rows) {
+        EXPECT_FALSE(v->GetValue().IsEmpty());
+        EXPECT_TRUE(v->GetAttr()->IsChangeTracked());
+    }
+    EXPECT_EQ(Page().GetListFilter(), LIST_FILTER_ALL);
+    // A collection afterwards keeps every row again.
+    ShowGroup("H03");
+    EXPECT_GT(Page().GetShownCount(), int(rows.size()));
+}
+
+} // namespace
+} // namespace pt
