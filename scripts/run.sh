@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Sets up the machine, builds ZorDriveBench with the Parmira module and runs it on
-# the demo project of simulated drives. Without a display it renders the main
-# window to a PNG and says where.
+# Sets up the machine, builds ZorDriveBench with the Parmira module and runs it on the
+# demo project of simulated drives (or on a project file: ./scripts/run.sh --project F).
+# Without a display it renders the main window, with the first drive's parameter list
+# open, to a PNG and says where.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build="$root/build"

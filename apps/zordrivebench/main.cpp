@@ -1,139 +1,135 @@
-// ZorDriveBench: the reference host for the Parmira module.
+// ZorDriveBench: the reference host for the parameter-view plug-in, with simulated drives.
 //
-//   zordrivebench [--devices DIR] [--screenshot FILE.png]
+//   zordrivebench [--project FILE] [--screenshot FILE.png]
+//   zordrivebench [--project FILE] --list
+//   zordrivebench [--project FILE] --export KEY FILE.csv
 //
-// With --screenshot (or on the offscreen platform) the main window is rendered to
-// FILE.png after start-up and the program exits.
+// Without a display (or with --screenshot) the main window is rendered to a PNG once the
+// first module's panel is up, and the program exits. Exit codes: Options.h.
 
-#include <zorhost/device/DeviceLoader.h>
+#include "CommandLine.h"
+#include "MainWindow.h"
+#include "Options.h"
+
+#include <zorhost/ReferenceHost.h>
 
 #include <QApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
-#include <QHeaderView>
-#include <QLabel>
-#include <QMainWindow>
-#include <QMenuBar>
-#include <QSplitter>
-#include <QStatusBar>
-#include <QTabWidget>
 #include <QTimer>
-#include <QTreeWidget>
 
 #include <cstdio>
-#include <string>
+
+using namespace zordrivebench;
 
 namespace {
 
-struct Options {
-    QString devicesDir;
-    QString screenshot;
-};
+constexpr int kPanelWait_ms = 20000;
+// After the panel is up: a few refresh cycles, so that the values are on screen.
+constexpr int kSettle_ms = 1500;
 
-bool ParseOptions(const QStringList& args, Options& options, QString& error) {
-    for (int i = 1; i < args.size(); ++i) {
-        const QString& a = args[i];
-        auto value = [&](QString& into) {
-            if (i + 1 >= args.size()) {
-                error = QStringLiteral("%1 needs a value").arg(a);
-                return false;
+void Print(std::FILE* to, const QString& text) {
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), to);
+    std::fflush(to);
+}
+
+void CriticalOnly(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        Print(stderr, message + QLatin1Char('\n'));
+}
+
+bool HasDisplay() {
+    return !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
+// Waits for the panel, lets it settle, saves the window and ends the event loop.
+void ScheduleScreenshot(MainWindow& window, const QString& file) {
+    auto* clock = new QElapsedTimer;
+    clock->start();
+    auto* poll = new QTimer(&window);
+    QObject::connect(poll, &QTimer::timeout, &window, [&window, poll, clock, file] {
+        const bool up = window.IsPanelUp();
+        if (!up && clock->elapsed() < kPanelWait_ms)
+            return;
+        poll->stop();
+        delete clock;
+        if (!up)
+            Print(stderr, QStringLiteral("zordrivebench: no panel came up; the picture shows "
+                                         "the window without it\n"));
+        QTimer::singleShot(up ? kSettle_ms : 0, &window, [&window, file, up] {
+            const QString path = QFileInfo(file).absoluteFilePath();
+            QDir().mkpath(QFileInfo(path).absolutePath());
+            if (!window.grab().save(path)) {
+                Print(stderr, QStringLiteral("zordrivebench: could not write %1\n").arg(path));
+                QApplication::exit(1);
+                return;
             }
-            into = args[++i];
-            return true;
-        };
-        if (a == QLatin1String("--devices")) {
-            if (!value(options.devicesDir))
-                return false;
-        } else if (a == QLatin1String("--screenshot")) {
-            if (!value(options.screenshot))
-                return false;
-        } else {
-            error = QStringLiteral("unknown argument: %1").arg(a);
-            return false;
-        }
-    }
-    return true;
-}
-
-QString Qs(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-// The project tree lists the drives of the demo project, one module per product.
-QTreeWidget* BuildProjectTree(const zorhost::device::DeviceLibrary& library) {
-    auto* tree = new QTreeWidget;
-    tree->setHeaderLabels({QStringLiteral("工程"), QStringLiteral("参数")});
-    tree->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
-    auto* project = new QTreeWidgetItem(tree, {QStringLiteral("演示工程")});
-    int number = 1;
-    for (const auto& device : library.Devices()) {
-        const auto& product = device->product;
-        QString name = QStringLiteral("%1 %2").arg(number++).arg(Qs(device->Text(product.name)));
-        auto* item =
-            new QTreeWidgetItem(project, {name, QString::number(device->parameters.size())});
-        item->setToolTip(0, QFileInfo(QString::fromStdString(device->sourceFile)).fileName());
-    }
-    tree->expandAll();
-    return tree;
+            Print(stdout, QStringLiteral("Screenshot of the main window: %1\n").arg(path));
+            QApplication::exit(up ? 0 : 1);
+        });
+    });
+    poll->start(50);
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
+    QStringList args;
+    for (int i = 1; i < argc; ++i)
+        args << QString::fromLocal8Bit(argv[i]);
+    Options options;
+    QString error;
+    if (!ParseOptions(args, options, error)) {
+        Print(stderr, QStringLiteral("zordrivebench: %1\n%2").arg(error, UsageText()));
+        return kExitUsage;
+    }
+    if (options.help) {
+        Print(stdout, QString::fromUtf8(UsageText()));
+        return kExitOk;
+    }
+    if (options.list) {
+        QCoreApplication app(argc, argv);
+        return RunList(options);
+    }
+    if (!options.exportKey.isEmpty()) {
+        // The plug-in's windowless export still makes pictures: a GUI application, off screen.
+        // Its notes about the environment would only bury the program's own message.
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        qInstallMessageHandler(CriticalOnly);
+        QApplication app(argc, argv);
+        return RunExport(options);
+    }
+    // Without a display nothing could be shown: render off screen and save a picture.
+    if (!HasDisplay() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("ZorDriveBench"));
 
-    Options options;
-    QString error;
-    if (!ParseOptions(QApplication::arguments(), options, error)) {
-        std::fprintf(stderr, "zordrivebench: %s\n", error.toLocal8Bit().constData());
-        return 2;
-    }
     if (options.screenshot.isEmpty() &&
         QGuiApplication::platformName() == QLatin1String("offscreen"))
         options.screenshot = QStringLiteral("zordrivebench.png");
 
-    zorhost::device::DeviceLibrary library;
-    const std::string dir = options.devicesDir.isEmpty() ? zorhost::device::DefaultDeviceDirectory()
-                                                         : options.devicesDir.toStdString();
-    for (const auto& refusal : library.AddDirectory(dir))
-        std::fprintf(stderr, "zordrivebench: %s\n", refusal.ToString().c_str());
-
-    QMainWindow window;
-    window.setWindowTitle(QStringLiteral("ZorDriveBench"));
-    window.menuBar()->addMenu(QStringLiteral("工程"));
-    window.menuBar()->addMenu(QStringLiteral("设备"));
-    window.menuBar()->addMenu(QStringLiteral("帮助"));
-
-    auto* splitter = new QSplitter;
-    splitter->addWidget(BuildProjectTree(library));
-    auto* tabs = new QTabWidget;
-    tabs->setDocumentMode(true);
-    auto* start = new QLabel(QStringLiteral("在工程树中选择一个驱动器模块。"));
-    start->setAlignment(Qt::AlignCenter);
-    tabs->addTab(start, QStringLiteral("起始页"));
-    splitter->addWidget(tabs);
-    splitter->setStretchFactor(1, 1);
-    splitter->setSizes({300, 980});
-    window.setCentralWidget(splitter);
-    window.statusBar()->showMessage(
-        QStringLiteral("%1 个设备描述已载入").arg(library.Devices().size()));
-    window.resize(1280, 800);
-    window.show();
-
-    if (!options.screenshot.isEmpty()) {
-        QTimer::singleShot(0, &window, [&] {
-            const QString path = QFileInfo(options.screenshot).absoluteFilePath();
-            QDir().mkpath(QFileInfo(path).absolutePath());
-            if (!window.grab().save(path)) {
-                std::fprintf(stderr, "zordrivebench: could not write %s\n",
-                             path.toLocal8Bit().constData());
-                QApplication::exit(1);
-                return;
-            }
-            std::printf("Screenshot of the main window: %s\n", path.toLocal8Bit().constData());
-            QApplication::exit(0);
-        });
+    zorhost::ReferenceHost host;
+    int code = kExitOk;
+    {
+        MainWindow window(host);
+        if (!window.OpenProject(options.projectFile, &error)) {
+            Print(stderr, QStringLiteral("zordrivebench: %1\n").arg(error));
+            return kExitProject;
+        }
+        host.StartTimer();
+        window.show();
+        if (!window.OpenFirstModule(&error))
+            Print(stderr, QStringLiteral("zordrivebench: %1\n").arg(error));
+        if (!options.screenshot.isEmpty())
+            ScheduleScreenshot(window, options.screenshot);
+        code = app.exec();
+        host.StopTimer();
     }
-    return app.exec();
+    return code;
 }

@@ -1,0 +1,160 @@
+#include "CommandLine.h"
+
+#include "HostProject.h"
+#include "ParmiraModule.h"
+#include "ProgramServices.h"
+
+#include <zorhost/ReferenceHost.h>
+#include <zorhost/services/HostMessageBus.h>
+
+#include "module/host/IMessage_ModuleUploadEvent.h"
+
+#include <afx/afxqt.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
+
+#include <cstdio>
+#include <filesystem>
+#include <system_error>
+
+namespace zordrivebench {
+
+namespace {
+
+void Print(std::FILE* to, const QString& text) {
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), to);
+}
+
+int Fail(int code, const QString& message) {
+    Print(stderr, QStringLiteral("zordrivebench: %1\n").arg(message));
+    return code;
+}
+
+QString Qs(const CString& s) {
+    return AfxToQString(s);
+}
+
+QString KeyList(zorhost::ReferenceHost& host) {
+    QStringList keys;
+    for (const CString& key : host.ModuleKeys())
+        keys << Qs(key);
+    return keys.join(QStringLiteral(", "));
+}
+
+// A name beside the target that nobody else writes, with the extension the module
+// requires: the export goes there first and replaces the target only when it is whole.
+QString StagingPath(const QFileInfo& target) {
+    return target.absoluteDir().filePath(
+        QStringLiteral(".%1.%2-%3.csv")
+            .arg(target.completeBaseName())
+            .arg(QCoreApplication::applicationPid())
+            .arg(QRandomGenerator::global()->generate(), 8, 16, QLatin1Char('0')));
+}
+
+// Hears how the upload of one module ended.
+class UploadWatch : public IMessage_ModuleUploadEvent {
+public:
+    explicit UploadWatch(CString key) : m_key(std::move(key)) {}
+    void OnModuleUploaded(const CString& moduleKey, BOOL success) override {
+        if (moduleKey == m_key) {
+            ended = true;
+            succeeded = success != 0;
+        }
+    }
+    void OnModuleDownloaded(const CString&, BOOL) override {}
+
+    bool ended = false;
+    bool succeeded = false;
+
+private:
+    CString m_key;
+};
+
+} // namespace
+
+int RunList(const Options& options) {
+    zorhost::ReferenceHost host;
+    LoadedProject project;
+    QString error;
+    if (!LoadIntoHost(host, options.projectFile, project, &error))
+        return Fail(kExitProject, error);
+    for (const CString& key : host.ModuleKeys()) {
+        CString name;
+        host.Module(key)->GetDisplayName(name);
+        Print(stdout, QStringLiteral("%1\t%2\n").arg(Qs(key), Qs(name)));
+    }
+    std::fflush(stdout);
+    return kExitOk;
+}
+
+int RunExport(const Options& options) {
+    const QFileInfo target(options.exportFile);
+    if (target.suffix().compare(QLatin1String("csv"), Qt::CaseInsensitive) != 0)
+        return Fail(kExitUsage, QStringLiteral("%1: the parameter table is written as .csv only")
+                                    .arg(options.exportFile));
+
+    zorhost::ReferenceHost host;
+    ProgramServices services(host);
+    LoadedProject project;
+    QString error;
+    if (!LoadIntoHost(host, options.projectFile, project, &error))
+        return Fail(kExitProject, error);
+
+    const CString key = AfxFromQString(options.exportKey);
+    zorhost::model::CDeviceModule* module = host.Module(key);
+    if (module == nullptr)
+        return Fail(kExitUnknownModule,
+                    QStringLiteral("no module with the key \"%1\" in %2 (its modules: %3)")
+                        .arg(options.exportKey, project.Title(true), KeyList(host)));
+    if (!module->IsOnline())
+        return Fail(kExitOffline, QStringLiteral("module \"%1\" is offline: its drive can't be "
+                                                 "read, so nothing was exported")
+                                      .arg(options.exportKey));
+
+    // The table holds what the host last read; read the whole drive first, so that the file
+    // tells the drive's present values.
+    UploadWatch upload(key);
+    services.Bus().Subscribe(IID_IMessage_ModuleUploadEvent,
+                             AsSink<IMessage_ModuleUploadEvent>(&upload));
+    host.Transfer().UploadModule(nullptr, key);
+    services.Bus().Unsubscribe(IID_IMessage_ModuleUploadEvent,
+                               AsSink<IMessage_ModuleUploadEvent>(&upload));
+    if (!upload.succeeded)
+        return Fail(kExitOffline,
+                    QStringLiteral("the drive of module \"%1\" did not answer every read; "
+                                   "nothing was exported")
+                        .arg(options.exportKey));
+
+    ParmiraModule plugin;
+    if (!plugin.Load(ParmiraModule::DefaultPath(), host.Services(), &error))
+        return Fail(kExitPlugin, error);
+    IQXParmira* view = plugin.Create(&error);
+    if (view == nullptr)
+        return Fail(kExitPlugin, error);
+
+    const QString staging = StagingPath(target);
+    view->ExportParameters(AfxFromQString(staging), key);
+    plugin.Release(view);
+    plugin.Unload();
+
+    if (!QFileInfo::exists(staging))
+        return Fail(kExitNoFile, QStringLiteral("the parameter table of \"%1\" was not written to "
+                                                "%2 (is the folder there and writable?)")
+                                     .arg(options.exportKey, target.absoluteFilePath()));
+    std::error_code ec;
+    std::filesystem::rename(staging.toStdString(), target.absoluteFilePath().toStdString(), ec);
+    if (ec) {
+        QFile::remove(staging);
+        return Fail(kExitNoFile,
+                    QStringLiteral("%1: %2").arg(target.absoluteFilePath(),
+                                                 QString::fromStdString(ec.message())));
+    }
+    return kExitOk;
+}
+
+} // namespace zordrivebench

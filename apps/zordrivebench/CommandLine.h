@@ -1,0 +1,12 @@
+// The windowless forms of the program, for scripts: --list and --export.
+#pragma once
+
+#include "Options.h"
+
+namespace zordrivebench {
+
+// Each returns the process's exit code; results go to stdout, problems to stderr.
+int RunList(const Options& options);
+int RunExport(const Options& options);
+
+} // namespace zordrivebench

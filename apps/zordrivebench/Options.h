@@ -1,0 +1,35 @@
+// The program's command line.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace zordrivebench {
+
+struct Options {
+    QString projectFile; // empty: the built-in demo project
+    QString screenshot;  // render the main window to this PNG and exit
+    bool list = false;
+    QString exportKey;
+    QString exportFile;
+    bool help = false;
+
+    bool IsCommand() const { return list || !exportKey.isEmpty(); }
+};
+
+// `args` without the program name. On failure `error` says what was wrong.
+bool ParseOptions(const QStringList& args, Options& options, QString& error);
+const char* UsageText();
+
+// Exit codes of the command-line forms.
+enum ExitCode {
+    kExitOk = 0,
+    kExitUsage = 2,
+    kExitProject = 3,       // the project can't be loaded
+    kExitUnknownModule = 4, // no module has the key
+    kExitOffline = 5,       // the module's drive is offline or doesn't answer
+    kExitPlugin = 6,        // the parameter module can't be loaded
+    kExitNoFile = 7,        // the export left no file
+};
+
+} // namespace zordrivebench

@@ -1,0 +1,186 @@
+// The built program run as a script runs it: its output, its messages and exit codes.
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Outcome {
+    int code = -1;
+    QString out, err;
+};
+
+Outcome Program(const QStringList& args) {
+    QProcess p;
+    p.setProgram(QStringLiteral(PARMIRA_BINARY_DIR "/bin/zordrivebench"));
+    p.setArguments(args);
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    p.setProcessEnvironment(env);
+    p.start();
+    Outcome r;
+    if (!p.waitForFinished(60000)) {
+        p.kill();
+        p.waitForFinished();
+        r.err = QStringLiteral("(did not finish)");
+        return r;
+    }
+    r.code = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -2;
+    r.out = QString::fromUtf8(p.readAllStandardOutput());
+    r.err = QString::fromUtf8(p.readAllStandardError());
+    return r;
+}
+
+QString WriteFile(const QTemporaryDir& dir, const char* name, const QByteArray& text) {
+    const QString path = QDir(dir.path()).filePath(QString::fromUtf8(name));
+    QFile f(path);
+    EXPECT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write(text);
+    return path;
+}
+
+QByteArray ReadFile(const QString& path) {
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+// Two drives, the second one not connected.
+QString TwoDriveProject(const QTemporaryDir& dir) {
+    return WriteFile(dir, "two.json", R"({
+        "format": "zordrivebench-project", "version": 1, "name": "Bench",
+        "modules": [
+            {"key": "SPINDLE", "deviceFile": "zd3s_servo.json", "displayName": "主轴 Spindle"},
+            {"key": "FEED", "deviceFile": "zv5_inverter.json", "online": false}
+        ]})");
+}
+
+} // namespace
+
+TEST(ProgramList, PrintsKeyTabDisplayNameForEveryModule) {
+    const Outcome demo = Program({"--list"});
+    ASSERT_EQ(demo.code, 0) << demo.err.toStdString();
+    const QStringList lines = demo.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 3) << demo.out.toStdString();
+    const QStringList keys{"ZD3S", "ZD4M", "ZV5"};
+    for (int i = 0; i < 3; ++i) {
+        const QStringList fields = lines[i].split(QLatin1Char('\t'));
+        ASSERT_EQ(fields.size(), 2) << lines[i].toStdString();
+        EXPECT_EQ(fields[0], keys[i]);
+        EXPECT_FALSE(fields[1].trimmed().isEmpty());
+    }
+
+    QTemporaryDir dir;
+    const Outcome own = Program({"--project", TwoDriveProject(dir), "--list"});
+    ASSERT_EQ(own.code, 0) << own.err.toStdString();
+    EXPECT_EQ(own.out.section(QLatin1Char('\n'), 0, 0), QStringLiteral("SPINDLE\t主轴 Spindle"));
+    // No name given: the product's name, the same as the demo's drive of that product.
+    EXPECT_EQ(own.out.section(QLatin1Char('\n'), 1, 1),
+              QStringLiteral("FEED\t") + lines[2].section(QLatin1Char('\t'), 1));
+}
+
+TEST(ProgramList, ABrokenProjectFileIsNamedWithThePlace) {
+    QTemporaryDir dir;
+    const QString path = WriteFile(
+        dir, "bad.json",
+        R"({"format": "zordrivebench-project", "version": 1, "modules": [{"key": "A"}]})");
+    const Outcome r = Program({"--project", path, "--list"});
+    EXPECT_EQ(r.code, 3);
+    EXPECT_TRUE(r.out.isEmpty());
+    EXPECT_TRUE(r.err.contains(path + QStringLiteral(": modules[0]: missing \"deviceFile\"")))
+        << r.err.toStdString();
+
+    const QString missingDevice = WriteFile(dir, "nodevice.json", R"({
+        "format": "zordrivebench-project", "version": 1,
+        "modules": [{"key": "A", "deviceFile": "no_such_drive.json"}]})");
+    const Outcome r2 = Program({"--project", missingDevice, "--list"});
+    EXPECT_EQ(r2.code, 3);
+    EXPECT_TRUE(r2.err.contains(QStringLiteral("no_such_drive.json"))) << r2.err.toStdString();
+}
+
+TEST(ProgramArguments, MistakesAreRefusedWithTheUsage) {
+    for (const QStringList& args :
+         {QStringList{"--frobnicate"}, QStringList{"--export", "ZD3S"}, QStringList{"--project"},
+          QStringList{"--list", "--export", "ZD3S", "x.csv"},
+          QStringList{"--list", "--screenshot", "x.png"}}) {
+        const Outcome r = Program(args);
+        EXPECT_EQ(r.code, 2) << args.join(' ').toStdString();
+        EXPECT_TRUE(r.err.contains(QStringLiteral("usage:"))) << r.err.toStdString();
+    }
+}
+
+TEST(ProgramExport, UnknownModuleOfflineDriveAndWrongExtensionWriteNothing) {
+    QTemporaryDir dir;
+    const QString project = TwoDriveProject(dir);
+    const QString target = QDir(dir.path()).filePath(QStringLiteral("out.csv"));
+
+    const Outcome unknown = Program({"--project", project, "--export", "ZD3S", target});
+    EXPECT_EQ(unknown.code, 4);
+    EXPECT_TRUE(unknown.err.contains(QStringLiteral("\"ZD3S\""))) << unknown.err.toStdString();
+    EXPECT_TRUE(unknown.err.contains(QStringLiteral("SPINDLE, FEED"))) << unknown.err.toStdString();
+
+    // Keys are compared exactly, as the module compares them.
+    EXPECT_EQ(Program({"--project", project, "--export", "spindle", target}).code, 4);
+
+    const Outcome offline = Program({"--project", project, "--export", "FEED", target});
+    EXPECT_EQ(offline.code, 5);
+    EXPECT_TRUE(offline.err.contains(QStringLiteral("offline"))) << offline.err.toStdString();
+
+    const Outcome text = Program({"--project", project, "--export", "SPINDLE",
+                              QDir(dir.path()).filePath(QStringLiteral("out.txt"))});
+    EXPECT_EQ(text.code, 2);
+    EXPECT_TRUE(text.err.contains(QStringLiteral(".csv"))) << text.err.toStdString();
+
+    for (const Outcome* r : {&unknown, &offline, &text})
+        EXPECT_TRUE(r->out.isEmpty());
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"two.json"});
+}
+
+TEST(ProgramExport, AFailedExportLeavesAnOldFileAsItWas) {
+    QTemporaryDir dir;
+    const QString project = TwoDriveProject(dir);
+    const QString target = WriteFile(dir, "feed.csv", "old table\n");
+    EXPECT_EQ(Program({"--project", project, "--export", "FEED", target}).code, 5);
+    EXPECT_EQ(ReadFile(target), QByteArray("old table\n"));
+}
+
+TEST(ProgramExport, AFolderThatCantBeMadeEndsWithNoFileAndNoLeftovers) {
+    QTemporaryDir dir;
+    // The module makes one missing folder level, not two.
+    const QString target = QDir(dir.path()).filePath(QStringLiteral("a/b/zd3s.csv"));
+    const Outcome r = Program({"--export", "ZD3S", target});
+    EXPECT_EQ(r.code, 7);
+    EXPECT_TRUE(r.err.contains(target)) << r.err.toStdString();
+    EXPECT_FALSE(QFile::exists(target));
+    EXPECT_TRUE(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).isEmpty());
+}
+
+TEST(ProgramExport, AnOnlineDriveIsWrittenToTheFileAndReplacesTheOldOne) {
+    QTemporaryDir dir;
+    const QString target = WriteFile(dir, "zd3s.CSV", "old table\n");
+    const Outcome r = Program({"--export", "ZD3S", target});
+    ASSERT_EQ(r.code, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.err.isEmpty()) << r.err.toStdString();
+    const QByteArray table = ReadFile(target);
+    EXPECT_NE(table, QByteArray("old table\n"));
+    EXPECT_TRUE(table.contains("H02-19")) << table.left(400).toStdString();
+    // Only the file itself: the staging copy is gone.
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"zd3s.CSV"});
+
+    // A missing last folder level is made, as the module does.
+    const QString fresh = QDir(dir.path()).filePath(QStringLiteral("new/zd4m.csv"));
+    EXPECT_EQ(Program({"--export", "ZD4M", fresh}).code, 0);
+    EXPECT_TRUE(QFile::exists(fresh));
+}
+
+TEST(ProgramWindow, TheScreenshotIsTakenWithTheFirstModulesPanelUp) {
+    QTemporaryDir dir;
+    const QString png = QDir(dir.path()).filePath(QStringLiteral("shot.png"));
+    const Outcome r = Program({"--screenshot", png});
+    // Exit 0 only when the panel came up before the picture was taken.
+    ASSERT_EQ(r.code, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.out.contains(png));
+    EXPECT_TRUE(ReadFile(png).startsWith("\x89PNG"));
+}
