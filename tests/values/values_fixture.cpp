@@ -88,6 +88,7 @@ void TableUiService::TranslateText(CString& translated, const CString& text) {
 void ValuesTest::SetUp() {
     auto loaded = zorhost::device::ParseDeviceJson(ValuesDeviceJson(), "values_test.json");
     ASSERT_TRUE(loaded) << loaded.error.ToString();
+    device = loaded.device;
     auto project = std::make_unique<zorhost::model::CProject>();
     m_module = project->Workspace().Modules().Add(
         std::make_unique<zorhost::model::CDeviceModule>(loaded.device, CString("M1"), 1));

@@ -6,6 +6,7 @@
 #include "module/ParmiraApp.h"
 #include "module/host/HostContract.h"
 #include "zorhost/HostServices.h"
+#include "zorhost/device/DeviceDescription.h"
 #include "zorhost/model/ProjectModel.h"
 #include "zorhost/services/HostVarUtil.h"
 
@@ -87,6 +88,7 @@ protected:
     TableUiService ui;
     zorhost::model::CProjectRoot root;
     zorhost::HostServices services;
+    std::shared_ptr<const zorhost::device::DeviceDescription> device;
 
 private:
     zorhost::model::CDeviceModule* m_module = nullptr;
