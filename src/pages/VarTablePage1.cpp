@@ -8,6 +8,7 @@
 #include "pages/PageResources.h"
 #include "pages/PageText.h"
 #include "table/VarTable.h"
+#include "values/ValueText.h"
 
 CVarTablePage1::CVarTablePage1() : CVarTablePageBase(IDD_VAR_TABLE_PAGE1, TRUE) {
     RegisterPageResources(theApp.m_hResource);
@@ -118,7 +119,7 @@ void CVarTablePage1::UpdateAttributes() {
         MessageBox(owner, pagetext::LoadString(150).GetString(), "", MB_OK);
         return;
     }
-    const CString question = pagetext::Translate("是否要从驱动器同步参数？");
+    const CString question = VarText::Translate("是否要从驱动器同步参数？");
     if (MessageBox(owner, question.GetString(), "", MB_YESNO | MB_ICONQUESTION) != IDYES)
         return;
     m_pTable->StartAttributeUpload();

@@ -126,7 +126,7 @@ protected:
     // The text a packed or connector value takes in a cell on this page.
     CString FormatEditedValue(IVarAttr* attr, LONGLONG value, BOOL connector) const;
     void OpenConnectorDialog(int row, int column);
-    CString LinkedLimitText(IVarAttr* attr, BOOL max);
+    CString LinkedLimitText(IVarObjEx* var, BOOL max);
 
     CTemplateList<IVarObjEx*, IVarObjEx*> m_shownVars;
     CTemplateList<IVarObjEx*, IVarObjEx*> m_groupVars;

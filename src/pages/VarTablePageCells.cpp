@@ -17,13 +17,16 @@
 #include "pages/PageText.h"
 #include "pages/VarTablePageBase.h"
 #include "table/VarTable.h"
+#include "values/GetVarInfo.h"
+#include "values/ValueText.h"
 #include "values/WriteLinkerVarDialog.h"
 #include "values/WriteVarDialog.h"
 
 #include <cmath>
 #include <cstdint>
 
-using namespace pagetext;
+using namespace VarText;
+using pagetext::LoadString;
 
 namespace {
 
@@ -130,22 +133,12 @@ int CVarTablePageBase::GetCurrentValueColumn() const {
 }
 
 // ---------------------------------------------------------------- texts
-CString CVarTablePageBase::LinkedLimitText(IVarAttr* attr, BOOL max) {
-    IHostVarUtil* util = theApp.GetVarUtil();
-    if (util == nullptr)
-        return CString();
-    CString code;
-    util->FormatVariant(code, max ? attr->GetMaxValue() : attr->GetMinValue(), 0, 0);
-    IVarStore* store = m_pTable != nullptr ? m_pTable->GetVarList() : nullptr;
-    IVarObjEx* target = store != nullptr ? store->FindByCode(code) : nullptr;
-    CString value;
-    if (target != nullptr) {
-        value = ItemValueText(target);
-        // Read with the next refresh, though it may be no row of the list.
+CString CVarTablePageBase::LinkedLimitText(IVarObjEx* var, BOOL max) {
+    IVarObjEx* target = nullptr;
+    const CString text = VarText::LinkedLimitText(var, max, &target);
+    // Read with the next refresh, though it may be no row of the list.
+    if (target != nullptr)
         m_linkedVars.Add(target, target);
-    }
-    CString text;
-    text.Format("%s[%s]", value.GetString(), code.GetString());
     return text;
 }
 
@@ -191,10 +184,10 @@ CString CVarTablePageBase::GetCellText(int row, int column) {
         else if (IsEmptyOrNull(var->GetSetValue()))
             text = "---";
         else
-            text = SetValueText(var);
+            text = CGetVarInfo().SetValueText(var);
         break;
     case CellCurrent:
-        text = hidden ? CString(kHiddenText) : CurrentValueText(var);
+        text = hidden ? CString(kHiddenText) : CGetVarInfo().CurrentValueText(var);
         break;
     case CellUnit:
         attr->GetUnit(text);
@@ -212,14 +205,14 @@ CString CVarTablePageBase::GetCellText(int row, int column) {
         break;
     case CellMin:
         if (attr->IsMinLinked())
-            text = LinkedLimitText(attr, FALSE);
+            text = LinkedLimitText(var, FALSE);
         else
             text = m_bFirstPage && !multi ? MinValueText(var)
                                           : LimitValueText(attr, attr->GetMinValue());
         break;
     case CellMax:
         if (attr->IsMaxLinked())
-            text = LinkedLimitText(attr, TRUE);
+            text = LinkedLimitText(var, TRUE);
         else
             text = m_bFirstPage && !multi ? MaxValueText(var)
                                           : LimitValueText(attr, attr->GetMaxValue());
@@ -524,55 +517,9 @@ void CVarTablePageBase::OnCellEditCommitted(int row, int column, const CString& 
 
 void CVarTablePageBase::CommitCellText(int row, int, const CString& typed) {
     IVarObjEx* var = m_shownVars.GetAt(row);
-    IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
-    IHostVarUtil* util = theApp.GetVarUtil();
-    if (attr == nullptr || util == nullptr || m_pTable == nullptr)
+    if (var == nullptr || var->GetAttr() == nullptr || m_pTable == nullptr)
         return;
-    if (m_bFirstPage && typed.IsEmpty())
-        return;
-    if (typed == "---" || typed == "-")
-        return;
-    CString text = typed;
-    IValueInfo* info = attr->GetValueInfo();
-    const BOOL plain = info == nullptr || info->GetKind() == 0;
-    if (!m_bFirstPage || plain) {
-        if (attr->GetDisplayFormat() == 1)
-            text = HexTextToDecimal(text);
-        else if (attr->GetDisplayFormat() == 2)
-            text = BinaryTextToDecimal(text);
-    }
-    Variant parsed;
-    util->ParseVariant(parsed, text, VT_R8);
-    if (m_bFirstPage) {
-        Variant current = Variant::OfType(VT_R8);
-        util->DoubleToVariant(util->VariantToDouble(var->GetValue(), 5, attr->GetDecimals()),
-                              current);
-        if (util->VariantEquals(current, parsed))
-            return;
-    }
-    if (m_pTable->GetListStyle() != 0)
-        return; // the staging commit comes with the second page's rules
-    IHostDeviceHelper* helper = theApp.GetDeviceHelper();
-    IHostDeviceModule* module = m_pTable->GetModule();
-    if (helper == nullptr || module == nullptr)
-        return;
-    CString key;
-    module->GetModuleKey(key);
-    Variant result;
-    std::vector<CString> errors;
-    if (helper->WriteVarDirect(key, var->GetInstanceAddress(), attr->GetDataType(), parsed, result,
-                               errors, 1, 200, 3))
-        return;
-    CString message;
-    for (const CString& error : errors) {
-        if (!message.IsEmpty())
-            message += "\n";
-        message += error;
-    }
-    if (message.IsEmpty())
-        message = Translate("参数下载失败.");
-    const CString caption = LoadString(2037);
-    MessageBox(GetSafeHwnd(), message.GetString(), caption.GetString(), MB_OK | MB_ICONWARNING);
+    VarText::CommitCellText(var, typed, m_bFirstPage ? 0 : 1, m_pTable->GetListStyle());
 }
 
 // ---------------------------------------------------------------- tool tips
