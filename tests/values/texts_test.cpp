@@ -148,20 +148,6 @@ TEST_F(ValueTexts, WithoutABaseEngineeringTextsStayEmptyAndAreTriedAgain) {
     EXPECT_EQ(FactoryValueText(gain), CString("50.00"));
 }
 
-TEST_F(ValueTexts, ModeTextsAndUnits) {
-    EXPECT_EQ(ModifyModeText(Attr("H00-01")), CString("任意修改"));
-    EXPECT_EQ(ModifyModeText(Attr("H00-06")), CString("停机修改"));
-    EXPECT_EQ(ModifyModeText(Attr("H00-02")), CString("不可修改"));
-    EXPECT_EQ(ModifyModeText(Attr("H00-05")), CString("")) << "mode 3 has no text";
-    EXPECT_EQ(EffectModeText(Attr("H00-01")), CString("立即生效"));
-    EXPECT_EQ(EffectModeText(Attr("H00-02")), CString("再次通电"));
-    EXPECT_EQ(EffectModeText(Attr("H00-06")), CString("停机生效"));
-    EXPECT_EQ(DisplayFormatText(Var("H00-01")), CString("十进制"));
-    EXPECT_EQ(DisplayFormatText(Var("H00-02")), CString("十六进制"));
-    EXPECT_EQ(UnitText(Var("H00-10")), CString("A"));
-    EXPECT_EQ(UnitText(Var("H00-00")), CString(""));
-}
-
 TEST_F(ValueTexts, LinkedLimitShowsTheLiveValueOfItsTarget) {
     IVarObjEx* limited = Var("H00-11"); // maximum linked to H00-12
     IVarObjEx* target = nullptr;
