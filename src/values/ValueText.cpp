@@ -226,10 +226,23 @@ CString Joined(const std::vector<CString>& texts) {
     return joined;
 }
 
+// The parameter a linked limit of `var` names: on a multi-axis drive the one of the same
+// axis (instance key "A2.H00-12"), else the first of that code.
+IVarObjEx* FindLinkedTarget(IVarStore* vars, IVarObjEx* var, const CString& code) {
+    CString key;
+    var->GetInstanceGuid(key);
+    const int dot = key.ReverseFind('.');
+    if (dot > 0) {
+        if (IVarObjEx* sameAxis = vars->FindByCode(key.Left(dot + 1) + code))
+            return sameAxis;
+    }
+    return vars->FindByCode(code);
+}
+
 // The live value of a linked limit in the target's own unit; 0 when it can't be read.
 double LinkedLimitValue(IHostVarUtil* util, IHostDeviceHelper* helper, IVarStore* vars,
-                        const CString& moduleKey, IVarAttr* attr, BOOL maximum) {
-    IVarObjEx* target = vars->FindByCode(LinkedLimitCode(attr, maximum));
+                        const CString& moduleKey, IVarObjEx* var, IVarAttr* attr, BOOL maximum) {
+    IVarObjEx* target = FindLinkedTarget(vars, var, LinkedLimitCode(attr, maximum));
     IVarAttr* targetAttr = target != nullptr ? target->GetAttr() : nullptr;
     if (targetAttr == nullptr || helper == nullptr)
         return 0;
@@ -628,7 +641,7 @@ CString LinkedLimitText(IVarObjEx* item, BOOL maximum, IVarObjEx** target) {
         return CString();
     IHostDeviceModule* module = item->GetOwnerModule();
     IVarStore* vars = module != nullptr ? module->GetVarList() : nullptr;
-    IVarObjEx* linked = vars != nullptr ? vars->FindByCode(code) : nullptr;
+    IVarObjEx* linked = vars != nullptr ? FindLinkedTarget(vars, item, code) : nullptr;
     if (target != nullptr)
         *target = linked;
     CString text;
@@ -718,11 +731,11 @@ BOOL CheckEditedValue(const CString& moduleKey, UINT address, int type, const Va
     IHostDeviceHelper* helper = theApp.GetDeviceHelper();
     const double minimum =
         attr->IsMinLinked()
-            ? LinkedLimitValue(util, helper, vars, moduleKey, attr, FALSE)
+            ? LinkedLimitValue(util, helper, vars, moduleKey, var, attr, FALSE)
             : util->VariantToDouble(attr->GetMinValue(), attr->GetDataType(), decimals);
     const double maximum =
         attr->IsMaxLinked()
-            ? LinkedLimitValue(util, helper, vars, moduleKey, attr, TRUE)
+            ? LinkedLimitValue(util, helper, vars, moduleKey, var, attr, TRUE)
             : util->VariantToDouble(attr->GetMaxValue(), attr->GetDataType(), decimals);
     const double v = OwnFigure(util, value, decimals);
     if (!(v >= minimum && v <= maximum)) {

@@ -2,6 +2,7 @@
 // format and unit columns, modify and effect modes, linked limits.
 #include "values/ValueText.h"
 #include "values_fixture.h"
+#include "zorhost/device/DeviceLoader.h"
 
 #include <cmath>
 
@@ -160,6 +161,32 @@ TEST_F(ValueTexts, LinkedLimitShowsTheLiveValueOfItsTarget) {
     EXPECT_EQ(LinkedLimitText(limited, FALSE, &target), CString(""));
     EXPECT_EQ(target, nullptr);
     EXPECT_EQ(LinkedLimitText(Var("H00-18"), FALSE), CString("100.0[H00-01]"));
+}
+
+// On a multi-axis drive a linked limit follows the parameter of its own axis.
+TEST_F(ValueTexts, LinkedLimitsStayOnTheirAxis) {
+    auto loaded = zorhost::device::LoadDeviceFile(std::string(PARMIRA_SOURCE_DIR) +
+                                                  "/devices/zd4m_four_axis.json");
+    ASSERT_TRUE(loaded) << loaded.error.ToString();
+    auto* project = static_cast<zorhost::model::CProject*>(root.GetProject());
+    zorhost::model::CDeviceModule* four = project->Workspace().Modules().Add(
+        std::make_unique<zorhost::model::CDeviceModule>(loaded.device, CString("M4"), 4));
+    ASSERT_NE(four, nullptr);
+    IVarObjEx* jog = four->Store().FindByCode("A2.H06-01"); // maximum: H06-00 of its axis
+    IVarObjEx* axis2Max = four->Store().FindByCode("A2.H06-00");
+    ASSERT_TRUE(jog && axis2Max);
+    axis2Max->SetValue(Variant::UI2(4500));
+    IVarObjEx* target = nullptr;
+    EXPECT_EQ(LinkedLimitText(jog, TRUE, &target), CString("4500[H06-00]"));
+    EXPECT_EQ(target, axis2Max);
+
+    helper.driveValues[axis2Max->GetInstanceAddress()] = Variant::UI2(4500);
+    std::vector<CString> errors;
+    Variant out;
+    EXPECT_TRUE(
+        CheckEditedValue("M4", jog->GetInstanceAddress(), VT_UI2, Variant::R8(4500), out, errors));
+    EXPECT_FALSE(
+        CheckEditedValue("M4", jog->GetInstanceAddress(), VT_UI2, Variant::R8(4501), out, errors));
 }
 
 TEST_F(ValueTexts, MissingServiceOrAttributeGivesEmptyTexts) {
