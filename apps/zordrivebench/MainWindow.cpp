@@ -34,7 +34,9 @@ QString Qs(const CString& s) {
 
 } // namespace
 
-MainWindow::MainWindow(zorhost::ReferenceHost& host) : m_host(host), m_services(host) {
+MainWindow::MainWindow(zorhost::ReferenceHost& host, ProgramServices& services,
+                       ParmiraModule& plugin)
+    : m_host(host), m_services(services), m_plugin(plugin) {
     auto* splitter = new QSplitter;
     m_tree = new QTreeWidget;
     m_tree->setColumnCount(2);
@@ -70,10 +72,8 @@ MainWindow::MainWindow(zorhost::ReferenceHost& host) : m_host(host), m_services(
 
 MainWindow::~MainWindow() {
     m_stateTimer->stop();
-    // Panels go while the plug-in and the host's services are still there; the plug-in
-    // leaves the host's bus when it is unloaded, before the host goes.
+    // Panels go while the plug-in and the host's services are still there.
     CloseModules();
-    m_plugin.Unload();
     m_tabs->SetActivationHandler(nullptr);
     m_host.Services().Unregister(IID_IHostTabManager);
     m_tabs.reset();

@@ -27,8 +27,9 @@ namespace zordrivebench {
 
 class MainWindow : public QMainWindow {
 public:
-    // The host outlives the window.
-    explicit MainWindow(zorhost::ReferenceHost& host);
+    // The host, its added services and the plug-in outlive the window; the plug-in is
+    // loaded on first use and stays loaded (it is loaded once per process).
+    MainWindow(zorhost::ReferenceHost& host, ProgramServices& services, ParmiraModule& plugin);
     ~MainWindow() override;
 
     // Closes the open project (its panels first) and opens the file at `path`, or the demo
@@ -59,8 +60,8 @@ private:
     QTabWidget* m_tabWidget = nullptr;
     QTimer* m_stateTimer = nullptr;
     std::unique_ptr<zorhost::CHostTabManager> m_tabs;
-    ProgramServices m_services;
-    ParmiraModule m_plugin;
+    ProgramServices& m_services;
+    ParmiraModule& m_plugin;
     std::map<std::string, IQXParmira*> m_views; // one per opened module, by key
     bool m_english = false;
 };

@@ -115,9 +115,11 @@ int main(int argc, char** argv) {
         options.screenshot = QStringLiteral("zordrivebench.png");
 
     zorhost::ReferenceHost host;
+    ProgramServices services(host);
+    ParmiraModule plugin; // unloaded after the window, before the services and the host
     int code = kExitOk;
     {
-        MainWindow window(host);
+        MainWindow window(host, services, plugin);
         if (!window.OpenProject(options.projectFile, &error)) {
             Print(stderr, QStringLiteral("zordrivebench: %1\n").arg(error));
             return kExitProject;

@@ -1,0 +1,138 @@
+// The main window in-process, with the real plug-in loaded from beside the test program.
+#include "MainWindow.h"
+
+#include <zorhost/ReferenceHost.h>
+
+#include <afx/afxtest.h>
+
+#include <QTabWidget>
+#include <QTreeWidget>
+
+#include <gtest/gtest.h>
+
+using zordrivebench::MainWindow;
+using zordrivebench::ParmiraModule;
+using zordrivebench::ProgramServices;
+
+namespace {
+
+// The plug-in is loaded once per process, as the program loads it; so the host it talks
+// to lives as long as the suite, and each test opens the demo project anew.
+struct Bench {
+    zorhost::ReferenceHost host;
+    ProgramServices services{host};
+    ParmiraModule plugin;
+};
+
+class Window : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() { bench = new Bench; }
+    static void TearDownTestSuite() {
+        bench->plugin.Unload();
+        delete bench;
+        bench = nullptr;
+    }
+    void SetUp() override {
+        QString error;
+        ASSERT_TRUE(window.OpenProject(QString(), &error)) << error.toStdString();
+        tabs = window.findChild<QTabWidget*>();
+        ASSERT_NE(tabs, nullptr);
+        window.show();
+    }
+    bool WaitFor(const std::function<bool()>& condition) {
+        return AfxPumpMessagesUntil(condition, 5000) != FALSE;
+    }
+    bool Open(const char* key) {
+        QString error;
+        const bool ok = window.OpenModule(key, &error);
+        EXPECT_TRUE(ok) << error.toStdString();
+        return ok && WaitFor([&] { return window.IsPanelUp(); });
+    }
+
+    static Bench* bench;
+    zorhost::ReferenceHost& host = bench->host;
+    MainWindow window{bench->host, bench->services, bench->plugin};
+    QTabWidget* tabs = nullptr;
+};
+
+Bench* Window::bench = nullptr;
+
+} // namespace
+
+TEST_F(Window, OneTabPerModuleOpenedAgainOnlyComesToTheFront) {
+    ASSERT_TRUE(Open("ZD3S"));
+    ASSERT_EQ(tabs->count(), 1);
+    EXPECT_TRUE(tabs->tabText(0).startsWith(QStringLiteral("ZD3-S")));
+    EXPECT_TRUE(tabs->tabText(0).endsWith(QStringLiteral("参数列表")));
+
+    ASSERT_TRUE(Open("ZV5"));
+    EXPECT_EQ(tabs->count(), 2);
+    EXPECT_EQ(tabs->currentIndex(), 1);
+    ASSERT_TRUE(Open("ZD3S"));
+    EXPECT_EQ(tabs->count(), 2);
+    EXPECT_EQ(tabs->currentIndex(), 0);
+
+    // Closed by the user, then opened again: a new panel in a new tab.
+    emit tabs->tabCloseRequested(0);
+    EXPECT_EQ(tabs->count(), 1);
+    ASSERT_TRUE(Open("ZD3S"));
+    EXPECT_EQ(tabs->count(), 2);
+
+    QString error;
+    EXPECT_FALSE(window.OpenModule("NOPE", &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("NOPE")));
+    EXPECT_EQ(tabs->count(), 2);
+}
+
+TEST_F(Window, SwitchingTheLanguageReachesThePanelsThroughTheBus) {
+    ASSERT_TRUE(Open("ZD3S"));
+    window.SetEnglish(true);
+    // The panel renames its tab when it hears of the change, in the new language.
+    EXPECT_TRUE(WaitFor([&] { return tabs->tabText(0) == QStringLiteral("Parameter list"); }))
+        << tabs->tabText(0).toStdString();
+    window.SetEnglish(false);
+    EXPECT_TRUE(WaitFor([&] { return tabs->tabText(0) == QStringLiteral("参数列表"); }))
+        << tabs->tabText(0).toStdString();
+}
+
+TEST_F(Window, ListStyleAndConnectionGoToTheHost) {
+    ASSERT_TRUE(Open("ZD3S"));
+    window.SetListStyle(zorhost::project::ListStyle::Staging);
+    EXPECT_EQ(host.Project()->Workspace().GetListStyle(), 1);
+    window.SetListStyle(zorhost::project::ListStyle::Live);
+    EXPECT_EQ(host.Project()->Workspace().GetListStyle(), 0);
+
+    window.SetOnline("ZV5", false);
+    EXPECT_FALSE(host.Module("ZV5")->IsOnline());
+    EXPECT_FALSE(host.Drive("ZV5")->IsConnected());
+    window.SetOnline("ZV5", true);
+    EXPECT_TRUE(host.Module("ZV5")->IsOnline());
+}
+
+TEST_F(Window, TheDrivesAreReadWhenTheProjectOpens) {
+    // Without a first read every value of the host's tables would be empty.
+    IVarStore* store = host.Module("ZD3S")->GetVarList();
+    ASSERT_NE(store, nullptr);
+    ASSERT_GT(store->GetCount(), 0);
+    int empty = 0;
+    for (int i = 0; i < store->GetCount(); ++i)
+        if (store->GetAt(i)->GetValue().IsEmptyOrNull())
+            ++empty;
+    EXPECT_EQ(empty, 0);
+}
+
+TEST_F(Window, OpeningAnotherProjectClosesThePanelsFirst) {
+    ASSERT_TRUE(Open("ZD3S"));
+    ASSERT_TRUE(Open("ZD4M"));
+    QString error;
+    ASSERT_TRUE(window.OpenProject(QString(), &error));
+    EXPECT_EQ(tabs->count(), 0);
+    ASSERT_TRUE(Open("ZD4M"));
+    EXPECT_EQ(tabs->count(), 1);
+
+    EXPECT_FALSE(window.OpenProject(QStringLiteral("/nonexistent/p.json"), &error));
+    EXPECT_TRUE(error.contains(QStringLiteral("/nonexistent/p.json")));
+    EXPECT_EQ(tabs->count(), 0);
+    EXPECT_EQ(host.Project(), nullptr);
+    EXPECT_FALSE(window.OpenFirstModule(&error));
+}
