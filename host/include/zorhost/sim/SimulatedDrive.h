@@ -2,6 +2,15 @@
 // monitoring values that move as the drive runs, the password and authority registers and
 // a sampling oscilloscope. Time only moves when Step is called, so a test decides exactly
 // what happened between two reads.
+//
+// What the drive itself refuses, whatever the tool allows: a parameter that can't be
+// changed, a 停机修改 parameter while running, a value outside its limits (linked limits
+// follow the live value of their parameter) and, on a drive that keeps access levels
+// (models 1 and 2), a parameter above the level it grants. It grants kBaseAuthority after
+// power-on; the factory code written to a password register ("InputPassword", "Factory",
+// "TempAuthority" or H02-41 of any axis) grants the factory level, kLogoutCode returns to
+// the base level, any other code changes nothing. Codes are never kept readable, and
+// "Authority" always reads the level granted.
 #pragma once
 
 #include "zorhost/sim/DriveLink.h"
