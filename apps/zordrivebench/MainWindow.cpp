@@ -41,6 +41,8 @@ MainWindow::MainWindow(zorhost::ReferenceHost& host, ProgramServices& services,
     m_tree = new QTreeWidget;
     m_tree->setColumnCount(2);
     m_tree->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+    m_tree->header()->setSectionResizeMode(1, QHeaderView::Stretch);
+    m_tree->header()->setStretchLastSection(true);
     m_tree->setRootIsDecorated(true);
     splitter->addWidget(m_tree);
     m_tabWidget = new QTabWidget;
@@ -48,7 +50,7 @@ MainWindow::MainWindow(zorhost::ReferenceHost& host, ProgramServices& services,
     m_tabWidget->setMovable(true);
     splitter->addWidget(m_tabWidget);
     splitter->setStretchFactor(1, 1);
-    splitter->setSizes({280, 1000});
+    splitter->setSizes({320, 960});
     setCentralWidget(splitter);
     resize(1280, 800);
 
