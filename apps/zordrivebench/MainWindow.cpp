@@ -20,6 +20,7 @@
 #include <QTreeWidget>
 
 #include <cstdio>
+#include <functional>
 
 namespace zordrivebench {
 
@@ -269,12 +270,18 @@ void MainWindow::BuildMenus() {
     QMenuBar* bar = menuBar();
     bar->clear();
 
+    // Opening a project or switching the language rebuilds these menus, which deletes the
+    // action being triggered: such commands run once the menu has closed.
+    auto later = [this](std::function<void()> command) {
+        return [this, command] { QTimer::singleShot(0, this, command); };
+    };
     QMenu* project = bar->addMenu(Tr("工程", "Project"));
-    project->addAction(Tr("打开工程...", "Open project..."), this, [this] { ChooseProject(); });
-    project->addAction(Tr("打开演示工程", "Open demo project"), this, [this] {
-        OpenProject(QString(), nullptr);
-        OpenFirstModule(nullptr);
-    });
+    project->addAction(Tr("打开工程...", "Open project..."), this,
+                       later([this] { ChooseProject(); }));
+    project->addAction(Tr("打开演示工程", "Open demo project"), this, later([this] {
+                           OpenProject(QString(), nullptr);
+                           OpenFirstModule(nullptr);
+                       }));
     project->addAction(Tr("工程另存为...", "Save project as..."), this,
                        [this] { SaveProjectAs(); });
     project->addSeparator();
@@ -348,11 +355,8 @@ void MainWindow::BuildMenus() {
         languages->addAction(a);
     }
     (m_english ? english : chinese)->setChecked(true);
-    // Rebuilding the menus deletes the action that is being triggered: switch afterwards.
-    QObject::connect(chinese, &QAction::triggered, this,
-                     [this] { QTimer::singleShot(0, this, [this] { SetEnglish(false); }); });
-    QObject::connect(english, &QAction::triggered, this,
-                     [this] { QTimer::singleShot(0, this, [this] { SetEnglish(true); }); });
+    QObject::connect(chinese, &QAction::triggered, this, later([this] { SetEnglish(false); }));
+    QObject::connect(english, &QAction::triggered, this, later([this] { SetEnglish(true); }));
 
     QMenu* listStyle = view->addMenu(Tr("列表样式", "List style"));
     auto* styles = new QActionGroup(listStyle);
@@ -364,12 +368,10 @@ void MainWindow::BuildMenus() {
     }
     using zorhost::project::ListStyle;
     (m_project.file.listStyle == ListStyle::Staging ? staging : live)->setChecked(true);
-    QObject::connect(live, &QAction::triggered, this, [this] {
-        QTimer::singleShot(0, this, [this] { SetListStyle(ListStyle::Live); });
-    });
-    QObject::connect(staging, &QAction::triggered, this, [this] {
-        QTimer::singleShot(0, this, [this] { SetListStyle(ListStyle::Staging); });
-    });
+    QObject::connect(live, &QAction::triggered, this,
+                     later([this] { SetListStyle(ListStyle::Live); }));
+    QObject::connect(staging, &QAction::triggered, this,
+                     later([this] { SetListStyle(ListStyle::Staging); }));
 
     QMenu* help = bar->addMenu(Tr("帮助", "Help"));
     help->addAction(Tr("关于", "About"), this, [this] {

@@ -5,6 +5,8 @@
 
 #include <afx/afxtest.h>
 
+#include <QMenu>
+#include <QMenuBar>
 #include <QTabWidget>
 #include <QTreeWidget>
 
@@ -56,6 +58,25 @@ protected:
 };
 
 Bench* Window::bench = nullptr;
+
+// The action reached through menus whose titles end with the given texts, or null.
+QAction* MenuAction(QWidget* window, const QStringList& path) {
+    QList<QAction*> actions = window->findChild<QMenuBar*>()->actions();
+    QAction* found = nullptr;
+    for (const QString& step : path) {
+        found = nullptr;
+        for (QAction* a : actions)
+            if (a->text().endsWith(step))
+                found = a;
+        if (found == nullptr)
+            return nullptr;
+        if (found->menu() != nullptr) {
+            emit found->menu()->aboutToShow(); // the menu sets what can be done now
+            actions = found->menu()->actions();
+        }
+    }
+    return found;
+}
 
 } // namespace
 
@@ -135,4 +156,29 @@ TEST_F(Window, OpeningAnotherProjectClosesThePanelsFirst) {
     EXPECT_EQ(tabs->count(), 0);
     EXPECT_EQ(host.Project(), nullptr);
     EXPECT_FALSE(window.OpenFirstModule(&error));
+}
+
+TEST_F(Window, TheMenusSwitchTheLanguageAndConnectTheDrives) {
+    ASSERT_TRUE(Open("ZD3S"));
+    QAction* english = MenuAction(&window, {"视图", "语言", "English"});
+    ASSERT_NE(english, nullptr);
+    english->trigger();
+    EXPECT_TRUE(WaitFor([&] { return tabs->tabText(0) == QStringLiteral("Parameter list"); }));
+    // The menus are built anew in the language.
+    ASSERT_NE(MenuAction(&window, {"View", "Language", "中文"}), nullptr);
+
+    QAction* disconnect = MenuAction(&window, {"Devices", "(ZV5)", "Disconnect"});
+    ASSERT_NE(disconnect, nullptr);
+    ASSERT_TRUE(disconnect->isEnabled());
+    disconnect->trigger();
+    EXPECT_FALSE(host.Module("ZV5")->IsOnline());
+    EXPECT_FALSE(MenuAction(&window, {"Devices", "(ZV5)", "Disconnect"})->isEnabled());
+    EXPECT_FALSE(MenuAction(&window, {"Devices", "(ZV5)", "Run"})->isEnabled());
+    MenuAction(&window, {"Devices", "(ZV5)", "Connect"})->trigger();
+    EXPECT_TRUE(host.Module("ZV5")->IsOnline());
+
+    MenuAction(&window, {"Devices", "(ZV5)", "Run"})->trigger();
+    EXPECT_TRUE(host.Drive("ZV5")->IsRunning());
+    MenuAction(&window, {"View", "Language", "中文"})->trigger();
+    EXPECT_TRUE(WaitFor([&] { return tabs->tabText(0) == QStringLiteral("参数列表"); }));
 }
