@@ -182,11 +182,16 @@ TEST_F(CommitTest, AnUnchangedValueIsNotWrittenAgain) {
 }
 
 TEST_F(CommitTest, ARefusedWriteShowsTheDrivesReason) {
-    const std::vector<int> rows = PlainRows(1); // changeable at standstill only
-    ASSERT_FALSE(rows.empty());
-    const int row = rows[0];
+    // A parameter above the level the drive grants after power-on: the drive refuses it.
+    int row = -1;
+    for (int i = 0; i < Page().GetShownCount() && row < 0; ++i) {
+        IVarAttr* a = Page().GetShownVar(i)->GetAttr();
+        if (a->GetModifyMode() == 0 && a->GetDisplayFormat() == 0 && a->GetValueInfo() == nullptr &&
+            a->GetAccessLevel() > zorhost::sim::SimulatedDrive::kBaseAuthority)
+            row = i;
+    }
+    ASSERT_GE(row, 0);
     const double before = RawAt(row);
-    drive->SetRunning(true);
     OpenNumeric(row);
     CString text;
     text.Format("%d", FreshValue(row));
@@ -196,7 +201,7 @@ TEST_F(CommitTest, ARefusedWriteShowsTheDrivesReason) {
     ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u);
     const AfxPrompt* box = prompts.Last(AfxPrompt::MessageBox);
     const std::string reason = zorhost::sim::LinkResultText(
-        zorhost::sim::LinkResult::Refuse(zorhost::sim::Refusal::WhileRunning), false);
+        zorhost::sim::LinkResult::Refuse(zorhost::sim::Refusal::AccessDenied), false);
     EXPECT_EQ(box->text, CodeOf(row) + ": " + CString(reason));
     EXPECT_TRUE(box->caption.IsEmpty());
 }

@@ -1,0 +1,123 @@
+// The first page's controls, its start-up per device, the attribute update checks and
+// the tips over packed values.
+#include "page_fixture.h"
+
+#include "module/host/IVarAttr.h"
+#include "module/host/IVarObjEx.h"
+
+#include <afx/afxtest.h>
+
+namespace pt {
+namespace {
+
+class Page1Test : public PageTest {
+protected:
+    BOOL Visible(UINT id) { return Page().GetDlgItem(int(id))->IsWindowVisible(); }
+    BOOL Enabled(UINT id) { return Page().GetDlgItem(int(id))->IsWindowEnabled(); }
+    CAfxRecordingResponder prompts;
+};
+
+TEST_F(Page1Test, StartUpOfTheSingleAxisServo) {
+    OpenFrame("ZD3S");
+    // No axis copy on this device; attribute update is supported.
+    EXPECT_FALSE(Visible(IDC_PAGE1_AXIS_COPY));
+    EXPECT_TRUE(Visible(IDC_PAGE_UPDATE_ATTRIBUTES));
+    EXPECT_FALSE(Visible(IDC_PAGE_SAVE_CHECKED));
+    // The flows behind these come later.
+    for (UINT id : {IDC_PAGE1_UPLOAD_SAVE, IDC_PAGE1_OPEN_DOWNLOAD, IDC_PAGE1_COMPARE}) {
+        EXPECT_TRUE(Visible(id)) << id;
+        EXPECT_FALSE(Enabled(id)) << id;
+    }
+    EXPECT_GT(Page().GetAccessBox().GetCount(), 0);
+    ASSERT_EQ(Page().GetSearchBox().GetCount(), 1);
+    CString first;
+    Page().GetSearchBox().GetLBText(0, first);
+    EXPECT_EQ(first, "All");
+    // Single-axis layout: 13 columns, value in 3, display mode in 9, hidden columns 0 wide.
+    ASSERT_EQ(List().GetColumnCount(), 13);
+    EXPECT_EQ(List().GetColumnText(3), "当前值");
+    EXPECT_EQ(List().GetColumnText(9), "显示方式");
+    EXPECT_EQ(List().GetColumnWidth(0), 0);
+    EXPECT_EQ(List().GetColumnWidth(12), 110);
+    EXPECT_TRUE(List().IsEditableColumn(3));
+    EXPECT_TRUE(List().IsEditableColumn(9));
+    EXPECT_FALSE(List().IsEditableColumn(4));
+    // Cells of a known row.
+    const int row = RowOf("H00-00");
+    ASSERT_GE(row, 0);
+    CString rowText;
+    rowText.Format("%03d", row + 1);
+    EXPECT_EQ(List().GetItemText(row, 0), rowText);
+    EXPECT_EQ(List().GetItemText(row, 1), "H00-00");
+    EXPECT_EQ(List().GetItemText(row, 12), "0x0000");
+    EXPECT_EQ(List().GetItemText(row, 11), "0");
+}
+
+TEST_F(Page1Test, TheFourAxisDriveGetsTheMultiAxisLayoutAndAxisCopy) {
+    OpenFrame("ZD4M");
+    EXPECT_TRUE(Visible(IDC_PAGE1_AXIS_COPY));
+    ASSERT_EQ(List().GetColumnCount(), 13);
+    EXPECT_EQ(List().GetColumnText(1), "轴号");
+    EXPECT_EQ(List().GetColumnText(4), "当前值");
+    EXPECT_TRUE(List().IsEditableColumn(4));
+    EXPECT_FALSE(List().IsEditableColumn(3));
+    EXPECT_FALSE(List().IsEditableColumn(9));
+    ASSERT_GT(Page().GetShownCount(), 0);
+    EXPECT_EQ(List().GetItemText(0, 11), "");
+}
+
+TEST_F(Page1Test, AnInverterWithoutAttributeUpdateHidesTheButtonAndSaysSoWhenAsked) {
+    OpenFrame("ZV5");
+    EXPECT_FALSE(Visible(IDC_PAGE_UPDATE_ATTRIBUTES));
+    Page().UpdateAttributes();
+    ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u);
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "当前设备不支持读写属性");
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->Icon(), UINT(MB_ICONWARNING));
+}
+
+TEST_F(Page1Test, UpdateAttributesAsksOnlyAnOnlineDevice) {
+    OpenFrame("ZD3S");
+    host.SetOnline("ZD3S", false);
+    Page().UpdateAttributes();
+    ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u);
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "设备离线.");
+    EXPECT_TRUE(prompts.Last(AfxPrompt::MessageBox)->caption.IsEmpty());
+
+    host.SetOnline("ZD3S", true);
+    prompts.AnswerMessageBox(IDNO);
+    Page().UpdateAttributes();
+    ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), 2u);
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "是否要从驱动器同步参数？");
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->Buttons(), UINT(MB_YESNO));
+}
+
+TEST_F(Page1Test, TheTipOverAPackedValueListsEachFieldWithItsValue) {
+    OpenFrame("ZD3S");
+    ShowGroup("H03");
+    const int row = RowOf("H03-00");
+    ASSERT_GE(row, 0);
+    Var("H03-00")->SetValue(Variant::UI2(5));
+    const CString tip = Page().GetToolTipText(row, 3);
+    EXPECT_EQ(tip.Left(8), "输入功能1  1");
+    EXPECT_GE(tip.Find("输入功能2  0\n"), 0);
+    EXPECT_GE(tip.Find("输入功能3  1\n"), 0);
+    // Other cells and plain values have no tip.
+    EXPECT_TRUE(Page().GetToolTipText(row, 2).IsEmpty());
+    const int plain = RowOf("H03-03");
+    ASSERT_GE(plain, 0);
+    EXPECT_TRUE(Page().GetToolTipText(plain, 3).IsEmpty());
+}
+
+TEST_F(Page1Test, AHiddenValueShowsStarsAndAPasswordEdit) {
+    OpenFrame("ZD3S");
+    int row = -1;
+    for (int i = 0; i < Page().GetShownCount() && row < 0; ++i)
+        if (Page().GetShownVar(i)->GetAttr()->GetDisplayFormat() == 4)
+            row = i;
+    ASSERT_GE(row, 0) << "the demo servo shows a hidden parameter";
+    EXPECT_EQ(List().GetItemText(row, 3), "******");
+    EXPECT_EQ(List().GetItemText(row, 5), "******");
+}
+
+} // namespace
+} // namespace pt
