@@ -106,7 +106,6 @@ CListCtrlEx::CListCtrlEx() = default;
 
 CListCtrlEx::~CListCtrlEx() {
     // The editors are children of the list; they go first, without any commit.
-    m_edit.MarkOpen();
     if (m_edit.GetSafeHwnd() != nullptr) {
         m_edit.SetCell(nullptr, -1, -1);
         m_edit.DestroyWindow();

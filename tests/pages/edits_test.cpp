@@ -1,5 +1,8 @@
-// The character rules of the cell edits.
+// The character rules of the cell edits, and the sorting list.
 #include "controls/AMSEdit.h"
+#include "pages/ListCtrlEx.h"
+
+#include <afx/afxres.h>
 
 #include <gtest/gtest.h>
 
@@ -34,6 +37,53 @@ TEST(AlphanumericEditRules, RefusedCharactersAndTheHexadecimalSet) {
         EXPECT_TRUE(edit.IsCharacterValid(UINT(c))) << c;
     for (char c : std::string("gGzZ.,"))
         EXPECT_FALSE(edit.IsCharacterValid(UINT(c))) << c;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------- sorting list
+namespace {
+
+class SortingList : public CVarListCtrlEx {
+public:
+    void ClickHeader(int column) {
+        NMLISTVIEW nm{};
+        nm.hdr.code = LVN_COLUMNCLICK;
+        nm.iItem = -1;
+        nm.iSubItem = column;
+        LRESULT result = 0;
+        OnChildNotify(WM_NOTIFY, 0, LPARAM(&nm), &result);
+    }
+};
+
+TEST(VarListSorting, AHeaderClickSortsFlipsOnTheSameColumnAndLeavesColumnZero) {
+    CWnd parent;
+    ASSERT_TRUE(parent.Create(nullptr, "", WS_POPUP, CRect(0, 0, 300, 200), nullptr, 0));
+    SortingList list;
+    ASSERT_TRUE(list.Create(WS_CHILD | WS_VISIBLE | LVS_REPORT, CRect(0, 0, 300, 200), &parent, 1));
+    list.InsertColumn(0, "row", LVCFMT_LEFT, 40);
+    list.InsertColumn(1, "code", LVCFMT_LEFT, 80);
+    const char* codes[] = {"H02", "H00", "H01"};
+    for (int i = 0; i < 3; ++i) {
+        list.InsertItem(i, std::to_string(3 - i).c_str());
+        list.SetItemText(i, 1, codes[i]);
+    }
+    auto column = [&](int c) {
+        std::string s;
+        for (int i = 0; i < list.GetItemCount(); ++i)
+            s += list.GetItemText(i, c).GetString() + std::string(" ");
+        return s;
+    };
+    list.ClickHeader(0);
+    EXPECT_EQ(column(1), "H02 H00 H01 ");
+    list.ClickHeader(1);
+    EXPECT_EQ(column(1), "H00 H01 H02 ");
+    EXPECT_TRUE(list.IsSortedAscending());
+    list.ClickHeader(1);
+    EXPECT_EQ(column(1), "H02 H01 H00 ");
+    EXPECT_FALSE(list.IsSortedAscending());
+    list.DestroyWindow();
+    parent.DestroyWindow();
 }
 
 } // namespace
