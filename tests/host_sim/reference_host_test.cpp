@@ -44,6 +44,8 @@ TEST_F(DemoHost, DemoProjectAndTheServicesThroughTheCallback) {
     EXPECT_EQ(Ask<IHostUiService>(host), &host.Ui());
     EXPECT_EQ(Ask<IHostProductDb>(host), &host.ProductDb());
     EXPECT_EQ(host.Project()->GetCommState(), &host.CommState());
+    host.Ui().SetUiScale(1.5);
+    EXPECT_EQ(host.DeviceHelper().GetUiScale(), 1.5) << "one scale for the whole host";
 
     // A transfer's end goes to the bus and to the program's own handler alike.
     int handled = 0;

@@ -59,6 +59,7 @@ ReferenceHost::ReferenceHost()
         AnnounceTransferEnd(key, success, download);
     });
     m_scope.SetBusyProbe([this] { return IsAnyOscilloscopeRunning(); });
+    m_deviceHelper.SetUiScaleSource([this] { return m_ui.GetUiScale(); });
     RegisterServices();
 }
 

@@ -7,6 +7,7 @@
 #include "zorhost/sim/DriveLink.h"
 
 #include <atomic>
+#include <functional>
 
 namespace zorhost {
 
@@ -27,7 +28,9 @@ public:
 
     // Language of the failure texts handed back to callers.
     void SetEnglish(bool english) { m_english = english; }
-    void SetUiScale(double scale) { m_uiScale = scale; }
+    // Where the scale of the user interface comes from (the host's text service); 1.0
+    // without one.
+    void SetUiScaleSource(std::function<double()> source) { m_uiScale = std::move(source); }
 
     int GetProtocolKind(IHostDeviceModule* module) override;
     IVarObjEx* FindNamedVar(IHostDeviceModule* module, const CString& name) override;
@@ -45,7 +48,7 @@ public:
                         int tries) override;
     BOOL ReadVarDirect(const CString& moduleKey, UINT address, int dataType, Variant& value,
                        int timeout_ms, int tries) override;
-    double GetUiScale() override { return m_uiScale; }
+    double GetUiScale() override { return m_uiScale ? m_uiScale() : 1.0; }
 
     // The typed request behind all of the above: tries until one passes, a refusal comes
     // or the tries are used up; the last result is returned.
@@ -63,7 +66,7 @@ private:
 
     sim::DriveDirectory& m_drives;
     std::atomic<bool> m_english{false};
-    double m_uiScale = 1.0;
+    std::function<double()> m_uiScale;
 };
 
 // Converts a variant to the raw number it carries; false for empty and non-numeric text.
