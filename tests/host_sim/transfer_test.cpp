@@ -109,3 +109,38 @@ TEST_F(DemoHost, LevelsAndWatchListsReachTheHost) {
     ASSERT_EQ(host.Help().Requests().size(), 2u);
     EXPECT_EQ(host.Help().Requests()[1].data, 15);
 }
+
+// The host's progress display follows the transfer, and its cancel button ends it: with
+// the event, and with success 0.
+TEST_F(DemoHost, ProgressFollowsTheUploadAndCancelEndsIt) {
+    struct Progress : zorhost::TransferProgress {
+        int total = -1, last = 0, ends = 0, cancelAt = 0;
+        void Begin(const CString&, int t) override { total = t; }
+        bool Advance(int done) override {
+            EXPECT_EQ(done, last + 1);
+            last = done;
+            return done != cancelAt;
+        }
+        void End() override { ++ends; }
+    } progress;
+    host.Transfer().SetProgress(&progress);
+    SimulatedDrive& d = *host.Drive("ZV5");
+
+    EXPECT_TRUE(host.Transfer().UploadModule(nullptr, "ZV5"));
+    ASSERT_EQ(ends.size(), 1u);
+    EXPECT_TRUE(ends[0].success);
+    EXPECT_GT(progress.total, 0);
+    EXPECT_EQ(progress.last, progress.total);
+    EXPECT_EQ(progress.ends, 1);
+
+    progress = {};
+    progress.cancelAt = 5;
+    d.TakeRequests();
+    EXPECT_TRUE(host.Transfer().UploadModule(nullptr, "ZV5"));
+    ASSERT_EQ(ends.size(), 2u);
+    EXPECT_FALSE(ends[1].success);
+    EXPECT_EQ(progress.last, 5);
+    EXPECT_EQ(progress.ends, 1) << "the display goes away also when cancelled";
+    EXPECT_EQ(d.TakeRequests().size(), 5u) << "nothing is read after the cancel";
+    host.Transfer().SetProgress(nullptr);
+}
