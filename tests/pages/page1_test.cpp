@@ -7,6 +7,8 @@
 
 #include <afx/afxtest.h>
 
+#include <algorithm>
+
 namespace pt {
 namespace {
 
@@ -117,6 +119,29 @@ TEST_F(Page1Test, AHiddenValueShowsStarsAndAPasswordEdit) {
     ASSERT_GE(row, 0) << "the demo servo shows a hidden parameter";
     EXPECT_EQ(List().GetItemText(row, 3), "******");
     EXPECT_EQ(List().GetItemText(row, 5), "******");
+}
+
+TEST_F(Page1Test, TheEndOfASynchronisingUploadRefillsWithTheFilterThenReturnsToAllRows) {
+    OpenFrame("ZD3S");
+    ShowGroup("H03");
+    ReadCycle();
+    ReadCycle();
+    const int all = Page().GetShownCount();
+    IVarObjEx* changed = Page().GetShownVar(0);
+    drive->PokeRaw(changed->GetInstanceAddress(), 7);
+    ReadCycle();
+    // Waiting for the upload of "已修改参数".
+    Page().SetListFilter(LIST_FILTER_MODIFIED);
+    Page().OnModuleUploaded("ZV5", TRUE);
+    EXPECT_EQ(Page().GetShownCount(), all) << "another module's upload refills nothing";
+    EXPECT_EQ(Page().GetListFilter(), LIST_FILTER_ALL);
+    Page().SetListFilter(LIST_FILTER_MODIFIED);
+    Page().OnModuleUploaded("ZD3S", TRUE);
+    EXPECT_EQ(Page().GetListFilter(), LIST_FILTER_ALL);
+    std::vector<IVarObjEx*> rows;
+    Page().CollectShown(rows);
+    EXPECT_LT(int(rows.size()), Store()->GetCount() / 4);
+    EXPECT_EQ(std::count(rows.begin(), rows.end(), changed), 1);
 }
 
 } // namespace
