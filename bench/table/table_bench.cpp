@@ -7,6 +7,7 @@
 #include "table/VarTable.h"
 
 #include <afx/afxmt.h>
+#include <afx/afxtest.h>
 #include <afx/afxwin.h>
 
 #include <QApplication>
@@ -67,6 +68,9 @@ struct Frame {
         table.SetWorkspace(&host.project);
         table.SetModule(module);
         table.Create(IDD_VAR_TABLE, &parent);
+        // Shown, so that the list has rows on screen to ask for.
+        parent.ShowWindow(SW_SHOW);
+        AfxPumpPendingMessages();
     }
     ~Frame() {
         table.DestroyWindow();
@@ -115,6 +119,10 @@ void BM_RefreshCycle(benchmark::State& state) {
     }
     state.counters["pages"] =
         double((f.table.GetPage1() != nullptr) + (f.table.GetPage2() != nullptr));
+    state.counters["shown"] =
+        f.table.GetPage1() != nullptr ? double(f.table.GetPage1()->GetShownCount()) : -1.0;
+    state.counters["items/query"] = double(f.host.refresh.lastItems);
+    state.counters["queries"] = double(f.host.refresh.submitted);
 }
 BENCHMARK(BM_RefreshCycle)->Arg(500)->Arg(20000)->Unit(benchmark::kMicrosecond);
 

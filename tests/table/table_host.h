@@ -212,6 +212,7 @@ struct AxisList : IHostAxisList {
 struct Drive : IVarStore, IVarCatalog {
     std::vector<std::unique_ptr<Attr>> attrs;
     std::vector<std::unique_ptr<Var>> vars;
+    std::map<CString, Var*> byCode; // first one wins, as in a real store
     GroupSet groups, custom;
     AxisList axes;
 
@@ -224,13 +225,12 @@ struct Drive : IVarStore, IVarCatalog {
         a->address = address;
         vars.push_back(std::make_unique<Var>());
         vars.back()->attr = a;
+        byCode.emplace(a->code, vars.back().get());
         return a;
     }
     Var* VarOf(const char* code) {
-        for (auto& v : vars)
-            if (v->attr->code == code)
-                return v.get();
-        return nullptr;
+        auto it = byCode.find(CString(code));
+        return it != byCode.end() ? it->second : nullptr;
     }
     // IVarStore
     int GetCount() override { return int(vars.size()); }
@@ -398,12 +398,37 @@ struct VarUtil : zorhost::CHostVarUtil {
     void GetInstallDir(CString& dir) override { dir = installDir; }
 };
 
+struct RefreshItem : IHostRefreshItem {
+    UINT address = 0;
+    int dataType = 0, length = 0;
+    void SetAddress(UINT a) override { address = a; }
+    void SetDataType(int t) override { dataType = t; }
+    void SetLength(int l) override { length = l; }
+};
+
+struct RefreshQuery : IHostRefreshQuery {
+    CString key;
+    std::vector<std::unique_ptr<IHostRefreshItem>> items;
+    void SetKind(int) override {}
+    void SetModuleKey(const CString& k) override { key = k; }
+    IHostRefreshItem* NewItem() override { return new RefreshItem; }
+    BOOL AddItem(IHostRefreshItem* item) override {
+        items.emplace_back(item);
+        return 1;
+    }
+};
+
+// Counts what the pages ask to read; the values themselves stay as they are.
 struct RefreshService : IHostRefreshService {
     std::vector<IRefreshQueryEvent*> listeners;
+    size_t submitted = 0, lastItems = 0;
     void AddRefreshListener(IRefreshQueryEvent* l) override { listeners.push_back(l); }
     void RemoveRefreshListener(IRefreshQueryEvent* l) override { std::erase(listeners, l); }
-    IHostRefreshQuery* NewQuery() override { return nullptr; }
-    void SubmitQuery(IHostRefreshQuery*) override {}
+    IHostRefreshQuery* NewQuery() override { return new RefreshQuery; }
+    void SubmitQuery(IHostRefreshQuery* query) override {
+        ++submitted;
+        lastItems = query != nullptr ? static_cast<RefreshQuery*>(query)->items.size() : 0;
+    }
 };
 
 struct TransferService : IHostTransferService {
