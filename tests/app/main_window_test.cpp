@@ -182,3 +182,20 @@ TEST_F(Window, TheMenusSwitchTheLanguageAndConnectTheDrives) {
     MenuAction(&window, {"View", "Language", "中文"})->trigger();
     EXPECT_TRUE(WaitFor([&] { return tabs->tabText(0) == QStringLiteral("参数列表"); }));
 }
+
+TEST_F(Window, ActivatingAModuleInTheProjectTreeOpensItsPanel) {
+    auto* tree = window.findChild<QTreeWidget*>();
+    ASSERT_NE(tree, nullptr);
+    QTreeWidgetItem* project = tree->topLevelItem(0);
+    ASSERT_NE(project, nullptr);
+    ASSERT_EQ(project->childCount(), 3);
+    QTreeWidgetItem* zv5 = project->child(2);
+    EXPECT_TRUE(zv5->text(0).endsWith(QStringLiteral("(ZV5)")));
+    emit tree->itemActivated(zv5, 0);
+    ASSERT_TRUE(WaitFor([&] { return window.IsPanelUp(); }));
+    ASSERT_EQ(tabs->count(), 1);
+    EXPECT_TRUE(tabs->tabText(0).startsWith(QStringLiteral("ZV5")));
+    // The project item itself names no module.
+    emit tree->itemActivated(project, 0);
+    EXPECT_EQ(tabs->count(), 1);
+}
