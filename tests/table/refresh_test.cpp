@@ -144,3 +144,21 @@ TEST_F(RefreshTest, WithoutWorkerTheFrameStillRuns) {
 }
 
 } // namespace
+
+namespace {
+
+// No module at all: the fixed items stand alone, no list is filled, the worker still ticks.
+TEST_F(RefreshTest, WithoutModuleTheTreeIsBareButTheWorkerRuns) {
+    ASSERT_TRUE(parent.Create(9901, nullptr));
+    auto* counting = new CountingTable;
+    counter = counting;
+    table.reset(counting);
+    table->SetWorkspace(&host.project);
+    ASSERT_TRUE(table->Create(IDD_VAR_TABLE, &parent));
+    EXPECT_EQ(Tree().GetCount(), 4u);
+    EXPECT_TRUE(g_pages[0]->calls.empty());
+    EXPECT_TRUE(AfxPumpMessagesUntil([&] { return counter->ticks >= 1; }, 5000));
+    EXPECT_EQ(g_pages[0]->repaints, 0);
+}
+
+} // namespace

@@ -298,6 +298,24 @@ TEST_F(CollectTest, FactoryGroupsHiddenAndUnlistedParametersAreLeftOut) {
     EXPECT_EQ(codes(FALSE), (Texts{"H02-00", "H02-02", "H02-03", "H02-04"}));
 }
 
+// Pages list a variable only when the module's catalog knows its address as transferable.
+TEST_F(CollectTest, CatalogVarsAndDescriptions) {
+    ListedGroup("H02", "H02-00", 0x200)->members.push_back("H02-01");
+    module->drive.AddParam("H02-01", 0x201)->transferable = 0;
+    OpenFrame();
+    EXPECT_TRUE(table->IsCatalogVar(module->drive.VarOf("H02-00")));
+    EXPECT_FALSE(table->IsCatalogVar(module->drive.VarOf("H02-01")));
+    EXPECT_FALSE(table->IsCatalogVar(nullptr));
+    module->hasCatalog = 0;
+    EXPECT_FALSE(table->IsCatalogVar(module->drive.VarOf("H02-00")));
+
+    module->drive.VarOf("H02-00")->attr->info = "第一行\n第二行";
+    table->ShowVarDescription(module->drive.VarOf("H02-00"));
+    CString text;
+    table->GetDlgItemText(int(IDC_VAR_DESCRIPTION), text);
+    EXPECT_EQ(text, "第一行\r\n第二行");
+}
+
 TEST_F(CollectTest, AxesAreCollectedAfterTheFixedGroups) {
     ListedGroup("H02", "H02-00", 0x200);
     module->drive.AddParam("A1-00", 0x1000);
