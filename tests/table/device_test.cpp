@@ -159,6 +159,25 @@ TEST_F(DeviceTest, OldProtocolCommandWarnsOfflineThenOldDevices) {
     EXPECT_EQ(responder.Count(AfxPrompt::MessageBox), 2u);
 }
 
+struct Scope : IOscilloscopePanel {
+    HWND window = nullptr;
+    HWND GetWindow() override { return window; }
+};
+
+TEST_F(DeviceTest, OscilloscopeWindowCountsOnlyWhenShown) {
+    OpenFrame();
+    EXPECT_FALSE(table->IsOscilloscopeWindowVisible()); // no such plug-in
+    Scope scope;
+    host.manager.RegisterModuleInterface(IID_IOscilloscopePanel, &scope);
+    EXPECT_FALSE(table->IsOscilloscopeWindowVisible()); // no window
+    scope.window = parent.GetSafeHwnd();
+    parent.ShowWindow(SW_HIDE);
+    EXPECT_FALSE(table->IsOscilloscopeWindowVisible());
+    parent.ShowWindow(SW_SHOW);
+    EXPECT_TRUE(table->IsOscilloscopeWindowVisible());
+    host.manager.RegisterModuleInterface(IID_IOscilloscopePanel, nullptr);
+}
+
 TEST_F(DeviceTest, OscilloscopeGuardTable) {
     WriteConfig("HalfDuplexDevice.ini", "dwLineID=11,dwProductID=282,Name=ZD4\n");
     CParmiraDialog panel;
