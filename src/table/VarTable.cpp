@@ -21,11 +21,6 @@
 #include "table/ParmiraDialog.h"
 #include "table/TableResources.h"
 
-// Until the list pages are linked in, a frame comes up without pages.
-__attribute__((weak)) CVarTablePage* CreateVarTablePage(int /*style*/) {
-    return nullptr;
-}
-
 VarTablePageFactory CVarTable::s_pageFactory = nullptr;
 
 CVarTable::CVarTable() : CZorSkinPDialog(IDD_VAR_TABLE) {

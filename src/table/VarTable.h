@@ -47,7 +47,8 @@ constexpr UINT IDC_TEXT_SPLITTER = 1989;
 constexpr UINT IDC_VAR_DESCRIPTION = 1018;
 
 // The list page of a list style: 0 makes the live list (dialog 2059), 1 the staging list
-// (dialog 2060). The object is not created as a window yet. Defined with the pages.
+// (dialog 2060), null for other styles. The object is not created as a window yet.
+// Defined with the pages.
 CVarTablePage* CreateVarTablePage(int style);
 using VarTablePageFactory = CVarTablePage* (*)(int style);
 
