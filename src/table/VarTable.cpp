@@ -52,6 +52,11 @@ CVarTablePage* CVarTable::NewPage(int style) {
 }
 
 BOOL CVarTable::OnInitDialog() {
+    // The tree keeps its width left of the first bar, the text box right of the second.
+    m_treeSplitter.Setup(IDC_GROUP_TREE, TRUE);
+    m_treeSplitter.SubclassDlgItem(IDC_TREE_SPLITTER, this);
+    m_textSplitter.Setup(IDC_VAR_DESCRIPTION, FALSE);
+    m_textSplitter.SubclassDlgItem(IDC_TEXT_SPLITTER, this);
     CZorSkinPDialog::OnInitDialog();
     m_hWndForWorker.store(GetSafeHwnd());
     {

@@ -10,6 +10,7 @@
 #include "module/host/IMessage_ModuleUploadEvent.h"
 #include "module/host/IRefreshQueryEvent.h"
 #include "table/StackedDialog.h"
+#include "table/TableSplitter.h"
 
 #include <afx/afxcmn.h>
 #include <afx/afxmt.h>
@@ -134,6 +135,8 @@ public:
     void CollectGroupVars(IGroupNode* group, std::vector<IVarObjEx*>& list, BOOL includeFactory);
     void OnTreeSelection(HTREEITEM item);
     CTreeCtrl& GetTree() { return m_tree; }
+    CTableSplitter& GetTreeSplitter() { return m_treeSplitter; }
+    CTableSplitter& GetTextSplitter() { return m_textSplitter; }
     HTREEITEM GetRootItem() const { return m_hRoot; }
     HTREEITEM GetAllItem() const { return m_hAll; }
     HTREEITEM GetCustomItem() const { return m_hCustom; }
@@ -241,6 +244,8 @@ private:
     CVarTablePage* m_pPage1 = nullptr; // owned by m_stack
     CVarTablePage* m_pPage2 = nullptr;
     CZorSkinPTreeCtrl m_tree;
+    CTableSplitter m_treeSplitter;
+    CTableSplitter m_textSplitter;
     CTemplateList<CTreeItemData*, CTreeItemData*> m_treeItems;
     CImageList m_images;
     HTREEITEM m_hRoot = nullptr;

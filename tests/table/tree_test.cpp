@@ -329,3 +329,34 @@ TEST_F(CollectTest, AxesAreCollectedAfterTheFixedGroups) {
 }
 
 } // namespace
+
+namespace {
+
+// Dragging a bar resizes the tree or the text box; the stacked area takes the rest.
+TEST_F(TreeTest, SplittersResizeTheirNeighbourAndTheLayoutFollows) {
+    OpenFrame();
+    auto rectOf = [&](UINT id) {
+        CRect rc;
+        table->GetDlgItem(int(id))->GetWindowRect(&rc);
+        table->ScreenToClient(&rc);
+        return rc;
+    };
+    const CRect tree = rectOf(IDC_GROUP_TREE), text = rectOf(IDC_VAR_DESCRIPTION);
+    const CRect stack = rectOf(IDC_STACK_PLACEHOLDER);
+    table->GetTreeSplitter().MoveBy(50);
+    table->GetTextSplitter().MoveBy(-30);
+    AfxPumpPendingMessages();
+    EXPECT_EQ(rectOf(IDC_GROUP_TREE).Width(), tree.Width() + 50);
+    EXPECT_EQ(rectOf(IDC_VAR_DESCRIPTION).Width(), text.Width() + 30);
+    EXPECT_EQ(rectOf(IDC_VAR_DESCRIPTION).right, text.right);
+    EXPECT_EQ(rectOf(IDC_TREE_SPLITTER).left, rectOf(IDC_GROUP_TREE).right);
+    EXPECT_EQ(rectOf(IDC_STACK_PLACEHOLDER).left, rectOf(IDC_TREE_SPLITTER).right);
+    EXPECT_EQ(rectOf(IDC_TEXT_SPLITTER).right, rectOf(IDC_VAR_DESCRIPTION).left);
+    EXPECT_EQ(rectOf(IDC_STACK_PLACEHOLDER).Width(), stack.Width() - 80);
+    // Never below the minimum, however far the bar goes.
+    table->GetTreeSplitter().MoveBy(-5000);
+    AfxPumpPendingMessages();
+    EXPECT_EQ(rectOf(IDC_GROUP_TREE).Width(), CTableSplitter::kMinWidth);
+}
+
+} // namespace
