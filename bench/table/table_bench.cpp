@@ -57,20 +57,18 @@ void FillDrive(tt::Module& m, int params) {
 }
 
 struct Frame {
-    explicit Frame(int params, bool realPages) {
+    explicit Frame(int params, bool realPages) : host(!realPages) {
         module = host.AddModule("M1");
         FillDrive(*module, params);
         // No worker: the measured cycle is driven by hand.
         host.services.Withhold<IHostModuleManager>();
-        if (realPages)
-            CVarTable::SetPageFactory(nullptr);
         parent.Create(9901, nullptr);
         table.SetWorkspace(&host.project);
         table.SetModule(module);
         table.Create(IDD_VAR_TABLE, &parent);
         // Shown, so that the list has rows on screen to ask for.
         parent.ShowWindow(SW_SHOW);
-        AfxPumpPendingMessages();
+        AfxPumpMessagesUntil([] { return false; }, 200);
     }
     ~Frame() {
         table.DestroyWindow();

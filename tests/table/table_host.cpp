@@ -58,7 +58,7 @@ void RegisterTextsIfMissing(HINSTANCE h) {
 
 } // namespace
 
-TableHost::TableHost() {
+TableHost::TableHost(bool testPages) {
     char pattern[] = "/tmp/parmira-table-XXXXXX";
     tempDir = ::mkdtemp(pattern) != nullptr ? pattern : "/tmp";
     std::filesystem::create_directories(tempDir + "/bin");
@@ -79,11 +79,13 @@ TableHost::TableHost() {
     RegisterModuleResources(h);
     RegisterTableResources(h);
     RegisterTextsIfMissing(h);
-    AfxRegisterDialog(h, DlgTemplate{IDD_VAR_TABLE_PAGE1, "", 500, 500, {}, WS_CHILD});
-    AfxRegisterDialog(h, DlgTemplate{IDD_VAR_TABLE_PAGE2, "", 500, 500, {}, WS_CHILD});
+    if (testPages) {
+        AfxRegisterDialog(h, DlgTemplate{IDD_VAR_TABLE_PAGE1, "", 500, 500, {}, WS_CHILD});
+        AfxRegisterDialog(h, DlgTemplate{IDD_VAR_TABLE_PAGE2, "", 500, 500, {}, WS_CHILD});
+    }
     AfxRegisterDialog(h, DlgTemplate{9901, "frame test", 900, 600, {}, WS_POPUP});
     g_pages[0] = g_pages[1] = nullptr;
-    CVarTable::SetPageFactory(&MakeTestPage);
+    CVarTable::SetPageFactory(testPages ? &MakeTestPage : nullptr);
     theApp.SetQueryInterfaceCallback(services.Context(), &zorhost::HostServices::Query);
 }
 

@@ -462,7 +462,9 @@ struct TransferService : IHostTransferService {
 // back at the end. Resources are registered under a handle of the test's own.
 class TableHost {
 public:
-    TableHost();
+    // With `testPages`, frames get TestPage objects made from empty page dialogs; without,
+    // they get the module's own list pages.
+    explicit TableHost(bool testPages = true);
     ~TableHost();
     TableHost(const TableHost&) = delete;
     TableHost& operator=(const TableHost&) = delete;
