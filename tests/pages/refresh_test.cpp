@@ -6,7 +6,14 @@
 #include "module/host/IVarAttr.h"
 #include "module/host/IVarObjEx.h"
 
+#include "module/host/IGroupNode.h"
+#include "module/host/IGroupSet.h"
+#include "module/host/IHostAxis.h"
+#include "module/host/IHostAxisList.h"
+#include "module/host/IVarStore.h"
+
 #include <algorithm>
+#include <functional>
 #include <set>
 
 namespace pt {
@@ -140,6 +147,58 @@ TEST_F(RefreshTest, ShowModifiedKeepsOnlyReadValuesThatDifferFromFactoryThenAllR
     // A collection afterwards keeps every row again.
     ShowGroup("H03");
     EXPECT_GT(Page().GetShownCount(), int(rows.size()));
+}
+
+} // namespace
+} // namespace pt
+
+namespace pt {
+namespace {
+
+class CollectionTest : public PageTest {};
+
+TEST_F(CollectionTest, AnAxisShowsItsOwnGroupsAndTheCustomRootKeepsTheSearchBase) {
+    OpenFrame("ZD4M");
+    IHostAxisList* axes = Store()->GetAxisList();
+    ASSERT_NE(axes, nullptr);
+    ASSERT_TRUE(axes->IsValid());
+    ASSERT_GE(axes->GetCount(), 2);
+    const int all = Page().GetShownCount();
+    Page().ShowAxis(axes->GetAt(1), Store());
+    const int axisRows = Page().GetShownCount();
+    EXPECT_GT(axisRows, 0);
+    EXPECT_LT(axisRows, all);
+    EXPECT_EQ(Page().GetGroupVars().GetCount(), axisRows);
+    // Every row of the axis belongs to one of its groups.
+    IGroupSet* set = axes->GetAt(1)->GetGroupSet();
+    std::set<CString> members;
+    std::function<void(IGroupNode*)> collect = [&](IGroupNode* g) {
+        for (int i = 0; i < g->GetMemberCount(); ++i) {
+            CString key;
+            if (g->GetMemberAt(i, key))
+                members.insert(key);
+        }
+        for (int i = 0; i < g->GetChildCount(); ++i)
+            collect(g->GetChildAt(i));
+    };
+    for (int i = 0; i < set->GetCount(); ++i)
+        collect(set->GetAt(i));
+    for (int i = 0; i < axisRows; ++i) {
+        CString key;
+        CString code;
+        Page().GetShownVar(i)->GetInstanceGuid(key);
+        Page().GetShownVar(i)->GetAttr()->GetCode(code);
+        EXPECT_TRUE(members.count(key) || members.count(code)) << key.GetString();
+    }
+    // The custom root shows its own members but leaves the base of a search as it was.
+    IVarObjEx* member = Page().GetShownVar(0);
+    CString key;
+    member->GetInstanceGuid(key);
+    ASSERT_TRUE(Store()->GetGroupRoot(1)->AddMember(key));
+    Page().ShowCustomRoot(Store());
+    ASSERT_EQ(Page().GetShownCount(), 1);
+    EXPECT_EQ(Page().GetShownVar(0), member);
+    EXPECT_EQ(Page().GetGroupVars().GetCount(), axisRows);
 }
 
 } // namespace
