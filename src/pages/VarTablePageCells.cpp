@@ -301,9 +301,10 @@ COLORREF CVarTablePageBase::GetCellTextColor(int row, int column) {
 void CVarTablePageBase::GetCellEditorKind(int& kind, int row, int column) {
     IVarObjEx* var = m_shownVars.GetAt(row);
     IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
-    IValueInfo* info = attr != nullptr ? attr->GetValueInfo() : nullptr;
-    if (info == nullptr)
+    if (attr == nullptr)
         return;
+    // The host gives a plain number no value meaning at all: that is kind 0.
+    IValueInfo* info = attr->GetValueInfo();
     if (m_bFirstPage && column == 9 && GetMultiAxisFlag() != 1) {
         kind = attr->GetDisplayFormat() == 2 ? 2 : 0;
         return;
@@ -312,7 +313,7 @@ void CVarTablePageBase::GetCellEditorKind(int& kind, int row, int column) {
         kind = 0;
         return;
     }
-    const int k = info->GetKind();
+    const int k = info != nullptr ? info->GetKind() : 0;
     const BOOL packed = k >= 2 && k <= 6;
     switch (attr->GetModifyMode()) {
     case 0:

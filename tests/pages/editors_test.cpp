@@ -80,11 +80,9 @@ TEST_F(EditorTest, ClickOpensTheEditorOfModifyModeAndValueKind) {
         {"digits", [](IVarAttr* a) { return a->GetModifyMode() <= 1 && Kind(a) == 4; }, Button},
         {"read-only bits", [](IVarAttr* a) { return a->GetModifyMode() == 2 && Kind(a) == 2; },
          Button},
-        // Without a value meaning the list's default stands: an edit box. The drive
-        // refuses the write then.
-        {"read-only number without meaning",
-         [](IVarAttr* a) { return a->GetModifyMode() == 2 && a->GetValueInfo() == nullptr; },
-         Numeric},
+        // A plain number comes without any value meaning from the host.
+        {"read-only number",
+         [](IVarAttr* a) { return a->GetModifyMode() == 2 && a->GetValueInfo() == nullptr; }, None},
         {"read-only enumeration",
          [](IVarAttr* a) { return a->GetModifyMode() == 2 && Kind(a) == 1; }, None},
     };
@@ -151,6 +149,46 @@ TEST_F(EditorTest, TheEnumerationDropDownListsValueAndNameAndSelectsTheCell) {
     CString selected;
     combo.GetLBText(combo.GetCurSel(), selected);
     EXPECT_EQ(selected, cell);
+}
+
+} // namespace
+} // namespace pt
+
+namespace pt {
+namespace {
+
+class DisplayModeTest : public PageTest {};
+
+TEST_F(DisplayModeTest, APerUnitParameterChoosesItsScaleInTheDisplayColumn) {
+    OpenFrame("ZD3S");
+    ShowGroup("H07");
+    const int row = RowOf("H07-03");
+    ASSERT_GE(row, 0);
+    IVarObjEx* var = Page().GetShownVar(row);
+    ASSERT_EQ(var->GetAttr()->GetDisplayFormat(), 2);
+    // Narrow the name column so that "显示方式" stands inside the list's width.
+    List().SetColumnWidth(2, 60);
+    // Other formats offer no editor there.
+    const int decimalRow = RowOf("H07-00");
+    ASSERT_GE(decimalRow, 0);
+    List().ClickCell(decimalRow, 9);
+    EXPECT_EQ(List().GetItemCombo().GetSafeHwnd(), nullptr);
+
+    List().ClickCell(row, 9);
+    CComboBox& combo = List().GetItemCombo();
+    ASSERT_NE(combo.GetSafeHwnd(), nullptr);
+    // Raw, percent and the two bases of the module's table.
+    ASSERT_EQ(combo.GetCount(), 4);
+    CString entry;
+    combo.GetLBText(1, entry);
+    EXPECT_EQ(entry, "百分比");
+    combo.GetLBText(2, entry);
+    EXPECT_EQ(entry, "电机额定转矩");
+    combo.ChooseEntry(1);
+    AfxPumpMessagesUntil([&] { return List().GetItemCombo().GetSafeHwnd() == nullptr; }, 1000);
+    EXPECT_EQ(var->GetPerUnitMode(), 1);
+    EXPECT_EQ(List().GetItemText(row, 9), "百分比");
+    EXPECT_EQ(List().GetItemText(row, 6).Right(1), "%");
 }
 
 } // namespace
