@@ -20,7 +20,6 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <regex>
 
 namespace VarText {
 
@@ -442,10 +441,9 @@ UINT ParseAddressText(const CString& text) {
     rest.Replace("0X", "");
     if (rest.IsEmpty())
         return 0;
-    static const std::regex kHexTail("[A-Fa-f0-9]+$");
-    std::smatch match;
+    // The text must end in a hexadecimal digit.
     const std::string& s = rest.str();
-    if (!std::regex_search(s, match, kHexTail))
+    if (s.empty() || !std::isxdigit(static_cast<unsigned char>(s.back())))
         return 0;
     // Only the tail has to be hexadecimal; the value is read from the front, up to the
     // first character that is no digit, as an unsigned conversion would.

@@ -50,7 +50,9 @@ private:
 } // namespace
 
 struct CZorSkinPGridCtrl::Impl {
-    QTableWidget* table = nullptr;
+    // The widget may die after this object (windows are deleted later), so it is
+    // watched rather than told about its end through a connection into this object.
+    QPointer<QTableWidget> table;
     std::map<std::pair<int, int>, std::unique_ptr<CZorSkinPGridItem>> items;
     std::vector<bool> editable;
     std::vector<DWORD_PTR> rowData;
@@ -89,7 +91,6 @@ BOOL CZorSkinPGridCtrl::Create(const RECT& rect, CWnd* pParent, UINT nID, DWORD 
         m_impl->table = nullptr;
         return FALSE;
     }
-    QObject::connect(t, &QObject::destroyed, [impl = m_impl.get()] { impl->table = nullptr; });
     return TRUE;
 }
 
