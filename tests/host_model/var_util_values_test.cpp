@@ -81,7 +81,11 @@ TEST(HostVarUtilValues, FormatRoundsToDecimalsAndHidesNegativeZero) {
     EXPECT_EQ(Fmt(u, Variant::R8(1.23456), 2), CString("1.23"));
     EXPECT_EQ(Fmt(u, Variant::R8(1.23456), 3), CString("1.235"));
     EXPECT_EQ(Fmt(u, Variant::R8(1.23456), 4), CString("1.2346"));
-    EXPECT_EQ(Fmt(u, Variant::I2(-5), 2), CString("-5.00"));
+    // Integers are raw figures: the places divide them.
+    EXPECT_EQ(Fmt(u, Variant::I2(-5), 2), CString("-0.05"));
+    EXPECT_EQ(Fmt(u, Variant::I2(-32768), 2), CString("-327.68"));
+    EXPECT_EQ(Fmt(u, Variant::UI4(4294967295u), 4), CString("429496.7295"));
+    EXPECT_EQ(Fmt(u, Variant::I4(1505), 1), CString("150.5"));
     EXPECT_EQ(Fmt(u, Variant::R8(-0.0), 2), CString("0.00"));
     EXPECT_EQ(Fmt(u, Variant::R8(-0.0004), 3), CString("0.000"));
     EXPECT_EQ(Fmt(u, Variant::R8(-0.0006), 3), CString("-0.001"));

@@ -56,6 +56,17 @@ protected:
         a->minimum = Variant::I4(-100);
         module->drive.VarOf("H02-05")->value = Variant();
         h02->members.push_back("H02-05");
+        a = module->drive.AddParam("H02-07", 0x207);
+        a->name = "转矩限制";
+        a->unit = "%";
+        a->decimals = 2; // held by the drive as a raw figure: 1234 is 12.34
+        a->dataType = VT_I2;
+        a->factory = Variant::I2(40);
+        a->minimum = Variant::I2(-32768);
+        a->maximum = Variant::I2(32767);
+        a->modifyMode = 0;
+        module->drive.VarOf("H02-07")->value = Variant::I2(-1234);
+        h02->members.push_back("H02-07");
         a = module->drive.AddParam("H02-06", 0x206);
         a->modifyMode = 3; // never in a list or a file
         h02->members.push_back("H02-06");

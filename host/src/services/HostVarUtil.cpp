@@ -232,6 +232,10 @@ void CHostVarUtil::FormatVariant(CString& text, const Variant& value, int decima
         return;
     }
     decimals = std::clamp(decimals, 0, 15);
+    // Integer variants hold raw figures, as the drive does: 1234 with two places is 12.34.
+    // Reals hold the figure itself.
+    if (IsIntegerTag(value.vt))
+        d /= std::pow(10.0, decimals);
     std::snprintf(buf, sizeof buf, "%.*f", decimals, d);
     std::string s = buf;
     DropNegativeZero(s);

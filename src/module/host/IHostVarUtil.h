@@ -15,7 +15,9 @@ public:
 
     // ---- values
     // `text` = `value` as a number with `decimals` places; hexadecimal when `hex` is
-    // nonzero. Texts and other tags as they stand; empty for an empty variant.
+    // nonzero. An integer variant is a raw figure and is divided by 10^decimals first, as
+    // VariantToDouble does; a real is taken as it stands. Texts as they stand; empty for
+    // an empty variant.
     virtual void FormatVariant(CString& text, const Variant& value, int decimals, BOOL hex) = 0;
     // The number in `value`, read as a raw figure of data type `dataType` with
     // `decimals` places (so integer types are divided by 10^decimals).
