@@ -45,14 +45,8 @@ BOOL CLoginDialog::OnInitDialog() {
     // Base start with the visual style; it moves the members into the controls.
     EnableVisualStyle(TRUE);
     CZorSkinPDialog::OnInitDialog();
-    if (IHostUiService* ui = theApp.GetUiService()) {
-        delete m_pTranslator;
-        m_pTranslator = ui->CreateWindowTranslator();
-        if (m_pTranslator != nullptr) {
-            m_pTranslator->Attach(GetSafeHwnd());
-            m_pTranslator->Retranslate(0);
-        }
-    }
+    delete m_pTranslator;
+    m_pTranslator = theApp.MakeWindowTranslator(GetSafeHwnd());
     return TRUE;
 }
 

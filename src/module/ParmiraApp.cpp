@@ -3,7 +3,6 @@
 #include "module/InterfaceManager.h"
 #include "module/MessageSinks.h"
 #include "module/ModuleResources.h"
-#include "table/TableResources.h"
 #include "module/host/IHostAccessService.h"
 #include "module/host/IHostDeviceHelper.h"
 #include "module/host/IHostHelpService.h"
@@ -21,11 +20,13 @@
 #include "module/host/IHostUiService.h"
 #include "module/host/IHostVarPicker.h"
 #include "module/host/IHostVarUtil.h"
+#include "module/host/IHostWindowTranslator.h"
 #include "module/host/IHostWorkerThread.h"
 #include "module/host/IHostWorkspace.h"
 #include "module/host/IMemoryStream.h"
 #include "module/host/IParamFile.h"
 #include "module/host/IQXParmira.h"
+#include "table/TableResources.h"
 
 #include <afx/afxres.h>
 
@@ -193,4 +194,23 @@ IHostDeviceModule* CParmiraApp::FindModule(const CString& moduleKey) const {
     if (modules == nullptr)
         return nullptr;
     return modules->FindModule(moduleKey);
+}
+
+IHostWindowTranslator* CParmiraApp::MakeWindowTranslator(HWND window) const {
+    IHostUiService* ui = GetUiService();
+    IHostWindowTranslator* translator = ui != nullptr ? ui->CreateWindowTranslator() : nullptr;
+    if (translator != nullptr) {
+        translator->Attach(window);
+        translator->Retranslate(0);
+    }
+    return translator;
+}
+
+CString CParmiraApp::LoadText(UINT id) const {
+    CString text;
+    if (IHostUiService* ui = GetUiService())
+        if (ui->GetString(text, m_hResource, id, 0))
+            return text;
+    AfxLoadStringFrom(m_hResource, id, text);
+    return text;
 }

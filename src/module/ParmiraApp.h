@@ -32,6 +32,12 @@ public:
     IHostModuleManager* GetModuleManager() const;
     IHostProjectRoot* GetProjectRoot() const;
     IHostUiService* GetUiService() const;
+    // A translator of the host attached to `window` and run once; null without the
+    // service. The caller owns it.
+    IHostWindowTranslator* MakeWindowTranslator(HWND window) const;
+    // The text of string `id` through the host's text service; else the module's own
+    // table as written.
+    CString LoadText(UINT id) const;
     IHostTabManager* GetTabManager() const;
     IHostVarUtil* GetVarUtil() const;
     IHostDeviceHelper* GetDeviceHelper() const;

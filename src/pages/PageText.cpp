@@ -1,19 +1,11 @@
 #include "pages/PageText.h"
 
 #include "module/ParmiraApp.h"
-#include "module/host/IHostUiService.h"
-
-#include <afx/afxres.h>
 
 namespace pagetext {
 
 CString LoadString(UINT id) {
-    CString text;
-    if (IHostUiService* ui = theApp.GetUiService())
-        if (ui->GetString(text, theApp.m_hResource, id, 0))
-            return text;
-    AfxLoadStringFrom(theApp.m_hResource, id, text);
-    return text;
+    return theApp.LoadText(id);
 }
 
 } // namespace pagetext

@@ -23,14 +23,8 @@ BOOL CVarTablePage2::OnInitDialog() {
     m_list.SetPage(this);
     BuildColumns();
     LinkList();
-    if (IHostUiService* ui = theApp.GetUiService()) {
-        delete m_pTranslator;
-        m_pTranslator = ui->CreateWindowTranslator();
-        if (m_pTranslator != nullptr) {
-            m_pTranslator->Attach(GetSafeHwnd());
-            m_pTranslator->Retranslate(0);
-        }
-    }
+    delete m_pTranslator;
+    m_pTranslator = theApp.MakeWindowTranslator(GetSafeHwnd());
     Subscribe(IMessage_ModulePropertyUpdateEvent::kIID,
               AsSink<IMessage_ModulePropertyUpdateEvent>(this));
     m_bPropertySubscribed = TRUE;

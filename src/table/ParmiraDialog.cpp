@@ -94,14 +94,8 @@ BOOL CParmiraDialog::OnInitDialog() {
          {IDC_TOTAL_LABEL, IDC_TOTAL_COUNT, IDC_CURRENT_LABEL, IDC_CURRENT_COUNT, IDC_NOTICE_STRIP})
         AddAnchor(id, AnchorBottomLeft);
 
-    if (IHostUiService* ui = theApp.GetUiService()) {
-        delete m_pTranslator;
-        m_pTranslator = ui->CreateWindowTranslator();
-        if (m_pTranslator != nullptr) {
-            m_pTranslator->Attach(GetSafeHwnd());
-            m_pTranslator->Retranslate(0);
-        }
-    }
+    delete m_pTranslator;
+    m_pTranslator = theApp.MakeWindowTranslator(GetSafeHwnd());
     ShowNotice();
     UpdateData(FALSE);
     return TRUE;

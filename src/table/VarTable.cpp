@@ -110,14 +110,8 @@ BOOL CVarTable::OnInitDialog() {
     }
     SetTimer(IDT_AUTHORITY_POLL, AUTHORITY_POLL_PERIOD_MS);
 
-    if (IHostUiService* ui = theApp.GetUiService()) {
-        delete m_pTranslator;
-        m_pTranslator = ui->CreateWindowTranslator();
-        if (m_pTranslator != nullptr) {
-            m_pTranslator->Attach(GetSafeHwnd());
-            m_pTranslator->Retranslate(0);
-        }
-    }
+    delete m_pTranslator;
+    m_pTranslator = theApp.MakeWindowTranslator(GetSafeHwnd());
     return TRUE;
 }
 

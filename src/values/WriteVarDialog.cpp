@@ -80,12 +80,7 @@ CString Translated(const CString& text) {
 }
 
 CString StringById(UINT id) {
-    CString text;
-    if (IHostUiService* ui = theApp.GetUiService())
-        if (ui->GetString(text, theApp.m_hResource, id, 0))
-            return text;
-    AfxLoadStringFrom(theApp.m_hResource, id, text);
-    return text;
+    return theApp.LoadText(id);
 }
 
 } // namespace
@@ -167,13 +162,8 @@ BOOL CWriteVarDialog::OnInitDialog() {
             FillDigits(info, v);
     }
     UpdateData(FALSE);
-    if (IHostUiService* ui = theApp.GetUiService()) {
-        m_pTranslator = ui->CreateWindowTranslator();
-        if (m_pTranslator != nullptr) {
-            m_pTranslator->Attach(GetSafeHwnd());
-            m_pTranslator->Retranslate(0);
-        }
-    }
+    delete m_pTranslator;
+    m_pTranslator = theApp.MakeWindowTranslator(GetSafeHwnd());
     m_bLanguageListener = theApp.AddLanguageListener(this);
     return TRUE;
 }
