@@ -67,6 +67,10 @@ void CVarTableListCtrl_1::OnMouseMove(UINT nFlags, CPoint point) {
     CVarTableListCtrlBase::OnMouseMove(nFlags, point);
     if (m_pPage == nullptr)
         return;
+    if (!m_toolTip.IsCreated() && m_toolTip.Create(this)) {
+        m_toolTip.SetMaxTipWidth(500);
+        m_toolTip.SetDelayTime(100);
+    }
     LVHITTESTINFO hit{};
     hit.pt = point;
     SubItemHitTest(&hit);
@@ -76,6 +80,8 @@ void CVarTableListCtrl_1::OnMouseMove(UINT nFlags, CPoint point) {
     m_tipColumn = hit.iSubItem;
     const CString text =
         hit.iItem >= 0 ? m_pPage->GetToolTipText(hit.iItem, hit.iSubItem) : CString();
-    if (text != m_tipText)
+    if (text != m_tipText) {
         m_tipText = text;
+        m_toolTip.UpdateTipText(m_tipText.GetString(), this);
+    }
 }

@@ -32,6 +32,7 @@ class CVarTableListCtrl_1 : public CVarTableListCtrlBase {
 public:
     // The tip over the cell under the mouse, renewed only when cell or text changed.
     const CString& GetToolTipText() const { return m_tipText; }
+    const CToolTipCtrl& GetToolTip() const { return m_toolTip; }
 
 protected:
     void OnMouseMove(UINT nFlags, CPoint point) override;
@@ -40,6 +41,8 @@ private:
     int m_tipRow = -1;
     int m_tipColumn = -1;
     CString m_tipText;
+    // Made on the first mouse move.
+    CToolTipCtrl m_toolTip;
 };
 
 class CVarTableListCtrl_2 : public CVarTableListCtrlBase {};

@@ -5,7 +5,13 @@
 #include "module/host/IVarAttr.h"
 #include "module/host/IVarObjEx.h"
 
+#include <afx/afxqt.h>
 #include <afx/afxtest.h>
+
+#include <QAbstractScrollArea>
+#include <QCoreApplication>
+#include <QMouseEvent>
+#include <QWidget>
 
 #include <algorithm>
 
@@ -108,6 +114,21 @@ TEST_F(Page1Test, TheTipOverAPackedValueListsEachFieldWithItsValue) {
     const int plain = RowOf("H03-03");
     ASSERT_GE(plain, 0);
     EXPECT_TRUE(Page().GetToolTipText(plain, 3).IsEmpty());
+
+    // The mouse over the cell brings the tip up after its short delay.
+    CRect cell;
+    ASSERT_TRUE(List().GetSubItemRect(row, 3, LVIR_LABEL, cell));
+    QWidget* view = AfxWidgetFromHandle(List().GetSafeHwnd());
+    ASSERT_NE(view, nullptr);
+    auto* area = qobject_cast<QAbstractScrollArea*>(view);
+    ASSERT_NE(area, nullptr);
+    QWidget* port = area->viewport();
+    const QPoint at = port->mapFrom(view, QPoint(cell.CenterPoint().x, cell.CenterPoint().y));
+    QMouseEvent move(QEvent::MouseMove, at, port->mapToGlobal(at), Qt::NoButton, Qt::NoButton,
+                     Qt::NoModifier);
+    QCoreApplication::sendEvent(port, &move);
+    EXPECT_EQ(List().GetToolTip().GetText(), tip);
+    EXPECT_TRUE(AfxPumpMessagesUntil([&] { return List().GetToolTip().IsTipShown() != 0; }, 3000));
 }
 
 TEST_F(Page1Test, AHiddenValueShowsStarsAndAPasswordEdit) {

@@ -366,3 +366,32 @@ public:
     // Simulated user click on an item (selects it, NM_CLICK / NM_RCLICK to the parent).
     void ClickItem(HTREEITEM hItem, UINT button = MK_LBUTTON);
 };
+
+// ---------------------------------------------------------------- tool tip
+// One tip window for a control: the control renews the text as the mouse moves, and the
+// tip shows at the cursor after the initial delay. An empty text hides it.
+class CToolTipCtrl {
+public:
+    CToolTipCtrl();
+    ~CToolTipCtrl();
+    CToolTipCtrl(const CToolTipCtrl&) = delete;
+    CToolTipCtrl& operator=(const CToolTipCtrl&) = delete;
+
+    // Binds the tip to `pOwner`'s window; FALSE without one.
+    BOOL Create(CWnd* pOwner);
+    BOOL IsCreated() const;
+    // Widest line in pixels before the text wraps; returns the old width (-1: none).
+    int SetMaxTipWidth(int iWidth);
+    // The initial delay in milliseconds.
+    void SetDelayTime(UINT nDelay);
+    // New text for the tip over `pWnd` (the owner when null).
+    void UpdateTipText(const char* text, CWnd* pWnd = nullptr);
+    CString GetText() const;
+    // Whether the tip is on screen now.
+    BOOL IsTipShown() const;
+
+    struct Impl;
+
+private:
+    std::unique_ptr<Impl> m_impl;
+};
