@@ -1,5 +1,6 @@
 #include "module/ParmiraApp.h"
 
+#include "groups/LoginDialog.h"
 #include "module/InterfaceManager.h"
 #include "module/MessageSinks.h"
 #include "module/ModuleResources.h"
@@ -26,6 +27,7 @@
 #include "module/host/IMemoryStream.h"
 #include "module/host/IParamFile.h"
 #include "module/host/IQXParmira.h"
+#include "pages/PageResources.h"
 #include "table/TableResources.h"
 
 #include <afx/afxres.h>
@@ -54,6 +56,8 @@ BOOL CParmiraApp::InitInstance() {
     m_hResource = AfxGetResourceHandle();
     RegisterModuleResources(m_hResource);
     RegisterTableResources(m_hResource);
+    RegisterPageResources(m_hResource);
+    RegisterLoginDialogResources(m_hResource);
     return CWinApp::InitInstance();
 }
 
