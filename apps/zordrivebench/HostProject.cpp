@@ -15,21 +15,21 @@ QString Qs(const std::string& s) {
     return QString::fromUtf8(s.data(), qsizetype(s.size()));
 }
 
-zorhost::ProjectSpec ToSpec(const ProjectFile& file, const std::string& baseDir) {
-    zorhost::ProjectSpec spec;
-    spec.directory = CString(zorhost::project::ResolvePath(baseDir, file.directory));
-    spec.listStyle = int(file.listStyle);
+zorhost::ProjectSetup ToSetup(const ProjectFile& file, const std::string& baseDir) {
+    zorhost::ProjectSetup setup;
+    setup.directory = CString(zorhost::project::ResolvePath(baseDir, file.directory));
+    setup.listStyle = int(file.listStyle);
     const std::string devices = zorhost::device::DefaultDeviceDirectory();
     for (const auto& m : file.modules) {
-        zorhost::ProjectModuleSpec s;
+        zorhost::ModuleSetup s;
         s.deviceFile = zorhost::project::ResolveDeviceFile(baseDir, devices, m.deviceFile);
         s.key = CString(m.key);
         s.displayName = CString(m.displayName);
         s.number = m.number;
         s.online = m.online;
-        spec.modules.push_back(std::move(s));
+        setup.modules.push_back(std::move(s));
     }
-    return spec;
+    return setup;
 }
 
 } // namespace
@@ -44,7 +44,7 @@ QString LoadedProject::Title(bool english) const {
 
 ProjectFile DemoProjectFile() {
     ProjectFile file;
-    const zorhost::ProjectSpec demo = zorhost::ReferenceHost::DemoProject();
+    const zorhost::ProjectSetup demo = zorhost::ReferenceHost::DemoProject();
     file.listStyle = zorhost::project::ListStyle(demo.listStyle);
     for (const auto& m : demo.modules)
         file.modules.push_back(
@@ -71,7 +71,7 @@ bool LoadIntoHost(zorhost::ReferenceHost& host, const QString& path, LoadedProje
         }
     }
     std::string why;
-    if (!host.LoadProject(ToSpec(next.file, baseDir), &why)) {
+    if (!host.LoadProject(ToSetup(next.file, baseDir), &why)) {
         if (error != nullptr)
             *error =
                 next.path.isEmpty() ? Qs(why) : QStringLiteral("%1: %2").arg(next.path, Qs(why));

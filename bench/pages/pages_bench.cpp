@@ -41,9 +41,9 @@ constexpr UINT IDD_BENCH_PARENT = 9952;
 // The module's resources and the host's callback, for the life of one scene.
 class Scene {
 public:
-    explicit Scene(const zorhost::ProjectSpec& spec) {
+    explicit Scene(const zorhost::ProjectSetup& setup) {
         std::string error;
-        m_ok = host.LoadProject(spec, &error);
+        m_ok = host.LoadProject(setup, &error);
         if (!m_ok) {
             std::fprintf(stderr, "project: %s\n", error.c_str());
             return;
@@ -152,12 +152,12 @@ std::string LargeDeviceFile() {
 }
 
 void BM_OpenAllParameters20000(benchmark::State& state) {
-    zorhost::ProjectSpec spec;
-    zorhost::ProjectModuleSpec m;
+    zorhost::ProjectSetup setup;
+    zorhost::ModuleSetup m;
     m.deviceFile = LargeDeviceFile();
     m.key = "BIG";
-    spec.modules.push_back(m);
-    Scene scene(spec);
+    setup.modules.push_back(m);
+    Scene scene(setup);
     if (!scene.Open("BIG")) {
         state.SkipWithError("no frame");
         return;

@@ -105,16 +105,16 @@ void AccessTest::TearDown() {
 }
 
 void AccessTest::Open(std::vector<TestModule> modules) {
-    zorhost::ProjectSpec spec;
+    zorhost::ProjectSetup setup;
     for (const TestModule& m : modules) {
-        zorhost::ProjectModuleSpec station;
+        zorhost::ModuleSetup station;
         station.deviceFile = m.file;
         station.key = m.key;
         station.online = m.online;
-        spec.modules.push_back(station);
+        setup.modules.push_back(station);
     }
     std::string error;
-    ASSERT_TRUE(host.LoadProject(spec, &error)) << error;
+    ASSERT_TRUE(host.LoadProject(setup, &error)) << error;
     frame.module = nullptr;
     frame.workspace.clear();
     for (const TestModule& m : modules) {

@@ -75,24 +75,24 @@ TEST_F(DemoHost, DemoProjectAndTheServicesThroughTheCallback) {
 TEST(ReferenceHostProject, BrokenProjectsAreRefusedWhole) {
     zorhost::ReferenceHost host;
     std::string error;
-    zorhost::ProjectSpec spec = zorhost::ReferenceHost::DemoProject();
-    spec.modules[1].deviceFile = "no_such_device.json";
-    EXPECT_FALSE(host.LoadProject(spec, &error));
+    zorhost::ProjectSetup setup = zorhost::ReferenceHost::DemoProject();
+    setup.modules[1].deviceFile = "no_such_device.json";
+    EXPECT_FALSE(host.LoadProject(setup, &error));
     EXPECT_NE(error.find("no_such_device.json"), std::string::npos) << error;
     EXPECT_EQ(host.Project(), nullptr);
     EXPECT_TRUE(host.ModuleKeys().empty());
 
-    spec = zorhost::ReferenceHost::DemoProject();
-    spec.modules[2].key = "ZD3S";
-    EXPECT_FALSE(host.LoadProject(spec, &error));
+    setup = zorhost::ReferenceHost::DemoProject();
+    setup.modules[2].key = "ZD3S";
+    EXPECT_FALSE(host.LoadProject(setup, &error));
     EXPECT_NE(error.find("ZD3S"), std::string::npos) << error;
     EXPECT_EQ(host.Drive("ZD3S"), nullptr);
 
     // Two modules of one product share its description but not their drives.
-    spec = zorhost::ReferenceHost::DemoProject();
-    spec.modules[1] = {"zd3s_servo.json", "SECOND", "Second servo", 0, false};
-    spec.listStyle = 1;
-    ASSERT_TRUE(host.LoadProject(spec, &error)) << error;
+    setup = zorhost::ReferenceHost::DemoProject();
+    setup.modules[1] = {"zd3s_servo.json", "SECOND", "Second servo", 0, false};
+    setup.listStyle = 1;
+    ASSERT_TRUE(host.LoadProject(setup, &error)) << error;
     EXPECT_EQ(&host.Drive("ZD3S")->Device(), &host.Drive("SECOND")->Device());
     EXPECT_FALSE(host.Module("SECOND")->IsOnline());
     EXPECT_EQ(host.Module("SECOND")->GetAxisIndex(), 2);

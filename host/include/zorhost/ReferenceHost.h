@@ -3,7 +3,7 @@
 // and the tests both run the module against it.
 //
 //     zorhost::ReferenceHost host;
-//     host.LoadDemo();                       // or LoadProject(spec)
+//     host.LoadDemo();                       // or LoadProject(setup)
 //     SetQueryInterfaceCallback(host.Services().Context(), &zorhost::HostServices::Query);
 //     host.Tick(100);                        // drives move, one refresh cycle runs
 #pragma once
@@ -33,7 +33,7 @@ class QTimer;
 
 namespace zorhost {
 
-struct ProjectModuleSpec {
+struct ModuleSetup {
     std::string deviceFile; // absolute, or relative to the device folder
     CString key;            // unique in the project
     CString displayName;    // empty: the product's name
@@ -41,10 +41,10 @@ struct ProjectModuleSpec {
     bool online = true;
 };
 
-struct ProjectSpec {
+struct ProjectSetup {
     CString directory; // the project's folder (custom groups live there); may be empty
     int listStyle = 0; // 0 live list, 1 staging list
-    std::vector<ProjectModuleSpec> modules;
+    std::vector<ModuleSetup> modules;
 };
 
 class ReferenceHost : public sim::DriveDirectory {
@@ -56,10 +56,10 @@ public:
 
     // The three shipped drives, online: "ZD3S" (servo, model 2), "ZD4M" (four axes,
     // model 1), "ZV5" (inverter, model 0), numbered 1 to 3.
-    static ProjectSpec DemoProject();
+    static ProjectSetup DemoProject();
     // Replaces the open project. On any failure the host is left without a project and
     // `error` tells which file and why.
-    bool LoadProject(const ProjectSpec& spec, std::string* error = nullptr);
+    bool LoadProject(const ProjectSetup& setup, std::string* error = nullptr);
     bool LoadDemo(std::string* error = nullptr) { return LoadProject(DemoProject(), error); }
     void CloseProject();
 

@@ -100,17 +100,17 @@ void ReferenceHost::AnnounceTransferEnd(const CString& key, BOOL success, bool d
         m_transferEnded(key, success, download);
 }
 
-ProjectSpec ReferenceHost::DemoProject() {
-    ProjectSpec spec;
-    spec.modules = {
+ProjectSetup ReferenceHost::DemoProject() {
+    ProjectSetup setup;
+    setup.modules = {
         {"zd3s_servo.json", "ZD3S", "", 1, true},
         {"zd4m_four_axis.json", "ZD4M", "", 2, true},
         {"zv5_inverter.json", "ZV5", "", 3, true},
     };
-    return spec;
+    return setup;
 }
 
-bool ReferenceHost::LoadProject(const ProjectSpec& spec, std::string* error) {
+bool ReferenceHost::LoadProject(const ProjectSetup& setup, std::string* error) {
     CloseProject();
     auto fail = [&](std::string text) {
         CloseProject();
@@ -118,13 +118,13 @@ bool ReferenceHost::LoadProject(const ProjectSpec& spec, std::string* error) {
             *error = std::move(text);
         return false;
     };
-    auto project = std::make_unique<model::CProject>(spec.directory);
-    project->Workspace().SetListStyle(spec.listStyle);
+    auto project = std::make_unique<model::CProject>(setup.directory);
+    project->Workspace().SetListStyle(setup.listStyle);
     project->SetCommState(&m_commState);
     std::map<std::string, std::shared_ptr<const device::DeviceDescription>> loaded;
     std::vector<Station> stations;
     int position = 0;
-    for (const ProjectModuleSpec& m : spec.modules) {
+    for (const ModuleSetup& m : setup.modules) {
         ++position;
         const std::string path = DevicePath(m.deviceFile);
         auto& device = loaded[path];
