@@ -6,6 +6,7 @@
 #include "module/host/IHostVarUtil.h"
 #include "module/host/IVarAttr.h"
 #include "module/host/IVarObjEx.h"
+#include "values/ValueText.h"
 
 #include <cstdio>
 #include <fstream>
@@ -51,19 +52,6 @@ CString ParamTableTitleLine(IHostUiService* ui) {
     return line;
 }
 
-CString ModifyModeText(int mode) {
-    switch (mode) {
-    case 0:
-        return "任意修改";
-    case 1:
-        return "停机修改";
-    case 2:
-        return "不可修改";
-    default:
-        return CString();
-    }
-}
-
 CString ParamTableRow(IVarObjEx* var, IHostVarUtil* util) {
     IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
     if (attr == nullptr || util == nullptr)
@@ -82,7 +70,7 @@ CString ParamTableRow(IVarObjEx* var, IHostVarUtil* util) {
     CString row;
     row.Format("%s,%s,%s,%s,%s,%s,%s,%s,%d,%s\n", code.GetString(), name.GetString(),
                current.GetString(), factory.GetString(), unit.GetString(), minimum.GetString(),
-               maximum.GetString(), ModifyModeText(attr->GetModifyMode()).GetString(),
+               maximum.GetString(), VarText::ModifyModeText(attr).GetString(),
                int(attr->GetAddress()), type.GetString());
     return row;
 }

@@ -30,8 +30,6 @@ std::vector<CString> ParamTableHeadLines(IHostDeviceModule* module, const SYSTEM
 CString ParamTableTitleLine(IHostUiService* ui);
 // One row of ten fields with its "\n"; empty for a null variable or one without attribute.
 CString ParamTableRow(IVarObjEx* var, IHostVarUtil* util);
-// The text of the modify-mode column; empty for modes other than 0, 1 and 2.
-CString ModifyModeText(int mode);
 
 // Writes the 10-column table of `list` for `module` to `path`, replacing the file in one
 // step (temporary file, then rename). 1 on success; 0 without the value service or the

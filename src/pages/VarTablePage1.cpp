@@ -55,15 +55,8 @@ BOOL CVarTablePage1::OnInitDialog() {
          {IDC_PAGE1_UPLOAD_SAVE, IDC_PAGE1_OPEN_DOWNLOAD, IDC_PAGE1_COMPARE, IDC_PAGE1_AXIS_COPY})
         if (CWnd* button = GetDlgItem(int(id)))
             button->EnableWindow(FALSE);
-    delete m_pTranslator;
-    m_pTranslator = theApp.MakeWindowTranslator(GetSafeHwnd());
     m_bLanguageListener = theApp.AddLanguageListener(this);
-    Subscribe(IMessage_ModulePropertyUpdateEvent::kIID,
-              AsSink<IMessage_ModulePropertyUpdateEvent>(this));
-    m_bPropertySubscribed = TRUE;
-    CRect client;
-    GetClientRect(&client);
-    OnSize(0, client.Width(), client.Height());
+    FinishInit();
     return TRUE;
 }
 

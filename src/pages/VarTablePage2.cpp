@@ -23,14 +23,7 @@ BOOL CVarTablePage2::OnInitDialog() {
     m_list.SetPage(this);
     BuildColumns();
     LinkList();
-    delete m_pTranslator;
-    m_pTranslator = theApp.MakeWindowTranslator(GetSafeHwnd());
-    Subscribe(IMessage_ModulePropertyUpdateEvent::kIID,
-              AsSink<IMessage_ModulePropertyUpdateEvent>(this));
-    m_bPropertySubscribed = TRUE;
-    CRect client;
-    GetClientRect(&client);
-    OnSize(0, client.Width(), client.Height());
+    FinishInit();
     return TRUE;
 }
 

@@ -421,3 +421,14 @@ void CVarTablePageBase::OnModulePropertyUpdated(const CString& moduleKey) {
     if (m_pTable != nullptr && m_pTable->GetSafeHwnd() != nullptr)
         m_pTable->PostMessage(UM_RELOAD_MODULE);
 }
+
+void CVarTablePageBase::FinishInit() {
+    delete m_pTranslator;
+    m_pTranslator = theApp.MakeWindowTranslator(GetSafeHwnd());
+    Subscribe(IMessage_ModulePropertyUpdateEvent::kIID,
+              AsSink<IMessage_ModulePropertyUpdateEvent>(this));
+    m_bPropertySubscribed = TRUE;
+    CRect client;
+    GetClientRect(&client);
+    OnSize(0, client.Width(), client.Height());
+}

@@ -115,6 +115,9 @@ protected:
     virtual int GetListTop() const = 0;
     void BuildColumns();
     void LinkList();
+    // Last steps of both pages' start-up: the translator, the property-update event and
+    // the first layout.
+    void FinishInit();
     void OnListClick(const NMITEMACTIVATE* item);
     void Subscribe(const GUID& eventId, IBaseInterface* sink);
     void Unsubscribe(const GUID& eventId, IBaseInterface* sink);
