@@ -8,7 +8,13 @@ packages=(
     zlib1g-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     fonts-wqy-microhei fontconfig
-    binutils
+    binutils ccache
+    libmodbus-dev
+    libfreexl-dev libminizip-dev libexpat1-dev
+    qt6-charts-dev
+    clang libclang-rt-14-dev
+    python3-pymodbus python3-openpyxl python3-xlwt mbpoll
+    xvfb xdotool
 )
 
 missing=()
