@@ -106,7 +106,8 @@ TEST(HostVarStore, ShippedDevicesBuildStoresWhoseLookupsAgree) {
 
 namespace {
 
-// Raw integer figures are shown scaled by the decimals; hexadecimal display ignores them.
+// Raw integer figures are shown scaled by the decimals; a hexadecimal parameter without
+// decimals shows "0x" and at least four digits.
 TEST(HostVarStore, ValueTextsFollowDecimalsAndDisplayFormat) {
     auto dev = Load("zd3s_servo.json");
     ASSERT_TRUE(dev);
@@ -129,7 +130,10 @@ TEST(HostVarStore, ValueTextsFollowDecimalsAndDisplayFormat) {
     ASSERT_NE(serial, nullptr);
     serial->SetValue(Variant::UI4(4294967295u));
     serial->GetValueText(text);
-    EXPECT_EQ(text, CString("FFFFFFFF"));
+    EXPECT_EQ(text, CString("0xFFFFFFFF"));
+    serial->SetValue(Variant::UI4(255));
+    serial->GetValueText(text);
+    EXPECT_EQ(text, CString("0x00FF"));
     serial->SetValue(Variant());
     serial->GetValueText(text);
     EXPECT_TRUE(text.IsEmpty());

@@ -154,15 +154,10 @@ void CVarObj::StoreRead(const Variant& value) {
 
 void CVarObj::FormatOwn(CString& text, const Variant& value) {
     text.Empty();
-    if (value.IsEmptyOrNull() || !m_attr)
+    if (!m_attr)
         return;
-    int decimals = m_attr->GetDecimals();
-    if (m_attr->GetDisplayFormat() == 1 || decimals <= 0 || value.vt == VT_BSTR) {
-        Util().FormatVariant(text, value, decimals, m_attr->GetDisplayFormat() == 1);
-        return;
-    }
-    double d = Util().VariantToDouble(value, m_attr->GetDataType(), decimals);
-    Util().FormatVariant(text, Variant::R8(d), decimals, 0);
+    Util().FormatValueText(text, value, m_attr->GetDataType(), m_attr->GetDecimals(),
+                           m_attr->GetDisplayFormat());
 }
 
 void CVarObj::GetValueText(CString& text) {

@@ -242,6 +242,37 @@ void CHostVarUtil::FormatVariant(CString& text, const Variant& value, int decima
     text = s;
 }
 
+void CHostVarUtil::FormatValueText(CString& text, const Variant& value, int dataType, int decimals,
+                                   int displayFormat) {
+    text.Empty();
+    if (value.IsEmptyOrNull())
+        return;
+    if (value.vt == VT_BSTR) {
+        text = value.bstrVal;
+        return;
+    }
+    if (displayFormat == 1 && decimals <= 0) {
+        // The bits of the parameter's own width: -1 of a 16-bit parameter reads 0xFFFF.
+        unsigned long long bits = 0;
+        Variant own = Variant::OfType(VARTYPE(dataType));
+        if (!(IsIntegerTag(own.vt) && DoubleToVariant(VariantAsDouble(value), own) &&
+              IntegerBits(own, bits)) &&
+            !IntegerBits(value, bits)) {
+            const double d = std::trunc(VariantAsDouble(value));
+            if (!std::isfinite(d))
+                return;
+            bits = d < 0 ? (unsigned long long)(long long)std::max(d, -9.2e18)
+                         : (unsigned long long)std::min(d, 1.8e19);
+        }
+        char buf[40];
+        std::snprintf(buf, sizeof buf, "0x%04llX", bits);
+        text = buf;
+        return;
+    }
+    // FormatVariant divides an integer payload by its places itself.
+    FormatVariant(text, value, decimals, 0);
+}
+
 double CHostVarUtil::VariantToDouble(const Variant& value, int dataType, int decimals) {
     double d = VariantAsDouble(value);
     if (decimals > 0 && IsIntegerTag(VARTYPE(dataType)))

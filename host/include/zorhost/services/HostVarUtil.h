@@ -29,6 +29,12 @@ public:
     BOOL IsRealVariant(const Variant& value) override;
     void DataTypeName(CString& name, int dataType) override;
 
+    // The text of a variable's value as the lists show it: a hexadecimal parameter
+    // without decimals as "0x" and at least four digits of its own width; any other
+    // number as the decimal figure with its places (integer payloads are raw figures).
+    void FormatValueText(CString& text, const Variant& value, int dataType, int decimals,
+                         int displayFormat);
+
     int GetBit(LONGLONG value, int bit) override;
     LONGLONG GetBitRange(LONGLONG value, int firstBit, int lastBit) override;
     int GetDecimalDigit(LONGLONG value, int digit) override;
