@@ -127,7 +127,9 @@ protected:
     // The commit of a typed value: parsed, compared and written to the drive.
     void CommitCellText(int row, int column, const CString& text);
     // The text a packed or connector value takes in a cell on this page.
-    CString FormatEditedValue(IVarAttr* attr, LONGLONG value, BOOL connector) const;
+    CString FormatEditedValue(IVarAttr* attr, LONGLONG value) const;
+    // The figure of an enumeration entry in the form of the cell.
+    static CString ComboValueText(IVarAttr* attr, IValueInfoEntry* entry);
     void OpenConnectorDialog(int row, int column);
     CString LinkedLimitText(IVarObjEx* var, BOOL max);
 

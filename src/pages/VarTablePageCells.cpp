@@ -189,13 +189,14 @@ CString CVarTablePageBase::GetCellText(int row, int column) {
     case CellCurrent:
         text = hidden ? CString(kHiddenText) : CGetVarInfo().CurrentValueText(var);
         break;
+    // A per-unit row in percent reads "%" beside its figure, not the parameter's unit.
     case CellUnit:
-        attr->GetUnit(text);
+        text = UnitText(var);
         if (text.IsEmpty())
             text = "-";
         break;
     case CellUnitPlain:
-        attr->GetUnit(text);
+        text = UnitText(var);
         break;
     case CellFactory:
         text = hidden ? CString(kHiddenText) : FactoryValueText(var);
@@ -335,10 +336,12 @@ void CVarTablePageBase::GetCellEditKind(int& kind, int row, int) {
     IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
     if (attr == nullptr)
         return;
+    // A hexadecimal parameter with places shows a decimal figure, so it gets the numeric
+    // edit with its places; the text edit would refuse the point.
     if (attr->GetDisplayFormat() == 0)
         kind = 0;
     else if (attr->GetDisplayFormat() == 1)
-        kind = 1;
+        kind = attr->GetDecimals() > 0 ? 0 : 1;
 }
 
 void CVarTablePageBase::InitCellEdit(CItemEdit* edit, int row, int column) {
@@ -413,13 +416,12 @@ void CVarTablePageBase::InitCellCombo(CItemComBox* combo, int row, int column) {
         if (i == count - 1 && IsConnectorName(name)) {
             // The last entry stands for a free connector.
             text.Format("%s[%s]", Translate("其他").GetString(), name.GetString());
-        } else if (attr->GetDisplayFormat() == 1) {
-            text.Format("0x%04X[%s]", unsigned(int64_t(util->VariantAsDouble(entry->GetValue()))),
-                        Translate(name).GetString());
         } else {
-            CString value;
-            util->VariantToText(value, entry->GetValue());
-            text.Format("%s[%s]", value.GetString(), Translate(name).GetString());
+            // The entry reads as the cell does for that value ("0x000A[...]" on a
+            // hexadecimal parameter, "1.0[...]" with one place), so the cell's own entry
+            // is the one selected when the list opens.
+            text.Format("%s[%s]", ComboValueText(attr, entry).GetString(),
+                        Translate(name).GetString());
         }
         const int at = combo->AddString(text.GetString());
         combo->SetItemDataPtr(at, entry);
@@ -447,34 +449,36 @@ void CVarTablePageBase::OnCellComboSelected(CItemComBox* combo, int row, int col
         OpenConnectorDialog(row, column);
         return;
     }
-    IHostVarUtil* util = theApp.GetVarUtil();
     const int sel = combo->GetCurSel();
     auto* entry = sel >= 0 ? static_cast<IValueInfoEntry*>(combo->GetItemDataPtr(sel)) : nullptr;
-    if (util == nullptr || entry == nullptr)
+    if (entry == nullptr)
         return;
-    CString value;
-    util->VariantToText(value, entry->GetValue());
-    OnCellEditCommitted(row, column, value);
+    // The commit gets the entry's figure in the cell's form, which it reads back to the
+    // entry's raw value (hexadecimal on a hexadecimal parameter, with the places).
+    OnCellEditCommitted(row, column, ComboValueText(attr, entry));
 }
 
-CString CVarTablePageBase::FormatEditedValue(IVarAttr* attr, LONGLONG value, BOOL connector) const {
-    CString text;
-    switch (attr->GetDisplayFormat()) {
-    case 0:
-        text.Format("%lld", static_cast<long long>(value));
-        break;
-    case 1:
-        if (!m_bFirstPage)
-            text.Format("%4X", unsigned(value));
-        else if (connector)
-            text.Format("%04X", unsigned(value));
-        else
-            text.Format("0x%04X", unsigned(value));
-        break;
-    default:
-        break;
+CString CVarTablePageBase::ComboValueText(IVarAttr* attr, IValueInfoEntry* entry) {
+    IHostVarUtil* util = theApp.GetVarUtil();
+    if (util == nullptr || entry == nullptr)
+        return CString();
+    const Variant value = entry->GetValue();
+    if (value.vt == VT_BSTR || value.IsEmptyOrNull()) {
+        CString text;
+        util->VariantToText(text, value);
+        return text;
     }
-    return text;
+    return EditorValueText(attr, util->VariantAsDouble(value));
+}
+
+CString CVarTablePageBase::FormatEditedValue(IVarAttr* attr, LONGLONG value) const {
+    // The figure of the bit view or the connector dialog goes to the commit in the form
+    // the cell shows and the commit reads on both lists: "0x%04X" on a hexadecimal
+    // parameter without decimals, else the decimal figure with the parameter's places.
+    const int format = attr->GetDisplayFormat();
+    if (format != 0 && format != 1)
+        return CString();
+    return EditorValueText(attr, double(value));
 }
 
 void CVarTablePageBase::OnCellButtonClicked(CItemButton*, int row, int column, const CString&) {
@@ -486,7 +490,7 @@ void CVarTablePageBase::OnCellButtonClicked(CItemButton*, int row, int column, c
     CWriteVarDialog dialog(this);
     dialog.SetItem(var);
     if (dialog.DoModal() == IDOK) {
-        OnCellEditCommitted(row, column, FormatEditedValue(attr, dialog.GetEditedValue(), FALSE));
+        OnCellEditCommitted(row, column, FormatEditedValue(attr, dialog.GetEditedValue()));
         return;
     }
     GetList().CloseEditors(-1);
@@ -503,7 +507,7 @@ void CVarTablePageBase::OpenConnectorDialog(int row, int column) {
     dialog.SetItem(var);
     dialog.SetCatalog(catalog, catalog != nullptr ? catalog->GetConnectorTable() : nullptr);
     if (dialog.DoModal() == IDOK) {
-        OnCellEditCommitted(row, column, FormatEditedValue(attr, dialog.GetValue(), TRUE));
+        OnCellEditCommitted(row, column, FormatEditedValue(attr, dialog.GetValue()));
         GetList().Invalidate(FALSE);
         return;
     }

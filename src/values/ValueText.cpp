@@ -179,15 +179,16 @@ CString ScaledPerUnitText(IVarObjEx* item, int type, double raw, double own) {
         return Fixed2(own);
     if (mode == PER_UNIT_PERCENT)
         return Fixed2(raw * PerUnitFactor(type) * 100) + "%";
-    // A base mode: fixed-point fraction times the base. Float and double parameters hold
-    // the fraction itself and are shown as a percentage of the base.
+    // Only the first base has a scale rule; the further entries name a base and show no
+    // figure.
+    if (mode != PER_UNIT_FIRST_BASE)
+        return CString();
+    // The base mode: fixed-point fraction times the base. Float and double parameters
+    // hold the fraction itself and are shown as a percentage of the base.
     if (IsRealType(type))
         return Fixed2(raw * 100);
-    // Without a base value there is no figure to show, rather than a misleading zero.
-    const double base = PerUnitBase(item);
-    if (base == 0)
-        return CString();
-    return Fixed2(raw * PerUnitFactor(type) * base);
+    // A base that can't be read counts as 0, so the row reads "0.00" in every column.
+    return Fixed2(raw * PerUnitFactor(type) * PerUnitBase(item));
 }
 
 CString LimitText(IVarObjEx* item, int which) {
@@ -273,11 +274,6 @@ CString LimitFigureText(IHostVarUtil* util, int type, int decimals, double limit
     return text;
 }
 
-int ValueInfoKind(IVarAttr* attr) {
-    IValueInfo* info = attr->GetValueInfo();
-    return info != nullptr ? info->GetKind() : 0;
-}
-
 // A hexadecimal cell text that HexTextToDecimal reads whole: an optional prefix, then one
 // to eight digits, blanks between them allowed, nothing else. A longer or broken text is
 // not written: cutting it would put a different number into the drive.
@@ -316,6 +312,8 @@ bool RawFromShown(IVarObjEx* item, IVarAttr* attr, double shown, double& raw) {
         raw = IsRealType(type) ? shown : shown * Pow10(decimals);
     } else if (PerUnitMode(item) == PER_UNIT_PERCENT) {
         raw = shown / 100 / PerUnitFactor(type);
+    } else if (PerUnitMode(item) != PER_UNIT_FIRST_BASE) {
+        return false;
     } else if (IsRealType(type)) {
         raw = shown / 100;
     } else {
@@ -478,6 +476,16 @@ CString RawValueText(IVarAttr* attr, const Variant& value) {
     default:
         return CString();
     }
+}
+
+CString EditorValueText(IVarAttr* attr, double raw) {
+    IHostVarUtil* util = theApp.GetVarUtil();
+    if (attr == nullptr || util == nullptr || !std::isfinite(raw))
+        return CString();
+    Variant value = Variant::OfType(VARTYPE(attr->GetDataType()));
+    if (!IsIntegerTag(value.vt) || !util->DoubleToVariant(raw, value))
+        value = Variant::R8(raw);
+    return RawValueText(attr, value);
 }
 
 CString ItemValueText(IVarObjEx* item) {
@@ -767,11 +775,12 @@ CommitResult CommitCellText(IVarObjEx* item, const CString& text, int page, int 
     if (typed.IsEmpty() || typed == kNoValueText || typed == kNoUnitText)
         return COMMIT_IGNORED;
 
-    // The live list shows hexadecimal only for a plain number; the staging list always.
+    // Every editor of a hexadecimal cell hands its figure in hexadecimal (typed, from the
+    // drop-down, the bit view or the connector dialog), so both lists read it so, whatever
+    // the value's meaning. With decimals the cell and its editors are decimal.
     const int type = attr->GetDataType();
     const int decimals = attr->GetDecimals();
-    const bool hex = attr->GetDisplayFormat() == FORMAT_HEX && decimals == 0 &&
-                     (page != 0 || ValueInfoKind(attr) == 0);
+    const bool hex = attr->GetDisplayFormat() == FORMAT_HEX && decimals == 0;
     if (hex) {
         if (!IsWholeHexText(typed))
             return COMMIT_IGNORED;

@@ -52,6 +52,9 @@ UINT ParseAddressText(const CString& text);
 // `value` of the parameter `attr` by its display format: decimal, "0x%04X", or empty for
 // the raw format.
 CString RawValueText(IVarAttr* attr, const Variant& value);
+// The raw figure `raw` of `attr` as its cell shows it, which is also the text an editor
+// hands to the commit: the commit reads this form back to the same raw figure.
+CString EditorValueText(IVarAttr* attr, double raw);
 // RawValueText of the current value of `item`.
 CString ItemValueText(IVarObjEx* item);
 // A limit or factory value: as RawValueText, but every format other than hexadecimal

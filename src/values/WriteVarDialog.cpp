@@ -304,7 +304,9 @@ void CWriteVarDialog::RecalculateValue(int) {
             if (entry == nullptr || item == nullptr)
                 continue;
             const CString text = item->GetValue();
-            const LONGLONG field = m_nKind == 2 ? LeadingDecimal(text) : ParseHexField(text);
+            // Range options are written as decimal figures, so they are read back as
+            // such: option 10 is 0xA, not 0x10 spilling into the next field.
+            const LONGLONG field = LeadingDecimal(text);
             sum += ULONGLONG(field) << entry->GetBit();
         }
         joined.Format("0x%04llX", static_cast<unsigned long long>(sum));

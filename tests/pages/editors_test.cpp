@@ -189,6 +189,7 @@ TEST_F(DisplayModeTest, APerUnitParameterChoosesItsScaleInTheDisplayColumn) {
     EXPECT_EQ(var->GetPerUnitMode(), 1);
     EXPECT_EQ(List().GetItemText(row, 9), "百分比");
     EXPECT_EQ(List().GetItemText(row, 6).Right(1), "%");
+    EXPECT_EQ(List().GetItemText(row, 4), "%") << "the unit of a percent figure";
 }
 
 } // namespace

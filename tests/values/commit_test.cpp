@@ -125,6 +125,10 @@ TEST_F(Commit, NoBaseNoEngineeringCommit) {
     IVarObjEx* current = Var("H00-07");
     current->SetPerUnitMode(2); // the drive doesn't answer for the base
     EXPECT_EQ(CommitCellText(current, "15", 0, 0), COMMIT_REFUSED);
+    EXPECT_EQ(CommitCellText(current, "0.00", 0, 0), COMMIT_REFUSED) << "the cell's own text";
+    current->SetPerUnitMode(3); // a further base: named, but without a scale
+    helper.driveValues[0x000C] = Variant::UI2(3000);
+    EXPECT_EQ(CommitCellText(current, "15", 0, 0), COMMIT_REFUSED);
     EXPECT_TRUE(helper.writes.empty());
 }
 

@@ -121,24 +121,26 @@ TEST_F(ValueTexts, EngineeringValuesReadTheirBaseOnceAndKeepIt) {
     EXPECT_EQ(DisplayFormatText(current), CString("Rated current"));
     EXPECT_EQ(UnitText(current), CString("A"));
 
-    // The second base is a parameter of its own, read on its own.
+    // A further base is named, but only the first has a scale: no figure, no read.
     current->SetPerUnitMode(3); // H00-12 at 0x000C
     helper.driveValues[0x000C] = Variant::UI2(3000);
-    EXPECT_EQ(FactoryValueText(current), CString("3000.00"));
+    EXPECT_EQ(FactoryValueText(current), CString(""));
+    EXPECT_EQ(PerUnitValueText(current, Variant::I2(1024)), CString(""));
     EXPECT_EQ(DisplayFormatText(current), CString("最高速度"));
-    EXPECT_EQ(helper.reads.size(), 2u);
+    EXPECT_EQ(helper.reads.size(), 1u);
+    current->SetPerUnitMode(2);
 
     IVarObjEx* speed = Var("H00-08");
     speed->SetPerUnitMode(2);
     EXPECT_EQ(FactoryValueText(speed), CString("30.00")) << "2^28 with the held base 30";
 }
 
-TEST_F(ValueTexts, WithoutABaseEngineeringTextsStayEmptyAndAreTriedAgain) {
+TEST_F(ValueTexts, WithoutABaseEngineeringTextsReadZeroAndAreTriedAgain) {
     IVarObjEx* current = Var("H00-07");
     current->SetPerUnitMode(2);
     EXPECT_EQ(PerUnitBase(current), 0.0);
-    EXPECT_EQ(MinValueText(current), CString(""));
-    EXPECT_EQ(PerUnitValueText(current, Variant::I2(1)), CString(""));
+    EXPECT_EQ(MinValueText(current), CString("0.00"));
+    EXPECT_EQ(PerUnitValueText(current, Variant::I2(1)), CString("0.00"));
     EXPECT_EQ(helper.reads.size(), 3u) << "a failed read holds nothing";
     current->SetPerUnitMode(9);
     EXPECT_EQ(DisplayFormatText(current), CString("")) << "no entry of that mode";
@@ -203,7 +205,7 @@ TEST_F(ValueTexts, MissingServiceOrAttributeGivesEmptyTexts) {
     services.Withhold<IHostDeviceHelper>();
     Var("H00-07")->SetPerUnitMode(2);
     EXPECT_EQ(PerUnitBase(Var("H00-07")), 0.0);
-    EXPECT_EQ(FactoryValueText(Var("H00-07")), CString(""));
+    EXPECT_EQ(FactoryValueText(Var("H00-07")), CString("0.00"));
 }
 
 } // namespace
