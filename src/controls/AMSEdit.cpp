@@ -35,9 +35,10 @@ CString CAMSNumericEdit::ValidText(const CString& text, int wholeDigits, int dec
             if (point)
                 continue;
             point = true;
+            result += c;
+            // Without places the point ends the figure: "12.5" stays "12.", never 125.
             if (decimalPlaces <= 0)
                 break;
-            result += c;
             continue;
         }
         if (c >= L'0' && c <= L'9') {

@@ -54,7 +54,8 @@ BOOL CItemEdit::PreTranslateMessage(MSG* pMsg) {
 }
 
 void CItemEdit::OnKeyDown(UINT nChar, UINT nRepCnt, UINT nFlags) {
-    if (IsMinusKey(nChar))
+    // Where negatives are refused the minus would only wipe the figure typed so far.
+    if (IsMinusKey(nChar) && IsNegativeAllowed())
         StartNegative(*this);
     CAMSNumericEdit::OnKeyDown(nChar, nRepCnt, nFlags);
 }

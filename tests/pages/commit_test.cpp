@@ -90,6 +90,20 @@ TEST_F(CommitTest, ClickingFromOneValueCellToAnotherCommitsTheFirstAndOpensTheSe
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u) << LastBox();
 }
 
+// "12.5" typed into a parameter without places is 12 on the drive, not ten times that.
+TEST_F(CommitTest, APointTypedWithoutPlacesEndsTheFigure) {
+    const int row = RowOf("H06-05");
+    ASSERT_GE(row, 0);
+    OpenNumeric(row);
+    CItemEdit& edit = List().GetItemEdit();
+    edit.SetSel(0, -1);
+    for (const char* c = "12.5"; *c != 0; ++c)
+        AfxTestPressKey(&edit, *c == '.' ? 0xBE : UINT(*c), wchar_t(*c));
+    AfxTestPressKey(&edit, VK_RETURN);
+    EXPECT_EQ(DriveValue("H06-05"), 12);
+    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u) << LastBox();
+}
+
 TEST_F(CommitTest, EscapeInANumericCellWritesNothing) {
     const int row = PlainRows().at(0);
     const double before = RawAt(row);

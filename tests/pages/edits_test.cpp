@@ -3,6 +3,7 @@
 #include "pages/ListCtrlEx.h"
 
 #include <afx/afxres.h>
+#include <afx/afxtest.h>
 
 #include <gtest/gtest.h>
 
@@ -19,11 +20,43 @@ TEST(NumericEditRules, OneWalkKeepsWhatFormsANumberOfTheAllowedShape) {
     EXPECT_EQ(Valid("1-2", 16, 2, TRUE), "12");
     // Whole digits beyond the limit are dropped, the rest goes on.
     EXPECT_EQ(Valid("12345.6", 3, 1, FALSE), "123.6");
-    // No decimals: the point ends the text.
-    EXPECT_EQ(Valid("12.5", 9, 0, FALSE), "12");
+    // No decimals: the point is kept and ends the text.
+    EXPECT_EQ(Valid("12.5", 9, 0, FALSE), "12.");
     // A second point is dropped; letters too.
     EXPECT_EQ(Valid("1.2.3a", 9, 4, FALSE), "1.23");
     EXPECT_EQ(Valid("", 9, 4, TRUE), "");
+}
+
+// Typed key by key into the list's numeric cell edit, as a user types.
+TEST(NumericCellEdit, TypedKeysKeepTheFirstPointAndEndAtThePlaces) {
+    struct Row {
+        int places;
+        BOOL negative;
+        const char* typed;
+        const char* shown;
+    };
+    const Row rows[] = {
+        {0, TRUE, "12.5", "12."}, // the point ends the figure: never 125
+        {1, TRUE, "12.5", "12.5"},   {2, TRUE, "12.5", "12.5"},   {2, TRUE, "12.345", "12.34"},
+        {2, TRUE, "-12.5", "-12.5"}, {2, FALSE, "-12.5", "12.5"}, // the minus does nothing where
+                                                                  // negatives are refused
+        {2, FALSE, "7-", "7"},
+    };
+    CWnd parent;
+    ASSERT_TRUE(parent.Create(nullptr, "", WS_POPUP, CRect(0, 0, 200, 50), nullptr, 0));
+    for (const Row& r : rows) {
+        SCOPED_TRACE(testing::Message() << r.typed << " places " << r.places);
+        CItemEdit edit;
+        ASSERT_TRUE(edit.Create(WS_CHILD | WS_VISIBLE, CRect(0, 0, 200, 24), &parent, 1));
+        edit.SetMaxWholeDigits(16);
+        edit.AllowNegative(r.negative);
+        edit.SetMaxDecimalPlaces(r.places);
+        edit.SetFocus();
+        for (const char* c = r.typed; *c != 0; ++c)
+            AfxTestPressKey(&edit, *c == '-' ? 0xBD : *c == '.' ? 0xBE : UINT(*c), wchar_t(*c));
+        EXPECT_EQ(edit.GetWindowTextString(), r.shown);
+        edit.DestroyWindow();
+    }
 }
 
 TEST(AlphanumericEditRules, RefusedCharactersAndTheHexadecimalSet) {
