@@ -170,6 +170,8 @@ const TranslationPair kEnglish[] = {
     {"注销登陆", "Log out"},
     {"密码输入错误", "Wrong password"},
     {"用户权限登录", "User login"},
+    {"请输入出厂访问码（4位数字）", "Enter the factory access code (4 digits)"},
+    {"请输入驱动器密码（数字）", "Enter the drive's password (digits)"},
     {"密码", "Password"},
     {"比较对象1", "Object 1"},
     {"选择参数文件", "Select parameter file"},

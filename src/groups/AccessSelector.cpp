@@ -80,7 +80,7 @@ void CAccessSelector::FillAccessBox() {
     if (model == 0) {
         AddEntry(IDS_ACCESS_ORDINARY_USER, "普通用户", 1);
         AddEntry(IDS_ACCESS_SUPER_ADMIN, "超级管理员", 3);
-        m_pBox->SetCurSel(level == 3 ? 1 : 0);
+        SelectEntry(level == 3 ? 1 : 0);
         return;
     }
     if (model != 1 && model != 2)
@@ -93,13 +93,29 @@ void CAccessSelector::FillAccessBox() {
         AddEntry(IDS_ACCESS_LOG_OUT, "注销登陆", ACCESS_LOG_OUT);
     // Offline the drive can't have granted anything beyond the basic level.
     if (!module->IsOnline() && (level == 0 || level == 1))
-        m_pBox->SetCurSel(1);
+        SelectEntry(1);
     else
-        m_pBox->SetCurSel(level);
+        SelectEntry(level);
+}
+
+void CAccessSelector::SelectEntry(int index) {
+    m_pBox->SetCurSel(index);
+    // The poll compares the drive's level with what the box shows; a stale index would
+    // take a box filled above the drive's level for a rise and never bring it down.
+    const int shown = m_pBox->GetCurSel();
+    if (m_bFirstPage && shown >= 0)
+        m_authorityIndex = shown;
 }
 
 BOOL CAccessSelector::RunLogin(CString& password, int& applyToAll) {
     CLoginDialog dlg(m_pBox->GetParent());
+    // Online in model 2 the typed figure goes to the drive as its password; everywhere
+    // else the module's factory access code is what opens a level.
+    IHostDeviceModule* module = m_pFrame != nullptr ? m_pFrame->GetModule() : nullptr;
+    IHostDeviceHelper* helper = theApp.GetDeviceHelper();
+    if (module != nullptr && helper != nullptr && module->IsOnline() &&
+        helper->GetProtocolKind(module) == 2)
+        dlg.m_strPrompt = kLoginPromptDrivePassword;
     if (dlg.DoModal() != IDOK)
         return FALSE;
     password = dlg.GetPassword();
@@ -190,12 +206,12 @@ void CAccessSelector::SelectedModel0(IHostDeviceModule* module, int level) {
     CString password;
     int applyToAll = 0;
     if (!RunLogin(password, applyToAll)) {
-        m_pBox->SetCurSel(0);
+        SelectEntry(0);
         return;
     }
     if (!IsAccessPasswordValid(password)) {
         ShowWrongPassword();
-        m_pBox->SetCurSel(0);
+        SelectEntry(0);
         return;
     }
     if (applyToAll != 0)
@@ -214,7 +230,7 @@ void CAccessSelector::SelectedModel1(IHostDeviceModule* module, int level) {
     CString password;
     int applyToAll = 0;
     if (!RunLogin(password, applyToAll)) {
-        m_pBox->SetCurSel(0);
+        SelectEntry(0);
         return;
     }
     if (module->IsOnline()) {
@@ -231,7 +247,7 @@ void CAccessSelector::SelectedModel1(IHostDeviceModule* module, int level) {
         return;
     }
     ShowWrongPassword();
-    m_pBox->SetCurSel(0);
+    SelectEntry(0);
 }
 
 void CAccessSelector::SelectedModel2(IHostDeviceModule* module, int level) {
@@ -267,7 +283,7 @@ void CAccessSelector::SelectedModel2(IHostDeviceModule* module, int level) {
     }
     // A code that only the drive knows still raises its authority; the poll follows.
     ShowWrongPassword();
-    m_pBox->SetCurSel(0);
+    SelectEntry(0);
 }
 
 void CAccessSelector::PollAuthority() {
@@ -300,7 +316,7 @@ void CAccessSelector::PollAuthority() {
         return;
     // A fall always reaches the tool; a rise only right after a password went out.
     if (authority < shown || m_relockPending != 0) {
-        m_pBox->SetCurSel(authority);
+        SelectEntry(authority);
         if (m_bFirstPage)
             m_authorityIndex = authority;
         m_pFrame->ApplyAccessLevel(module, authority);

@@ -91,6 +91,8 @@ public:
 
 private:
     void AddEntry(UINT stringId, const char* text, int level);
+    // Selects entry `index` and, on the first page, remembers it as the level on show.
+    void SelectEntry(int index);
     // Runs the login dialog; TRUE on OK with `password` and `applyToAll` filled in.
     BOOL RunLogin(CString& password, int& applyToAll);
     void ShowWrongPassword();

@@ -11,6 +11,7 @@ void RegisterLoginDialogResources(HINSTANCE module) {
         return;
     DlgTemplate login{IDD_LOGIN, "用户权限登录", 320, 116};
     login.controls = {
+        {IDC_LOGIN_PROMPT, DlgCtl::Static, kLoginPromptFactoryCode, 20, 4, 280, 20},
         {UINT(IDC_STATIC), DlgCtl::Static, "密码", 20, 30, 56, 22},
         {IDC_LOGIN_PASSWORD, DlgCtl::Edit, "", 80, 28, 216, 24, ES_PASSWORD | ES_AUTOHSCROLL},
         {IDC_LOGIN_APPLY_ALL, DlgCtl::Check, "应用到项目中所有模块", 80, 56, 216, 20, 0, true},
@@ -45,6 +46,7 @@ BOOL CLoginDialog::OnInitDialog() {
     // Base start with the visual style; it moves the members into the controls.
     EnableVisualStyle(TRUE);
     CZorSkinPDialog::OnInitDialog();
+    SetDlgItemText(int(IDC_LOGIN_PROMPT), m_strPrompt.GetString());
     delete m_pTranslator;
     m_pTranslator = theApp.MakeWindowTranslator(GetSafeHwnd());
     return TRUE;

@@ -10,6 +10,11 @@
 constexpr UINT IDD_LOGIN = 1956;
 constexpr UINT IDC_LOGIN_PASSWORD = 2069;
 constexpr UINT IDC_LOGIN_APPLY_ALL = 2083;
+constexpr UINT IDC_LOGIN_PROMPT = 2084;
+
+// What the password field wants. The field takes digits only, so both are numbers.
+inline const char* const kLoginPromptFactoryCode = "请输入出厂访问码（4位数字）";
+inline const char* const kLoginPromptDrivePassword = "请输入驱动器密码（数字）";
 
 // Registers the dialog's template under `module` (the module's resource handle).
 void RegisterLoginDialogResources(HINSTANCE module);
@@ -32,6 +37,8 @@ public:
     // IMessage_LanguageChanged
     void OnLanguageChanged() override;
 
+    // The line above the field that says which credential is wanted; set before the run.
+    CString m_strPrompt = kLoginPromptFactoryCode;
     // Bound to edit 2069; empty at first.
     CString m_strPassword;
     // Bound to check box 2083 "apply to all modules of the project". The box is not shown,

@@ -470,6 +470,66 @@ TEST_F(AccessTest, ModelTwoWithoutAuthorityKeepsLevel) {
     EXPECT_EQ(selector.m_relockPending, 1);
 }
 
+// A box filled at a level above the drive's grant comes down to the grant at the first
+// poll, box and level together: that is a fall, whatever the entry index was before.
+TEST_F(AccessTest, PollBringsABoxFilledAboveTheDriveDown) {
+    Open({{kServo, "servo", true, 3}});
+    DriveReports(1);
+    Fill();
+    ASSERT_EQ(Selected(), 3);
+    EXPECT_EQ(selector.m_authorityIndex, 3);
+    selector.PollAuthority();
+    EXPECT_EQ(frame.calls, Strings{"apply 1"});
+    EXPECT_EQ(Selected(), 1);
+    EXPECT_EQ(Module("servo")->GetAccessLevel(), 1);
+}
+
+// A refused and a cancelled login end as the model says (entry 0; the chosen entry), and
+// the next poll brings box and level to what the drive grants.
+TEST_F(AccessTest, RefusedAndCancelledLoginsAgreeWithTheDriveAfterOnePoll) {
+    for (bool cancel : {false, true}) {
+        SCOPED_TRACE(cancel ? "cancel" : "refused");
+        Open({{kServo, "servo", true, 0}});
+        DriveReports(1);
+        Fill();
+        selector.PollAuthority(); // a rise waits for the user
+        ASSERT_EQ(Selected(), 0);
+        ASSERT_EQ(Module("servo")->GetAccessLevel(), 0);
+        LoginAnswers answers;
+        if (cancel)
+            answers.Cancel();
+        else
+            answers.Ok("1111");
+        Choose(2);
+        EXPECT_EQ(Selected(), cancel ? 2 : 0);
+        EXPECT_EQ(selector.m_authorityIndex, cancel ? 2 : 0);
+        EXPECT_EQ(Module("servo")->GetAccessLevel(), 0);
+        ReadAuthority();
+        selector.PollAuthority();
+        EXPECT_EQ(Drive("servo")->Authority(), 1);
+        EXPECT_EQ(Selected(), 1);
+        EXPECT_EQ(Module("servo")->GetAccessLevel(), 1);
+        frame.calls.clear();
+        helper.writes.clear();
+    }
+}
+
+// The login names the credential it wants: the drive's own password online in model 2,
+// the factory access code elsewhere.
+TEST_F(AccessTest, LoginSaysWhichCredentialItWants) {
+    Open({{kServo, "servo", true, 0}});
+    Fill();
+    std::vector<CString> prompts;
+    CAfxModalDriver driver([&](CDialog& d) {
+        prompts.push_back(d.GetDlgItem(int(IDC_LOGIN_PROMPT))->GetWindowTextString());
+        d.EndDialog(IDCANCEL);
+    });
+    Choose(3);
+    SetOnline(false);
+    Choose(2);
+    EXPECT_EQ(prompts, (std::vector<CString>{kLoginPromptDrivePassword, kLoginPromptFactoryCode}));
+}
+
 // The second page compares the drive's level with the entry on show.
 TEST_F(AccessTest, SecondPagePollComparesWithShownEntry) {
     CAccessSelector second(FALSE);
