@@ -15,7 +15,8 @@ def axis_groups():
     g.p("电机编号", "Motor code", fac=14101, max=65535, modify=1, effect=2, access=3)
     g.p("额定电流", "Rated current", unit="A", dec=2, fac=160, min=1, max=65535, modify=1,
         effect=2, access=3)
-    g.p("额定转矩", "Rated torque", unit="N·m", dec=2, fac=64, min=1, max=65535, modify=1,
+    # The per-unit base: taken as its raw figure, so it carries no places (mN·m).
+    g.p("额定转矩", "Rated torque", unit="mN·m", fac=640, min=10, max=65535, modify=1,
         effect=2, access=3)
     g.p("额定转速", "Rated speed", unit="rpm", fac=3000, min=100, max=6000, modify=1,
         effect=2, access=3)

@@ -74,9 +74,11 @@ def build():
         effect=2, access=3)
     g.p("额定电流", "Rated current", unit="A", dec=2, fac=280, min=1, max=65535, modify=1,
         effect=2, access=3)
-    g.p("额定转矩", "Rated torque", unit="N·m", dec=2, fac=127, min=10, max=65535, modify=1,
+    # The per-unit bases: a base is taken as its raw figure, so it carries no places and
+    # is held in mN·m.
+    g.p("额定转矩", "Rated torque", unit="mN·m", fac=1270, min=100, max=65535, modify=1,
         effect=2, access=3)
-    g.p("最大转矩", "Maximum torque", unit="N·m", dec=2, fac=382, min=10, max=65535, modify=1,
+    g.p("最大转矩", "Maximum torque", unit="mN·m", fac=3820, min=100, max=65535, modify=1,
         effect=2, access=3)
     g.p("额定转速", "Rated speed", unit="rpm", fac=3000, min=100, max=6000, modify=1, effect=2,
         access=3)
