@@ -384,6 +384,9 @@ TEST_F(RoundTripTest, HexWithPlacesReadsDecimalAndAHexEnumerationOpensOnItsEntry
     ReadCycleAll();
     EXPECT_EQ(ValueCell(places), "25.5");
     EXPECT_EQ(ValueCell(listed), "0x0005[五]");
+    // Both rows on screen, the one with places on top.
+    L().EnsureVisible(page->GetShownCount() - 1, FALSE);
+    L().EnsureVisible(places, FALSE);
     CComboBox* combo = OpenCombo(listed);
     ASSERT_NE(combo, nullptr);
     CString entry;
