@@ -110,7 +110,11 @@ std::string DeviceJson(const std::vector<Case>& cases) {
         j << "},";
     }
     j << R"({"code": "H12-01", "name": "信号1", "type": "u16"},
-            {"code": "H12-02", "name": "信号2", "type": "u16"}],
+            {"code": "H12-02", "name": "信号2", "type": "u16"},
+            {"code": "H12-03", "name": "模式字", "type": "u16", "display": 1, "values": {"bitRanges": [
+                {"text": "低", "first": 0, "width": 4, "options": [{"value": 1, "text": "一"}]},
+                {"text": "高", "first": 4, "width": 4, "options": [{"value": 0, "text": "零"},
+                    {"value": 10, "text": "十"}, {"value": 12, "text": "十二"}]}]}}],
         "groups": [{"name": "H00", "members": "*"}, {"name": "H01", "members": "*"},
                    {"name": "H12", "members": "*"}],
         "connectors": [{"kind": "K", "name": "K信号", "group": "H12", "base": 1200}]})";
@@ -395,6 +399,31 @@ TEST_F(RoundTripTest, HexWithPlacesReadsDecimalAndAHexEnumerationOpensOnItsEntry
     const char* env = std::getenv("PARMIRA_SCREENSHOT_DIR");
     const std::string shot = (env ? std::string(env) : ::testing::TempDir()) + "/hex_list.png";
     EXPECT_TRUE(AfxTestGrabWindow(&parent, shot.c_str()));
+}
+
+// Range options are figures in decimal; one of 10 or more lands at its own bits.
+TEST_F(RoundTripTest, RangeOptionsOfTenAndMoreJoinAtTheirBits) {
+    OpenList(0);
+    const int row = RowIn("H12-03");
+    ASSERT_GE(row, 0);
+    drive->PokeRaw(Address("H12-03"), 0x01);
+    ReadCycleAll();
+    CAfxModalDriver driver([&](CDialog& d) {
+        CZorSkinPGridItem* item = static_cast<CWriteVarDialog&>(d).GetGrid()->GetCellItem(1, 2);
+        for (int i = 0; i < item->GetOptionCount(); ++i)
+            if (item->GetOption(i).Find("10[") == 0)
+                item->ChooseOption(i);
+        EXPECT_EQ(d.GetDlgItem(int(IDC_WRITE_VALUE))->GetWindowTextString(), "0x00A1");
+        static_cast<CButton*>(d.GetDlgItem(IDOK))->Click();
+    });
+    L().EnsureVisible(row, FALSE);
+    L().ClickCell(row, page->GetValueColumn());
+    ASSERT_TRUE(L().IsButtonShown());
+    L().GetItemButton().Click();
+    EXPECT_EQ(driver.runs, 1);
+    double raw = 0;
+    drive->PeekRaw(Address("H12-03"), raw);
+    EXPECT_EQ(raw, 0xA1);
 }
 
 } // namespace
