@@ -48,6 +48,7 @@ protected:
         sim = std::make_unique<SimProcess>(
             std::vector<std::string>{"--tcp", "127.0.0.1:0", "zd3s_servo.json"});
         ASSERT_TRUE(sim->Started()) << "zordrive-sim did not start";
+        Address("H00-00"); // loads the description
         zorhost::ProjectSetup setup;
         zorhost::ModuleSetup m;
         m.deviceFile = "zd3s_servo.json";

@@ -1,6 +1,7 @@
 #include "LinkFixture.h"
 
 #include "module/host/IVarAttr.h"
+#include "zorhost/link/BlockWrite.h"
 
 using namespace linktest;
 using zorhost::sim::LinkStatus;
@@ -124,4 +125,33 @@ TEST_F(TcpHost, KilledSimulatorEndsTheUploadAndIsFoundAgain) {
     EXPECT_TRUE(PumpUntil([&] { return host.Module(kKey)->IsOnline(); }, 5000));
     EXPECT_TRUE(host.Transfer().UploadModule(nullptr, kKey));
     EXPECT_TRUE(ends.back());
+}
+
+// A download writes neighbours in blocks; the one value the drive refuses is the only
+// failure, and the rest of its block still arrives.
+TEST_F(TcpHost, BlockWriteNamesExactlyTheRefusedParameter) {
+    std::vector<zorhost::link::ParameterValue> values;
+    for (const auto& p : device->parameters)
+        if (p.modifyMode == zorhost::device::ModifyMode::Any && p.accessLevel <= 1 &&
+            zorhost::sim::RegisterCount(p.dataType) > 0)
+            values.push_back({p.address, p.dataType, p.factoryValue});
+    ASSERT_GT(values.size(), 100u);
+    for (auto& v : values) {
+        if (v.address == Address("H02-08"))
+            v.raw = 600; // above its limit of 500
+        if (v.address == Address("H02-09"))
+            v.raw = 60;
+    }
+    zorhost::link::ModbusLink& link = *host.FieldLink(kKey);
+    const auto before = link.Traffic().requests;
+    const auto failures = zorhost::link::WriteInBlocks(link, values, 300, 2);
+    ASSERT_EQ(failures.size(), 1u);
+    EXPECT_EQ(failures[0].address, Address("H02-08"));
+    EXPECT_EQ(failures[0].result.refusal, zorhost::sim::Refusal::OutOfRange);
+    EXPECT_LT(link.Traffic().requests - before, values.size() / 3);
+    double raw = 0;
+    ASSERT_TRUE(
+        zorhost::sim::ReadRaw(link, Address("H02-09"), zorhost::device::DataType::UInt16, raw, 300)
+            .ok());
+    EXPECT_EQ(raw, 60);
 }

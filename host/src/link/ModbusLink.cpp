@@ -96,6 +96,10 @@ int ModbusLink::ReadBlockLimit() const {
     return kMaxReadRegisters;
 }
 
+int ModbusLink::WriteBlockLimit() const {
+    return kMaxWriteRegisters;
+}
+
 bool ModbusLink::WaitOnline(int timeout_ms) const {
     std::unique_lock lock(m_mutex);
     return m_stateSet.wait_for(lock, std::chrono::milliseconds(timeout_ms),

@@ -48,6 +48,7 @@ public:
     sim::LinkResult Write(std::uint32_t address, std::span<const std::uint16_t> words,
                           int timeout_ms) override;
     int ReadBlockLimit() const override;
+    int WriteBlockLimit() const override;
 
     // Waits until the link is up or `timeout_ms` passed; true when up.
     bool WaitOnline(int timeout_ms) const;

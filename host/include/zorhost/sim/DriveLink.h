@@ -62,6 +62,8 @@ public:
     // Registers one read may carry across neighbouring parameters. Bulk transfers group
     // by it where a request costs a round trip; 1 keeps one request per parameter.
     virtual int ReadBlockLimit() const { return 1; }
+    // The same for writes: registers one write may carry across parameters.
+    virtual int WriteBlockLimit() const { return 1; }
 };
 
 // The message for a failed request, in Chinese as the drive documents it or in English.
