@@ -155,3 +155,19 @@ TEST_F(TcpHost, BlockWriteNamesExactlyTheRefusedParameter) {
             .ok());
     EXPECT_EQ(raw, 60);
 }
+
+// A drive that stops answering costs a bounded wait, then the module is offline; it is
+// found again once it answers.
+TEST_F(TcpHost, SilentDriveTimesOutAndReturns) {
+    ASSERT_TRUE(sim->Command("silent on"));
+    double value = 0;
+    QElapsedTimer clock;
+    clock.start();
+    EXPECT_FALSE(host.DeviceHelper().ReadParameter(kKey, Address("H02-08"), value));
+    EXPECT_LT(clock.elapsed(), 5000);
+    EXPECT_TRUE(PumpUntil([&] { return !host.Module(kKey)->IsOnline(); }, 3000));
+    ASSERT_TRUE(sim->Command("silent off"));
+    EXPECT_TRUE(PumpUntil([&] { return host.Module(kKey)->IsOnline(); }, 5000));
+    EXPECT_TRUE(host.DeviceHelper().ReadParameter(kKey, Address("H02-08"), value));
+    EXPECT_EQ(value, 250);
+}
