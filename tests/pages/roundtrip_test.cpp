@@ -132,7 +132,11 @@ protected:
         file.write(DeviceJson(cases).c_str());
         file.close();
         zorhost::ProjectSetup setup;
-        setup.modules = {{path.toStdString(), "RT", "", 1, true}};
+        zorhost::ModuleSetup station;
+        station.deviceFile = path.toStdString();
+        station.key = "RT";
+        station.number = 1;
+        setup.modules = {station};
         std::string error;
         ASSERT_TRUE(host.LoadProject(setup, &error)) << error;
     }
