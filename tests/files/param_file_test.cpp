@@ -333,6 +333,34 @@ TEST_F(ParamFileTest, SaveReplacesAtomicallyKeepsModeAndWritesThroughLinks) {
     file->Release();
 }
 
+// The seed of the fuzz corpus was written from the format note alone, by another writer.
+TEST_F(ParamFileTest, FileWrittenFromTheFormatNoteReads) {
+    const std::string seed = Slurp(PARMIRA_SOURCE_DIR "/tests/files/corpus/small.zorparam.bin");
+    ASSERT_FALSE(seed.empty());
+    CParamFile file;
+    std::string error;
+    ASSERT_TRUE(file.FromBytes(seed.substr(1), &error)) << error;
+    EXPECT_EQ(file.VersionText(), "V1.0");
+    EXPECT_EQ(file.AccessLevel(), 2);
+    IParamFileTable* t = file.GetVarList();
+    ASSERT_EQ(t->GetCount(), 2);
+    IVarObjEx* var = t->FindByCode("H02-00");
+    ASSERT_NE(var, nullptr);
+    EXPECT_TRUE(var->GetValue() == Variant::UI2(3));
+    EXPECT_TRUE(var->IsChecked());
+    EXPECT_TRUE(var->GetAttr()->IsMaxLinked());
+    EXPECT_TRUE(var->GetAttr()->IsChangeTracked());
+    EXPECT_EQ(t->GetAt(1)->GetAttr(), nullptr);
+    EXPECT_TRUE(t->GetAt(1)->GetSetValue() == Variant::Str("abc"));
+    ASSERT_EQ(t->GetGroupRoot(0)->GetCategoryCount(), 1);
+    CString key;
+    t->GetAxisList()->GetAt(0)->GetKey(key);
+    EXPECT_EQ(key, "A1");
+    EXPECT_EQ(t->GetGroupRoot(1)->GetMemberCount(), 1);
+    // And it comes out again byte for byte.
+    EXPECT_EQ(file.ToBytes(), seed.substr(1));
+}
+
 // Tables as the module writes them, read with and without a module, and malformed ones.
 TEST_F(ParamFileTest, TableReaderTakesWhatTheWritersWriteAndNamesTheBadLine) {
     const std::string head = "Sign,Time\nZorvanta,2026-03-01 09:07:05\n\n"

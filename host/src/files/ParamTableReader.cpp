@@ -367,11 +367,17 @@ private:
 bool ReadParamTable(const CString& path, CParamFile& file, IHostDeviceModule* module,
                     std::string* error) {
     std::string bytes, why;
-    if (!ReadWholeFile(path, CParamFile::kMaxFileBytes, bytes, &why)) {
+    if (!ReadWholeFile(path, CParamFile::kMaxFileBytes, bytes, &why) ||
+        !ReadParamTableText(bytes, file, module, &why)) {
         if (error)
-            *error = path.str() + ": " + why;
+            *error = path.str() + (why.rfind("line ", 0) == 0 ? ", " : ": ") + why;
         return false;
     }
+    return true;
+}
+
+bool ReadParamTableText(std::string bytes, CParamFile& file, IHostDeviceModule* module,
+                        std::string* error) {
     // Texts come back as the host wrote them: UTF-8, or Latin-1 when they aren't UTF-8.
     const QByteArray raw = QByteArray::fromStdString(bytes);
     if (QString::fromUtf8(raw).toUtf8() != raw)
@@ -382,7 +388,7 @@ bool ReadParamTable(const CString& path, CParamFile& file, IHostDeviceModule* mo
     TableReader reader(fresh, module);
     if (!reader.Read(bytes)) {
         if (error)
-            *error = path.str() + ", " + reader.Error();
+            *error = reader.Error();
         return false;
     }
     file.Swap(fresh);

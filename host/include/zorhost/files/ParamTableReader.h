@@ -17,5 +17,8 @@ class CParamFile;
 // it was and `error` names the path and the line.
 bool ReadParamTable(const CString& path, CParamFile& file, IHostDeviceModule* module,
                     std::string* error);
+// The same from the bytes of a table; `error` names the line.
+bool ReadParamTableText(std::string bytes, CParamFile& file, IHostDeviceModule* module,
+                        std::string* error);
 
 } // namespace zorhost::files
