@@ -5,6 +5,7 @@
 #include "ProgramServices.h"
 
 #include <zorhost/ReferenceHost.h>
+#include <zorhost/files/ParamFile.h>
 #include <zorhost/services/HostMessageBus.h>
 
 #include "module/host/IMessage_ModuleUploadEvent.h"
@@ -75,6 +76,26 @@ private:
     CString m_key;
 };
 
+// The parameter file of the whole module, as the host's file object writes it; the object
+// replaces the target only with a complete file.
+int ExportParameterFile(zorhost::model::CDeviceModule& module, const QFileInfo& target) {
+    // One missing folder level is made, as for the table.
+    const QDir folder = target.absoluteDir();
+    if (!folder.exists())
+        QDir().mkdir(folder.absolutePath());
+    zorhost::files::CParamFile file;
+    CString version;
+    module.GetVersionText(version);
+    file.SetVersionText(version);
+    file.SetElecLabel(module.GetElecLabel(), module.GetElecLabelSize());
+    file.SetAccessLevel(module.GetAccessLevel());
+    file.GetVarList()->SetVersionText(version);
+    file.GetVarList()->CopyFrom(module.GetVarList());
+    if (!file.Save(AfxFromQString(target.absoluteFilePath())))
+        return Fail(kExitNoFile, QString::fromStdString(file.LastError()));
+    return kExitOk;
+}
+
 } // namespace
 
 int RunList(const Options& options) {
@@ -94,8 +115,12 @@ int RunList(const Options& options) {
 
 int RunExport(const Options& options) {
     const QFileInfo target(options.exportFile);
-    if (target.suffix().compare(QLatin1String("csv"), Qt::CaseInsensitive) != 0)
-        return Fail(kExitUsage, QStringLiteral("%1: the parameter table is written as .csv only")
+    // The form follows the extension, as in the module: the table, or the parameter file.
+    const bool asFile =
+        target.suffix().compare(QLatin1String("zorparam"), Qt::CaseInsensitive) == 0;
+    if (!asFile && target.suffix().compare(QLatin1String("csv"), Qt::CaseInsensitive) != 0)
+        return Fail(kExitUsage, QStringLiteral("%1: the export is written as .csv (the parameter "
+                                               "table) or .zorparam (the parameter file)")
                                     .arg(options.exportFile));
 
     zorhost::ReferenceHost host;
@@ -129,6 +154,9 @@ int RunExport(const Options& options) {
                     QStringLiteral("the drive of module \"%1\" did not answer every read; "
                                    "nothing was exported")
                         .arg(options.exportKey));
+
+    if (asFile)
+        return ExportParameterFile(*module, target);
 
     ParmiraModule plugin;
     if (!plugin.Load(ParmiraModule::DefaultPath(), host.Services(), &error))

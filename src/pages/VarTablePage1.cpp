@@ -76,6 +76,14 @@ BOOL CVarTablePage1::OnCommand(WPARAM wParam, LPARAM lParam) {
     const UINT code = HIWORD(wParam);
     if (m_pTable == nullptr || m_pTable->GetModule() == nullptr)
         return CVarTablePageBase::OnCommand(wParam, lParam);
+    if (id == IDC_PAGE1_UPLOAD_SAVE && code == BN_CLICKED) {
+        m_pTable->UploadAndSave();
+        return TRUE;
+    }
+    if (id == IDC_PAGE_SAVE_CHECKED && code == BN_CLICKED) {
+        m_pTable->SaveCheckedAs();
+        return TRUE;
+    }
     if (id == IDC_PAGE_UPDATE_ATTRIBUTES && code == BN_CLICKED) {
         UpdateAttributes();
         return TRUE;

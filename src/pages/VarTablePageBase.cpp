@@ -13,6 +13,7 @@
 #include "module/host/IHostRefreshItem.h"
 #include "module/host/IHostRefreshQuery.h"
 #include "module/host/IHostRefreshService.h"
+#include "module/host/IHostTransferService.h"
 #include "module/host/IHostUiService.h"
 #include "module/host/IHostVarUtil.h"
 #include "module/host/IHostWindowTranslator.h"
@@ -96,8 +97,21 @@ void CVarTablePageBase::ShowCustomRoot(IVarStore* varList) {
     FinishCollection(FALSE, TRUE);
 }
 
-void CVarTablePageBase::ShowModified(IVarStore*, int) {
+void CVarTablePageBase::ShowModified(IVarStore*, int mode) {
     m_listFilter = LIST_FILTER_MODIFIED;
+    // Synchronising: the drive's values are read first, and the list follows when the
+    // upload ends (OnModuleUploaded refills with the filter still set).
+    IHostDeviceModule* module = m_pTable != nullptr ? m_pTable->GetModule() : nullptr;
+    IHostTransferService* transfer = theApp.GetTransferService();
+    if (mode == 2 && module != nullptr && transfer != nullptr) {
+        CString key;
+        module->GetModuleKey(key);
+        SubscribeUpload();
+        if (transfer->UploadModule(GetSafeHwnd(), key))
+            return;
+        UnsubscribeUpload();
+        m_listFilter = LIST_FILTER_MODIFIED;
+    }
     RefillAll();
     m_listFilter = LIST_FILTER_ALL;
     if (m_pTable != nullptr)

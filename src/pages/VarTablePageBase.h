@@ -62,6 +62,8 @@ public:
 
     // Empties the rows and walks everything again, keeping the filter as it stands.
     void RefillAll();
+    // Command 2146: asks for a file and saves the rows on show (VarTablePageSave.cpp).
+    void SaveRowsAs() override;
     int GetListFilter() const { return m_listFilter; }
     void SetListFilter(int filter) { m_listFilter = filter; }
     BOOL IsFirstPage() const { return m_bFirstPage; }

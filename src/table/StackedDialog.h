@@ -47,6 +47,8 @@ public:
     virtual IVarObjEx* GetShownVar(int index) const = 0;
     // Appends every shown row, in row order.
     virtual void CollectShown(std::vector<IVarObjEx*>& list) const = 0;
+    // Command 2146 "另存为...": the shown rows as a parameter file or table.
+    virtual void SaveRowsAs() {}
 
 protected:
     CVarTable* m_pTable = nullptr;

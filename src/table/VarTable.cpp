@@ -291,12 +291,6 @@ void CVarTable::UnsubscribeUpload() {
         bus->Unsubscribe(IID_IMessage_ModuleUploadEvent, AsSink<IMessage_ModuleUploadEvent>(this));
 }
 
-void CVarTable::OnModuleUploaded(const CString& /*moduleKey*/, BOOL /*success*/) {
-    UnsubscribeUpload();
-    // NOT DONE: the save that saveAfterUpload names follows here with the upload-and-save
-    // flows; an attribute upload needs nothing more.
-}
-
 void CVarTable::OnModuleDownloaded(const CString& /*moduleKey*/, BOOL /*success*/) {
     UnsubscribeUpload();
 }

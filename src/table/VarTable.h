@@ -121,6 +121,34 @@ public:
     BOOL ExportAllToFile(const CString& path);
     // The 10-column parameter table of `list` for the shown module.
     BOOL WriteParamTableList(const CString& path, const std::vector<IVarObjEx*>& list);
+    // The parameter table of all variables of `table`, or of the variables of `group`
+    // (exactly one of them given): 10 columns, or 11 with the instance keys. 1 on success.
+    BOOL WriteParamTable(IVarStore* table, IGroupNode* group, const CString& path);
+    BOOL WriteParamTableGuid(IVarStore* table, IGroupNode* group, const CString& path);
+    // The variables a file of `group` holds: its members and those of its children, by
+    // visibility and level only (no transfer filters), without doubles.
+    void CollectFileVars(IGroupNode* group, std::vector<IVarObjEx*>& list, BOOL includeFactory);
+
+    // Upload and save (commands 1987 and 1004) and the saves without upload.
+    void UploadAndSave();
+    void UploadCheckedAndSave();
+    void SaveCheckedAs();
+    void SaveSelectionAs();
+    void SaveCheckedVars(IVarStore* store, const CString& path);
+    void SaveModule(IVarStore* store, const CString& path);
+    void SaveAxis(IHostAxis* axis, const CString& path);
+    void SaveGroup(IGroupNode* group, const CString& path);
+    void SaveCategory(IGroupCategory* category, IGroupSet* rootSet, const CString& path);
+    void CollectCheckedVars(IGroupNode* group, std::vector<IVarObjEx*>& list);
+    // Every row of the page of the list style, in row order.
+    void CollectVisibleRows(std::vector<IVarObjEx*>& list);
+    // A new parameter file with the module's version, label and `level`; null without one.
+    IParamFile* BeginFileSave(int level, BOOL tableVersion);
+    // The common tail of the saves: the form by the path's extension, the success message,
+    // and the file object released.
+    BOOL FinishSave(IParamFile* file, IVarStore* table, IGroupNode* group, const CString& path);
+    // Adds the module's control function entries (ControlFunction1..9) to `table`.
+    void AddControlFunctions(IParamFileTable* table);
 
     // Where frames get their pages from; null restores CreateVarTablePage. For hosts
     // that embed their own pages, and for tests.
@@ -239,6 +267,9 @@ private:
     void ShowModifiedWithMode(int mode);
     void SubscribeUpload();
     void UnsubscribeUpload();
+    void WriteFactoryAccessCode();
+    // The save dialog of the frame's saves; FALSE on cancel.
+    BOOL AskSavePath(const CString& defaultName, CString& path);
 
     TStackedDialog m_stack;
     CVarTablePage* m_pPage1 = nullptr; // owned by m_stack
@@ -265,6 +296,9 @@ private:
     std::atomic<HWND> m_hWndForWorker{nullptr};
     std::map<CString, TreeState> m_treeState;
     BOOL m_uploadSubscribed = FALSE;
+    // Set by the upload-and-save flows: only their uploads end in a save, not the
+    // attribute sync, which ends through the same event.
+    BOOL m_bSavePending = FALSE;
     BOOL m_bRefreshListening = FALSE;
     // Set while items are made or deleted in bulk: selection changes then show nothing.
     BOOL m_bRebuilding = FALSE;

@@ -426,9 +426,10 @@ BOOL CVarTable::IsTreeCommandEnabled(UINT id, HTREEITEM item) const {
     case ID_SHOW_MODIFIED_REFRESH:
     case ID_TOGGLE_MODIFIED_PROMPT:
         return TRUE;
+    case ID_SAVE_ROWS_AS:
+        return IsInCustomSubtree(item) && item != m_hCustom ? TRUE : FALSE;
     case ID_DELETE_CUSTOM_GROUP:
     case ID_EDIT_CUSTOM_GROUP:
-    case ID_SAVE_ROWS_AS:
         // Only on a custom group, not on the branch itself.
         if (!IsInCustomSubtree(item) || item == m_hCustom)
             return FALSE;
@@ -436,7 +437,7 @@ BOOL CVarTable::IsTreeCommandEnabled(UINT id, HTREEITEM item) const {
     default:
         break;
     }
-    // The custom group flows, the save-as and the compressed export are not built yet.
+    // The custom group flows and the compressed export are not built yet.
     return FALSE;
 }
 
@@ -495,8 +496,11 @@ BOOL CVarTable::OnFrameCommand(UINT id) {
     case ID_NEW_CUSTOM_GROUP:
     case ID_DELETE_CUSTOM_GROUP:
     case ID_EDIT_CUSTOM_GROUP:
-    case ID_LOAD_CUSTOM_GROUP:
     case ID_SAVE_ROWS_AS:
+        if (CVarTablePage* page = GetStylePage())
+            page->SaveRowsAs();
+        return TRUE;
+    case ID_LOAD_CUSTOM_GROUP:
     case ID_EXPORT_ZXD:
     case ID_ADD_TO_CUSTOM_GROUP:
         // NOT DONE: these flows come with the custom group, save and export work; the

@@ -129,7 +129,7 @@ TEST(ProgramExport, UnknownModuleOfflineDriveAndWrongExtensionWriteNothing) {
     EXPECT_TRUE(offline.err.contains(QStringLiteral("offline"))) << offline.err.toStdString();
 
     const Outcome text = Program({"--project", project, "--export", "SPINDLE",
-                              QDir(dir.path()).filePath(QStringLiteral("out.txt"))});
+                                  QDir(dir.path()).filePath(QStringLiteral("out.txt"))});
     EXPECT_EQ(text.code, 2);
     EXPECT_TRUE(text.err.contains(QStringLiteral(".csv"))) << text.err.toStdString();
 
@@ -173,6 +173,19 @@ TEST(ProgramExport, AnOnlineDriveIsWrittenToTheFileAndReplacesTheOldOne) {
     const QString fresh = QDir(dir.path()).filePath(QStringLiteral("new/zd4m.csv"));
     EXPECT_EQ(Program({"--export", "ZD4M", fresh}).code, 0);
     EXPECT_TRUE(QFile::exists(fresh));
+}
+
+TEST(ProgramExport, TheExtensionChoosesTheParameterFile) {
+    QTemporaryDir dir;
+    const QString target = WriteFile(dir, "zd4m.ZorParam", "old file\n");
+    const Outcome r = Program({"--export", "ZD4M", target});
+    ASSERT_EQ(r.code, 0) << r.err.toStdString();
+    EXPECT_TRUE(ReadFile(target).startsWith("ZORPARAM")) << ReadFile(target).left(20).toStdString();
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"zd4m.ZorParam"});
+    const QString deep = QDir(dir.path()).filePath(QStringLiteral("a/b/zd4m.zorparam"));
+    const Outcome failed = Program({"--export", "ZD4M", deep});
+    EXPECT_EQ(failed.code, 7);
+    EXPECT_TRUE(failed.err.contains(deep)) << failed.err.toStdString();
 }
 
 TEST(ProgramWindow, TheScreenshotIsTakenWithTheFirstModulesPanelUp) {
