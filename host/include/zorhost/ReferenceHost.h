@@ -21,6 +21,7 @@
 #include "zorhost/services/HostUiService.h"
 #include "zorhost/services/HostVarUtil.h"
 #include "zorhost/services/Oscilloscope.h"
+#include "zorhost/services/ParamRecord.h"
 #include "zorhost/sim/DriveDirectory.h"
 #include "zorhost/sim/SimulatedDrive.h"
 
@@ -143,6 +144,7 @@ private:
     CHostHelpService m_help;
     COscilloscopePanel m_scope;
     CHostCommState m_commState;
+    CHostParamRecordFactory m_recordFactory;
     std::unique_ptr<TransferProgress> m_progress;
     TransferEndHandler m_transferEnded;
     bool m_english = false;
