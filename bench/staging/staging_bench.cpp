@@ -1,13 +1,27 @@
 #include "files/RecipeWorkbook.h"
 #include "module/ModuleResources.h"
 #include "module/ParmiraApp.h"
+#include "module/host/IGroupNode.h"
+#include "module/host/IGroupSet.h"
 #include "module/host/IVarAttr.h"
 #include "module/host/IVarObjEx.h"
+#include "module/host/IVarStore.h"
+#include "pages/VarTablePage2.h"
+#include "table/TableResources.h"
+#include "table/VarTable.h"
 #include "zorhost/ReferenceHost.h"
 #include "zorhost/device/DeviceGenerator.h"
 
+#include <afx/afxqt.h>
 #include <afx/afxres.h>
+#include <afx/afxtest.h>
 #include <workbook/Workbook.h>
+
+#include <QApplication>
+#include <QPainter>
+#include <QPixmap>
+#include <QTimer>
+#include <QWidget>
 
 #include <benchmark/benchmark.h>
 
@@ -85,6 +99,101 @@ void BM_DownloadRecords20000(benchmark::State& state) {
 }
 BENCHMARK(BM_DownloadRecords20000)->Unit(benchmark::kMillisecond);
 
+// ---------------------------------------------------------------- screenshots
+// The staging list of the demo servo with set values beside the drive's values, some rows
+// checked, and the filter menu open over it.
+int TakeShots(const std::string& dir) {
+    std::filesystem::create_directories(dir);
+    zorhost::ReferenceHost host;
+    zorhost::ProjectSetup setup = zorhost::ReferenceHost::DemoProject();
+    setup.listStyle = 1;
+    if (!host.LoadProject(setup))
+        return 1;
+    HINSTANCE h = AfxCreateResourceHandle("staging-shots");
+    theApp.m_hResource = h;
+    RegisterModuleResources(h);
+    RegisterTableResources(h);
+    constexpr UINT IDD_SHOT_PARENT = 9953;
+    AfxRegisterDialog(h, DlgTemplate{IDD_SHOT_PARENT, "staging list", 1280, 760, {}, WS_POPUP});
+    theApp.SetQueryInterfaceCallback(host.Services().Context(), &zorhost::HostServices::Query);
+    int failures = 0;
+    {
+        zorhost::model::CDeviceModule* module = host.Module("ZD3S");
+        module->SetAccessLevel(3);
+        CDialog parent;
+        parent.Create(IDD_SHOT_PARENT, nullptr);
+        auto table = std::make_unique<CVarTable>();
+        table->SetWorkspace(host.Project()->GetWorkspace());
+        table->SetModule(module);
+        table->Create(IDD_VAR_TABLE, &parent);
+        table->MoveWindow(0, 0, 1280, 760);
+        parent.ShowWindow(SW_SHOW);
+        auto& page = *static_cast<CVarTablePage2*>(table->GetPage2());
+        IVarStore* store = table->GetVarList();
+        if (IGroupSet* root = store->GetGroupRoot(0))
+            if (IGroupNode* group = root->FindByName("H06"))
+                page.ShowGroup(group, store);
+        for (int i = 0; i < 3; ++i) {
+            page.SubmitRefreshQuery();
+            host.Refresh().RunCycle();
+            AfxPumpMessagesUntil([] { return false; }, 20);
+        }
+        const struct {
+            const char* code;
+            const char* text;
+        } staged[] = {{"H06-02", "3000"}, {"H06-03", "2"}, {"H06-05", "150"}, {"H06-09", "1"}};
+        for (const auto& st : staged)
+            for (int row = 0; row < page.GetShownCount(); ++row) {
+                CString code;
+                page.GetShownVar(row)->GetAttr()->GetCode(code);
+                if (code == st.code)
+                    page.OnCellEditCommitted(row, page.GetValueColumn(), st.text);
+            }
+        if (IVarObjEx* var = store->FindByCode("H06-05"))
+            var->SetChecked(FALSE);
+        page.RepaintList();
+        AfxPumpMessagesUntil([] { return false; }, 50);
+        failures += !AfxTestGrabWindow(table.get(), (dir + "/staging_list.png").c_str());
+
+        // The filter menu: grabbed while it is open, laid over the frame at its place.
+        QWidget* frame = AfxWidgetFromHandle(table->GetSafeHwnd());
+        QTimer::singleShot(300, [&] {
+            QWidget* popup = QApplication::activePopupWidget();
+            QPixmap shot = frame->grab();
+            if (popup != nullptr) {
+                QPainter painter(&shot);
+                painter.drawPixmap(frame->mapFromGlobal(popup->pos()), popup->grab());
+                painter.end();
+                popup->close();
+            } else {
+                ++failures;
+            }
+            failures += !shot.save(QString::fromStdString(dir + "/staging_filter_menu.png"));
+        });
+        static_cast<CButton&>(page.GetFilterButton()).Click();
+        table->DestroyWindow();
+        parent.DestroyWindow();
+    }
+    theApp.SetQueryInterfaceCallback(0, nullptr);
+    AfxFreeResourceHandle(h);
+    theApp.m_hResource = nullptr;
+    std::printf("screenshots in %s\n", dir.c_str());
+    return failures;
+}
+
 } // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM",
+            qgetenv("QT_QPA_PLATFORM").isEmpty() ? "offscreen" : qgetenv("QT_QPA_PLATFORM"));
+    QApplication app(argc, argv);
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        if (arg.rfind("--shots=", 0) == 0)
+            return TakeShots(arg.substr(8));
+    }
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

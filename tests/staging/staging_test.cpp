@@ -63,6 +63,7 @@ TEST_F(StagingTest, TypedValueWaitsForTheWriteOfCheckedRowsInListOrder) {
     Page2().OnCellEditCommitted(row, Page2().GetValueColumn(), "3");
     EXPECT_EQ(DriveValue("H06-03"), before);
     EXPECT_TRUE(Var("H06-03")->IsChecked());
+    EXPECT_TRUE(Page2().GetPageList().GetCheck(row)); // the box shows the host's mark
 
     Stage("H06-02", 100, TRUE);
     Stage("H02-01", 1, FALSE); // a set value without a check stays behind
@@ -76,6 +77,7 @@ TEST_F(StagingTest, TypedValueWaitsForTheWriteOfCheckedRowsInListOrder) {
     EXPECT_EQ(SuccessBoxes(), 1u);
     for (const char* code : {"H06-02", "H06-03", "H01-00"})
         EXPECT_FALSE(Var(code)->IsChecked()) << code;
+    EXPECT_FALSE(Page2().GetPageList().GetCheck(row));
     EXPECT_EQ(Var("H06-02")->GetSetValue().vt, VT_UI2); // set values stay
 }
 
