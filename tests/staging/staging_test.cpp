@@ -1,3 +1,6 @@
+#include "module/host/IHostModuleManager.h"
+#include "module/host/IParamFile.h"
+#include "module/host/IParamFileTable.h"
 #include "module/host/IVarAttr.h"
 #include "module/host/IVarObjEx.h"
 #include "module/host/IVarStore.h"
@@ -51,6 +54,27 @@ protected:
         for (const AfxPrompt& p : prompts.prompts)
             n += p.kind == AfxPrompt::MessageBox && p.text == "参数下载成功！";
         return n;
+    }
+
+    // A parameter file of this servo holding `value` for H06-02 and H01-00; `otherType`
+    // gives it the label of another device type.
+    std::string WriteParamFile(uint16_t value, bool otherType) {
+        auto* file =
+            static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
+        file->GetVarList()->CopyFrom(Store());
+        const BYTE* own = module->GetElecLabel();
+        std::vector<BYTE> label(own, own + module->GetElecLabelSize());
+        if (otherType)
+            label[1] ^= 0x5A;
+        file->SetElecLabel(label.data(), UINT(label.size()));
+        for (const char* code : {"H06-02", "H01-00"})
+            file->GetVarList()->FindByCode(code)->SetValue(Variant::UI2(value));
+        const std::string path = (std::filesystem::temp_directory_path() /
+                                  ("staging-" + std::to_string(::getpid()) + ".zorparam"))
+                                     .string();
+        EXPECT_TRUE(file->Save(CString(path.c_str())));
+        file->Release();
+        return path;
     }
 
     CAfxRecordingResponder prompts;
@@ -167,6 +191,47 @@ TEST_F(StagingTest, WorkbookGoesToTheDrivesAndOnlyLowerCaseExtensionsAreWorkbook
     EXPECT_EQ(Writes(), std::vector<UINT>{26u});
     EXPECT_EQ(SuccessBoxes(), 0u); // this route is not listened to
     std::filesystem::remove_all(dir);
+}
+
+TEST_F(StagingTest, ParameterFileFillsSetValuesAfterTheTypeQuestion) {
+    const std::string path = WriteParamFile(1234, true);
+    Stage("H06-03", 2, TRUE);
+    Writes();
+    // Another device type, answered No: nothing changes.
+    prompts.ChooseFiles({CString(path.c_str())});
+    prompts.AnswerMessageBox(IDNO);
+    Page2().OpenRecipe();
+    ASSERT_NE(prompts.Last(AfxPrompt::MessageBox), nullptr);
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->Buttons(), UINT(MB_YESNO));
+    EXPECT_TRUE(Var("H06-03")->IsChecked());
+    EXPECT_TRUE(Var("H06-02")->GetSetValue().IsEmpty());
+    // Yes: the file replaces all set values; a read-only parameter isn't taken.
+    prompts.ChooseFiles({CString(path.c_str())});
+    prompts.AnswerMessageBox(IDYES);
+    Page2().OpenRecipe();
+    EXPECT_EQ(Var("H06-02")->GetSetValue(), Variant::UI2(1234));
+    EXPECT_TRUE(Var("H06-02")->IsChecked());
+    EXPECT_TRUE(Var("H01-00")->GetSetValue().IsEmpty());
+    EXPECT_FALSE(Var("H01-00")->IsChecked());
+    EXPECT_TRUE(Writes().empty()); // opening writes nothing
+    std::filesystem::remove(path);
+}
+
+TEST_F(StagingTest, FrameOpenAndDownloadWritesTheChosenFile) {
+    const std::string path = WriteParamFile(4321, false);
+    std::vector<CString> asked;
+    host.Transfer().SetFileChooser([&](HWND) { return CString(path.c_str()); });
+    host.Transfer().SetQuestion([&](HWND, const CString& text) {
+        asked.push_back(text);
+        return true;
+    });
+    table->OpenAndDownloadCommand();
+    EXPECT_EQ(asked.size(), 1u); // the confirmation only: same device type
+    EXPECT_EQ(DriveValue("H06-02"), 4321);
+    EXPECT_NE(DriveValue("H01-00"), 4321); // read-only parameters are left out
+    host.Transfer().SetFileChooser({});
+    host.Transfer().SetQuestion({});
+    std::filesystem::remove(path);
 }
 
 } // namespace
