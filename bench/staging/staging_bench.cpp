@@ -3,6 +3,8 @@
 #include "module/ParmiraApp.h"
 #include "module/host/IGroupNode.h"
 #include "module/host/IGroupSet.h"
+#include "module/host/IParamFile.h"
+#include "module/host/IParamFileTable.h"
 #include "module/host/IVarAttr.h"
 #include "module/host/IVarObjEx.h"
 #include "module/host/IVarStore.h"
@@ -98,6 +100,69 @@ void BM_DownloadRecords20000(benchmark::State& state) {
         delete r;
 }
 BENCHMARK(BM_DownloadRecords20000)->Unit(benchmark::kMillisecond);
+
+// A .zorparam of every parameter of a 20 000-parameter drive opened into the staging
+// list's set values: the file read, the type check, the fill and the repaint.
+void BM_OpenParamFile20000IntoSetValues(benchmark::State& state) {
+    const std::string device =
+        (std::filesystem::temp_directory_path() / "parmira-staging-bench-20000.json").string();
+    std::ofstream(device) << zorhost::device::GenerateDeviceJson(20000);
+    zorhost::ReferenceHost host;
+    zorhost::ProjectSetup setup;
+    setup.listStyle = 1;
+    setup.modules = {{device, "BIG", "", 1, true}};
+    if (!host.LoadProject(setup)) {
+        state.SkipWithError("project");
+        return;
+    }
+    HINSTANCE h = AfxCreateResourceHandle("staging-bench-open");
+    theApp.m_hResource = h;
+    RegisterModuleResources(h);
+    RegisterTableResources(h);
+    constexpr UINT IDD_BENCH_PARENT = 9954;
+    AfxRegisterDialog(h, DlgTemplate{IDD_BENCH_PARENT, "staging", 1280, 760, {}, WS_POPUP});
+    theApp.SetQueryInterfaceCallback(host.Services().Context(), &zorhost::HostServices::Query);
+    zorhost::model::CDeviceModule* module = host.Module("BIG");
+    const std::string path =
+        (std::filesystem::temp_directory_path() / "parmira-staging-bench-20000.zorparam").string();
+    {
+        auto* file =
+            static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
+        file->GetVarList()->CopyFrom(module->GetVarList());
+        file->Save(CString(path.c_str()));
+        file->Release();
+    }
+    {
+        CDialog parent;
+        parent.Create(IDD_BENCH_PARENT, nullptr);
+        auto table = std::make_unique<CVarTable>();
+        table->SetWorkspace(host.Project()->GetWorkspace());
+        table->SetModule(module);
+        table->Create(IDD_VAR_TABLE, &parent);
+        table->MoveWindow(0, 0, 1280, 760);
+        parent.ShowWindow(SW_SHOW);
+        auto& page = *static_cast<CVarTablePage2*>(table->GetPage2());
+        page.ShowAllParameters(table->GetVarList());
+        CAfxRecordingResponder prompts;
+        int checked = 0;
+        for (auto _ : state) {
+            prompts.ChooseFiles({CString(path.c_str())});
+            page.OpenRecipe();
+            page.GetList().UpdateWindow();
+        }
+        for (int i = 0; i < module->Store().GetCount(); ++i)
+            checked += module->Store().GetAt(i)->IsChecked() ? 1 : 0;
+        state.counters["params"] = module->Store().GetCount();
+        state.counters["staged"] = checked;
+        table->DestroyWindow();
+        parent.DestroyWindow();
+    }
+    theApp.SetQueryInterfaceCallback(0, nullptr);
+    AfxFreeResourceHandle(h);
+    theApp.m_hResource = nullptr;
+    std::filesystem::remove(path);
+}
+BENCHMARK(BM_OpenParamFile20000IntoSetValues)->Unit(benchmark::kMillisecond);
 
 // ---------------------------------------------------------------- screenshots
 // The staging list of the demo servo with set values beside the drive's values, some rows
