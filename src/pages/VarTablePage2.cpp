@@ -115,6 +115,10 @@ BOOL CVarTablePage2::OnCommand(WPARAM wParam, LPARAM lParam) {
         WriteAllSetValues();
         return TRUE;
     }
+    if ((id == IDC_PAGE2_SAVE_SET_VALUES && click) || id == ID_LIST_SAVE_SET_VALUES) {
+        SaveSetValuesCommand();
+        return TRUE;
+    }
     if (id == IDC_PAGE2_OPEN_RECIPE && click) {
         OpenRecipe();
         return TRUE;

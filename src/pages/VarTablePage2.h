@@ -39,6 +39,7 @@ constexpr UINT ID_LIST_CHECK_ALL = 2103;
 constexpr UINT ID_LIST_CLEAR_CHECKS = 2099;
 constexpr UINT ID_LIST_SHOW_CHECKED = 32802;
 constexpr UINT ID_LIST_SHOW_ALL = 32805;
+constexpr UINT ID_LIST_SAVE_SET_VALUES = 2110;
 
 // 1 while a filter of a second page's button is in force; one value for all panels.
 extern int filterActive;
@@ -61,6 +62,10 @@ public:
     // A parameter file into the set values, or a recipe workbook straight to the drives.
     void OpenRecipe();
     void ImportWorkbook(const CString& path);
+    // The checked variables with their set values as values, to a .zorparam or a
+    // parameter table; the command asks for the path first.
+    BOOL SaveSetValuesAs(const CString& path);
+    void SaveSetValuesCommand();
     // The filter button was pressed; `choice` is the menu entry taken, 0 for none.
     void ApplyFilterChoice(UINT choice);
     void CheckAllRows();

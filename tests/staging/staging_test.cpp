@@ -217,6 +217,23 @@ TEST_F(StagingTest, ParameterFileFillsSetValuesAfterTheTypeQuestion) {
     std::filesystem::remove(path);
 }
 
+TEST_F(StagingTest, SavedSetValuesAreTheCheckedRowsStagedValues) {
+    Stage("H06-02", 1500, TRUE);
+    Stage("H06-03", 2, FALSE);
+    const std::string path = (std::filesystem::temp_directory_path() /
+                              ("staged-" + std::to_string(::getpid()) + ".zorparam"))
+                                 .string();
+    ASSERT_TRUE(Page2().SaveSetValuesAs(CString(path.c_str())));
+    auto* file = static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
+    file->LoadContext(module);
+    ASSERT_TRUE(file->Open(CString(path.c_str())));
+    ASSERT_EQ(file->GetVarList()->GetCount(), 1);
+    EXPECT_EQ(file->GetVarList()->FindByCode("H06-02")->GetValue(), Variant::UI2(1500));
+    file->Release();
+    EXPECT_FALSE(Page2().SaveSetValuesAs(CString((path + ".txt").c_str())));
+    std::filesystem::remove(path);
+}
+
 TEST_F(StagingTest, FrameOpenAndDownloadWritesTheChosenFile) {
     const std::string path = WriteParamFile(4321, false);
     std::vector<CString> asked;
