@@ -1,4 +1,4 @@
-// The windowless forms of the program, for scripts: --list and --export.
+// The windowless forms of the program, for scripts: --list, --export and --download.
 #pragma once
 
 #include "Options.h"
@@ -8,5 +8,6 @@ namespace zordrivebench {
 // Each returns the process's exit code; results go to stdout, problems to stderr.
 int RunList(const Options& options);
 int RunExport(const Options& options);
+int RunDownload(const Options& options);
 
 } // namespace zordrivebench

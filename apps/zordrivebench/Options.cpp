@@ -5,12 +5,22 @@ namespace zordrivebench {
 const char* UsageText() {
     return "usage: zordrivebench [--project FILE] [--screenshot FILE.png]\n"
            "       zordrivebench [--project FILE] --list\n"
-           "       zordrivebench [--project FILE] --export KEY FILE.csv|FILE.zorparam\n"
-           "\n"
-           "Without --project the built-in demo project with three simulated drives opens.\n"
-           "--list prints one line per module: its key, a tab, its display name.\n"
-           "--export writes the parameter table of module KEY to FILE.csv, or its parameter\n"
-           "file to FILE.zorparam, no window shown.\n"
+           "       zordrivebench [--project FILE] --export KEY FILE.csv|FILE.zorparam
+"
+           "       zordrivebench [--project FILE] --download KEY FILE
+"
+           "
+"
+           "Without --project the built-in demo project with three simulated drives opens.
+"
+           "--list prints one line per module: its key, a tab, its display name.
+"
+           "--export writes the parameter table of module KEY to FILE.csv, or its parameter
+"
+           "file to FILE.zorparam, no window shown.
+"
+           "--download writes FILE (.zorparam or a parameter table) to the drive of KEY.
+"
            "Without a display, or with --screenshot, the main window is rendered to a PNG\n"
            "after start-up and the program exits.\n";
 }
@@ -43,6 +53,14 @@ bool ParseOptions(const QStringList& args, Options& options, QString& error) {
                 return false;
             }
             parsed.exportFile = args[++i];
+        } else if (a == QLatin1String("--download")) {
+            if (!value(parsed.downloadKey))
+                return false;
+            if (i + 1 >= args.size() || args[i + 1].isEmpty()) {
+                error = QStringLiteral("--download needs a module key and a file");
+                return false;
+            }
+            parsed.downloadFile = args[++i];
         } else if (a == QLatin1String("--help") || a == QLatin1String("-h")) {
             parsed.help = true;
         } else {
@@ -50,13 +68,16 @@ bool ParseOptions(const QStringList& args, Options& options, QString& error) {
             return false;
         }
     }
-    if (parsed.list && !parsed.exportKey.isEmpty()) {
-        error = QStringLiteral("--list and --export are used one at a time");
+    if (int(parsed.list) + int(!parsed.exportKey.isEmpty()) + int(!parsed.downloadKey.isEmpty()) >
+        1) {
+        error = QStringLiteral("--list, --export and --download are used one at a time");
         return false;
     }
     if (parsed.IsCommand() && !parsed.screenshot.isEmpty()) {
         error = QStringLiteral("--screenshot needs the window; it doesn't go with %1")
-                    .arg(parsed.list ? QStringLiteral("--list") : QStringLiteral("--export"));
+                    .arg(parsed.list                  ? QStringLiteral("--list")
+                         : parsed.exportKey.isEmpty() ? QStringLiteral("--download")
+                                                      : QStringLiteral("--export"));
         return false;
     }
     options = parsed;

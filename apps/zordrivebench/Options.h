@@ -12,9 +12,11 @@ struct Options {
     bool list = false;
     QString exportKey;
     QString exportFile;
+    QString downloadKey;
+    QString downloadFile;
     bool help = false;
 
-    bool IsCommand() const { return list || !exportKey.isEmpty(); }
+    bool IsCommand() const { return list || !exportKey.isEmpty() || !downloadKey.isEmpty(); }
 };
 
 // `args` without the program name. On failure `error` says what was wrong.
@@ -30,6 +32,8 @@ enum ExitCode {
     kExitOffline = 5,       // the module's drive is offline or doesn't answer
     kExitPlugin = 6,        // the parameter module can't be loaded
     kExitNoFile = 7,        // the export left no file
+    kExitBadFile = 8,       // the file to download can't be read
+    kExitWriteFailed = 9,   // the drive refused or lost some writes of a download
 };
 
 } // namespace zordrivebench

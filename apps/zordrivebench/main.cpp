@@ -3,6 +3,7 @@
 //   zordrivebench [--project FILE] [--screenshot FILE.png]
 //   zordrivebench [--project FILE] --list
 //   zordrivebench [--project FILE] --export KEY FILE.csv
+//   zordrivebench [--project FILE] --download KEY FILE
 //
 // Without a display (or with --screenshot) the main window is rendered to a PNG once the
 // first module's panel is up, and the program exits. Exit codes: Options.h.
@@ -93,6 +94,10 @@ int main(int argc, char** argv) {
     if (options.list) {
         QCoreApplication app(argc, argv);
         return RunList(options);
+    }
+    if (!options.downloadKey.isEmpty()) {
+        QCoreApplication app(argc, argv);
+        return RunDownload(options);
     }
     if (!options.exportKey.isEmpty()) {
         // The plug-in's windowless export still makes pictures: a GUI application, off screen.

@@ -1,6 +1,7 @@
 #include "pages/PageResources.h"
 
 #include "pages/VarTablePage1.h"
+#include "pages/VarTablePage2.h"
 #include "table/VarTable.h"
 
 #include <afx/afxres.h>
@@ -58,13 +59,37 @@ void RegisterPageResources(HINSTANCE module) {
     if (AfxFindDialogTemplate(module, IDD_VAR_TABLE_PAGE2) == nullptr) {
         DlgTemplate page{IDD_VAR_TABLE_PAGE2, "", 900, 520, {}, WS_CHILD | WS_VISIBLE};
         page.controls = {
-            {IDC_PAGE_SAVE_CHECKED, DlgCtl::Button, "保存勾选项", 4, 3, 84, 24},
-            {IDC_PAGE_UPDATE_ATTRIBUTES, DlgCtl::Button, "更新属性", 92, 3, 76, 24},
-            {IDC_PAGE_LIST, DlgCtl::List, "", 0, 32, 900, 488,
+            {IDC_PAGE2_UPLOAD_SAVE, DlgCtl::Button, "上传并保存\n（当前页所有）", 4, 3, 96, 38},
+            {IDC_PAGE2_OPEN_RECIPE, DlgCtl::Button, "打开配方", 104, 3, 70, 38},
+            {IDC_PAGE2_WRITE_CHECKED, DlgCtl::Button, "写入\n（当前页所有）", 178, 3, 90, 38},
+            {IDC_PAGE2_FILTER, DlgCtl::Button, "筛选", 272, 3, 64, 38},
+            {IDC_PAGE2_SELECT_ALL, DlgCtl::Check, "全选(当前页)", 340, 12, 96, 20},
+            {IDC_PAGE_UPDATE_ATTRIBUTES, DlgCtl::Button, "更新属性", 440, 3, 66, 38},
+            {IDC_PAGE2_COMPARE, DlgCtl::Button, "参数比较", 510, 3, 66, 38},
+            {IDC_PAGE2_AXIS_COPY, DlgCtl::Button, "轴拷贝", 580, 3, 56, 38},
+            {IDC_PAGE_ACCESS, DlgCtl::ComboDropList, "", 640, 10, 100, 24},
+            {IDC_PAGE2_FIND_LABEL, DlgCtl::Static, "查找", 746, 14, 30, 20},
+            {IDC_PAGE2_SEARCH, DlgCtl::ComboDropDown, "", 778, 10, 118, 24},
+            {IDC_PAGE_SAVE_CHECKED, DlgCtl::Button, "上传并保存\n(所有勾选项)", 4, 3, 96, 38, 0,
+             true},
+            {IDC_PAGE2_SAVE_SET_VALUES, DlgCtl::Button, "保存设定值\n(所有勾选项)", 4, 3, 96, 38, 0,
+             true},
+            {IDC_PAGE2_WRITE_ALL, DlgCtl::Button, "写入全部\n(除H00和H01組)", 4, 3, 96, 38, 0,
+             true},
+            {IDC_PAGE_LIST, DlgCtl::List, "", 0, 44, 900, 476,
              LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS},
         };
         AfxRegisterDialog(module, page);
     }
+    if (AfxFindMenuTemplate(module, IDR_PAGE2_FILTER_MENU) == nullptr)
+        AfxRegisterMenu(module, MenuTemplate{IDR_PAGE2_FILTER_MENU,
+                                             {{0,
+                                               "筛选",
+                                               MF_POPUP,
+                                               {{ID_FILTER_SET_NOT_CURRENT, "设定值与当前值不同"},
+                                                {ID_FILTER_MODIFIED, "当前值与出厂值不同"},
+                                                {ID_FILTER_SET_NOT_FACTORY, "设定值与出厂值不同"},
+                                                {ID_FILTER_CHECKED, "仅显示勾选项"}}}}});
     RegisterStateIcon(module, IDI_STATE_NONE, 0);
     RegisterStateIcon(module, IDI_STATE_UNCHECKED, 1);
     RegisterStateIcon(module, IDI_STATE_CHECKED, 2);

@@ -1,5 +1,6 @@
 #include "pages/VarTableListCtrl.h"
 
+#include "module/host/IVarObjEx.h"
 #include "pages/VarTablePageBase.h"
 
 CString CVarTableListCtrlBase::OnGetCellText(int nItem, int nSubItem) {
@@ -84,4 +85,13 @@ void CVarTableListCtrl_1::OnMouseMove(UINT nFlags, CPoint point) {
         m_tipText = text;
         m_toolTip.UpdateTipText(m_tipText.GetString(), this);
     }
+}
+
+int CVarTableListCtrl_2::OnGetStateImage(int nItem) {
+    IVarObjEx* var = m_pPage != nullptr && nItem >= 0 && nItem < m_pPage->GetShownCount()
+                         ? m_pPage->GetShownVar(nItem)
+                         : nullptr;
+    if (var == nullptr)
+        return -1;
+    return var->IsChecked() ? 2 : 1;
 }

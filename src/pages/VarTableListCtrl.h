@@ -45,4 +45,8 @@ private:
     CToolTipCtrl m_toolTip;
 };
 
-class CVarTableListCtrl_2 : public CVarTableListCtrlBase {};
+// The staging list: its check boxes show the check marks the host keeps per variable.
+class CVarTableListCtrl_2 : public CVarTableListCtrlBase {
+public:
+    int OnGetStateImage(int nItem) override;
+};

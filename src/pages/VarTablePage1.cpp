@@ -51,8 +51,7 @@ BOOL CVarTablePage1::OnInitDialog() {
         update->ShowWindow(m_pTable != nullptr && m_pTable->SupportsAttributeUpdate() ? SW_SHOW
                                                                                       : SW_HIDE);
     // The flows behind these buttons are not offered from this page yet.
-    for (UINT id :
-         {IDC_PAGE1_UPLOAD_SAVE, IDC_PAGE1_OPEN_DOWNLOAD, IDC_PAGE1_COMPARE, IDC_PAGE1_AXIS_COPY})
+    for (UINT id : {IDC_PAGE1_UPLOAD_SAVE, IDC_PAGE1_COMPARE, IDC_PAGE1_AXIS_COPY})
         if (CWnd* button = GetDlgItem(int(id)))
             button->EnableWindow(FALSE);
     m_bLanguageListener = theApp.AddLanguageListener(this);
@@ -86,6 +85,10 @@ BOOL CVarTablePage1::OnCommand(WPARAM wParam, LPARAM lParam) {
     }
     if (id == IDC_PAGE_UPDATE_ATTRIBUTES && code == BN_CLICKED) {
         UpdateAttributes();
+        return TRUE;
+    }
+    if (id == IDC_PAGE1_OPEN_DOWNLOAD && code == BN_CLICKED) {
+        m_pTable->OpenAndDownloadCommand();
         return TRUE;
     }
     if (id == IDC_PAGE_ACCESS && code == CBN_SELCHANGE) {

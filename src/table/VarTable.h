@@ -106,6 +106,8 @@ public:
     void ShowVarDescription(IVarObjEx* var);
     BOOL IsOscilloscopeBusy(IHostDeviceModule* module);
     BOOL IsOscilloscopeWindowVisible();
+    // Command 1998 of the live list: the host opens a parameter file and downloads it.
+    void OpenAndDownloadCommand();
     void OpenCompareDialog();
     void ApplyAccessLevel(IHostDeviceModule* module, int level);
     void ApplyAccessLevelToAll(int level);

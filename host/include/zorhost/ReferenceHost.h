@@ -22,6 +22,7 @@
 #include "zorhost/services/HostUiService.h"
 #include "zorhost/services/HostVarUtil.h"
 #include "zorhost/services/Oscilloscope.h"
+#include "zorhost/services/ParamRecord.h"
 #include "zorhost/sim/DriveDirectory.h"
 #include "zorhost/sim/SimulatedDrive.h"
 
@@ -155,6 +156,7 @@ private:
     CHostHelpService m_help;
     COscilloscopePanel m_scope;
     CHostCommState m_commState;
+    CHostParamRecordFactory m_recordFactory;
     std::unique_ptr<TransferProgress> m_progress;
     TransferEndHandler m_transferEnded;
     bool m_english = false;

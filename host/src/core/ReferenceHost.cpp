@@ -83,8 +83,9 @@ void ReferenceHost::RegisterServices() {
     m_services.Register<IHostProductDb>(&m_productDb);
     m_moduleManager.RegisterModuleInterface(IOscilloscopePanel::kIID, &m_scope);
     // IHostTabManager belongs to the program's main window, which registers it itself.
-    // TODO(host services): IHostParamRecordFactory and IHostVarPicker come with the file
-    // side of the host.
+    m_services.Register<IHostParamRecordFactory>(&m_recordFactory);
+    m_transfer.SetModuleManager(&m_moduleManager);
+    // TODO(host services): IHostVarPicker comes with the file side of the host.
 }
 
 void ReferenceHost::SetTransferEndHandler(TransferEndHandler handler) {

@@ -188,16 +188,8 @@ BOOL CHostTransferService::GetModuleVars(const CString& moduleKey, std::vector<I
     return 1;
 }
 
-// TODO(files): downloads, parameter files and axis comparison arrive with the host's file
-// store; until then they are refused without starting anything.
-BOOL CHostTransferService::OpenAndDownload(HWND, const CString&) {
-    return 0;
-}
-
-BOOL CHostTransferService::DownloadRecords(HWND, const CString&, const std::vector<IRWDataItem*>&) {
-    return 0;
-}
-
+// TODO(files): axis comparison arrives with the host's file store; until then it is
+// refused without starting anything.
 BOOL CHostTransferService::CompareAxes(const CString&, const CString&, const CString&,
                                        const CString&, std::vector<IRWDataItem*>&) {
     return 0;

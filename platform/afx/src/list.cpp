@@ -180,6 +180,9 @@ bool AfxListView::CellColors(int row, int col, COLORREF& text, COLORREF& back) {
 }
 
 UINT AfxListView::StateImage(int row) const {
+    if (CListCtrl* owner = Owner())
+        if (const int image = owner->OnGetStateImage(row); image >= 0)
+            return UINT(image);
     const auto it = m_stateImages.find(row);
     if (it != m_stateImages.end())
         return it->second;
@@ -413,6 +416,10 @@ static AfxListView* ViewOf(HWND h) {
 
 BOOL CListCtrl::Create(DWORD dwStyle, const RECT& rect, CWnd* pParentWnd, UINT nID) {
     return CreateFromKind(KList, "", dwStyle | LVS_REPORT, rect, pParentWnd, nID);
+}
+
+int CListCtrl::OnGetStateImage(int) {
+    return -1;
 }
 
 CString CListCtrl::OnGetCellText(int nItem, int nSubItem) {

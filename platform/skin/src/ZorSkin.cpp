@@ -186,6 +186,15 @@ void CZorSkinPButton::SetIcon(HICON hIcon) {
             b->setIcon(QIcon(AfxIconPixmap(hIcon)));
 }
 
+void CZorSkinPButton::SetFaceColor(COLORREF color) {
+    m_face = color;
+    if (QWidget* w = W(this))
+        w->setStyleSheet(QString("background-color: rgb(%1, %2, %3);")
+                             .arg(GetRValue(color))
+                             .arg(GetGValue(color))
+                             .arg(GetBValue(color)));
+}
+
 // ---------------------------------------------------------------- menu button
 CZorSkinPMenuButton::CZorSkinPMenuButton() = default;
 CZorSkinPMenuButton::~CZorSkinPMenuButton() = default;

@@ -28,6 +28,7 @@ public:
 
     // Language of the failure texts handed back to callers.
     void SetEnglish(bool english) { m_english = english; }
+    bool IsEnglish() const { return m_english; }
     // Where the scale of the user interface comes from (the host's text service); 1.0
     // without one.
     void SetUiScaleSource(std::function<double()> source) { m_uiScale = std::move(source); }

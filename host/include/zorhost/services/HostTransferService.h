@@ -4,6 +4,7 @@
 // way: a drive that fails or goes offline ends it with success 0.
 #pragma once
 
+#include "module/host/HostFwd.h"
 #include "module/host/IHostTransferService.h"
 
 #include <functional>
@@ -51,16 +52,43 @@ public:
     BOOL UploadModule(HWND owner, const CString& moduleKey) override;
     BOOL SyncModuleAttributes(HWND owner, const CString& moduleKey, int mode) override;
     BOOL GetModuleVars(const CString& moduleKey, std::vector<IVarObjEx*>& vars) override;
-    // Downloads, files and axis comparison come with the file side of the host; until
-    // then they are refused (and, where a transfer would have started, announce nothing).
+    // Asks for a file with the chooser, reads it, asks before a file of another device
+    // type and downloads it as DownloadRecords does.
     BOOL OpenAndDownload(HWND owner, const CString& moduleKey) override;
+    // Writes the records in their order. Success only when every write was taken: a
+    // refused write is noted and the rest go on; a drive gone offline fails all that is
+    // left. Announced in every case.
     BOOL DownloadRecords(HWND owner, const CString& moduleKey,
                          const std::vector<IRWDataItem*>& records) override;
+    // Axis comparison comes with the file side of the host; until then it is refused.
     BOOL CompareAxes(const CString& sourceKey, const CString& targetKey, const CString& sourceAxis,
                      const CString& targetAxis, std::vector<IRWDataItem*>& rows) override;
     BOOL DownloadAxisRecords(HWND owner, const CString& targetKey, const CString& targetAxis,
                              const std::vector<IRWDataItem*>& rows) override;
     void NotifyLevelToTransfer(const CString& moduleKey, int level) override;
+
+    // The writes of the last download that did not get through.
+    struct FailedWrite {
+        UINT address = 0;
+        CString reason; // "H06-03: <reason>"
+    };
+    const std::vector<FailedWrite>& LastDownloadFailures() const { return m_failures; }
+
+    // How OpenAndDownload asks for a file and a confirmation; the program installs its
+    // dialogs, tests their answers. Without a chooser nothing is opened.
+    using FileChooser = std::function<CString(HWND owner)>;
+    using Question = std::function<bool(HWND owner, const CString& text)>;
+    void SetFileChooser(FileChooser chooser) { m_chooseFile = std::move(chooser); }
+    void SetQuestion(Question question) { m_ask = std::move(question); }
+    // Where OpenAndDownload gets its file objects (IHostModuleManager::CreateInstance).
+    void SetModuleManager(IHostModuleManager* manager) { m_manager = manager; }
+
+    // Reads a .zorparam or a parameter table into a new file object bound to `module`;
+    // null when it can't be read. The caller releases it.
+    IParamFile* ReadParamFile(const CString& path, IHostDeviceModule* module);
+    // The records a file gives for download: each of its parameters that the module has
+    // and may write, leaving out read-only and hidden parameters as the staging list does.
+    std::vector<IRWDataItem*> RecordsFromFile(IParamFile* file, IHostDeviceModule* module);
 
     // Last level each module reported, -1 when none.
     int NotifiedLevel(const CString& moduleKey) const;
@@ -72,6 +100,7 @@ private:
     // went offline or the user cancelled.
     bool ReadVars(const CString& moduleKey, const std::vector<IVarObjEx*>& vars);
     void AnnounceUpload(const CString& moduleKey, bool success);
+    void AnnounceDownload(const CString& moduleKey, bool success);
 
     sim::DriveDirectory& m_drives;
     CHostDeviceHelper& m_helper;
@@ -79,6 +108,10 @@ private:
     TransferProgress* m_progress = nullptr;
     std::function<void(int, int)> m_stepHook;
     int m_uploadsEnded = 0;
+    std::vector<FailedWrite> m_failures;
+    FileChooser m_chooseFile;
+    Question m_ask;
+    IHostModuleManager* m_manager = nullptr;
     mutable std::mutex m_levelMutex;
     std::vector<std::pair<CString, int>> m_levels;
 };

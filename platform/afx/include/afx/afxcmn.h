@@ -251,6 +251,9 @@ public:
     virtual BOOL OnGetCellColors(int nItem, int nSubItem, COLORREF& text, COLORREF& back);
     // The item's picture in the small image list (drawn in column 0), -1 for none.
     virtual int OnGetItemImage(int nItem);
+    // The item's state image (1 unchecked, 2 checked) when the owner keeps the check
+    // marks itself; -1 uses the state stored in the list.
+    virtual int OnGetStateImage(int nItem);
 
     // ---- styles
     DWORD SetExtendedStyle(DWORD dwNewStyle);

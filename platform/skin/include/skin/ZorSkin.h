@@ -94,6 +94,13 @@ class CZorSkinPComboBox : public CComboBox {};
 class CZorSkinPButton : public CButton {
 public:
     void SetIcon(HICON hIcon);
+    // Paints the button's face in `color` (a state the button stands for, such as a
+    // filter in force).
+    void SetFaceColor(COLORREF color);
+    COLORREF GetFaceColor() const { return m_face; }
+
+private:
+    COLORREF m_face = RGB(255, 255, 255);
 };
 
 // A button that shows a drop-down menu when pressed. The parent gets BN_CLICKED after the

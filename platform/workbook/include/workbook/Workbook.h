@@ -1,0 +1,60 @@
+// A recipe workbook as the reader needs it: its sheets in order with their names, each
+// with the cells of its used range as a number or a text. Opening never throws; a file
+// that is missing, unreadable or broken gives a workbook without sheets.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace workbook {
+
+struct Cell {
+    enum class Kind { Empty, Number, Text };
+    Kind kind = Kind::Empty;
+    double number = 0;
+    std::string text; // UTF-8
+
+    bool IsEmpty() const { return kind == Kind::Empty; }
+};
+
+class Sheet {
+public:
+    explicit Sheet(std::string name = {}) : m_name(std::move(name)) {}
+
+    const std::string& Name() const { return m_name; }
+    // The cell at `row` and `column`, both from 1 (A1 is 1, 1); empty outside the range.
+    const Cell& At(int row, int column) const;
+    // The last row that holds a cell, 0 for an empty sheet.
+    int LastUsedRow() const { return m_rows.empty() ? 0 : m_rows.rbegin()->first; }
+    void Set(int row, int column, Cell cell);
+
+private:
+    std::string m_name;
+    std::map<int, std::vector<Cell>> m_rows; // sparse: a far cell costs one entry
+};
+
+class Workbook {
+public:
+    // Reads `path` by its content (zip: .xlsx, compound document: .xls). False, with no
+    // sheets, when the file can't be read.
+    bool Open(const std::string& path);
+    const std::vector<Sheet>& Sheets() const { return m_sheets; }
+
+    // Limits against files of endless size.
+    static constexpr int kMaxRows = 1048576;
+    static constexpr int kMaxColumns = 16384;
+
+private:
+    std::vector<Sheet> m_sheets;
+};
+
+// Column letters to a number from 1 ("A" 1, "AA" 27); 0 when there are none.
+int ColumnFromLetters(const char*& cursor);
+
+namespace detail {
+bool ReadXlsx(const std::string& path, std::vector<Sheet>& sheets);
+bool ReadXls(const std::string& path, std::vector<Sheet>& sheets);
+} // namespace detail
+
+} // namespace workbook

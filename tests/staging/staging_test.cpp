@@ -1,0 +1,254 @@
+#include "module/host/IHostModuleManager.h"
+#include "module/host/IParamFile.h"
+#include "module/host/IParamFileTable.h"
+#include "module/host/IVarAttr.h"
+#include "module/host/IVarObjEx.h"
+#include "module/host/IVarStore.h"
+#include "page_fixture.h"
+#include "pages/VarTablePage2.h"
+
+#include <afx/afxtest.h>
+
+#include <filesystem>
+
+namespace {
+
+using zorhost::sim::DriveRequest;
+using zorhost::sim::FailureMode;
+
+class StagingTest : public pt::PageTest {
+protected:
+    void SetUp() override {
+        pt::PageTest::SetUp();
+        zorhost::ProjectSetup setup = zorhost::ReferenceHost::DemoProject();
+        setup.listStyle = 1;
+        ASSERT_TRUE(host.LoadProject(setup));
+        OpenFrame("ZD3S");
+        Page2().ShowAllParameters(Store());
+        filterActive = 0;
+    }
+
+    CVarTablePage2& Page2() { return *static_cast<CVarTablePage2*>(table->GetPage2()); }
+    int Row2(const char* code) {
+        for (int i = 0; i < Page2().GetShownCount(); ++i) {
+            CString c;
+            Page2().GetShownVar(i)->GetAttr()->GetCode(c);
+            if (c == code)
+                return i;
+        }
+        return -1;
+    }
+    void Stage(const char* code, double value, BOOL checked) {
+        Var(code)->SetSetValue(Variant::UI2(uint16_t(value)));
+        Var(code)->SetChecked(checked);
+    }
+    std::vector<UINT> Writes() {
+        std::vector<UINT> addresses;
+        for (const DriveRequest& r : drive->TakeRequests())
+            if (r.kind == DriveRequest::Write)
+                addresses.push_back(r.address);
+        return addresses;
+    }
+    size_t SuccessBoxes() {
+        size_t n = 0;
+        for (const AfxPrompt& p : prompts.prompts)
+            n += p.kind == AfxPrompt::MessageBox && p.text == "参数下载成功！";
+        return n;
+    }
+
+    // A parameter file of this servo holding `value` for H06-02 and H01-00; `otherType`
+    // gives it the label of another device type.
+    std::string WriteParamFile(uint16_t value, bool otherType) {
+        auto* file =
+            static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
+        file->GetVarList()->CopyFrom(Store());
+        const BYTE* own = module->GetElecLabel();
+        std::vector<BYTE> label(own, own + module->GetElecLabelSize());
+        if (otherType)
+            label[1] ^= 0x5A;
+        file->SetElecLabel(label.data(), UINT(label.size()));
+        for (const char* code : {"H06-02", "H01-00"})
+            file->GetVarList()->FindByCode(code)->SetValue(Variant::UI2(value));
+        const std::string path = (std::filesystem::temp_directory_path() /
+                                  ("staging-" + std::to_string(::getpid()) + ".zorparam"))
+                                     .string();
+        EXPECT_TRUE(file->Save(CString(path.c_str())));
+        file->Release();
+        return path;
+    }
+
+    CAfxRecordingResponder prompts;
+};
+
+TEST_F(StagingTest, TypedValueWaitsForTheWriteOfCheckedRowsInListOrder) {
+    const double before = DriveValue("H06-03");
+    const int row = Row2("H06-03");
+    ASSERT_GE(row, 0);
+    Page2().OnCellEditCommitted(row, Page2().GetValueColumn(), "3");
+    EXPECT_EQ(DriveValue("H06-03"), before);
+    EXPECT_TRUE(Var("H06-03")->IsChecked());
+    EXPECT_TRUE(Page2().GetPageList().GetCheck(row)); // the box shows the host's mark
+
+    Stage("H06-02", 100, TRUE);
+    Stage("H02-01", 1, FALSE); // a set value without a check stays behind
+    Stage("H01-00", 3, TRUE);  // never written: not modifiable
+    Writes();
+    Page2().WriteCheckedRows();
+    EXPECT_EQ(Writes(), (std::vector<UINT>{Address("H06-02"), Address("H06-03")}));
+    EXPECT_EQ(DriveValue("H06-02"), 100);
+    EXPECT_EQ(DriveValue("H06-03"), 3);
+    EXPECT_NE(DriveValue("H02-01"), 1);
+    EXPECT_EQ(SuccessBoxes(), 1u);
+    for (const char* code : {"H06-02", "H06-03", "H01-00"})
+        EXPECT_FALSE(Var(code)->IsChecked()) << code;
+    EXPECT_FALSE(Page2().GetPageList().GetCheck(row));
+    EXPECT_EQ(Var("H06-02")->GetSetValue().vt, VT_UI2); // set values stay
+}
+
+TEST_F(StagingTest, RefusedOrDroppedWritesFailAndAreNamed) {
+    Stage("H02-01", 1, TRUE);
+    Stage("H06-02", 6, TRUE);
+    Stage("H06-03", 2, TRUE);
+    drive->SetFailure(FailureMode::FailWrites, {Address("H02-01")});
+    Page2().WriteCheckedRows();
+    EXPECT_EQ(SuccessBoxes(), 0u);
+    EXPECT_EQ(DriveValue("H06-02"), 6); // the rest still went
+    auto failures = host.Transfer().LastDownloadFailures();
+    ASSERT_EQ(failures.size(), 1u);
+    EXPECT_EQ(failures[0].address, Address("H02-01"));
+    EXPECT_GE(failures[0].reason.Find("H02-01"), 0) << failures[0].reason.GetString();
+    EXPECT_FALSE(Var("H02-01")->IsChecked()); // marks go on failure too
+
+    // The drive drops after the first write: what was left fails without a try.
+    drive->ClearFailures();
+    for (const char* code : {"H02-01", "H06-02", "H06-03"})
+        Var(code)->SetChecked(TRUE);
+    host.Transfer().SetStepHook([&](int done, int) {
+        if (done == 1)
+            drive->SetFailure(FailureMode::Offline);
+    });
+    Page2().WriteCheckedRows();
+    host.Transfer().SetStepHook({});
+    failures = host.Transfer().LastDownloadFailures();
+    ASSERT_EQ(failures.size(), 2u);
+    EXPECT_EQ(failures[0].address, Address("H06-02"));
+    EXPECT_EQ(failures[1].address, Address("H06-03"));
+    EXPECT_EQ(SuccessBoxes(), 0u);
+}
+
+TEST_F(StagingTest, WriteAllLeavesOutH00H01AndEmptySetValues) {
+    Stage("H00-00", 2000, FALSE);
+    Stage("H06-02", 9, FALSE);
+    Var("H06-03")->SetSetValue(Variant());
+    Writes();
+    Page2().WriteAllSetValues();
+    EXPECT_EQ(Writes(), std::vector<UINT>{Address("H06-02")});
+    EXPECT_EQ(SuccessBoxes(), 1u);
+    // Offline: the warning, nothing sent.
+    host.SetOnline("ZD3S", false);
+    Page2().WriteAllSetValues();
+    EXPECT_TRUE(Writes().empty());
+    ASSERT_NE(prompts.Last(AfxPrompt::MessageBox), nullptr);
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "设备离线.");
+}
+
+TEST_F(StagingTest, FilterButtonShowsCheckedRowsAndCancels) {
+    const int all = Page2().GetShownCount();
+    Var("H03-00")->SetChecked(TRUE);
+    Var("H06-02")->SetChecked(TRUE);
+    Page2().ApplyFilterChoice(ID_FILTER_CHECKED);
+    EXPECT_EQ(filterActive, 1);
+    EXPECT_EQ(Page2().GetShownCount(), 2);
+    CString text;
+    Page2().GetFilterButton().GetWindowText(text);
+    EXPECT_EQ(text, "取消筛选");
+    Page2().ApplyFilterChoice(0);
+    EXPECT_EQ(filterActive, 0);
+    EXPECT_EQ(Page2().GetShownCount(), all);
+    // Comparing with the drive needs the drive: offline leaves everything as it was.
+    host.SetOnline("ZD3S", false);
+    Page2().ApplyFilterChoice(ID_FILTER_SET_NOT_CURRENT);
+    EXPECT_EQ(Page2().GetListFilter(), LIST_FILTER_ALL);
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "设备离线，无法进行当前值比较！");
+}
+
+TEST_F(StagingTest, WorkbookGoesToTheDrivesAndOnlyLowerCaseExtensionsAreWorkbooks) {
+    const std::filesystem::path source =
+        std::filesystem::path(PARMIRA_SOURCE_DIR) / "tests/workbook/data/recipe.xlsx";
+    const std::filesystem::path dir =
+        std::filesystem::temp_directory_path() / ("staging-" + std::to_string(::getpid()));
+    std::filesystem::create_directories(dir);
+    std::filesystem::copy_file(source, dir / "RECIPE.XLSX",
+                               std::filesystem::copy_options::overwrite_existing);
+    // Upper case: taken for a parameter file, which this workbook is not; nothing is sent.
+    Writes();
+    prompts.ChooseFiles({CString((dir / "RECIPE.XLSX").string().c_str())});
+    Page2().OpenRecipe();
+    EXPECT_TRUE(Writes().empty());
+    // Lower case: read as a workbook and sent to module 1 (this drive) at address 0x1A.
+    prompts.ChooseFiles({CString(source.string().c_str())});
+    Page2().OpenRecipe();
+    EXPECT_EQ(Writes(), std::vector<UINT>{26u});
+    EXPECT_EQ(SuccessBoxes(), 0u); // this route is not listened to
+    std::filesystem::remove_all(dir);
+}
+
+TEST_F(StagingTest, ParameterFileFillsSetValuesAfterTheTypeQuestion) {
+    const std::string path = WriteParamFile(1234, true);
+    Stage("H06-03", 2, TRUE);
+    Writes();
+    // Another device type, answered No: nothing changes.
+    prompts.ChooseFiles({CString(path.c_str())});
+    prompts.AnswerMessageBox(IDNO);
+    Page2().OpenRecipe();
+    ASSERT_NE(prompts.Last(AfxPrompt::MessageBox), nullptr);
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->Buttons(), UINT(MB_YESNO));
+    EXPECT_TRUE(Var("H06-03")->IsChecked());
+    EXPECT_TRUE(Var("H06-02")->GetSetValue().IsEmpty());
+    // Yes: the file replaces all set values; a read-only parameter isn't taken.
+    prompts.ChooseFiles({CString(path.c_str())});
+    prompts.AnswerMessageBox(IDYES);
+    Page2().OpenRecipe();
+    EXPECT_EQ(Var("H06-02")->GetSetValue(), Variant::UI2(1234));
+    EXPECT_TRUE(Var("H06-02")->IsChecked());
+    EXPECT_TRUE(Var("H01-00")->GetSetValue().IsEmpty());
+    EXPECT_FALSE(Var("H01-00")->IsChecked());
+    EXPECT_TRUE(Writes().empty()); // opening writes nothing
+    std::filesystem::remove(path);
+}
+
+TEST_F(StagingTest, SavedSetValuesAreTheCheckedRowsStagedValues) {
+    Stage("H06-02", 1500, TRUE);
+    Stage("H06-03", 2, FALSE);
+    const std::string path = (std::filesystem::temp_directory_path() /
+                              ("staged-" + std::to_string(::getpid()) + ".zorparam"))
+                                 .string();
+    ASSERT_TRUE(Page2().SaveSetValuesAs(CString(path.c_str())));
+    auto* file = static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
+    file->LoadContext(module);
+    ASSERT_TRUE(file->Open(CString(path.c_str())));
+    ASSERT_EQ(file->GetVarList()->GetCount(), 1);
+    EXPECT_EQ(file->GetVarList()->FindByCode("H06-02")->GetValue(), Variant::UI2(1500));
+    file->Release();
+    EXPECT_FALSE(Page2().SaveSetValuesAs(CString((path + ".txt").c_str())));
+    std::filesystem::remove(path);
+}
+
+TEST_F(StagingTest, FrameOpenAndDownloadWritesTheChosenFile) {
+    const std::string path = WriteParamFile(4321, false);
+    std::vector<CString> asked;
+    host.Transfer().SetFileChooser([&](HWND) { return CString(path.c_str()); });
+    host.Transfer().SetQuestion([&](HWND, const CString& text) {
+        asked.push_back(text);
+        return true;
+    });
+    table->OpenAndDownloadCommand();
+    EXPECT_EQ(asked.size(), 1u); // the confirmation only: same device type
+    EXPECT_EQ(DriveValue("H06-02"), 4321);
+    EXPECT_NE(DriveValue("H01-00"), 4321); // read-only parameters are left out
+    host.Transfer().SetFileChooser({});
+    host.Transfer().SetQuestion({});
+    std::filesystem::remove(path);
+}
+
+} // namespace
