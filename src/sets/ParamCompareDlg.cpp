@@ -81,8 +81,12 @@ CString CCompareListCtrl::OnGetCellText(int nItem, int nSubItem) {
 }
 
 CParamCompareDlg::CParamCompareDlg(CWnd* pParent) : CZorSkinPDialog(IDD_PARAM_COMPARE, pParent) {
-    RegisterParamCompareResources(theApp.m_hResource);
     theApp.AddLanguageListener(this);
+}
+
+BOOL CParamCompareDlg::Create(UINT nIDTemplate, CWnd* pParentWnd) {
+    RegisterParamCompareResources(theApp.m_hResource);
+    return CZorSkinPDialog::Create(nIDTemplate, pParentWnd);
 }
 
 CParamCompareDlg::~CParamCompareDlg() {

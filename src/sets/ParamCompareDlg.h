@@ -61,6 +61,9 @@ public:
     CParamCompareDlg(const CParamCompareDlg&) = delete;
     CParamCompareDlg& operator=(const CParamCompareDlg&) = delete;
 
+    // Modeless, from the dialog's template (registered on first use).
+    BOOL Create(UINT nIDTemplate, CWnd* pParentWnd = nullptr) override;
+
     // Before the window exists: the module whose entries are preselected.
     void SetModule(IHostDeviceModule* module) { m_pModule = module; }
 

@@ -129,8 +129,12 @@ CString CShaftCopyListCtrl::OnGetCellText(int nItem, int nSubItem) {
 }
 
 CShaftCopyDialog::CShaftCopyDialog(CWnd* pParent) : CZorSkinPDialog(IDD_SHAFT_COPY, pParent) {
-    RegisterShaftCopyResources(theApp.m_hResource);
     theApp.AddLanguageListener(this);
+}
+
+INT_PTR CShaftCopyDialog::DoModal() {
+    RegisterShaftCopyResources(theApp.m_hResource);
+    return CZorSkinPDialog::DoModal();
 }
 
 CShaftCopyDialog::~CShaftCopyDialog() {

@@ -55,6 +55,8 @@ public:
     CShaftCopyDialog& operator=(const CShaftCopyDialog&) = delete;
 
     void SetModule(IHostDeviceModule* module) { m_pModule = module; }
+    // Registers the template on first use, then runs the dialog.
+    INT_PTR DoModal() override;
 
     // The buttons' actions, also for tests.
     void Compare();
