@@ -93,10 +93,8 @@ BOOL CVarCompare::Run(const std::vector<IVarObjEx*>& set1, int source1,
 
 void CVarCompare::ComparePair(IVarObjEx* var1, int source1, IVarObjEx* var2, int source2,
                               CVarCompareRstList& agree, CVarCompareRstList& differ) {
-    const Variant value1 = SourceValue(var1, source1);
-    const Variant value2 = SourceValue(var2, source2);
-    if (IsEmptyValue(value1) || IsEmptyValue(value2))
-        return;
+    // The attribute rules come before the values: they are cheaper, and a pair must pass
+    // all of them anyway.
     IVarAttr* attr1 = var1->GetAttr();
     IVarAttr* attr2 = var2->GetAttr();
     // Values shown as "******" are never compared.
@@ -107,6 +105,10 @@ void CVarCompare::ComparePair(IVarObjEx* var1, int source1, IVarObjEx* var2, int
         return;
     if (m_bHideReadOnly &&
         (attr1->GetModifyMode() == kModifyNever || attr2->GetModifyMode() == kModifyNever))
+        return;
+    const Variant value1 = SourceValue(var1, source1);
+    const Variant value2 = SourceValue(var2, source2);
+    if (IsEmptyValue(value1) || IsEmptyValue(value2))
         return;
 
     auto* rst = new CVarCompareRst;
