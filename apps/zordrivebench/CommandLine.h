@@ -8,5 +8,7 @@ namespace zordrivebench {
 // Each returns the process's exit code; results go to stdout, problems to stderr.
 int RunList(const Options& options);
 int RunExport(const Options& options);
+// Defined in CompareCommand.cpp.
+int RunCompare(const Options& options);
 
 } // namespace zordrivebench

@@ -12,9 +12,15 @@ struct Options {
     bool list = false;
     QString exportKey;
     QString exportFile;
+    // --compare A B [--same] [--out FILE.csv] [--module KEY]
+    QString compareA;
+    QString compareB;
+    bool compareSame = false;
+    QString compareOut;
+    QString contextModule;
     bool help = false;
 
-    bool IsCommand() const { return list || !exportKey.isEmpty(); }
+    bool IsCommand() const { return list || !exportKey.isEmpty() || !compareA.isEmpty(); }
 };
 
 // `args` without the program name. On failure `error` says what was wrong.
@@ -30,6 +36,10 @@ enum ExitCode {
     kExitOffline = 5,       // the module's drive is offline or doesn't answer
     kExitPlugin = 6,        // the parameter module can't be loaded
     kExitNoFile = 7,        // the export left no file
+    // --compare exits as diff does: 0 nothing differs, 1 something differs, 2 and above
+    // for errors (those above, and the next one).
+    kExitDiffers = 1,
+    kExitBadParamFile = 8, // a parameter file can't be read, or has no module to read it by
 };
 
 } // namespace zordrivebench
