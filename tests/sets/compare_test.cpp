@@ -3,12 +3,20 @@
 // the command line.
 #include "sets_fixture.h"
 
+#include "module/ModuleResources.h"
 #include "module/host/IHostDeviceModule.h"
 #include "module/host/IVarAttr.h"
 #include "module/host/IVarObjEx.h"
 #include "module/host/IVarStore.h"
+#include "pages/PageResources.h"
 #include "sets/ParamCompareDlg.h"
+#include "sets/ShaftCopyDialog.h"
 #include "sets/VarCompare.h"
+#include "table/ParmiraDialog.h"
+#include "table/TableResources.h"
+#include "table/VarTable.h"
+
+#include <afx/afxres.h>
 
 #include <fstream>
 #include <set>
@@ -250,6 +258,56 @@ TEST_F(CompareTest, AStopRequestEndsALargeCompareAtOnce) {
             diff.DeleteAll();
         }
     }
+}
+
+} // namespace
+
+namespace {
+
+// The frame opens one compare dialog for its pages, shows it again after a close, runs the
+// axis copy for a page, and takes the compare dialog down with it.
+TEST_F(SetsTest, ThePagesButtonsOpenTheFramesCompareDialogAndTheAxisCopy) {
+    RegisterTableResources(theApp.m_hResource);
+    RegisterPageResources(theApp.m_hResource);
+    AfxRegisterDialog(theApp.m_hResource, DlgTemplate{9903, "Parmira", 1100, 640, {}, WS_POPUP});
+    CDialog parent;
+    ASSERT_TRUE(parent.Create(9903, nullptr));
+    CParmiraDialog panel;
+    panel.SetProject(host.Project());
+    panel.SetModuleKey("ZD4M");
+    ASSERT_TRUE(panel.Create(IDD_PARMIRA_PANEL, &parent));
+    CVarTable* table = panel.GetTable();
+    ASSERT_NE(table, nullptr);
+    CVarTablePage* page = table->GetPage1();
+    ASSERT_NE(page, nullptr);
+    auto press = [&](UINT id) {
+        page->SendMessage(WM_COMMAND, MAKEWPARAM(WORD(id), WORD(BN_CLICKED)), 0);
+    };
+
+    press(1993);
+    CParamCompareDlg* dlg = table->GetCompareDialog();
+    ASSERT_NE(dlg, nullptr);
+    EXPECT_TRUE(dlg->IsWindowVisible());
+    auto* source = static_cast<CComboBox*>(dlg->GetDlgItem(int(IDC_COMPARE_SOURCE1)));
+    EXPECT_EQ(source->GetItemDataPtr(source->GetCurSel()), host.Module("ZD4M"));
+    dlg->SendMessage(WM_CLOSE);
+    EXPECT_FALSE(dlg->IsWindowVisible());
+    press(1993);
+    EXPECT_EQ(table->GetCompareDialog(), dlg);
+    EXPECT_TRUE(dlg->IsWindowVisible());
+
+    CShaftCopyDialog* shown = nullptr;
+    CAfxModalDriver driver([&](CDialog& d) {
+        shown = static_cast<CShaftCopyDialog*>(&d);
+        EXPECT_EQ(shown->GetTargetDevice(), host.Module("ZD4M"));
+        d.EndDialog(IDCANCEL);
+    });
+    press(1997);
+    EXPECT_EQ(driver.runs, 1);
+    EXPECT_NE(shown, nullptr);
+
+    panel.DestroyWindow();
+    parent.DestroyWindow();
 }
 
 } // namespace
