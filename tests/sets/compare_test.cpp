@@ -5,6 +5,9 @@
 
 #include "module/ModuleResources.h"
 #include "module/host/IHostDeviceModule.h"
+#include "module/host/IHostModuleManager.h"
+#include "module/host/IParamFile.h"
+#include "module/host/IParamFileTable.h"
 #include "module/host/IVarAttr.h"
 #include "module/host/IVarObjEx.h"
 #include "module/host/IVarStore.h"
@@ -195,6 +198,33 @@ TEST_F(CompareTest, AnOfflineOrFailingDriveComparesNothingAndLeavesTheControlsEn
     EXPECT_TRUE(StartEnabled());
     EXPECT_TRUE(dlg.GetDlgItem(int(IDC_COMPARE_SOURCE1))->IsWindowEnabled());
     EXPECT_EQ(dlg.GetUploadCount(), 0);
+}
+
+// A parameter file on one side: its upload box goes, and its rows meet the drive's by
+// address, so only what changed on the drive since the file was written differs.
+TEST_F(CompareTest, AFileAgainstItsDriveDiffersWhereTheDriveChangedSince) {
+    host.Transfer().UploadModule(nullptr, "ZD3S");
+    IHostDeviceModule* module = host.Module("ZD3S");
+    auto* file = static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
+    ASSERT_NE(file, nullptr);
+    file->SetElecLabel(module->GetElecLabel(), module->GetElecLabelSize());
+    file->GetVarList()->CopyFrom(module->GetVarList());
+    const CString path((dir + "/zd3s.zorparam").c_str());
+    ASSERT_TRUE(file->Save(path));
+    file->Release();
+    Poke("ZD3S", "H00-08", 2500);
+
+    prompts.ChooseFiles({path});
+    auto* source = static_cast<CComboBox*>(dlg.GetDlgItem(int(IDC_COMPARE_SOURCE2)));
+    source->SetCurSel(source->GetCount() - 1);
+    Command(IDC_COMPARE_SOURCE2, CBN_SELCHANGE);
+    EXPECT_FALSE(dlg.GetDlgItem(int(IDC_COMPARE_UPLOAD2))->IsWindowVisible());
+    CString shown;
+    dlg.GetDlgItemText(int(IDC_COMPARE_PATH2), shown);
+    EXPECT_EQ(shown, path);
+    Run();
+    EXPECT_EQ(Codes(dlg.GetDiffList()), std::set<std::string>{"H00-08"});
+    EXPECT_GT(dlg.GetSameList().GetCount(), 100);
 }
 
 // The index finds what the walk from the start finds, duplicate addresses included: the

@@ -3,9 +3,16 @@
 #include "sets_fixture.h"
 
 #include "module/host/IHostDeviceModule.h"
+#include "module/host/IHostModuleManager.h"
+#include "module/host/IParamFile.h"
+#include "module/host/IParamFileTable.h"
 #include "module/host/IRWDataItem.h"
+#include "module/host/IVarAttr.h"
+#include "module/host/IVarObjEx.h"
+#include "module/host/IVarStore.h"
 #include "sets/ShaftCopyDialog.h"
 
+#include <cstring>
 #include <functional>
 
 namespace {
@@ -94,6 +101,49 @@ TEST_F(ShaftCopyTest, SelectAllOffGivesUntickedRowsAndWritesNothing) {
         Press(dlg, IDOK);
     });
     EXPECT_EQ(Peek("ZD4M", "A4.H06-02"), 0);
+}
+
+// Mode 1 writes, without a compare, every parameter of the target axis that the shown
+// module's level lets the user see, with the source axis's values; the file opens as a
+// file of the target drive.
+TEST_F(ShaftCopyTest, TheFileOfModeOneHoldsTheSourceValuesInTheTargetsShape) {
+    Poke("ZD4M", "A1.H06-02", 200);
+    host.Transfer().UploadModule(nullptr, "ZD4M");
+    IHostDeviceModule* module = host.Module("ZD4M");
+    module->SetAccessLevel(1); // the user's level: the motor data (level 3) stays out
+    const std::string path = dir + "/axis2.zorparam";
+    prompts.ChooseFiles({CString(path.c_str())});
+    EXPECT_EQ(RunDialog([&](CShaftCopyDialog& dlg) {
+                  Select(dlg, IDC_SHAFT_TARGET_AXIS, 1);
+                  dlg.CheckRadioButton(int(IDC_SHAFT_MODE_DOWNLOAD), int(IDC_SHAFT_MODE_FILE),
+                                       int(IDC_SHAFT_MODE_FILE));
+                  Press(dlg, IDOK);
+              }),
+              IDOK);
+    EXPECT_EQ(prompts.Last(AfxPrompt::FileDialog)->text, "轴2");
+    EXPECT_EQ(Boxes(("保存到'" + path + "'成功。").c_str()), 1u);
+
+    auto* file = static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
+    ASSERT_NE(file, nullptr);
+    file->LoadContext(module);
+    ASSERT_TRUE(file->Open(CString(path.c_str())));
+    ASSERT_EQ(file->GetElecLabelSize(), module->GetElecLabelSize());
+    EXPECT_EQ(std::memcmp(file->GetElecLabel(), module->GetElecLabel(), module->GetElecLabelSize()),
+              0);
+    IParamFileTable* table = file->GetVarList();
+    IVarStore* store = module->GetVarList();
+    IVarObjEx* copied = table->FindByAddress(store->FindByCode("A2.H06-02")->GetInstanceAddress());
+    ASSERT_NE(copied, nullptr);
+    EXPECT_EQ(host.VarUtil().VariantAsDouble(copied->GetValue()), 200);
+    EXPECT_EQ(table->FindByAddress(store->FindByCode("A1.H06-02")->GetInstanceAddress()), nullptr);
+    EXPECT_EQ(table->FindByAddress(store->FindByCode("A2.H00-03")->GetInstanceAddress()), nullptr);
+    EXPECT_GT(table->GetCount(), 10);
+    for (int i = 0; i < table->GetCount(); ++i) {
+        IVarAttr* attr = table->GetAt(i)->GetAttr();
+        ASSERT_NE(attr, nullptr);
+        EXPECT_LE(attr->GetAccessLevel(), module->GetAccessLevel());
+    }
+    file->Release();
 }
 
 // Different series, the same axis twice and an offline target are refused before anything
