@@ -53,6 +53,27 @@ TEST(CompareCommand, PrintsTheRowsAsCsvAndExitsAsDiffDoes) {
     ASSERT_GT(rows.size(), 100);
     EXPECT_TRUE(rows[2].startsWith("1,H00-00,"));
 
+    // A parameter table meets the drive by address: a row whose code was changed in the
+    // file still finds its parameter.
+    const QString table = QDir(dir.path()).filePath(QStringLiteral("zd3s.csv"));
+    ASSERT_EQ(Program({"--export", "ZD3S", table}).code, 0);
+    QFile csv(table);
+    ASSERT_TRUE(csv.open(QIODevice::ReadOnly));
+    QByteArray bytes = csv.readAll();
+    csv.close();
+    const QByteArray row = QStringLiteral("\nH06-04,速度指令键盘设定值,200,").toUtf8();
+    ASSERT_TRUE(bytes.contains(row));
+    bytes.replace(row, QStringLiteral("\nX06-04,速度指令键盘设定值,300,").toUtf8());
+    ASSERT_TRUE(csv.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    csv.write(bytes);
+    csv.close();
+    const Outcome byAddress = Program({"--compare", "ZD3S", table});
+    EXPECT_EQ(byAddress.code, 1) << byAddress.err.toStdString();
+    const QList<QByteArray> differing = byAddress.out.split('\n');
+    ASSERT_EQ(differing.size(), 4);
+    EXPECT_EQ(QString::fromUtf8(differing[2]),
+              QStringLiteral("1,H06-04,速度指令键盘设定值,200,X06-04,速度指令键盘设定值,300"));
+
     for (const auto& [args, code] : std::vector<std::pair<QStringList, int>>{
              {{"--compare", "ZD3S"}, 2},
              {{"--compare", "ZD3S", "NOPE"}, 4},
