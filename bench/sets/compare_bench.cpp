@@ -20,9 +20,6 @@ namespace {
 struct Drives {
     zorhost::ReferenceHost host;
     std::vector<IVarObjEx*> set1, set2;
-    // A drive never read: its variables have no current value, so every pair is matched
-    // and then left out before any row is made. It shows the match alone.
-    std::vector<IVarObjEx*> unread;
     std::string file;
 };
 
@@ -40,9 +37,7 @@ Drives& DrivesOf(int params) {
     std::ofstream(d->file) << zorhost::device::GenerateDeviceJson(params);
     std::remove(name);
     zorhost::ProjectSetup setup;
-    setup.modules = {{d->file, "A", "", 1, true},
-                     {d->file, "B", "", 2, true},
-                     {d->file, "C", "", 3, true}};
+    setup.modules = {{d->file, "A", "", 1, true}, {d->file, "B", "", 2, true}};
     std::string error;
     if (!d->host.LoadProject(setup, &error))
         std::fprintf(stderr, "bench_compare: %s\n", error.c_str());
@@ -50,14 +45,12 @@ Drives& DrivesOf(int params) {
         d->host.Transfer().UploadModule(nullptr, key);
     d->host.Transfer().GetModuleVars("A", d->set1);
     d->host.Transfer().GetModuleVars("B", d->set2);
-    d->host.Transfer().GetModuleVars("C", d->unread);
     std::remove(d->file.c_str());
     return *d;
 }
 
-void Compare(benchmark::State& state, CVarCompare::SearchMode mode, bool matchOnly = false) {
+void Compare(benchmark::State& state, CVarCompare::SearchMode mode) {
     Drives& d = DrivesOf(int(state.range(0)));
-    const std::vector<IVarObjEx*>& set1 = matchOnly ? d.unread : d.set1;
     size_t rows = 0;
     std::atomic<bool> stop{false};
     for (auto _ : state) {
@@ -66,7 +59,7 @@ void Compare(benchmark::State& state, CVarCompare::SearchMode mode, bool matchOn
         // As in the dialog: the stop question is asked at every variable and search step.
         compare.SetStopTest([&] { return stop.load(std::memory_order_relaxed); });
         CVarCompareRstList same, diff;
-        compare.Run(set1, VarSourceCurrent, d.set2, VarSourceFactory, same, diff);
+        compare.Run(d.set1, VarSourceCurrent, d.set2, VarSourceFactory, same, diff);
         rows = size_t(same.GetCount() + diff.GetCount());
         state.PauseTiming();
         same.DeleteAll();
@@ -84,17 +77,8 @@ void BM_CompareLinear(benchmark::State& state) {
     Compare(state, CVarCompare::SearchLinear);
 }
 
-void BM_MatchIndexed(benchmark::State& state) {
-    Compare(state, CVarCompare::SearchIndexed, true);
-}
-void BM_MatchLinear(benchmark::State& state) {
-    Compare(state, CVarCompare::SearchLinear, true);
-}
-
 BENCHMARK(BM_CompareIndexed)->Arg(2000)->Arg(20000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_CompareLinear)->Arg(2000)->Arg(20000)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_MatchIndexed)->Arg(20000)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_MatchLinear)->Arg(20000)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
