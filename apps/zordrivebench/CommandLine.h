@@ -9,5 +9,7 @@ namespace zordrivebench {
 int RunList(const Options& options);
 int RunExport(const Options& options);
 int RunDownload(const Options& options);
+// Defined in CompareCommand.cpp.
+int RunCompare(const Options& options);
 
 } // namespace zordrivebench

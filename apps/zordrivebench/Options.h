@@ -14,9 +14,17 @@ struct Options {
     QString exportFile;
     QString downloadKey;
     QString downloadFile;
+    // --compare A B [--same] [--out FILE.csv] [--module KEY]
+    QString compareA;
+    QString compareB;
+    bool compareSame = false;
+    QString compareOut;
+    QString contextModule;
     bool help = false;
 
-    bool IsCommand() const { return list || !exportKey.isEmpty() || !downloadKey.isEmpty(); }
+    bool IsCommand() const {
+        return list || !exportKey.isEmpty() || !downloadKey.isEmpty() || !compareA.isEmpty();
+    }
 };
 
 // `args` without the program name. On failure `error` says what was wrong.
@@ -32,8 +40,11 @@ enum ExitCode {
     kExitOffline = 5,       // the module's drive is offline or doesn't answer
     kExitPlugin = 6,        // the parameter module can't be loaded
     kExitNoFile = 7,        // the export left no file
-    kExitBadFile = 8,       // the file to download can't be read
+    kExitBadFile = 8,       // a file to download or compare can't be read, or has no module to read it by
     kExitWriteFailed = 9,   // the drive refused or lost some writes of a download
+    // --compare exits as diff does: 0 nothing differs, 1 something differs, 2 and above
+    // for errors.
+    kExitDiffers = 1,
 };
 
 } // namespace zordrivebench

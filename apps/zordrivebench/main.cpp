@@ -99,6 +99,10 @@ int main(int argc, char** argv) {
         QCoreApplication app(argc, argv);
         return RunDownload(options);
     }
+    if (!options.compareA.isEmpty()) {
+        QCoreApplication app(argc, argv);
+        return RunCompare(options);
+    }
     if (!options.exportKey.isEmpty()) {
         // The plug-in's windowless export still makes pictures: a GUI application, off screen.
         // Its notes about the environment would only bury the program's own message.

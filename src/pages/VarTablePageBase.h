@@ -112,6 +112,8 @@ protected:
     void OnSize(UINT nType, int cx, int cy) override;
     BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
     BOOL PreTranslateMessage(MSG* pMsg) override;
+    // The buttons both pages share that open the compare and the axis copy.
+    BOOL OnCommand(WPARAM wParam, LPARAM lParam) override;
 
     // The top of the list in the page's client area.
     virtual int GetListTop() const = 0;

@@ -43,6 +43,7 @@ CVarTable::~CVarTable() {
     oldProtocolDevices = nullptr;
     delete halfDuplexDevices;
     halfDuplexDevices = nullptr;
+    CloseCompareDialog();
     delete m_pTranslator;
     m_pTranslator = nullptr;
 }
@@ -116,7 +117,7 @@ BOOL CVarTable::OnInitDialog() {
 }
 
 void CVarTable::OnDestroy() {
-    // NOT DONE: the compare dialog is closed here once it exists.
+    CloseCompareDialog();
     ReleaseWorker();
     CZorSkinPDialog::OnDestroy();
     RemoveRefreshListener();
@@ -182,10 +183,6 @@ void CVarTable::ShowVarDescription(IVarObjEx* var) {
     SetDlgItemText(int(IDC_VAR_DESCRIPTION), text.GetString());
 }
 
-void CVarTable::OpenCompareDialog() {
-    // NOT DONE: the parameter compare dialog comes with the compare work; until then the
-    // command has nothing to open.
-}
 
 BOOL CVarTable::IsCatalogVar(IVarObjEx* var) {
     if (var == nullptr || m_pModule == nullptr)

@@ -23,6 +23,7 @@
 
 class CParmiraDialog;
 class COldProtocolDeviceAgent;
+class CParamCompareDlg;
 
 // Window messages of the panel and the frame.
 constexpr UINT UM_UPDATE_VAR_COUNT = 1025; // panel: wParam nonzero sets the total too
@@ -109,6 +110,10 @@ public:
     // Command 1998 of the live list: the host opens a parameter file and downloads it.
     void OpenAndDownloadCommand();
     void OpenCompareDialog();
+    // The compare dialog once opened; null before.
+    CParamCompareDlg* GetCompareDialog() const { return m_pCompareDlg; }
+    // Runs the axis copy on the shown module (button 1997 of either page).
+    void OpenAxisCopyDialog(CWnd* parent);
     void ApplyAccessLevel(IHostDeviceModule* module, int level);
     void ApplyAccessLevelToAll(int level);
     void ReloadModule();
@@ -267,6 +272,7 @@ private:
     HTREEITEM InsertRecordItem(const CString& text, int image, HTREEITEM parent, int kind,
                                void* object);
     void ShowModifiedWithMode(int mode);
+    void CloseCompareDialog();
     void SubscribeUpload();
     void UnsubscribeUpload();
     void WriteFactoryAccessCode();
@@ -294,6 +300,7 @@ private:
     CParmiraDialog* m_pPanel = nullptr;
     IHostWindowTranslator* m_pTranslator = nullptr;
     IHostWorkerThread* m_pWorker = nullptr;
+    CParamCompareDlg* m_pCompareDlg = nullptr; // owned
     // The frame's window handle as the worker reads it.
     std::atomic<HWND> m_hWndForWorker{nullptr};
     std::map<CString, TreeState> m_treeState;

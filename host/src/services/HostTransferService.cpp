@@ -4,6 +4,7 @@
 #include "zorhost/link/BlockPlan.h"
 #include "zorhost/link/RegisterMap.h"
 #include "zorhost/model/ProjectModel.h"
+#include "zorhost/services/AxisRecords.h"
 #include "zorhost/services/HostDeviceHelper.h"
 #include "zorhost/sim/DriveDirectory.h"
 
@@ -188,16 +189,24 @@ BOOL CHostTransferService::GetModuleVars(const CString& moduleKey, std::vector<I
     return 1;
 }
 
-// TODO(files): axis comparison arrives with the host's file store; until then it is
-// refused without starting anything.
-BOOL CHostTransferService::CompareAxes(const CString&, const CString&, const CString&,
-                                       const CString&, std::vector<IRWDataItem*>&) {
-    return 0;
+BOOL CHostTransferService::CompareAxes(const CString& sourceKey, const CString& targetKey,
+                                       const CString& sourceAxis, const CString& targetAxis,
+                                       std::vector<IRWDataItem*>& rows) {
+    return CompareAxisParameters(m_drives.FindModule(sourceKey), m_drives.FindModule(targetKey),
+                                 sourceAxis, targetAxis, rows)
+               ? 1
+               : 0;
 }
 
-BOOL CHostTransferService::DownloadAxisRecords(HWND, const CString&, const CString&,
-                                               const std::vector<IRWDataItem*>&) {
-    return 0;
+BOOL CHostTransferService::DownloadAxisRecords(HWND, const CString& targetKey, const CString&,
+                                               const std::vector<IRWDataItem*>& rows) {
+    model::CDeviceModule* module = m_drives.FindModule(targetKey);
+    std::vector<CString> errors;
+    const bool ok = module != nullptr && WriteAxisRecords(m_helper, module, rows, errors);
+    m_lastAxisErrors = errors;
+    if (m_notifier)
+        m_notifier(targetKey, ok ? 1 : 0, true);
+    return ok ? 1 : 0;
 }
 
 void CHostTransferService::NotifyLevelToTransfer(const CString& moduleKey, int level) {

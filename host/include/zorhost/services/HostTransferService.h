@@ -94,6 +94,8 @@ public:
     int NotifiedLevel(const CString& moduleKey) const;
     // Uploads announced so far, for tests of the event path.
     int UploadsEnded() const { return m_uploadsEnded; }
+    // What the last axis download could not write, one text per parameter.
+    const std::vector<CString>& LastAxisErrors() const { return m_lastAxisErrors; }
 
 private:
     // Reads `vars` from the drive into themselves; false when any read failed, the drive
@@ -114,6 +116,7 @@ private:
     IHostModuleManager* m_manager = nullptr;
     mutable std::mutex m_levelMutex;
     std::vector<std::pair<CString, int>> m_levels;
+    std::vector<CString> m_lastAxisErrors;
 };
 
 } // namespace zorhost

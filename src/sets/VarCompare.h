@@ -1,0 +1,90 @@
+// CVarCompare: sets two parameter sets side by side, variable by variable, and sorts each
+// pair that both sides hold into agreeing or differing. It is plain code over the host
+// contract, so the compare dialog and the host's command line give the same answer.
+#pragma once
+
+#include "module/TemplateList.h"
+#include "module/host/HostFwd.h"
+#include "module/host/Variant.h"
+
+#include <afx/CString.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+// Where a compared value comes from; kept as item data of the kind lists.
+enum VarSource {
+    VarSourceCurrent = 1, // GetValue of the variable
+    VarSourceFactory = 2, // GetFactoryValue of its attribute
+    VarSourceFile = 4,    // GetValue of the variable read from a parameter file
+};
+
+// One row of a result list.
+class CVarCompareRst {
+public:
+    CString m_strGroup1;
+    CString m_strGroup2;
+    CString m_strName1;
+    CString m_strName2;
+    CString m_strCode1;
+    CString m_strCode2;
+    UINT m_nAddress = 0; // of the variable of set 2
+    CString m_strValue1;
+    CString m_strValue2;
+};
+
+// Owns its records once filled: clear it with DeleteAll.
+using CVarCompareRstList = CTemplateList<CVarCompareRst*, CVarCompareRst*>;
+
+class CVarCompare {
+public:
+    // Indexed looks set 2 up by address once; Linear walks set 2 from its start for every
+    // variable of set 1. Both find the first variable of an address, so both give the same
+    // rows; Linear is kept as the reference the index is measured and tested against.
+    enum SearchMode { SearchIndexed, SearchLinear };
+
+    // Two values agree when their numbers lie at most this far apart.
+    static constexpr double kTolerance = 0.000001;
+
+    explicit CVarCompare(IHostVarUtil* util) : m_pUtil(util) {}
+
+    // Asked before each variable of set 1 and at each step of a search; true ends the run.
+    void SetStopTest(std::function<bool()> stop) { m_stop = std::move(stop); }
+    void SetHideReadOnly(BOOL hide) { m_bHideReadOnly = hide; }
+    void SetSearchMode(SearchMode mode) { m_mode = mode; }
+
+    // Appends a record for each variable of set 1 that set 2 holds at its address and that
+    // may be compared. FALSE when the run was stopped (the lists keep what they got).
+    BOOL Run(const std::vector<IVarObjEx*>& set1, int source1, const std::vector<IVarObjEx*>& set2,
+             int source2, CVarCompareRstList& agree, CVarCompareRstList& differ);
+
+    // The value that `source` takes from `var`; empty when there is none.
+    static Variant SourceValue(IVarObjEx* var, int source);
+    // The number part of a compared value, by display format.
+    static CString CompareNumberText(IHostVarUtil* util, IVarAttr* attr, const Variant& value);
+    // The number with the meaning of an enumerated value in square brackets.
+    static CString CompareValueText(IHostVarUtil* util, IVarObjEx* var, const Variant& value);
+
+    // The compare table: a time line, the header, one line per record. Each line passes
+    // the host's narrow text; nothing is quoted.
+    static std::string CsvText(IHostVarUtil* util, const CVarCompareRstList& rows,
+                               const SYSTEMTIME& time);
+
+    // Appends copies of the variables of an opened parameter file, each with a copy of
+    // its attribute, so that they outlive the file object.
+    static void CloneFileVars(IParamFile* file, std::vector<IVarObjEx*>& vars);
+    // Frees what CloneFileVars made: the attribute first, then the variable.
+    static void FreeFileVars(std::vector<IVarObjEx*>& vars);
+
+private:
+    bool Stopped() const { return m_stop && m_stop(); }
+    IVarObjEx* FindLinear(const std::vector<IVarObjEx*>& set2, UINT address, bool& stopped) const;
+    void ComparePair(IVarObjEx* var1, int source1, IVarObjEx* var2, int source2,
+                     CVarCompareRstList& agree, CVarCompareRstList& differ);
+
+    IHostVarUtil* m_pUtil;
+    std::function<bool()> m_stop;
+    BOOL m_bHideReadOnly = FALSE;
+    SearchMode m_mode = SearchIndexed;
+};

@@ -1,0 +1,343 @@
+// The parameter compare against the reference host's demo drives: the dialog's flow from
+// the upload to the result lists and the CSV file, and the matching core it shares with
+// the command line.
+#include "sets_fixture.h"
+
+#include "module/ModuleResources.h"
+#include "module/host/IHostDeviceModule.h"
+#include "module/host/IHostModuleManager.h"
+#include "module/host/IParamFile.h"
+#include "module/host/IParamFileTable.h"
+#include "module/host/IVarAttr.h"
+#include "module/host/IVarObjEx.h"
+#include "module/host/IVarStore.h"
+#include "pages/PageResources.h"
+#include "sets/ParamCompareDlg.h"
+#include "sets/ShaftCopyDialog.h"
+#include "sets/VarCompare.h"
+#include "table/ParmiraDialog.h"
+#include "table/TableResources.h"
+#include "table/VarTable.h"
+
+#include <afx/afxres.h>
+
+#include <fstream>
+#include <set>
+#include <sstream>
+
+namespace {
+
+std::set<std::string> Codes(const CVarCompareRstList& list) {
+    std::set<std::string> codes;
+    for (int i = 0; i < list.GetCount(); ++i)
+        codes.insert(list.GetAt(i)->m_strCode1.GetString());
+    return codes;
+}
+
+std::vector<IVarObjEx*> ModuleVars(zorhost::ReferenceHost& host, const CString& key) {
+    std::vector<IVarObjEx*> vars;
+    host.Transfer().GetModuleVars(key, vars);
+    return vars;
+}
+
+class CompareTest : public SetsTest {
+protected:
+    void SetUp() override {
+        SetsTest::SetUp();
+        dlg.SetModule(host.Module("ZD3S"));
+        ASSERT_TRUE(dlg.Create(IDD_PARAM_COMPARE, nullptr));
+    }
+    void TearDown() override {
+        dlg.DestroyWindow();
+        SetsTest::TearDown();
+    }
+    void Command(UINT id, UINT code) {
+        dlg.SendMessage(WM_COMMAND, MAKEWPARAM(WORD(id), WORD(code)), 0);
+    }
+    // Object 2 takes the current values instead of the factory values.
+    void SecondSideCurrent() {
+        auto* kind = static_cast<CComboBox*>(dlg.GetDlgItem(int(IDC_COMPARE_KIND2)));
+        kind->SetCurSel(0);
+        Command(IDC_COMPARE_KIND2, CBN_SELCHANGE);
+    }
+    // Presses "开始比较" and waits for the worker's end.
+    void Run() {
+        Command(IDC_COMPARE_START, BN_CLICKED);
+        ASSERT_TRUE(AfxPumpMessagesUntil([&] { return !dlg.IsComparing(); }, 10000));
+    }
+    bool StartEnabled() { return dlg.GetDlgItem(int(IDC_COMPARE_START))->IsWindowEnabled(); }
+    size_t Boxes(const char* text) {
+        size_t n = 0;
+        for (const AfxPrompt& p : prompts.prompts)
+            n += p.kind == AfxPrompt::MessageBox && p.text == CString(text);
+        return n;
+    }
+
+    CAfxRecordingResponder prompts;
+    CParamCompareDlg dlg;
+};
+
+// A fresh dialog sets the shown drive's current values against its factory values. What
+// was changed on the drive itself, and only that, differs once the drive has been read.
+TEST_F(CompareTest, ADriveAgainstItsFactoryValuesListsWhatChangedOnTheDrive) {
+    Run();
+    const std::set<std::string> before = Codes(dlg.GetDiffList());
+    ASSERT_EQ(Boxes("比较结束"), 1u);
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->Icon(), UINT(MB_ICONINFORMATION));
+
+    Poke("ZD3S", "H00-08", 2500); // rated speed, factory 3000
+    Poke("ZD3S", "H00-03", 380);  // rated voltage, an enumerated value
+    Run();
+    std::set<std::string> expected = before;
+    expected.insert({"H00-08", "H00-03"});
+    EXPECT_EQ(Codes(dlg.GetDiffList()), expected);
+    EXPECT_EQ(before.count("H00-08") + before.count("H00-03"), 0u);
+    ASSERT_EQ(dlg.GetList().GetItemCount(), dlg.GetDiffList().GetCount());
+    // Rows show the number, an enumerated value its meaning behind it.
+    for (int row = 0; row < dlg.GetList().GetItemCount(); ++row) {
+        if (dlg.GetCellText(row, 2) != "H00-08")
+            continue;
+        EXPECT_EQ(dlg.GetCellText(row, 4), "2500");
+        EXPECT_EQ(dlg.GetCellText(row, 8), "3000");
+    }
+    for (int i = 0; i < dlg.GetDiffList().GetCount(); ++i) {
+        if (dlg.GetDiffList().GetAt(i)->m_strCode1 == "H00-03") {
+            EXPECT_NE(dlg.GetDiffList().GetAt(i)->m_strValue1.Find("380["), -1);
+        }
+    }
+    Picture(&dlg, "compare_dialog.png");
+
+    // "显示相同" shows the other list at once, and the file holds what is shown.
+    dlg.CheckRadioButton(int(IDC_COMPARE_SHOW_DIFFERENT), int(IDC_COMPARE_SHOW_SAME),
+                         int(IDC_COMPARE_SHOW_SAME));
+    Command(IDC_COMPARE_SHOW_SAME, BN_CLICKED);
+    EXPECT_EQ(dlg.GetList().GetItemCount(), dlg.GetSameList().GetCount());
+    const std::string path = dir + "/same.csv";
+    prompts.ChooseFiles({CString(path.c_str())});
+    Command(IDC_COMPARE_SAVE, BN_CLICKED);
+    ASSERT_EQ(prompts.Last(AfxPrompt::FileDialog)->text, "Var_Offline");
+    std::ifstream in(path, std::ios::binary);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    ASSERT_EQ(lines.size(), size_t(dlg.GetSameList().GetCount()) + 2);
+    EXPECT_EQ(lines[0].rfind("Time,", 0), 0u);
+    EXPECT_EQ(lines[1], "行号,参数1,参数名称1,比较值1,参数2,参数名称2,比较值2");
+    const CVarCompareRst* first = dlg.GetSameList().GetAt(0);
+    std::ostringstream row;
+    row << "1," << first->m_strCode1 << ',' << first->m_strName1 << ',' << first->m_strValue1 << ','
+        << first->m_strCode2 << ',' << first->m_strName2 << ',' << first->m_strValue2;
+    EXPECT_EQ(lines[2], row.str());
+}
+
+// "******" parameters, non-transferable ones and, when asked, read-only ones never come
+// into either list.
+TEST_F(CompareTest, HiddenNonTransferableAndAskedReadOnlyParametersAreNeverListed) {
+    SecondSideCurrent();
+    Run();
+    IVarStore* store = host.Module("ZD3S")->GetVarList();
+    auto attrOf = [&](const CVarCompareRst* r) {
+        return store->FindByAddress(r->m_nAddress)->GetAttr();
+    };
+    const int all = dlg.GetSameList().GetCount();
+    EXPECT_EQ(dlg.GetDiffList().GetCount(), 0);
+    int readOnly = 0;
+    for (int i = 0; i < all; ++i) {
+        IVarAttr* a = attrOf(dlg.GetSameList().GetAt(i));
+        EXPECT_NE(a->GetDisplayFormat(), 4) << dlg.GetSameList().GetAt(i)->m_strCode1;
+        EXPECT_TRUE(a->IsTransferable()) << dlg.GetSameList().GetAt(i)->m_strCode1;
+        readOnly += a->GetModifyMode() == 2;
+    }
+    // The drive has parameters of each kind with values, so the rules had work to do.
+    int hidden = 0, fixed = 0;
+    for (IVarObjEx* v : ModuleVars(host, "ZD3S")) {
+        hidden += v->GetAttr()->GetDisplayFormat() == 4 && v->GetValue().vt > VT_NULL;
+        fixed += !v->GetAttr()->IsTransferable() && v->GetValue().vt > VT_NULL;
+    }
+    EXPECT_GT(hidden, 0);
+    EXPECT_GT(fixed, 0);
+    ASSERT_GT(readOnly, 0);
+
+    dlg.CheckDlgButton(int(IDC_COMPARE_HIDE_READONLY), BST_CHECKED);
+    Run();
+    EXPECT_EQ(dlg.GetSameList().GetCount(), all - readOnly);
+    for (int i = 0; i < dlg.GetSameList().GetCount(); ++i)
+        EXPECT_NE(attrOf(dlg.GetSameList().GetAt(i))->GetModifyMode(), 2);
+}
+
+// One module on both sides with both boxes ticked is read once, and one end starts it.
+TEST_F(CompareTest, OneModuleOnBothSidesIsReadOnceAndAgreesWithItself) {
+    SecondSideCurrent();
+    ASSERT_EQ(dlg.IsDlgButtonChecked(int(IDC_COMPARE_UPLOAD2)), UINT(BST_CHECKED));
+    const int uploads = host.Transfer().UploadsEnded();
+    Run();
+    EXPECT_EQ(host.Transfer().UploadsEnded(), uploads + 1);
+    EXPECT_EQ(dlg.GetDiffList().GetCount(), 0);
+    EXPECT_GT(dlg.GetSameList().GetCount(), 100);
+}
+
+// Without an answer from the drive there is nothing to compare: a warning, no lists, and
+// the controls are there for the next try.
+TEST_F(CompareTest, AnOfflineOrFailingDriveComparesNothingAndLeavesTheControlsEnabled) {
+    host.SetOnline("ZD3S", false);
+    const int uploads = host.Transfer().UploadsEnded();
+    Run();
+    EXPECT_EQ(Boxes("设备离线."), 1u);
+    EXPECT_EQ(host.Transfer().UploadsEnded(), uploads);
+    EXPECT_TRUE(StartEnabled());
+
+    host.SetOnline("ZD3S", true);
+    IVarObjEx* speed = host.Module("ZD3S")->GetVarList()->FindByCode("H00-08");
+    host.Drive("ZD3S")->SetFailure(zorhost::sim::FailureMode::FailReads,
+                                   {speed->GetInstanceAddress()});
+    Run();
+    EXPECT_EQ(Boxes("设备离线."), 2u);
+    EXPECT_EQ(host.Transfer().UploadsEnded(), uploads + 1);
+    EXPECT_EQ(Boxes("比较结束"), 0u);
+    EXPECT_EQ(dlg.GetDiffList().GetCount() + dlg.GetSameList().GetCount(), 0);
+    EXPECT_TRUE(StartEnabled());
+    EXPECT_TRUE(dlg.GetDlgItem(int(IDC_COMPARE_SOURCE1))->IsWindowEnabled());
+    EXPECT_EQ(dlg.GetUploadCount(), 0);
+}
+
+// A parameter file on one side: its upload box goes, and its rows meet the drive's by
+// address, so only what changed on the drive since the file was written differs.
+TEST_F(CompareTest, AFileAgainstItsDriveDiffersWhereTheDriveChangedSince) {
+    host.Transfer().UploadModule(nullptr, "ZD3S");
+    IHostDeviceModule* module = host.Module("ZD3S");
+    auto* file = static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
+    ASSERT_NE(file, nullptr);
+    file->SetElecLabel(module->GetElecLabel(), module->GetElecLabelSize());
+    file->GetVarList()->CopyFrom(module->GetVarList());
+    const CString path((dir + "/zd3s.zorparam").c_str());
+    ASSERT_TRUE(file->Save(path));
+    file->Release();
+    Poke("ZD3S", "H00-08", 2500);
+
+    prompts.ChooseFiles({path});
+    auto* source = static_cast<CComboBox*>(dlg.GetDlgItem(int(IDC_COMPARE_SOURCE2)));
+    source->SetCurSel(source->GetCount() - 1);
+    Command(IDC_COMPARE_SOURCE2, CBN_SELCHANGE);
+    EXPECT_FALSE(dlg.GetDlgItem(int(IDC_COMPARE_UPLOAD2))->IsWindowVisible());
+    CString shown;
+    dlg.GetDlgItemText(int(IDC_COMPARE_PATH2), shown);
+    EXPECT_EQ(shown, path);
+    Run();
+    EXPECT_EQ(Codes(dlg.GetDiffList()), std::set<std::string>{"H00-08"});
+    EXPECT_GT(dlg.GetSameList().GetCount(), 100);
+}
+
+// The index finds what the walk from the start finds, duplicate addresses included: the
+// first variable of an address in set 2 is the partner.
+TEST_F(CompareTest, TheIndexMatchesAsTheWalkDoesAndTakesTheFirstOfDuplicateAddresses) {
+    std::vector<IVarObjEx*> set1 = ModuleVars(host, "ZD3S");
+    std::vector<IVarObjEx*> set2(set1.rbegin(), set1.rend());
+    IVarObjEx* speed = host.Module("ZD3S")->GetVarList()->FindByCode("H00-08");
+    IVarObjEx* early = speed->Clone();
+    early->SetValue(Variant::I4(1234));
+    IVarObjEx* late = speed->Clone();
+    late->SetValue(Variant::I4(4321));
+    set2.insert(set2.begin() + 3, early);
+    set2.push_back(late);
+
+    CVarCompareRstList same[2], diff[2];
+    for (int mode = 0; mode < 2; ++mode) {
+        CVarCompare compare(&host.VarUtil());
+        compare.SetSearchMode(mode == 0 ? CVarCompare::SearchIndexed : CVarCompare::SearchLinear);
+        EXPECT_TRUE(
+            compare.Run(set1, VarSourceFactory, set2, VarSourceCurrent, same[mode], diff[mode]));
+    }
+    auto text = [](const CVarCompareRstList& l) {
+        std::string s;
+        for (int i = 0; i < l.GetCount(); ++i) {
+            const CVarCompareRst* r = l.GetAt(i);
+            s += std::string(r->m_strCode1.GetString()) + "=" + r->m_strValue1.GetString() + "/" +
+                 r->m_strCode2.GetString() + "=" + r->m_strValue2.GetString() + ";";
+        }
+        return s;
+    };
+    EXPECT_EQ(text(same[0]), text(same[1]));
+    EXPECT_EQ(text(diff[0]), text(diff[1]));
+    EXPECT_NE(text(diff[0]).find("H00-08=3000/H00-08=1234;"), std::string::npos);
+    EXPECT_GT(same[0].GetCount(), 100);
+    for (int i = 0; i < 2; ++i) {
+        same[i].DeleteAll();
+        diff[i].DeleteAll();
+    }
+    delete early;
+    delete late;
+}
+
+// A stop request is heard before the next variable and inside every search: the run ends
+// at the first question answered yes, whatever the size of the sets.
+TEST_F(CompareTest, AStopRequestEndsALargeCompareAtOnce) {
+    std::vector<IVarObjEx*> one = ModuleVars(host, "ZD3S"), large;
+    while (large.size() < 20000)
+        large.insert(large.end(), one.begin(), one.end());
+    for (int mode = 0; mode < 2; ++mode) {
+        for (int stopAt : {1, 2, 5000}) {
+            int asked = 0;
+            CVarCompare compare(&host.VarUtil());
+            compare.SetSearchMode(mode == 0 ? CVarCompare::SearchIndexed
+                                            : CVarCompare::SearchLinear);
+            compare.SetStopTest([&] { return ++asked >= stopAt; });
+            CVarCompareRstList same, diff;
+            EXPECT_FALSE(compare.Run(large, VarSourceCurrent, large, VarSourceFactory, same, diff));
+            EXPECT_EQ(asked, stopAt) << "mode " << mode;
+            same.DeleteAll();
+            diff.DeleteAll();
+        }
+    }
+}
+
+} // namespace
+
+namespace {
+
+// The frame opens one compare dialog for its pages, shows it again after a close, runs the
+// axis copy for a page, and takes the compare dialog down with it.
+TEST_F(SetsTest, ThePagesButtonsOpenTheFramesCompareDialogAndTheAxisCopy) {
+    RegisterTableResources(theApp.m_hResource);
+    RegisterPageResources(theApp.m_hResource);
+    AfxRegisterDialog(theApp.m_hResource, DlgTemplate{9903, "Parmira", 1100, 640, {}, WS_POPUP});
+    CDialog parent;
+    ASSERT_TRUE(parent.Create(9903, nullptr));
+    CParmiraDialog panel;
+    panel.SetProject(host.Project());
+    panel.SetModuleKey("ZD4M");
+    ASSERT_TRUE(panel.Create(IDD_PARMIRA_PANEL, &parent));
+    CVarTable* table = panel.GetTable();
+    ASSERT_NE(table, nullptr);
+    CVarTablePage* page = table->GetPage1();
+    ASSERT_NE(page, nullptr);
+    auto press = [&](UINT id) {
+        page->SendMessage(WM_COMMAND, MAKEWPARAM(WORD(id), WORD(BN_CLICKED)), 0);
+    };
+
+    press(1993);
+    CParamCompareDlg* dlg = table->GetCompareDialog();
+    ASSERT_NE(dlg, nullptr);
+    EXPECT_TRUE(dlg->IsWindowVisible());
+    auto* source = static_cast<CComboBox*>(dlg->GetDlgItem(int(IDC_COMPARE_SOURCE1)));
+    EXPECT_EQ(source->GetItemDataPtr(source->GetCurSel()), host.Module("ZD4M"));
+    dlg->SendMessage(WM_CLOSE);
+    EXPECT_FALSE(dlg->IsWindowVisible());
+    press(1993);
+    EXPECT_EQ(table->GetCompareDialog(), dlg);
+    EXPECT_TRUE(dlg->IsWindowVisible());
+
+    CShaftCopyDialog* shown = nullptr;
+    CAfxModalDriver driver([&](CDialog& d) {
+        shown = static_cast<CShaftCopyDialog*>(&d);
+        EXPECT_EQ(shown->GetTargetDevice(), host.Module("ZD4M"));
+        d.EndDialog(IDCANCEL);
+    });
+    press(1997);
+    EXPECT_EQ(driver.runs, 1);
+    EXPECT_NE(shown, nullptr);
+
+    panel.DestroyWindow();
+    parent.DestroyWindow();
+}
+
+} // namespace
