@@ -251,11 +251,15 @@ void COneKeyParseRecipeDialog::CollectSetRows(IVarStore* store, IGroupSet* set,
 
 void COneKeyParseRecipeDialog::BuildRecipeRows(IVarStore* store) {
     CTemplateList<IVarObjEx*, IVarObjEx*> rows;
-    IHostAxisList* axes = store != nullptr ? store->GetAxisList() : nullptr;
-    if (axes != nullptr)
-        for (int a = 0; a < axes->GetCount(); ++a)
-            if (IHostAxis* axis = axes->GetAt(a))
-                CollectSetRows(store, axis->GetGroupSet(), rows);
+    if (store != nullptr) {
+        // The module's own groups first: a single-axis drive keeps all its parameters
+        // there and has no axis list at all.
+        CollectSetRows(store, store->GetGroupRoot(0), rows);
+        if (IHostAxisList* axes = store->GetAxisList())
+            for (int a = 0; a < axes->GetCount(); ++a)
+                if (IHostAxis* axis = axes->GetAt(a))
+                    CollectSetRows(store, axis->GetGroupSet(), rows);
+    }
     ReplaceRows(rows);
 }
 
