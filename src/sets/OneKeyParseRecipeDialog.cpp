@@ -400,6 +400,8 @@ void COneKeyParseRecipeDialog::EnableButtons(BOOL enable) {
 }
 
 void COneKeyParseRecipeDialog::OnBackup() {
+    if (m_bRunning) // one job at a time; its buttons are disabled anyway
+        return;
     EnableButtons(FALSE);
     CFileDialog dialog(FALSE, nullptr, "AllVar", OFN_HIDEREADONLY | OFN_OVERWRITEPROMPT,
                        "Zorparam Files(*.zorparam)|*.zorparam||", this);
@@ -428,6 +430,8 @@ void COneKeyParseRecipeDialog::CloseRecipe() {
 }
 
 void COneKeyParseRecipeDialog::OnRestore() {
+    if (m_bRunning)
+        return;
     EnableButtons(FALSE);
     CFileDialog dialog(TRUE, "zorparam", nullptr, OFN_HIDEREADONLY | OFN_FILEMUSTEXIST,
                        "zorparam files (*.zorparam)|*.zorparam||", this);

@@ -25,6 +25,17 @@ namespace {
 constexpr UINT kFactoryCodeAddress = 0x229;
 constexpr int kFactoryCodeType = 18;
 
+// The raw number read, in the variable's own type: a bare double would be taken for a
+// value already scaled by its decimals, on screen and in the file alike.
+Variant ValueOfVar(IVarObjEx* var, double raw) {
+    IHostVarUtil* util = theApp.GetVarUtil();
+    Variant typed = var->GetValue();
+    if (util != nullptr && typed.vt != VT_EMPTY && typed.vt != VT_NULL && typed.vt != VT_BSTR &&
+        util->DoubleToVariant(raw, typed))
+        return typed;
+    return Variant::R8(raw);
+}
+
 } // namespace
 
 BOOL COneKeyParseRecipeDialog::StartWorker(HostWorkerProc proc) {
@@ -121,7 +132,7 @@ void COneKeyParseRecipeDialog::RunBackup(IHostWorkerThread* worker) {
                 Post(UM_RECIPE_PROGRESS, 1, reinterpret_cast<LPARAM>(box));
                 return;
             }
-            var->SetValue(Variant::R8(value));
+            var->SetValue(ValueOfVar(var, value));
             Post(UM_RECIPE_PROGRESS, 2, reinterpret_cast<LPARAM>(box));
             if (box->IsCancelled())
                 break;
