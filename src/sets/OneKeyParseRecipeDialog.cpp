@@ -563,19 +563,28 @@ void COneKeyParseRecipeDialog::OnRecipeProgress(WPARAM kind, LPARAM payload) {
     // Only the box of this dialog's job is touched; one given back already is not.
     if (box == nullptr || box != m_pProgress.load())
         return;
+    // A box may run the event loop while it draws; the end of the job must not take the
+    // box away from under its own call.
+    if (kind == 1 && m_nInProgressBox > 0) {
+        m_bHidePending = TRUE;
+        return;
+    }
+    ++m_nInProgressBox;
     switch (kind) {
     case 0:
         box->Show(5, 0);
-        break;
-    case 1:
-        box->Show(0, 0);
-        if (m_pProgress.compare_exchange_strong(box, nullptr))
-            box->Release();
         break;
     case 2:
         box->StepOn();
         break;
     default:
         break;
+    }
+    --m_nInProgressBox;
+    if (kind == 1 || (m_bHidePending && m_nInProgressBox == 0)) {
+        m_bHidePending = FALSE;
+        box->Show(0, 0);
+        if (m_pProgress.compare_exchange_strong(box, nullptr))
+            box->Release();
     }
 }

@@ -116,4 +116,6 @@ private:
     // Filled by a restore's worker; shown and emptied at its result.
     std::vector<IVarObjEx*> m_failedVars;
     BOOL m_bRunning = FALSE;
+    int m_nInProgressBox = 0;
+    BOOL m_bHidePending = FALSE;
 };
