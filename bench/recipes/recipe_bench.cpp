@@ -2,6 +2,7 @@
 // whose every request takes 4.9 ms (one register at 115200 baud). The floor is the link's
 // time for the requests made; the report gives the job's time against it.
 #include "module/ParmiraApp.h"
+#include "module/host/IVarObjEx.h"
 #include "module/host/IVarStore.h"
 #include "sets/OneKeyParseRecipeDialog.h"
 #include "sets/TranslateFailedDialog.h"
@@ -111,6 +112,26 @@ void BM_RecipeRestore(benchmark::State& state) {
     }
 }
 
+// The link alone: the same number of reads in a plain loop, no dialog, no worker. What the
+// jobs take beyond this is their own cost; what this takes beyond the floor is the
+// machine's (waking a sleeping thread on a busy machine).
+void BM_LinkReadsOnly(benchmark::State& state) {
+    const int params = int(state.range(0));
+    Bench bench(params);
+    IVarStore* vars = bench.host.Module("GEN")->GetVarList();
+    for (auto _ : state) {
+        const auto start = std::chrono::steady_clock::now();
+        double value = 0;
+        for (int i = 0; i < params && i < vars->GetCount(); ++i)
+            bench.host.DeviceHelper().ReadParameter("GEN", vars->GetAt(i)->GetInstanceAddress(),
+                                                    value);
+        const double seconds =
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        Report(state, seconds, std::uint64_t(params), params);
+    }
+}
+
+BENCHMARK(BM_LinkReadsOnly)->Arg(1000)->UseManualTime()->Iterations(2)->Unit(benchmark::kSecond);
 BENCHMARK(BM_RecipeBackup)->Arg(1000)->UseManualTime()->Iterations(2)->Unit(benchmark::kSecond);
 BENCHMARK(BM_RecipeRestore)->Arg(1000)->UseManualTime()->Iterations(2)->Unit(benchmark::kSecond);
 
