@@ -313,3 +313,76 @@ TEST_F(RecipeJobTest, CancelInTheProgressBoxStopsTheJobPromptly) {
     EXPECT_EQ(hidden, 2);
     host.ModuleManager().SetProgressObserver(nullptr);
 }
+
+TEST_F(RecipeJobTest, SaveMakesOneMissingFolderAndNamesTheFileOnce) {
+    namespace fs = std::filesystem;
+    const std::string dir = TempDir();
+    COneKeyParseRecipeDialog dlg;
+    dlg.SetModule(Module());
+    struct Case {
+        std::string path;
+        BOOL saved;
+        std::string file; // what exists afterwards
+    } cases[] = {
+        {dir + "/a", 1, dir + "/a.zorparam"},
+        {dir + "/b.ZORPARAM", 1, dir + "/b.ZORPARAM"},
+        {dir + "/new/c.zorparam", 1, dir + "/new/c.zorparam"},
+        {dir + "/two/levels/d.zorparam", 0, ""},
+        {"nofolder.zorparam", 0, ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.path);
+        EXPECT_EQ(dlg.SaveRecipeFile(CString(c.path.c_str())), c.saved);
+        if (!c.file.empty()) {
+            EXPECT_TRUE(fs::exists(c.file));
+        }
+    }
+    EXPECT_FALSE(fs::exists(dir + "/two"));
+    EXPECT_FALSE(fs::exists("nofolder.zorparam"));
+}
+
+// A recipe of another series is restored only after a yes, and then by its own addresses;
+// its variables are the rows until a tree node is chosen.
+TEST_F(RecipeJobTest, RecipeOfAnotherSeriesAsksFirst) {
+    const std::string path = TempDir() + "/other.zorparam";
+    ASSERT_EQ(Backup(path), "配方保存成功！");
+    IParamFile* file = theApp.CreateParamFile();
+    ASSERT_TRUE(file->Open(CString(path.c_str())));
+    const BYTE other[16] = {0x00, 0x07, 0x00, 0x40, 0x00, 0x02};
+    file->SetElecLabel(other, sizeof other);
+    ASSERT_TRUE(file->Save(CString(path.c_str())));
+    file->Release();
+
+    for (int answer : {IDNO, IDYES}) {
+        SCOPED_TRACE(answer);
+        prompts.AnswerMessageBox(answer);
+        prompts.ChooseFiles({CString(path.c_str())});
+        Drive().TakeRequests();
+        std::vector<std::vector<std::string>> failed;
+        RunRecipe(
+            Module(),
+            [&](COneKeyParseRecipeDialog& dlg) {
+                dlg.OnRestore();
+                const AfxPrompt* q = prompts.Last(AfxPrompt::MessageBox);
+                ASSERT_NE(q, nullptr);
+                EXPECT_EQ(q->text, "打开配方与当前设备不属于同一系列，是否继续下载？");
+                EXPECT_EQ(q->caption, "警告");
+                EXPECT_EQ(q->Icon(), UINT(MB_ICONWARNING));
+                if (answer == IDNO) {
+                    EXPECT_FALSE(dlg.IsWorkerRunning());
+                    return;
+                }
+                WaitForJob(dlg);
+                IVarObjEx* row = dlg.GetRow(0);
+                ASSERT_NE(row, nullptr);
+                EXPECT_EQ(dlg.GetOpenedRecipe()->FindByAddress(row->GetInstanceAddress()), row);
+                dlg.OnTreeSelection(dlg.m_tree.GetChildItem(dlg.m_tree.GetRootItem()));
+                EXPECT_EQ(
+                    Module()->GetVarList()->FindByAddress(dlg.GetRow(0)->GetInstanceAddress()),
+                    dlg.GetRow(0));
+            },
+            &failed);
+        EXPECT_EQ(failed.size(), answer == IDYES ? 1u : 0u);
+        EXPECT_EQ(Drive().TakeRequests().empty(), answer == IDNO);
+    }
+}
