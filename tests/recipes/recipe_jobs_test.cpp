@@ -255,7 +255,7 @@ TEST_F(RecipeJobTest, FactoryCodeRefusedAtBackupSavesWithoutReading) {
 // for the worker, which stops at the next row, and nothing is left half-written.
 TEST_F(RecipeJobTest, ClosingDuringABackupStopsTheWorkerCleanly) {
     Drive().SetRealTime(true);
-    Drive().SetLatency(2);
+    Drive().SetLatency(20);
     const std::string dir = TempDir();
     prompts.ChooseFiles({CString((dir + "/c.zorparam").c_str())});
     const std::uint64_t before = Drive().RequestCount();
@@ -280,21 +280,22 @@ TEST_F(RecipeJobTest, CancelInTheProgressBoxStopsTheJobPromptly) {
     const std::string path = TempDir() + "/cancel.zorparam";
     ASSERT_EQ(Backup(path), "配方保存成功！");
     const int rows = Module()->GetVarList()->GetCount();
-    Drive().SetRealTime(true); // the window keeps pace with the worker, as with a real link
-    Drive().SetLatency(2);
+    // Requests as slow as on a real link give the window time to hear of the box long
+    // before the worker is through; the user cancels as soon as the box shows.
+    Drive().SetRealTime(true);
+    Drive().SetLatency(50);
     std::vector<std::string> texts;
     int hidden = 0;
     host.ModuleManager().SetProgressObserver(
         [&](zorhost::CHostProgressBox& box, zorhost::CHostProgressBox::Event event) {
-            if (event == zorhost::CHostProgressBox::Event::Shown)
+            if (event == zorhost::CHostProgressBox::Event::Shown) {
                 texts.push_back(box.Text().str());
-            if (event == zorhost::CHostProgressBox::Event::Hidden)
-                ++hidden;
-            if (event == zorhost::CHostProgressBox::Event::Stepped && box.Position() == 10) {
                 if (texts.size() == 1)
                     GrabWithBox(box, "recipe_backup_progress.png");
                 box.Cancel();
             }
+            if (event == zorhost::CHostProgressBox::Event::Hidden)
+                ++hidden;
         });
 
     std::uint64_t before = Drive().RequestCount();
