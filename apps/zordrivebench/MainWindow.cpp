@@ -136,6 +136,26 @@ bool MainWindow::OpenModule(const CString& key, QString* error) {
     return true;
 }
 
+bool MainWindow::OpenRecipe(const CString& key, QString* error) {
+    if (m_host.Module(key) == nullptr) {
+        if (error != nullptr)
+            *error = Tr("工程中没有模块 %1", "The project has no module %1").arg(Qs(key));
+        return false;
+    }
+    if (!m_plugin.Load(ParmiraModule::DefaultPath(), m_host.Services(), error))
+        return false;
+    // The recipe dialog needs no panel: any instance of the module opens it.
+    IQXParmira*& view = m_views[key.str()];
+    if (view == nullptr)
+        view = m_plugin.Create(error);
+    if (view == nullptr) {
+        m_views.erase(key.str());
+        return false;
+    }
+    view->OpenRecipeDialog(key);
+    return true;
+}
+
 bool MainWindow::OpenFirstModule(QString* error) {
     const std::vector<CString> keys = m_host.ModuleKeys();
     if (keys.empty()) {
@@ -300,6 +320,11 @@ void MainWindow::BuildMenus() {
                 if (!OpenModule(key, &error))
                     QMessageBox::warning(this, QStringLiteral("ZorDriveBench"), error);
             });
+        menu->addAction(Tr("编辑配方...", "Edit recipe..."), this, [this, key] {
+            QString error;
+            if (!OpenRecipe(key, &error))
+                QMessageBox::warning(this, QStringLiteral("ZorDriveBench"), error);
+        });
         menu->addSeparator();
         QAction* connect =
             menu->addAction(Tr("连接", "Connect"), this, [this, key] { SetOnline(key, true); });

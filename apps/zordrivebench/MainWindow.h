@@ -37,6 +37,8 @@ public:
     bool OpenProject(const QString& path, QString* error);
     // Loads the plug-in once and shows the module's panel in a tab (or brings it to front).
     bool OpenModule(const CString& key, QString* error);
+    // Runs the module's recipe dialog for `key`, modally.
+    bool OpenRecipe(const CString& key, QString* error);
     bool OpenFirstModule(QString* error);
     // True when the current tab holds a panel window of the plug-in.
     bool IsPanelUp() const;

@@ -9,6 +9,7 @@
 #include "module/host/IHostProductInfo.h"
 #include "module/host/IHostTabManager.h"
 #include "module/host/IHostUiService.h"
+#include "sets/OneKeyParseRecipeDialog.h"
 #include "table/ParmiraDialog.h"
 
 CImplementation::~CImplementation() {
@@ -122,8 +123,10 @@ void CImplementation::OpenRecipeDialog(const CString& moduleKey) {
     IHostDeviceModule* module = theApp.FindModule(moduleKey);
     if (module == nullptr)
         return;
-    // NOT DONE: the recipe dialog runs here modally on `module`; it is not written yet,
-    // so a found module does nothing for now.
+    // No panel is needed: the dialog works on the module alone.
+    COneKeyParseRecipeDialog dialog;
+    dialog.SetModule(module);
+    dialog.DoModal();
 }
 
 void CImplementation::ExportParameters(const CString& path, const CString& moduleKey) {

@@ -91,6 +91,7 @@ const ModuleStringEntry kStrings[] = {
     {2140, "参数名称"},
     {2141, "描述"},
     {2142, "当前值"},
+    {2201, "结果"},
 };
 
 } // namespace

@@ -192,7 +192,7 @@ public:
     void OnRefreshQuery() override;
 
     // Device classes.
-    void LoadDeviceList(COldProtocolDeviceAgent* agent, const CString& fileName);
+    static void LoadDeviceList(COldProtocolDeviceAgent* agent, const CString& fileName);
     BOOL IsProductLine13(IHostDeviceModule* module);
     BOOL SupportsAttributeUpdate();
     void StartAttributeUpload();

@@ -177,6 +177,8 @@ TEST_F(PanelTest, LanguageChangeAfterThePanelClosedDoesNothing) {
 TEST_F(PanelTest, EveryOperationEndsQuietlyWithAnyServiceWithheld) {
     const GUID services[] = {IID_IHostMessageBus, IID_IHostModuleManager, IID_IHostProjectRoot,
                              IID_IHostTabManager, IID_IHostUiService};
+    // The recipe dialog opens modally where the module is found; it is closed at once.
+    CAfxModalDriver closeDialogs([](CDialog& d) { d.EndDialog(IDCANCEL); });
     for (const GUID& missing : services) {
         TestHost h;
         h.AddModule("K0", "Servo", "Sub", 1, 0);

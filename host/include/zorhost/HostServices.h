@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <mutex>
 #include <vector>
 
 #include "module/host/BaseInterface.h"
@@ -30,7 +31,10 @@ public:
     // The registered pointer, or null when absent or withheld.
     void* Find(const GUID& iid) const;
     // Ids asked for since construction, in order (for tests of quiet failure paths).
-    const std::vector<GUID>& Asked() const { return asked_; }
+    std::vector<GUID> Asked() const {
+        std::lock_guard<std::mutex> hold(mutex_);
+        return asked_;
+    }
 
     // The pair handed to SetQueryInterfaceCallback.
     uintptr_t Context() const { return reinterpret_cast<uintptr_t>(this); }
@@ -43,6 +47,8 @@ private:
         bool withheld = false;
     };
     Entry* Lookup(const GUID& iid);
+    // Plug-ins may ask from their workers (recipe jobs do).
+    mutable std::mutex mutex_;
     std::vector<Entry> entries_;
     mutable std::vector<GUID> asked_;
 };

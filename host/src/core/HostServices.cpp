@@ -11,6 +11,7 @@ HostServices::Entry* HostServices::Lookup(const GUID& iid) {
 }
 
 void HostServices::RegisterRaw(const GUID& iid, void* service) {
+    std::lock_guard<std::mutex> hold(mutex_);
     if (Entry* e = Lookup(iid)) {
         e->service = service;
         return;
@@ -19,12 +20,14 @@ void HostServices::RegisterRaw(const GUID& iid, void* service) {
 }
 
 void HostServices::Unregister(const GUID& iid) {
+    std::lock_guard<std::mutex> hold(mutex_);
     entries_.erase(std::remove_if(entries_.begin(), entries_.end(),
                                   [&](const Entry& e) { return e.iid == iid; }),
                    entries_.end());
 }
 
 void HostServices::Withhold(const GUID& iid, bool withheld) {
+    std::lock_guard<std::mutex> hold(mutex_);
     if (Entry* e = Lookup(iid)) {
         e->withheld = withheld;
         return;
@@ -33,6 +36,7 @@ void HostServices::Withhold(const GUID& iid, bool withheld) {
 }
 
 void* HostServices::Find(const GUID& iid) const {
+    std::lock_guard<std::mutex> hold(mutex_);
     asked_.push_back(iid);
     for (const Entry& e : entries_)
         if (e.iid == iid)

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <climits>
 #include <cmath>
 #include <numbers>
 #include <string_view>
@@ -136,13 +137,32 @@ bool SimulatedDrive::IsRunning() const {
 }
 
 void SimulatedDrive::SetLatency(int latency_ms) {
-    std::lock_guard lock(m_mutex);
-    m_latency_ms = std::max(0, latency_ms);
+    SetLatency_us(std::clamp(latency_ms, 0, INT_MAX / 1000) * 1000);
 }
 
 int SimulatedDrive::Latency() const {
+    return (Latency_us() + 999) / 1000;
+}
+
+void SimulatedDrive::SetLatency_us(int latency_us) {
     std::lock_guard lock(m_mutex);
-    return m_slow ? std::max(m_latency_ms, kSlowLatency_ms) : m_latency_ms;
+    m_latency_us = std::max(0, latency_us);
+}
+
+int SimulatedDrive::Latency_us() const {
+    std::lock_guard lock(m_mutex);
+    return m_slow ? std::max(m_latency_us, kSlowLatency_ms * 1000) : m_latency_us;
+}
+
+void SimulatedDrive::SetFailureRate(double rate, std::uint32_t seed) {
+    std::lock_guard lock(m_mutex);
+    m_failureRate = std::isfinite(rate) ? std::clamp(rate, 0.0, 1.0) : 0.0;
+    m_failureDraw.seed(seed == 0 ? 1 : seed);
+}
+
+double SimulatedDrive::FailureRate() const {
+    std::lock_guard lock(m_mutex);
+    return m_failureRate;
 }
 
 void SimulatedDrive::SetRealTime(bool realTime) {
@@ -165,6 +185,9 @@ void SimulatedDrive::SetFailure(FailureMode mode, std::vector<std::uint32_t> add
     case FailureMode::Slow:
         m_slow = true;
         break;
+    case FailureMode::RefuseWrites:
+        m_refuseWrites.insert(addresses.begin(), addresses.end());
+        break;
     }
 }
 
@@ -183,13 +206,17 @@ void SimulatedDrive::ClearFailure(FailureMode mode) {
     case FailureMode::Slow:
         m_slow = false;
         break;
+    case FailureMode::RefuseWrites:
+        m_refuseWrites.clear();
+        break;
     }
 }
 
 void SimulatedDrive::ClearFailures() {
-    for (FailureMode m :
-         {FailureMode::Offline, FailureMode::FailReads, FailureMode::FailWrites, FailureMode::Slow})
+    for (FailureMode m : {FailureMode::Offline, FailureMode::FailReads, FailureMode::FailWrites,
+                          FailureMode::Slow, FailureMode::RefuseWrites})
         ClearFailure(m);
+    SetFailureRate(0);
 }
 
 bool SimulatedDrive::HasFailure(FailureMode mode) const {
@@ -203,6 +230,8 @@ bool SimulatedDrive::HasFailure(FailureMode mode) const {
         return !m_failWrites.empty();
     case FailureMode::Slow:
         return m_slow;
+    case FailureMode::RefuseWrites:
+        return !m_refuseWrites.empty();
     }
     return false;
 }
@@ -232,25 +261,34 @@ std::uint64_t SimulatedDrive::RequestCount() const {
 // drive that is there.
 LinkResult SimulatedDrive::Admit(DriveRequest::Kind kind, std::uint32_t address, std::size_t count,
                                  int timeout_ms) {
-    int latency;
-    bool online, realTime;
+    const auto start = std::chrono::steady_clock::now();
+    int latency_us;
+    bool online, realTime, garbled = false;
     {
         std::lock_guard lock(m_mutex);
         Log(kind, address, count);
         online = m_connected && !m_offlineFault;
-        latency = m_slow ? std::max(m_latency_ms, kSlowLatency_ms) : m_latency_ms;
+        latency_us = m_slow ? std::max(m_latency_us, kSlowLatency_ms * 1000) : m_latency_us;
         realTime = m_realTime;
+        if (online && m_failureRate > 0)
+            garbled = std::uniform_real_distribution<double>(0, 1)(m_failureDraw) < m_failureRate;
     }
     const bool limited = timeout_ms > 0;
+    const std::int64_t timeout_us = std::int64_t(std::max(timeout_ms, 0)) * 1000;
     // A request to a drive that is gone waits out its whole time-out.
-    const int wait_ms =
-        online ? (limited ? std::min(latency, timeout_ms) : latency) : std::max(timeout_ms, 0);
-    if (realTime && wait_ms > 0)
-        std::this_thread::sleep_for(std::chrono::milliseconds(wait_ms));
+    const std::int64_t wait_us =
+        online ? (limited ? std::min<std::int64_t>(latency_us, timeout_us) : latency_us)
+               : timeout_us;
+    // Waiting for a deadline keeps the many short waits of a long job from adding up
+    // their wake-up delays.
+    if (realTime && wait_us > 0)
+        std::this_thread::sleep_until(start + std::chrono::microseconds(wait_us));
     if (!online)
         return {LinkStatus::Offline};
-    if (limited && latency > timeout_ms)
+    if (limited && latency_us > timeout_us)
         return {LinkStatus::Timeout};
+    if (garbled)
+        return {LinkStatus::Error};
     return {};
 }
 
@@ -285,6 +323,9 @@ LinkResult SimulatedDrive::Write(std::uint32_t address, std::span<const std::uin
     for (std::uint32_t i = 0; i < words.size(); ++i)
         if (m_failWrites.count(address + i))
             return {LinkStatus::Error};
+    for (std::uint32_t i = 0; i < words.size(); ++i)
+        if (m_refuseWrites.count(address + i))
+            return LinkResult::Refuse(Refusal::AccessDenied);
     const std::uint32_t index = m_device->FindByAddress(address);
     DataType type = DataType::Unknown;
     if (index != kNoIndex) {

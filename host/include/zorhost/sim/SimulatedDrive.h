@@ -18,6 +18,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <random>
 #include <set>
 #include <unordered_map>
 #include <vector>
@@ -30,6 +31,9 @@ enum class FailureMode : std::uint8_t {
     FailReads,  // reads at the given addresses fail with a communication error
     FailWrites, // writes at the given addresses fail with a communication error
     Slow,       // every answer takes kSlowLatency_ms
+    // The drive answers writes at the given addresses with a refusal (AccessDenied), as a
+    // drive does that locks a parameter for reasons of its own.
+    RefuseWrites,
 };
 
 // What the drive was asked, for tests and the program's traffic view.
@@ -82,7 +86,16 @@ public:
     // held for it (at most its time-out); a request slower than its time-out times out.
     void SetLatency(int latency_ms);
     int Latency() const;
+    // The same in microseconds, for links whose requests take a fraction of a millisecond
+    // more (one register at 115200 baud takes about 4900 us).
+    void SetLatency_us(int latency_us);
+    int Latency_us() const;
     void SetRealTime(bool realTime);
+
+    // Share of requests, 0 to 1, that fail with a communication error (LinkStatus::Error)
+    // once they reached an online drive. The draw is seeded, so a run repeats exactly.
+    void SetFailureRate(double rate, std::uint32_t seed = 1);
+    double FailureRate() const;
 
     // Faults accumulate; addresses matter for FailReads and FailWrites only and add up.
     void SetFailure(FailureMode mode, std::vector<std::uint32_t> addresses = {});
@@ -131,10 +144,12 @@ private:
     bool m_connected = true;
     bool m_offlineFault = false;
     bool m_slow = false;
-    std::set<std::uint32_t> m_failReads, m_failWrites;
+    std::set<std::uint32_t> m_failReads, m_failWrites, m_refuseWrites;
+    double m_failureRate = 0;
+    std::minstd_rand m_failureDraw;
     bool m_running = false;
     bool m_realTime = false;
-    int m_latency_ms = 2;
+    int m_latency_us = 2000;
     std::int64_t m_time_ms = 0;
     int m_authority = kBaseAuthority;
     // Registers that take access codes ("InputPassword", "Factory", "TempAuthority", H02-41

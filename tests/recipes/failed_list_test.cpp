@@ -1,0 +1,71 @@
+// The list of failed writes as a user reads it.
+#include "recipe_fixture.h"
+
+#include "sets/TranslateFailedDialog.h"
+
+#include "module/host/IVarAttr.h"
+
+#include <afx/afxwin.h>
+
+namespace {
+
+// Runs the dialog on `vars` and hands every cell of rows 0..rows-1 back, row by row.
+std::vector<std::vector<std::string>> Cells(const std::vector<IVarObjEx*>* vars, int rows,
+                                            int* columns = nullptr, int* count = nullptr) {
+    std::vector<std::vector<std::string>> cells;
+    CTranslateFailedDialog dlg;
+    dlg.SetFailedVars(vars);
+    CAfxModalDriver driver([&](CDialog& d) {
+        auto& failed = static_cast<CTranslateFailedDialog&>(d);
+        CString title;
+        d.GetWindowText(title);
+        EXPECT_EQ(title, "读写失败信息");
+        if (columns != nullptr)
+            *columns = failed.m_list.GetHeaderCtrl()->GetItemCount();
+        if (count != nullptr)
+            *count = failed.m_list.GetItemCount();
+        for (int r = 0; r < rows; ++r) {
+            cells.emplace_back();
+            for (int c = 0; c < 6; ++c)
+                cells.back().push_back(failed.m_list.OnGetCellText(r, c).str());
+        }
+        d.EndDialog(IDOK);
+    });
+    dlg.DoModal();
+    EXPECT_EQ(driver.runs, 1);
+    return cells;
+}
+
+} // namespace
+
+TEST_F(RecipeTest, FailedListNamesEachVariableInOrderAndNothingPastItsEnd) {
+    IVarObjEx* speed = Var("H02-09");
+    IVarObjEx* other = Var("H02-10");
+    speed->SetValue(Variant::UI2(321));
+    std::vector<IVarObjEx*> vars{other, speed, nullptr};
+    int columns = 0, count = 0;
+    const auto cells = Cells(&vars, 4, &columns, &count);
+    EXPECT_EQ(columns, 6);
+    EXPECT_EQ(count, 3);
+    CString name;
+    speed->GetAttr()->GetName(name);
+    EXPECT_EQ(cells[0][0], "0001");
+    EXPECT_EQ(cells[0][1], "H02-10");
+    EXPECT_EQ(cells[1][0], "0002");
+    EXPECT_EQ(cells[1][1], "H02-09");
+    EXPECT_EQ(cells[1][2], name.str());
+    EXPECT_EQ(cells[1][3], std::to_string(speed->GetInstanceAddress()));
+    EXPECT_EQ(cells[1][4], "321");
+    EXPECT_EQ(cells[0][5], "下载失败！");
+    EXPECT_EQ(cells[1][5], cells[0][5]); // which failed, not why
+    // A null variable and rows past the end give no text.
+    EXPECT_EQ(cells[2], std::vector<std::string>(6));
+    EXPECT_EQ(cells[3], std::vector<std::string>(6));
+}
+
+TEST_F(RecipeTest, FailedListWithoutAListIsAnEmptyTable) {
+    int count = -1;
+    const auto cells = Cells(nullptr, 1, nullptr, &count);
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(cells[0], std::vector<std::string>(6));
+}

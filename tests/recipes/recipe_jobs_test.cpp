@@ -1,0 +1,389 @@
+// Backup and restore jobs end to end: the dialog's worker against the simulated drive,
+// the recipe file through the host's file object, and what the user is shown.
+#include "recipe_fixture.h"
+
+#include "module/ParmiraApp.h"
+#include "module/host/IHostDeviceModule.h"
+#include "module/host/IParamFile.h"
+#include "module/host/IParamFileTable.h"
+#include "module/host/IVarAttr.h"
+#include "sets/OneKeyParseRecipeDialog.h"
+#include "sets/TranslateFailedDialog.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QPixmap>
+#include <QProgressDialog>
+#include <QWidget>
+
+#include <filesystem>
+#include <map>
+#include <set>
+
+using zorhost::device::DeviceDescription;
+using zorhost::device::ModifyMode;
+using zorhost::device::ParameterDef;
+using zorhost::sim::FailureMode;
+
+namespace {
+
+constexpr UINT kFactoryCodeAddress = 0x229;
+
+// Runs the recipe dialog on `module`; `act` works inside it. Failure lists opened on the
+// way are read into `failed` (codes, in order) and closed.
+void RunRecipe(IHostDeviceModule* module, const std::function<void(COneKeyParseRecipeDialog&)>& act,
+               std::vector<std::vector<std::string>>* failed = nullptr) {
+    COneKeyParseRecipeDialog dlg;
+    dlg.SetModule(module);
+    CAfxModalDriver driver([&](CDialog& d) {
+        if (auto* list = dynamic_cast<CTranslateFailedDialog*>(&d)) {
+            // A picture of the list when asked for (PARMIRA_SCREENSHOT_DIR).
+            if (const char* dir = std::getenv("PARMIRA_SCREENSHOT_DIR"))
+                AfxTestGrabWindow(&d, (std::string(dir) + "/recipe_failed_list.png").c_str());
+            if (failed != nullptr) {
+                failed->emplace_back();
+                for (int r = 0; r < list->m_list.GetItemCount(); ++r)
+                    failed->back().push_back(list->GetCellText(r, 1).str());
+            }
+            d.EndDialog(IDOK);
+            return;
+        }
+        act(static_cast<COneKeyParseRecipeDialog&>(d));
+        d.EndDialog(IDCANCEL);
+    });
+    dlg.DoModal();
+}
+
+// A picture of the recipe dialog with the host's progress box over it, when asked for
+// (PARMIRA_SCREENSHOT_DIR).
+void GrabWithBox(zorhost::CHostProgressBox& box, const char* name) {
+    const char* dir = std::getenv("PARMIRA_SCREENSHOT_DIR");
+    if (dir == nullptr || box.Dialog() == nullptr)
+        return;
+    for (QWidget* w : QApplication::topLevelWidgets()) {
+        if (!w->isVisible() || w->windowTitle() != QString::fromUtf8("编辑配方"))
+            continue;
+        QPixmap picture = w->grab();
+        const QPixmap over = box.Dialog()->grab();
+        QPainter painter(&picture);
+        painter.drawPixmap((picture.width() - over.width()) / 2,
+                           (picture.height() - over.height()) / 2, over);
+        painter.end();
+        picture.save(QString::fromStdString(std::string(dir) + "/" + name));
+    }
+}
+
+void WaitForJob(COneKeyParseRecipeDialog& dlg) {
+    EXPECT_TRUE(AfxPumpMessagesUntil([&] { return !dlg.IsWorkerRunning(); }, 30000));
+}
+
+} // namespace
+
+class RecipeJobTest : public RecipeTest {
+protected:
+    const DeviceDescription& Device() { return Drive().Device(); }
+
+    // Parameters a restore writes and whose value a test may move freely: transferable,
+    // changeable, with a range, and no limit of another parameter hangs on them.
+    std::vector<const ParameterDef*> FreeParameters() {
+        const DeviceDescription& d = Device();
+        std::set<std::uint32_t> targets;
+        for (const ParameterDef& p : d.parameters) {
+            if (p.IsMinLinked())
+                targets.insert(p.minLink);
+            if (p.IsMaxLinked())
+                targets.insert(p.maxLink);
+        }
+        // Password registers take codes and never keep them.
+        std::set<std::uint32_t> registers;
+        for (const auto& v : d.namedVariables)
+            registers.insert(v.address);
+        std::vector<const ParameterDef*> free;
+        for (std::uint32_t i = 0; i < d.parameters.size(); ++i) {
+            const ParameterDef& p = d.parameters[i];
+            if (p.IsTransferable() && !registers.count(p.address) &&
+                p.modifyMode != ModifyMode::Never && !p.IsMinLinked() && !p.IsMaxLinked() &&
+                !targets.count(i) && p.maxValue > p.minValue)
+                free.push_back(&p);
+        }
+        return free;
+    }
+    // Puts value `which` (0: a value off the factory value, 1: the factory value) into
+    // the drive for every free parameter.
+    void SetDrive(const std::vector<const ParameterDef*>& params, int which) {
+        for (const ParameterDef* p : params) {
+            const double off = p->factoryValue == p->minValue ? p->minValue + 1 : p->minValue;
+            ASSERT_TRUE(Drive().PokeRaw(p->address, which == 0 ? off : p->factoryValue));
+        }
+    }
+    std::map<std::uint32_t, double> DriveValues(const std::vector<const ParameterDef*>& params) {
+        std::map<std::uint32_t, double> values;
+        for (const ParameterDef* p : params) {
+            double raw = 0;
+            Drive().PeekRaw(p->address, raw);
+            values[p->address] = raw;
+        }
+        return values;
+    }
+    std::string LastMessage() {
+        const AfxPrompt* p = prompts.Last(AfxPrompt::MessageBox);
+        return p != nullptr ? p->text.str() : std::string();
+    }
+    std::string Backup(const std::string& path) {
+        prompts.ChooseFiles({CString(path.c_str())});
+        std::string message;
+        RunRecipe(Module(), [&](COneKeyParseRecipeDialog& dlg) {
+            dlg.OnBackup();
+            WaitForJob(dlg);
+            message = LastMessage();
+        });
+        return message;
+    }
+    std::vector<std::string> Restore(const std::string& path) {
+        prompts.ChooseFiles({CString(path.c_str())});
+        std::vector<std::vector<std::string>> failed;
+        RunRecipe(
+            Module(),
+            [&](COneKeyParseRecipeDialog& dlg) {
+                dlg.OnRestore();
+                WaitForJob(dlg);
+            },
+            &failed);
+        EXPECT_EQ(failed.size(), 1u); // the list is the restore's only report
+        return failed.empty() ? std::vector<std::string>{} : failed.front();
+    }
+};
+
+TEST_F(RecipeJobTest, BackupHoldsEveryLevelAndRestoreBringsTheDriveBackExactly) {
+    const auto params = FreeParameters();
+    ASSERT_GT(params.size(), 200u);
+    ASSERT_TRUE(std::any_of(params.begin(), params.end(),
+                            [](const ParameterDef* p) { return p->accessLevel >= 3; }));
+    SetDrive(params, 0);
+    const auto backedUp = DriveValues(params);
+    const std::string path = TempDir() + "/line2";
+    EXPECT_EQ(Backup(path), "配方保存成功！");
+    ASSERT_TRUE(std::filesystem::exists(path + ".zorparam"));
+
+    // The file holds what the drive held, above the user's level as well.
+    IParamFile* file = theApp.CreateParamFile();
+    ASSERT_NE(file, nullptr);
+    ASSERT_TRUE(file->Open(CString((path + ".zorparam").c_str())));
+    IParamFileTable* table = file->GetVarList();
+    ASSERT_NE(table, nullptr);
+    EXPECT_EQ(table->GetCount(), Module()->GetVarList()->GetCount());
+    for (const ParameterDef* p : params) {
+        IVarObjEx* v = table->FindByAddress(p->address);
+        ASSERT_NE(v, nullptr) << Device().Code(*p);
+        EXPECT_EQ(host.VarUtil().VariantAsDouble(v->GetValue()), backedUp.at(p->address))
+            << Device().Code(*p);
+        // In the parameter's own type, so that its decimals still apply to it.
+        EXPECT_EQ(int(v->GetValue().vt), v->GetAttr()->GetDataType()) << Device().Code(*p);
+    }
+    file->Release();
+
+    SetDrive(params, 1); // a repair put other values in, and the drive was powered off
+    ASSERT_TRUE(host.DeviceHelper().WriteParameterAs(kKey, kFactoryCodeAddress, 18,
+                                                     zorhost::sim::SimulatedDrive::kLogoutCode));
+    ASSERT_EQ(Drive().Authority(), zorhost::sim::SimulatedDrive::kBaseAuthority);
+    Drive().SetRunning(false);
+    EXPECT_EQ(Restore(path + ".zorparam"), std::vector<std::string>{});
+    const auto restored = DriveValues(params);
+    for (const ParameterDef* p : params)
+        EXPECT_EQ(restored.at(p->address), backedUp.at(p->address)) << Device().Code(*p);
+}
+
+TEST_F(RecipeJobTest, RestoreListsEachRefusedWriteAndSkipsUnchangeableOnes) {
+    const std::string path = TempDir() + "/r.zorparam";
+    ASSERT_EQ(Backup(path), "配方保存成功！");
+    const UINT a = Address("H02-09"), b = Address("H03-05");
+    Drive().SetFailure(FailureMode::RefuseWrites, {b, a});
+    Drive().TakeRequests();
+    // In the order the writes failed, which is the order of the rows.
+    EXPECT_EQ(Restore(path), (std::vector<std::string>{"H02-09", "H03-05"}));
+    std::set<std::uint32_t> written;
+    for (const auto& r : Drive().TakeRequests())
+        if (r.kind == zorhost::sim::DriveRequest::Write)
+            written.insert(r.address);
+    EXPECT_TRUE(written.count(a) && written.count(b));
+    for (const ParameterDef& p : Device().parameters) {
+        if (p.modifyMode == ModifyMode::Never) {
+            EXPECT_FALSE(written.count(p.address)) << Device().Code(p);
+        }
+    }
+}
+
+TEST_F(RecipeJobTest, ReadFailureNamesTheParameterAndWritesNoFile) {
+    const std::string path = TempDir() + "/x.zorparam";
+    Drive().SetFailure(FailureMode::FailReads, {Address("H03-05")});
+    EXPECT_EQ(Backup(path), "H03-05上传失败！");
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+TEST_F(RecipeJobTest, FactoryCodeRefusedStopsARestoreBeforeAnyWrite) {
+    const std::string path = TempDir() + "/y.zorparam";
+    ASSERT_EQ(Backup(path), "配方保存成功！");
+    Drive().SetFailure(FailureMode::RefuseWrites, {kFactoryCodeAddress});
+    Drive().TakeRequests();
+    prompts.ChooseFiles({CString(path.c_str())});
+    std::vector<std::vector<std::string>> failed;
+    RunRecipe(
+        Module(),
+        [&](COneKeyParseRecipeDialog& dlg) {
+            dlg.OnRestore();
+            WaitForJob(dlg);
+        },
+        &failed);
+    EXPECT_EQ(LastMessage(), "厂家密码写失败!");
+    EXPECT_TRUE(failed.empty());
+    const auto requests = Drive().TakeRequests();
+    ASSERT_EQ(requests.size(), 1u);
+    EXPECT_EQ(requests[0].address, kFactoryCodeAddress);
+}
+
+// A backup without the factory level reads nothing and keeps the values on hand.
+TEST_F(RecipeJobTest, FactoryCodeRefusedAtBackupSavesWithoutReading) {
+    Drive().SetFailure(FailureMode::RefuseWrites, {kFactoryCodeAddress});
+    Drive().TakeRequests();
+    const std::string path = TempDir() + "/z.zorparam";
+    EXPECT_EQ(Backup(path), "配方保存成功！");
+    EXPECT_EQ(Drive().TakeRequests().size(), 1u);
+    EXPECT_TRUE(std::filesystem::exists(path));
+}
+
+// The window goes while the worker reads at the pace of a real link: the close waits
+// for the worker, which stops at the next row, and nothing is left half-written.
+TEST_F(RecipeJobTest, ClosingDuringABackupStopsTheWorkerCleanly) {
+    Drive().SetRealTime(true);
+    Drive().SetLatency(20);
+    const std::string dir = TempDir();
+    prompts.ChooseFiles({CString((dir + "/c.zorparam").c_str())});
+    const std::uint64_t before = Drive().RequestCount();
+    RunRecipe(Module(), [&](COneKeyParseRecipeDialog& dlg) {
+        dlg.OnBackup();
+        ASSERT_TRUE(dlg.IsWorkerRunning());
+        AfxPumpMessagesUntil([&] { return Drive().RequestCount() > before + 5; }, 5000);
+        if (const char* dir = std::getenv("PARMIRA_SCREENSHOT_DIR"))
+            AfxTestGrabWindow(&dlg, (std::string(dir) + "/recipe_backup.png").c_str());
+    });
+    const std::uint64_t after = Drive().RequestCount();
+    AfxPumpMessagesUntil([] { return false; }, 50); // what the worker posted finds no window
+    EXPECT_EQ(Drive().RequestCount(), after);
+    EXPECT_LT(after - before, std::uint64_t(Module()->GetVarList()->GetCount()));
+    for (const auto& entry : std::filesystem::directory_iterator(dir))
+        EXPECT_EQ(entry.path().filename(), "c.zorparam"); // no temporary file left behind
+}
+
+// The user cancels in the progress box: the worker stops at the next row; a backup still
+// saves a whole file, a restore shows what failed so far.
+TEST_F(RecipeJobTest, CancelInTheProgressBoxStopsTheJobPromptly) {
+    const std::string path = TempDir() + "/cancel.zorparam";
+    ASSERT_EQ(Backup(path), "配方保存成功！");
+    const int rows = Module()->GetVarList()->GetCount();
+    // Requests as slow as on a real link give the window time to hear of the box long
+    // before the worker is through; the user cancels as soon as the box shows.
+    Drive().SetRealTime(true);
+    Drive().SetLatency(50);
+    std::vector<std::string> texts;
+    int hidden = 0;
+    host.ModuleManager().SetProgressObserver(
+        [&](zorhost::CHostProgressBox& box, zorhost::CHostProgressBox::Event event) {
+            if (event == zorhost::CHostProgressBox::Event::Shown) {
+                texts.push_back(box.Text().str());
+                if (texts.size() == 1)
+                    GrabWithBox(box, "recipe_backup_progress.png");
+                box.Cancel();
+            }
+            if (event == zorhost::CHostProgressBox::Event::Hidden)
+                ++hidden;
+        });
+
+    std::uint64_t before = Drive().RequestCount();
+    EXPECT_EQ(Backup(path), "配方保存成功！");
+    EXPECT_LT(Drive().RequestCount() - before, std::uint64_t(rows / 2));
+    IParamFile* file = theApp.CreateParamFile();
+    ASSERT_TRUE(file->Open(CString(path.c_str()))); // whole, not cut off
+    EXPECT_EQ(file->GetVarList()->GetCount(), rows);
+    file->Release();
+
+    Drive().SetFailure(FailureMode::RefuseWrites, {Address("H00-00")});
+    before = Drive().RequestCount();
+    EXPECT_EQ(Restore(path), std::vector<std::string>{"H00-00"});
+    EXPECT_LT(Drive().RequestCount() - before, std::uint64_t(rows / 2));
+    EXPECT_EQ(texts, (std::vector<std::string>{"正在导出...", "正在导入..."}));
+    EXPECT_EQ(hidden, 2);
+    host.ModuleManager().SetProgressObserver(nullptr);
+}
+
+TEST_F(RecipeJobTest, SaveMakesOneMissingFolderAndNamesTheFileOnce) {
+    namespace fs = std::filesystem;
+    const std::string dir = TempDir();
+    COneKeyParseRecipeDialog dlg;
+    dlg.SetModule(Module());
+    struct Case {
+        std::string path;
+        BOOL saved;
+        std::string file; // what exists afterwards
+    } cases[] = {
+        {dir + "/a", 1, dir + "/a.zorparam"},
+        {dir + "/b.ZORPARAM", 1, dir + "/b.ZORPARAM"},
+        {dir + "/new/c.zorparam", 1, dir + "/new/c.zorparam"},
+        {dir + "/two/levels/d.zorparam", 0, ""},
+        {"nofolder.zorparam", 0, ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.path);
+        EXPECT_EQ(dlg.SaveRecipeFile(CString(c.path.c_str())), c.saved);
+        if (!c.file.empty()) {
+            EXPECT_TRUE(fs::exists(c.file));
+        }
+    }
+    EXPECT_FALSE(fs::exists(dir + "/two"));
+    EXPECT_FALSE(fs::exists("nofolder.zorparam"));
+}
+
+// A recipe of another series is restored only after a yes, and then by its own addresses;
+// its variables are the rows until a tree node is chosen.
+TEST_F(RecipeJobTest, RecipeOfAnotherSeriesAsksFirst) {
+    const std::string path = TempDir() + "/other.zorparam";
+    ASSERT_EQ(Backup(path), "配方保存成功！");
+    IParamFile* file = theApp.CreateParamFile();
+    ASSERT_TRUE(file->Open(CString(path.c_str())));
+    const BYTE other[16] = {0x00, 0x07, 0x00, 0x40, 0x00, 0x02};
+    file->SetElecLabel(other, sizeof other);
+    ASSERT_TRUE(file->Save(CString(path.c_str())));
+    file->Release();
+
+    for (int answer : {IDNO, IDYES}) {
+        SCOPED_TRACE(answer);
+        prompts.AnswerMessageBox(answer);
+        prompts.ChooseFiles({CString(path.c_str())});
+        Drive().TakeRequests();
+        std::vector<std::vector<std::string>> failed;
+        RunRecipe(
+            Module(),
+            [&](COneKeyParseRecipeDialog& dlg) {
+                dlg.OnRestore();
+                const AfxPrompt* q = prompts.Last(AfxPrompt::MessageBox);
+                ASSERT_NE(q, nullptr);
+                EXPECT_EQ(q->text, "打开配方与当前设备不属于同一系列，是否继续下载？");
+                EXPECT_EQ(q->caption, "警告");
+                EXPECT_EQ(q->Icon(), UINT(MB_ICONWARNING));
+                if (answer == IDNO) {
+                    EXPECT_FALSE(dlg.IsWorkerRunning());
+                    return;
+                }
+                WaitForJob(dlg);
+                IVarObjEx* row = dlg.GetRow(0);
+                ASSERT_NE(row, nullptr);
+                EXPECT_EQ(dlg.GetOpenedRecipe()->FindByAddress(row->GetInstanceAddress()), row);
+                dlg.OnTreeSelection(dlg.m_tree.GetChildItem(dlg.m_tree.GetRootItem()));
+                EXPECT_EQ(
+                    Module()->GetVarList()->FindByAddress(dlg.GetRow(0)->GetInstanceAddress()),
+                    dlg.GetRow(0));
+            },
+            &failed);
+        EXPECT_EQ(failed.size(), answer == IDYES ? 1u : 0u);
+        EXPECT_EQ(Drive().TakeRequests().empty(), answer == IDNO);
+    }
+}
