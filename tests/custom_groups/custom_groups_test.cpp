@@ -325,8 +325,16 @@ TEST_F(CustomGroupTest, AddToGroupMenuKeepsMembersAddsNoDoubleAndMakesNewGroups)
     table->AddVarsToCustomRoot({Var(6)});
     Shoot(parent.get(), "custom_group_tree.png");
 
+    // Command 32848 of the modified branch: the first page's rows, each once.
+    CVarTablePage* page = table->GetPage1();
+    ASSERT_GT(page->GetShownCount(), 0);
+    table->OnFrameCommand(ID_ADD_TO_CUSTOM_GROUP);
+    ASSERT_EQ(Custom()->GetCount(), 6);
+    EXPECT_EQ(Custom()->GetAt(5)->GetMemberCount(), page->GetShownCount());
+    EXPECT_EQ(MemberKeys(Custom()->GetAt(5)).front(), KeyOf(page->GetShownVar(0)));
+
     Restart();
-    ASSERT_EQ(Custom()->GetCount(), 5);
+    ASSERT_EQ(Custom()->GetCount(), 6);
     EXPECT_EQ(MemberKeys(Custom()->GetAt(0)), expected);
     EXPECT_EQ(Custom()->GetAt(1)->GetChildCount(), 1);
     EXPECT_EQ(Custom()->GetMemberCount(), 1);
