@@ -31,6 +31,7 @@ constexpr UINT IDS_DEVICE_TYPE_DIFFERS = 1963;
 constexpr UINT IDS_MENU_DIRECT_ADD = 207;   // "直接添加"
 constexpr UINT IDS_MENU_NEW_SUBGROUP = 208; // "新建子组"
 constexpr UINT kFirstMenuGroupId = 4000;
+constexpr UINT kLastMenuGroupId = 4500;
 
 CString GroupLabel(IGroupNode* group) {
     CString name, description;
@@ -202,7 +203,8 @@ void CVarTable::FillAddToGroupMenu(CMenu& popup) {
 }
 
 void CVarTable::AddVarsToMenuGroup(const std::vector<IVarObjEx*>& list, UINT id) {
-    if (list.empty())
+    // The pages route 4000 to 4500 only; what lies beyond has no effect.
+    if (list.empty() || id < kFirstMenuGroupId || id > kLastMenuGroupId)
         return;
     auto direct = m_menuGroups.find(id);
     if (direct != m_menuGroups.end() && direct->second != nullptr) {

@@ -403,3 +403,19 @@ TEST_F(CustomGroupTest, TwoDrivesOfOneTypeKeepTheirGroupsApart) {
     ASSERT_TRUE(host->LoadProject(setup));
     EXPECT_EQ(host->Module("ZD3S-B")->GetVarList()->GetGroupRoot(1)->GetCount(), 0);
 }
+
+TEST_F(CustomGroupTest, SaveWritesThroughALinkKeepsTheModeAndLeavesNoTemporaryFile) {
+    OpenPanel();
+    const fs::path folder = fs::path(StoreFile()).parent_path();
+    fs::create_directories(folder);
+    const fs::path target = fs::path(dir) / "kept-elsewhere.dat";
+    std::ofstream(target) << "{}";
+    fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+    fs::create_symlink(target, StoreFile());
+    table->CreateCustomGroup({Var(1)}, "Linked");
+    EXPECT_TRUE(fs::is_symlink(StoreFile()));
+    EXPECT_GT(fs::file_size(target), 2u);
+    EXPECT_EQ(fs::status(target).permissions() & fs::perms::all,
+              fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 1);
+}
