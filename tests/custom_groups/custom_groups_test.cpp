@@ -80,7 +80,7 @@ protected:
 
     zorhost::ProjectSetup Setup() const {
         zorhost::ProjectSetup setup;
-        setup.directory = CString(dir);
+        setup.directory = CString(dir + "/line2"); // made when the project opens
         setup.modules = {{"zd3s_servo.json", "ZD3S", "Spindle", 1, true}};
         return setup;
     }
@@ -123,7 +123,7 @@ protected:
 
     IGroupSet* Custom() { return host->Module("ZD3S")->GetVarList()->GetGroupRoot(1); }
     IVarObjEx* Var(int index) { return host->Module("ZD3S")->GetVarList()->GetAt(index); }
-    std::string StoreFile() const { return dir + "/Spindle_ZD3S/Variables.dat"; }
+    std::string StoreFile() const { return dir + "/line2/Spindle_ZD3S/Variables.dat"; }
 
     std::vector<std::string> CustomItemTexts() {
         std::vector<std::string> texts;
@@ -396,7 +396,7 @@ TEST_F(CustomGroupTest, TwoDrivesOfOneTypeKeepTheirGroupsApart) {
     IVarDatabase* db = host->Project()->GetWorkspace()->GetDatabase(b->GetElecLabel(),
                                                                     b->GetElecLabelSize(), version);
     ASSERT_NE(db, nullptr);
-    const std::string path = zorhost::model::CustomGroupFile(CString(dir), *b);
+    const std::string path = zorhost::model::CustomGroupFile(CString(dir + "/line2"), *b);
     fs::create_directories(fs::path(path).parent_path());
     ASSERT_TRUE(db->SaveToFile(CString(path)));
 

@@ -1,5 +1,6 @@
 #include "zorhost/model/CustomGroupStore.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -21,6 +22,12 @@ void LoadCustomGroups(CWorkspace& workspace, std::vector<std::string>& problems)
     CString dir;
     if (!workspace.GetProjectDir(dir))
         return;
+    // The module makes only the last level of a store's folder; the project's own folder
+    // must be there, or every save of a group would fail unnoticed.
+    const QString projectDir = QString::fromUtf8(dir.str().data(), qsizetype(dir.str().size()));
+    if (!QDir().mkpath(projectDir))
+        problems.push_back("project folder " + dir.str() +
+                           " can't be made: custom groups will not be kept");
     CModuleList& modules = workspace.Modules();
     for (int i = 0; i < modules.GetModuleCount(); ++i) {
         auto* module = static_cast<CDeviceModule*>(modules.GetModuleAt(i));
