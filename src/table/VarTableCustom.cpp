@@ -44,7 +44,8 @@ CString GroupLabel(IGroupNode* group) {
     return label;
 }
 
-// Two labels name one device type when the 16-bit words at 0, 2, 4 and 14 agree.
+// Two labels name one device type when the big-endian 16-bit words at 0, 2, 4 and 14
+// agree; a byte past the end of a label reads as 0, as the host's ByteAt gives it.
 BOOL IsSameDeviceType(IParamFile* file, IHostDeviceModule* module) {
     if (file == nullptr || module == nullptr)
         return FALSE;
@@ -54,11 +55,16 @@ BOOL IsSameDeviceType(IParamFile* file, IHostDeviceModule* module) {
     const UINT sizeB = module->GetElecLabelSize();
     if (a == nullptr || b == nullptr || sizeA < 6 || sizeB < 6)
         return FALSE;
+    IHostVarUtil* util = theApp.GetVarUtil();
+    auto byteAt = [util](const BYTE* label, UINT size, UINT index) {
+        if (util != nullptr)
+            return util->ByteAt(label, size, index);
+        return index < size ? int(label[index]) : 0;
+    };
     for (UINT at : {0u, 2u, 4u, 14u}) {
-        // A label too short for the last word compares the words it has.
-        if (at + 1 >= sizeA || at + 1 >= sizeB)
-            break;
-        if (a[at] != b[at] || a[at + 1] != b[at + 1])
+        const int wordA = byteAt(a, sizeA, at) << 8 | byteAt(a, sizeA, at + 1);
+        const int wordB = byteAt(b, sizeB, at) << 8 | byteAt(b, sizeB, at + 1);
+        if (wordA != wordB)
             return FALSE;
     }
     return TRUE;
