@@ -7,6 +7,9 @@
 #include "module/ParmiraApp.h"
 #include "module/host/IGroupNode.h"
 #include "module/host/IGroupSet.h"
+#include "module/host/IHostDeviceModule.h"
+#include "module/host/IParamFile.h"
+#include "module/host/IParamFileTable.h"
 #include "module/host/IVarDatabase.h"
 #include "module/host/IVarObjEx.h"
 #include "table/ParmiraDialog.h"
@@ -418,4 +421,57 @@ TEST_F(CustomGroupTest, SaveWritesThroughALinkKeepsTheModeAndLeavesNoTemporaryFi
     EXPECT_EQ(fs::status(target).permissions() & fs::perms::all,
               fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
     EXPECT_EQ(std::distance(fs::directory_iterator(folder), fs::directory_iterator()), 1);
+}
+
+TEST_F(CustomGroupTest, GroupsLoadFromAParameterFileOfTheSameDeviceTypeOnly) {
+    // A file of this drive and one of another device type, each with every variable.
+    auto write = [&](const char* key, const std::string& path) {
+        auto* file =
+            static_cast<IParamFile*>(host->ModuleManager().CreateInstance(IParamFile::kIID));
+        IHostDeviceModule* m = host->Module(key);
+        if (m == nullptr) {
+            ASSERT_TRUE(host->LoadProject(zorhost::ReferenceHost::DemoProject()));
+            m = host->Module(key);
+        }
+        file->GetVarList()->CopyFrom(m->GetVarList());
+        file->SetElecLabel(m->GetElecLabel(), m->GetElecLabelSize());
+        ASSERT_TRUE(file->Save(CString(path)));
+        file->Release();
+    };
+    const std::string other = dir + "/inverter.zorparam";
+    write("ZV5", other);
+    OpenProject();
+    const std::string same = dir + "/Spindle tune.zorparam";
+    write("ZD3S", same);
+    OpenPanel();
+    const int vars = host->Module("ZD3S")->GetVarList()->GetCount();
+
+    prompts.ChooseFiles({CString(same)});
+    table->OnFrameCommand(ID_LOAD_CUSTOM_GROUP);
+    const AfxPrompt* dialog = prompts.Last(AfxPrompt::FileDialog);
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(dialog->defExt, CString("zorparam"));
+    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u);
+    ASSERT_EQ(Custom()->GetCount(), 1);
+    EXPECT_EQ(CustomItemTexts(), std::vector<std::string>{"Spindle tune"});
+    EXPECT_EQ(Custom()->GetAt(0)->GetMemberCount(), vars);
+
+    // Another type asks; No ends it, and a Yes is told once more and loads nothing too.
+    for (int answer : {IDNO, IDYES}) {
+        prompts.ChooseFiles({CString(other)});
+        prompts.AnswerMessageBox(answer);
+        table->OnFrameCommand(ID_LOAD_CUSTOM_GROUP);
+    }
+    std::vector<AfxPrompt> boxes;
+    for (const AfxPrompt& p : prompts.prompts)
+        if (p.kind == AfxPrompt::MessageBox)
+            boxes.push_back(p);
+    ASSERT_EQ(boxes.size(), 3u);
+    const std::string question = boxes[0].text.str();
+    EXPECT_NE(question.find("inverter.zorparam"), std::string::npos) << question;
+    EXPECT_NE(question.find("是否继续打开"), std::string::npos) << question;
+    EXPECT_EQ(boxes[0].Buttons(), UINT(MB_YESNO));
+    EXPECT_EQ(boxes[2].text, boxes[1].text);
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->caption, CString("警告"));
+    EXPECT_EQ(Custom()->GetCount(), 1);
 }
