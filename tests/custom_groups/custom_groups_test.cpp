@@ -55,6 +55,16 @@ void Shoot(CWnd* window, const char* name) {
     }
 }
 
+// A servo module named "Spindle", on its in-process simulated drive.
+zorhost::ModuleSetup Servo(const char* key, int number) {
+    zorhost::ModuleSetup m;
+    m.deviceFile = "zd3s_servo.json";
+    m.key = key;
+    m.displayName = "Spindle";
+    m.number = number;
+    return m;
+}
+
 class CustomGroupTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -84,7 +94,7 @@ protected:
     zorhost::ProjectSetup Setup() const {
         zorhost::ProjectSetup setup;
         setup.directory = CString(dir + "/line2"); // made when the project opens
-        setup.modules = {{"zd3s_servo.json", "ZD3S", "Spindle", 1, true}};
+        setup.modules = {Servo("ZD3S", 1)};
         return setup;
     }
     void OpenProject() {
@@ -390,7 +400,7 @@ TEST_F(CustomGroupTest, DamagedStoreIsReportedKeptAsideAndTheModuleStillWorks) {
 
 TEST_F(CustomGroupTest, TwoDrivesOfOneTypeKeepTheirGroupsApart) {
     zorhost::ProjectSetup setup = Setup();
-    setup.modules.push_back({"zd3s_servo.json", "ZD3S-B", "Spindle", 2, true});
+    setup.modules.push_back(Servo("ZD3S-B", 2));
     ASSERT_TRUE(host->LoadProject(setup));
     AddGroup("Only on A", {1});
     IHostDeviceModule* b = host->Module("ZD3S-B");
