@@ -60,6 +60,8 @@ void RegisterPageResources(HINSTANCE module) {
         page.controls = {
             {IDC_PAGE_SAVE_CHECKED, DlgCtl::Button, "保存勾选项", 4, 3, 84, 24},
             {IDC_PAGE_UPDATE_ATTRIBUTES, DlgCtl::Button, "更新属性", 92, 3, 76, 24},
+            {IDC_PAGE1_FIND_LABEL, DlgCtl::Static, "查找", 176, 7, 34, 20},
+            {IDC_PAGE1_SEARCH, DlgCtl::ComboDropDown, "", 212, 3, 160, 24},
             {IDC_PAGE_LIST, DlgCtl::List, "", 0, 32, 900, 488,
              LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS},
         };

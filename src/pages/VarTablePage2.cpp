@@ -16,6 +16,7 @@ CVarTablePage2::~CVarTablePage2() = default;
 void CVarTablePage2::DoDataExchange(CDataExchange* pDX) {
     CVarTablePageBase::DoDataExchange(pDX);
     DDX_Control(pDX, int(IDC_PAGE_LIST), m_list);
+    DDX_Control(pDX, int(IDC_PAGE1_SEARCH), m_search);
 }
 
 BOOL CVarTablePage2::OnInitDialog() {
@@ -48,6 +49,7 @@ void CVarTablePage2::OnModuleDownloaded(const CString&, BOOL) {
 
 void CVarTablePage2::OnDestroy() {
     m_linkedVars.RemoveAll();
+    m_searchHistory.DeleteAll();
     UnsubscribeUpload();
     if (m_bPropertySubscribed) {
         Unsubscribe(IMessage_ModulePropertyUpdateEvent::kIID,

@@ -12,6 +12,7 @@ public:
     ~CVarTablePage2() override;
 
     CListCtrlEx& GetList() override { return m_list; }
+    CSearcherComboBox* GetSearcher() override { return &m_search; }
 
     void OnModuleUploaded(const CString& moduleKey, BOOL success) override;
     void OnModuleDownloaded(const CString& moduleKey, BOOL success) override;
@@ -24,4 +25,5 @@ protected:
 
 private:
     CVarTableListCtrl_2 m_list;
+    CSearcherComboBox m_search;
 };

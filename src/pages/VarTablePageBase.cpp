@@ -32,6 +32,7 @@ CVarTablePageBase::~CVarTablePageBase() {
                     AsSink<IMessage_ModulePropertyUpdateEvent>(this));
     delete m_pTranslator;
     m_pTranslator = nullptr;
+    m_searchHistory.DeleteAll();
 }
 
 // ---------------------------------------------------------------- collection
@@ -428,6 +429,12 @@ void CVarTablePageBase::FinishInit() {
     Subscribe(IMessage_ModulePropertyUpdateEvent::kIID,
               AsSink<IMessage_ModulePropertyUpdateEvent>(this));
     m_bPropertySubscribed = TRUE;
+    if (CSearcherComboBox* box = GetSearcher(); box != nullptr && box->GetSafeHwnd() != nullptr) {
+        box->SetOwnerPage(this);
+        // The fixed first entry; it is not part of the history.
+        box->ResetContent();
+        box->AddString("All");
+    }
     CRect client;
     GetClientRect(&client);
     OnSize(0, client.Width(), client.Height());

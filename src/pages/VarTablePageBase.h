@@ -9,13 +9,13 @@
 #include "module/host/IMessage_ModulePropertyUpdateEvent.h"
 #include "module/host/IMessage_ModuleUploadEvent.h"
 #include "pages/ListCtrlEx.h"
+#include "pages/SearchIndex.h"
+#include "pages/SearcherComboBox.h"
 #include "table/StackedDialog.h"
 
 #include <afx/afxcmn.h>
 
 #include <vector>
-
-class CSearchObj;
 
 // Colours of the list.
 constexpr COLORREF PAGE_ROW_EVEN = RGB(228, 250, 245);
@@ -78,6 +78,16 @@ public:
 
     virtual CListCtrlEx& GetList() = 0;
 
+    // ---- search
+    // The page's search box (control 2065), null while the page has none.
+    virtual CSearcherComboBox* GetSearcher() { return nullptr; }
+    void OnSearchEnter();
+    void OnSearchPicked();
+    // Shows the rows of the present selection that hold `text`.
+    void SearchRows(const CString& text);
+    void DropSearchCache() override { m_searchIndex.Drop(); }
+    const CSearchIndex& GetSearchIndex() const { return m_searchIndex; }
+
     // ---- what the list asks of its page
     CString GetCellText(int row, int column);
     virtual void OnCellButtonClicked(CItemButton* button, int row, int column, const CString& text);
@@ -110,6 +120,8 @@ protected:
     void OnSize(UINT nType, int cx, int cy) override;
     BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
     BOOL PreTranslateMessage(MSG* pMsg) override;
+    LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
+    BOOL OnCommand(WPARAM wParam, LPARAM lParam) override;
 
     // The top of the list in the page's client area.
     virtual int GetListTop() const = 0;
@@ -143,6 +155,7 @@ protected:
     BOOL m_bUploadSubscribed = FALSE;
     BOOL m_bPropertySubscribed = FALSE;
     CImageList m_stateImages;
+    CSearchIndex m_searchIndex;
 
 private:
     void Collect(IVarStore* varList, BOOL all);
