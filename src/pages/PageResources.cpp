@@ -1,5 +1,7 @@
 #include "pages/PageResources.h"
 
+#include "pages/ConfigListDlg.h"
+#include "pages/RowCommands.h"
 #include "pages/VarTablePage1.h"
 #include "table/VarTable.h"
 
@@ -67,6 +69,8 @@ void RegisterPageResources(HINSTANCE module) {
         };
         AfxRegisterDialog(module, page);
     }
+    RegisterRowCommandResources(module);
+    RegisterConfigListResources(module);
     RegisterStateIcon(module, IDI_STATE_NONE, 0);
     RegisterStateIcon(module, IDI_STATE_UNCHECKED, 1);
     RegisterStateIcon(module, IDI_STATE_CHECKED, 2);

@@ -354,6 +354,10 @@ BOOL CVarTablePageBase::OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult)
         OnListClick(reinterpret_cast<const NMITEMACTIVATE*>(lParam));
         return TRUE;
     }
+    if (hdr != nullptr && hdr->idFrom == IDC_PAGE_LIST && hdr->code == NM_RCLICK) {
+        OnListRightClick();
+        return TRUE;
+    }
     return CVarTablePage::OnNotify(wParam, lParam, pResult);
 }
 

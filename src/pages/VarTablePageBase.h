@@ -88,6 +88,20 @@ public:
     void DropSearchCache() override { m_searchIndex.Drop(); }
     const CSearchIndex& GetSearchIndex() const { return m_searchIndex; }
 
+    // ---- row commands
+    // Command 32817: the column dialog; the columns follow its ticks.
+    void ChooseColumns();
+    // A right click in the list: the menu of the page and the frame's flag, then its command.
+    void OnListRightClick();
+    // Runs a command of the page's context menu; FALSE when it isn't one of the rows'.
+    BOOL RunRowCommand(UINT id);
+    // Command 2004: the selected rows go to the host's monitor view.
+    void AddToMonitorList();
+    // Command 2109: the selected rows leave the custom group on show, after a question.
+    void RemoveRows();
+    // The variables of the selected rows, each once, in row order.
+    void GetSelectedVars(std::vector<IVarObjEx*>& vars) const;
+
     // ---- what the list asks of its page
     CString GetCellText(int row, int column);
     virtual void OnCellButtonClicked(CItemButton* button, int row, int column, const CString& text);
@@ -162,6 +176,9 @@ private:
     void WalkAll(IVarStore* varList);
     void WalkGroup(IGroupNode* group, IVarStore* varList, int level);
     BOOL PassesFilter(IVarObjEx* var, IVarAttr* attr) const;
+    // The column whose header bears `label`, stored or translated; -1 for none.
+    int ColumnOfLabel(const char* label);
+    void ShowCustomGroupRows(IGroupNode* group, IVarStore* store);
     void AddRow(IVarObjEx* var, BOOL toGroup);
     void FinishCollection(BOOL setTotal, BOOL postCount);
     void AddRefreshItem(IHostRefreshQuery* query, UINT address, int type, int length);

@@ -149,6 +149,11 @@ public:
     BOOL IsTreeCommandEnabled(UINT id, HTREEITEM item) const;
     // Runs a command of the frame; FALSE for ids that aren't the frame's.
     BOOL OnFrameCommand(UINT id);
+    // Shows a list page's context menu `menuId` at `screen` for `owner`, with the custom
+    // groups in its add-to-group popup (greyed unless `groupEntries`) and the `grayed`
+    // entries greyed; the command taken, 0 for none.
+    UINT TrackPageMenu(UINT menuId, CPoint screen, CWnd* owner, const std::vector<UINT>& grayed,
+                       BOOL groupEntries);
 
     // Refresh.
     void StartRefresh();
@@ -237,6 +242,7 @@ private:
     HTREEITEM InsertRecordItem(const CString& text, int image, HTREEITEM parent, int kind,
                                void* object);
     void ShowModifiedWithMode(int mode);
+    void FillGroupPopup(CMenu& popup, IGroupNode* group, UINT& counter);
     void SubscribeUpload();
     void UnsubscribeUpload();
 
