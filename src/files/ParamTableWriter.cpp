@@ -8,8 +8,11 @@
 #include "module/host/IVarObjEx.h"
 #include "values/ValueText.h"
 
+#include <cerrno>
 #include <cstdio>
-#include <fstream>
+#include <cstdlib>
+#include <filesystem>
+#include <sys/stat.h>
 #include <unistd.h>
 
 std::vector<CString> ParamTableHeadLines(IHostDeviceModule* module, const SYSTEMTIME& stamp) {
@@ -34,7 +37,7 @@ std::vector<CString> ParamTableHeadLines(IHostDeviceModule* module, const SYSTEM
     return lines;
 }
 
-CString ParamTableTitleLine(IHostUiService* ui) {
+CString ParamTableTitleLine(IHostUiService* ui, BOOL withGuid) {
     static const UINT ids[10] = {IDS_COL_CODE,    IDS_COL_NAME, IDS_COL_CURRENT, IDS_COL_FACTORY,
                                  IDS_COL_UNIT,    IDS_COL_MIN,  IDS_COL_MAX,     IDS_COL_MODIFY,
                                  IDS_COL_ADDRESS, IDS_COL_TYPE};
@@ -49,10 +52,12 @@ CString ParamTableTitleLine(IHostUiService* ui) {
                 titles[2].GetString(), titles[3].GetString(), titles[4].GetString(),
                 titles[5].GetString(), titles[6].GetString(), titles[7].GetString(),
                 titles[8].GetString(), titles[9].GetString());
+    if (withGuid)
+        line.Insert(line.GetLength() - 1, ",Guid");
     return line;
 }
 
-CString ParamTableRow(IVarObjEx* var, IHostVarUtil* util) {
+CString ParamTableRow(IVarObjEx* var, IHostVarUtil* util, BOOL withGuid) {
     IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
     if (attr == nullptr || util == nullptr)
         return CString();
@@ -72,28 +77,53 @@ CString ParamTableRow(IVarObjEx* var, IHostVarUtil* util) {
                current.GetString(), factory.GetString(), unit.GetString(), minimum.GetString(),
                maximum.GetString(), VarText::ModifyModeText(attr).GetString(),
                int(attr->GetAddress()), type.GetString());
+    if (withGuid) {
+        CString key;
+        var->GetInstanceGuid(key);
+        CString field(",");
+        field += key;
+        row.Insert(row.GetLength() - 1, field.GetString());
+    }
     return row;
 }
 
 BOOL WriteFileReplacing(const CString& path, const std::string& bytes) {
     if (path.IsEmpty())
         return FALSE;
-    CString temp;
-    temp.Format("%s.%d.tmp", path.GetString(), int(::getpid()));
-    {
-        std::ofstream out(temp.GetString(), std::ios::binary | std::ios::trunc);
-        if (!out)
+    // A link is written through to its target, so that it stays a link.
+    std::error_code error;
+    std::filesystem::path target(path.GetString());
+    if (std::filesystem::is_symlink(target, error)) {
+        const std::filesystem::path linked = std::filesystem::read_symlink(target, error);
+        if (error)
             return FALSE;
-        out.write(bytes.data(), std::streamsize(bytes.size()));
-        out.flush();
-        if (!out) {
-            out.close();
-            std::remove(temp.GetString());
-            return FALSE;
-        }
+        target = linked.is_absolute() ? linked : target.parent_path() / linked;
     }
-    if (std::rename(temp.GetString(), path.GetString()) != 0) {
-        std::remove(temp.GetString());
+    std::string temp = target.string() + ".XXXXXX";
+    const int fd = ::mkstemp(temp.data());
+    if (fd < 0)
+        return FALSE;
+    // A replaced file keeps its mode; a new one gets the usual mode for new files.
+    struct stat old {};
+    if (::stat(target.c_str(), &old) == 0) {
+        ::fchmod(fd, old.st_mode & 07777);
+    } else {
+        const mode_t mask = ::umask(0);
+        ::umask(mask);
+        ::fchmod(fd, 0666 & ~mask);
+    }
+    size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            break;
+        done += size_t(n);
+    }
+    const bool written = done == bytes.size() && ::fsync(fd) == 0;
+    if (::close(fd) != 0 || !written || std::rename(temp.c_str(), target.c_str()) != 0) {
+        std::remove(temp.c_str());
         return FALSE;
     }
     return TRUE;
@@ -101,6 +131,11 @@ BOOL WriteFileReplacing(const CString& path, const std::string& bytes) {
 
 BOOL WriteParamTableList(const CString& path, const std::vector<IVarObjEx*>& list,
                          IHostDeviceModule* module, const SYSTEMTIME* stamp) {
+    return WriteParamTableRows(path, list, module, FALSE, stamp);
+}
+
+BOOL WriteParamTableRows(const CString& path, const std::vector<IVarObjEx*>& list,
+                         IHostDeviceModule* module, BOOL withGuid, const SYSTEMTIME* stamp) {
     IHostVarUtil* util = theApp.GetVarUtil();
     if (util == nullptr || module == nullptr || path.IsEmpty())
         return FALSE;
@@ -115,10 +150,10 @@ BOOL WriteParamTableList(const CString& path, const std::vector<IVarObjEx*>& lis
         util->ToNarrowText(line, narrow);
         file += narrow;
     }
-    util->ToNarrowText(ParamTableTitleLine(theApp.GetUiService()), narrow);
+    util->ToNarrowText(ParamTableTitleLine(theApp.GetUiService(), withGuid), narrow);
     file += narrow;
     for (IVarObjEx* var : list) {
-        const CString row = ParamTableRow(var, util);
+        const CString row = ParamTableRow(var, util, withGuid);
         if (row.IsEmpty())
             continue;
         util->ToNarrowText(row, narrow);

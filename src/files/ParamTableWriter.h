@@ -27,9 +27,11 @@ constexpr UINT IDS_COL_TYPE = 2023;
 // local time of writing. Each line ends in "\n"; lines 3 and 6 are empty.
 std::vector<CString> ParamTableHeadLines(IHostDeviceModule* module, const SYSTEMTIME& stamp);
 // Line 7: the ten column titles from the string table; a comma in a title becomes ";".
-CString ParamTableTitleLine(IHostUiService* ui);
-// One row of ten fields with its "\n"; empty for a null variable or one without attribute.
-CString ParamTableRow(IVarObjEx* var, IHostVarUtil* util);
+// With `withGuid` an eleventh, "Guid".
+CString ParamTableTitleLine(IHostUiService* ui, BOOL withGuid = FALSE);
+// One row of ten fields (eleven with the instance key) with its "\n"; empty for a null
+// variable or one without attribute.
+CString ParamTableRow(IVarObjEx* var, IHostVarUtil* util, BOOL withGuid = FALSE);
 
 // Writes the 10-column table of `list` for `module` to `path`, replacing the file in one
 // step (temporary file, then rename). 1 on success; 0 without the value service or the
@@ -37,6 +39,10 @@ CString ParamTableRow(IVarObjEx* var, IHostVarUtil* util);
 // A null `stamp` takes the local time now.
 BOOL WriteParamTableList(const CString& path, const std::vector<IVarObjEx*>& list,
                          IHostDeviceModule* module, const SYSTEMTIME* stamp = nullptr);
+// The same with 10 or, with `withGuid`, 11 columns.
+BOOL WriteParamTableRows(const CString& path, const std::vector<IVarObjEx*>& list,
+                         IHostDeviceModule* module, BOOL withGuid,
+                         const SYSTEMTIME* stamp = nullptr);
 
 // Writes `bytes` to a temporary file beside `path` and renames it over `path`.
 BOOL WriteFileReplacing(const CString& path, const std::string& bytes);

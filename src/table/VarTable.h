@@ -121,6 +121,13 @@ public:
     BOOL ExportAllToFile(const CString& path);
     // The 10-column parameter table of `list` for the shown module.
     BOOL WriteParamTableList(const CString& path, const std::vector<IVarObjEx*>& list);
+    // The parameter table of all variables of `table`, or of the variables of `group`
+    // (exactly one of them given): 10 columns, or 11 with the instance keys. 1 on success.
+    BOOL WriteParamTable(IParamFileTable* table, IGroupNode* group, const CString& path);
+    BOOL WriteParamTableGuid(IParamFileTable* table, IGroupNode* group, const CString& path);
+    // The variables a file of `group` holds: its members and those of its children, by
+    // visibility and level only (no transfer filters), without doubles.
+    void CollectFileVars(IGroupNode* group, std::vector<IVarObjEx*>& list, BOOL includeFactory);
 
     // Where frames get their pages from; null restores CreateVarTablePage. For hosts
     // that embed their own pages, and for tests.

@@ -254,6 +254,7 @@ void ReferenceHost::SetRealTimeDrives(bool realTime) {
 void ReferenceHost::SetEnglish(bool english) {
     m_english = english;
     m_deviceHelper.SetEnglish(english);
+    m_moduleManager.SetEnglish(english);
 }
 
 bool ReferenceHost::IsAnyOscilloscopeRunning() const {

@@ -1,5 +1,8 @@
 #include "zorhost/services/HostDeviceHelper.h"
 
+#include "zorhost/files/ParamFile.h"
+#include "zorhost/files/ParamTableReader.h"
+
 #include "module/host/IFunctionTable.h"
 #include "zorhost/model/ProjectModel.h"
 #include "zorhost/sim/DriveDirectory.h"
@@ -138,8 +141,16 @@ IFunctionEntry* CHostDeviceHelper::FindFunctionVar(IHostDeviceModule* module, co
     return table ? table->FindFunction(name) : nullptr;
 }
 
-BOOL CHostDeviceHelper::ReadCsvParamFile(const CString&, IParamFile*, IHostDeviceModule*) {
-    return 0;
+BOOL CHostDeviceHelper::ReadCsvParamFile(const CString& path, IParamFile* file,
+                                         IHostDeviceModule* module) {
+    if (file == nullptr)
+        return 0;
+    // Only the host makes parameter files.
+    auto* own = static_cast<files::CParamFile*>(file);
+    std::string error;
+    const bool read = files::ReadParamTable(path, *own, module, &error);
+    own->SetLastError(read ? std::string() : error);
+    return read ? 1 : 0;
 }
 
 DataType CHostDeviceHelper::TypeAt(model::CDeviceModule* module, UINT address) {

@@ -1,5 +1,7 @@
 #include "zorhost/services/HostModuleManager.h"
 
+#include "zorhost/files/MemoryStream.h"
+#include "zorhost/files/ParamFile.h"
 #include "zorhost/services/HostWorkerThread.h"
 
 namespace zorhost {
@@ -7,6 +9,12 @@ namespace zorhost {
 IBaseInterface* CHostModuleManager::CreateInstance(const GUID& iid) {
     if (iid == IHostWorkerThread::kIID)
         return static_cast<IHostWorkerThread*>(new CHostWorkerThread);
+    if (iid == IParamFile::kIID)
+        return static_cast<IParamFile*>(new files::CParamFile);
+    if (iid == IMemoryStream::kIID)
+        return static_cast<IMemoryStream*>(new files::CMemoryStream);
+    if (iid == IHostProgressBox::kIID)
+        return static_cast<IHostProgressBox*>(new CHostProgressBox(m_progressObserver, m_english));
     return nullptr;
 }
 

@@ -123,6 +123,10 @@ public:
     IHostAxis* AddAxis() override;
 
     void SetVarDropper(VarDropper dropper) { m_dropVar = std::move(dropper); }
+    // Appends a category (a file's table rebuilds its sets this way).
+    void AddCategory(std::unique_ptr<CGroupCategory> category) {
+        m_categories.push_back(std::move(category));
+    }
     CGroupNode* Group(int index) { return m_groups[size_t(index)].get(); }
     int AxisCount() const { return int(m_axes.size()); }
     CHostAxis* Axis(int index) { return m_axes[size_t(index)].get(); }

@@ -36,7 +36,8 @@ public:
     IVarObjEx* FindNamedVar(IHostDeviceModule* module, const CString& name) override;
     BOOL WriteNamedVar(const CString& moduleKey, const CString& name, double value) override;
     IFunctionEntry* FindFunctionVar(IHostDeviceModule* module, const CString& name) override;
-    // Parameter tables are read by the file side of the host, not built yet: refused.
+    // Reads the table into `file`, which must be one the host made; on failure the file
+    // keeps its contents and its LastError says which line was wrong.
     BOOL ReadCsvParamFile(const CString& path, IParamFile* file,
                           IHostDeviceModule* module) override;
     BOOL ReadParameter(const CString& moduleKey, UINT address, double& value) override;

@@ -1,0 +1,28 @@
+// The module's file code against the reference host with the demo drives; the module's
+// strings under a handle of the test.
+#pragma once
+
+#include "zorhost/ReferenceHost.h"
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+#include <string>
+
+namespace ft {
+
+std::string Slurp(const std::string& path);
+
+class FilesTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+    std::string Path(const char* name) const { return dir.path().toStdString() + "/" + name; }
+
+    zorhost::ReferenceHost host;
+    QTemporaryDir dir;
+    zorhost::model::CDeviceModule* module = nullptr; // the servo
+};
+
+} // namespace ft

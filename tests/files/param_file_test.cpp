@@ -1,0 +1,395 @@
+// The host's parameter file: .zorparam save and open, the table reader, refusals of
+// broken input, and the atomic replace.
+#include "module/host/IGroupCategory.h"
+#include "module/host/IHostAxis.h"
+#include "module/host/IHostAxisList.h"
+#include "module/host/IValueInfo.h"
+#include "module/host/IVarObjEx.h"
+#include "zorhost/ReferenceHost.h"
+#include "zorhost/files/MemoryStream.h"
+#include "zorhost/files/ParamFile.h"
+#include "zorhost/files/ParamTableReader.h"
+#include "zorhost/model/VarStore.h"
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+#include <zlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace zorhost;
+using namespace zorhost::files;
+
+namespace {
+
+std::string Slurp(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream all;
+    all << in.rdbuf();
+    return all.str();
+}
+
+void Spit(const std::string& path, const std::string& bytes) {
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
+}
+
+size_t FilesIn(const std::string& dir) {
+    return size_t(std::distance(std::filesystem::directory_iterator(dir),
+                                std::filesystem::directory_iterator()));
+}
+
+class ParamFileTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::string error;
+        ASSERT_TRUE(host.LoadDemo(&error)) << error;
+        ASSERT_TRUE(dir.isValid());
+    }
+    std::string Path(const char* name) { return dir.path().toStdString() + "/" + name; }
+    IParamFile* NewFile() {
+        return static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
+    }
+
+    ReferenceHost host;
+    QTemporaryDir dir;
+};
+
+// One variable of each data type, with a value the type can only just hold.
+struct TypedCase {
+    int type;
+    Variant value;
+};
+
+const std::vector<TypedCase>& TypedCases() {
+    static const std::vector<TypedCase> cases = {
+        {VT_I2, Variant::I2(-32768)},        {VT_I4, Variant::I4(-2147483647 - 1)},
+        {VT_R4, Variant::R4(3.4028e38f)},    {VT_R8, Variant::R8(-1.0000000000000002)},
+        {VT_DATE, Variant::Date(46000.5)},   {VT_BSTR, Variant::Str("中文, with a comma")},
+        {VT_BOOL, Variant::Bool(true)},      {VT_I1, Variant::I1(-128)},
+        {VT_UI1, Variant::UI1(255)},         {VT_UI2, Variant::UI2(65535)},
+        {VT_UI4, Variant::UI4(4294967295u)}, {VT_EMPTY, Variant()},
+    };
+    return cases;
+}
+
+TEST_F(ParamFileTest, SaveThenOpenGivesBackEveryValueLabelVersionAndGroup) {
+    IParamFile* file = NewFile();
+    ASSERT_NE(file, nullptr);
+    const BYTE label[5] = {0x0D, 0x00, 0xFF, 0x10, 0x00};
+    file->SetElecLabel(label, 5);
+    file->SetVersionText("V3.01");
+    file->SetAccessLevel(2);
+    IParamFileTable* table = file->GetVarList();
+    table->SetVersionText("V3.01-table");
+    auto& own = static_cast<CParamFileTable&>(*table);
+    for (size_t i = 0; i < TypedCases().size(); ++i) {
+        const TypedCase& c = TypedCases()[i];
+        AttrFields f;
+        f.code = CString("P" + std::to_string(i));
+        f.name = "名称,x";
+        f.address = UINT(0x1000 + i);
+        f.dataType = c.type;
+        f.decimals = int(i % 3);
+        f.factoryValue = c.value;
+        f.minValue = Variant::Str("P0"); // a linked limit
+        f.minLinked = 1;
+        f.modifyMode = int(i % 4);
+        f.displayFormat = int(i % 5);
+        f.accessLevel = int(i % 3);
+        f.hiddenForUser = i % 2 ? 1 : 0;
+        f.fixed = i == 3 ? 1 : 0;
+        auto attr = std::make_unique<CFileVarAttr>(f, nullptr);
+        auto var = std::make_unique<model::CVarObj>(attr.get(), nullptr);
+        var->StoreRead(Variant::I4(int(i)));
+        var->SetValue(c.value);
+        var->SetSetValue(c.value);
+        var->SetChecked(i % 2 ? 1 : 0);
+        var->SetPerUnitMode(int(i) - 1);
+        if (i == 4)
+            var->SetInstanceKey("A2.P4");
+        ASSERT_TRUE(own.Adopt(std::move(var), std::move(attr)));
+    }
+    IGroupNode* group = table->GetGroupRoot(0)->NewGroup();
+    group->SetName("H02");
+    group->SetDescription("基本控制");
+    group->AddMember("P1");
+    IGroupNode* child = table->GetGroupRoot(0)->NewGroup();
+    child->SetName("H02a");
+    child->AddMember("A2.P4");
+    ASSERT_TRUE(group->AddChild(child));
+    ASSERT_TRUE(table->GetGroupRoot(0)->AddGroup(group));
+    IHostAxis* axis = table->GetGroupRoot(0)->AddAxis();
+    axis->SetName("轴2");
+    axis->SetKey("A2");
+    IGroupNode* axisGroup = axis->GetGroupSet()->NewGroup();
+    axisGroup->SetName("H05");
+    ASSERT_TRUE(axis->GetGroupSet()->AddGroup(axisGroup));
+    ASSERT_TRUE(table->GetGroupRoot(1)->AddMember("P2"));
+    const std::string path = Path("all.zorparam");
+    ASSERT_TRUE(file->Save(CString(path)));
+
+    IParamFile* back = NewFile();
+    ASSERT_TRUE(back->Open(CString(path))) << static_cast<CParamFile*>(back)->LastError();
+    ASSERT_EQ(back->GetElecLabelSize(), 5u);
+    EXPECT_EQ(std::memcmp(back->GetElecLabel(), label, 5), 0);
+    auto& read = static_cast<CParamFile&>(*back);
+    EXPECT_EQ(read.VersionText(), "V3.01");
+    EXPECT_EQ(read.AccessLevel(), 2);
+    IParamFileTable* t = back->GetVarList();
+    CString text;
+    t->GetVersionText(text);
+    EXPECT_EQ(text, "V3.01-table");
+    ASSERT_EQ(t->GetCount(), int(TypedCases().size()));
+    for (int i = 0; i < t->GetCount(); ++i) {
+        SCOPED_TRACE(i);
+        IVarObjEx* original = table->GetAt(i);
+        IVarObjEx* v = t->GetAt(i);
+        EXPECT_TRUE(v->GetValue() == original->GetValue());
+        EXPECT_TRUE(v->GetSetValue() == original->GetSetValue());
+        EXPECT_TRUE(v->GetLastReadValue() == original->GetLastReadValue());
+        EXPECT_EQ(v->IsChecked(), original->IsChecked());
+        EXPECT_EQ(v->GetPerUnitMode(), original->GetPerUnitMode());
+        CString a, b;
+        v->GetInstanceGuid(a);
+        original->GetInstanceGuid(b);
+        EXPECT_EQ(a, b);
+        const AttrFields& f = static_cast<CFileVarAttr*>(v->GetAttr())->Fields();
+        const AttrFields& g = static_cast<CFileVarAttr*>(original->GetAttr())->Fields();
+        EXPECT_EQ(f.code, g.code);
+        EXPECT_EQ(f.name, g.name);
+        EXPECT_EQ(f.address, g.address);
+        EXPECT_EQ(f.dataType, g.dataType);
+        EXPECT_EQ(f.decimals, g.decimals);
+        EXPECT_TRUE(f.factoryValue == g.factoryValue);
+        EXPECT_TRUE(f.minValue == g.minValue);
+        EXPECT_EQ(f.minLinked, g.minLinked);
+        EXPECT_EQ(f.modifyMode, g.modifyMode);
+        EXPECT_EQ(f.displayFormat, g.displayFormat);
+        EXPECT_EQ(f.accessLevel, g.accessLevel);
+        EXPECT_EQ(f.hiddenForUser, g.hiddenForUser);
+        EXPECT_EQ(f.fixed, g.fixed);
+    }
+    EXPECT_EQ(t->FindByCode("A2.P4"), t->GetAt(4));
+    EXPECT_EQ(t->FindByAddress(0x1003), t->GetAt(3));
+    IGroupNode* h02 = t->GetGroupRoot(0)->FindByName("H02");
+    ASSERT_NE(h02, nullptr);
+    h02->GetDescription(text);
+    EXPECT_EQ(text, "基本控制");
+    ASSERT_EQ(h02->GetChildCount(), 1);
+    h02->GetChildAt(0)->GetMemberAt(0, text);
+    EXPECT_EQ(text, "A2.P4");
+    ASSERT_TRUE(t->GetAxisList()->IsValid());
+    t->GetAxisList()->GetAt(0)->GetKey(text);
+    EXPECT_EQ(text, "A2");
+    EXPECT_NE(t->GetAxisList()->GetAt(0)->GetGroupSet()->FindByName("H05"), nullptr);
+    ASSERT_EQ(t->GetGroupRoot(1)->GetMemberCount(), 1);
+
+    // SerializeTo gives the bytes of the file.
+    auto* stream =
+        static_cast<IMemoryStream*>(host.ModuleManager().CreateInstance(IMemoryStream::kIID));
+    stream->Reset(0);
+    stream->SetMode(1);
+    ASSERT_TRUE(file->SerializeTo(stream));
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(stream->GetData()), stream->GetSize()),
+              Slurp(path));
+    stream->Release();
+    file->Release();
+    back->Release();
+}
+
+// A module's whole list with its groups, axes and categories, through CopyFrom; the file
+// bound to the module gives its variables the module's value meanings back.
+TEST_F(ParamFileTest, ModuleCopyRoundTripsAndRemovalTakesVariablesAlong) {
+    model::CDeviceModule* m = host.Module("ZD4M");
+    ASSERT_NE(m, nullptr);
+    m->Store().Var(7)->SetValue(Variant::I4(1234));
+    IParamFile* file = NewFile();
+    IParamFileTable* table = file->GetVarList();
+    table->CopyFrom(m->GetVarList());
+    ASSERT_EQ(table->GetCount(), m->GetVarList()->GetCount());
+    ASSERT_TRUE(table->GetAxisList()->IsValid());
+    EXPECT_EQ(table->GetAxisList()->GetCount(), m->GetVarList()->GetAxisList()->GetCount());
+
+    // Taking out a group with its variables shrinks the table.
+    IGroupSet* axisSet = table->GetAxisList()->GetAt(0)->GetGroupSet();
+    IGroupNode* first = axisSet->GetAt(0);
+    const int before = table->GetCount();
+    const int members = first->GetMemberCount();
+    ASSERT_GT(members, 0);
+    CString gone;
+    first->GetMemberAt(0, gone);
+    ASSERT_TRUE(axisSet->RemoveGroup(first, 1));
+    EXPECT_LE(table->GetCount(), before - 1);
+    EXPECT_EQ(table->FindByCode(gone), nullptr);
+
+    const std::string path = Path("module.zorparam");
+    ASSERT_TRUE(file->Save(CString(path)));
+    IParamFile* back = NewFile();
+    back->LoadContext(m);
+    ASSERT_TRUE(back->Open(CString(path)));
+    IParamFileTable* t = back->GetVarList();
+    ASSERT_EQ(t->GetCount(), table->GetCount());
+    for (int i = 0; i < t->GetCount(); ++i) {
+        CString a, b;
+        t->GetAt(i)->GetInstanceGuid(a);
+        table->GetAt(i)->GetInstanceGuid(b);
+        ASSERT_EQ(a, b);
+        ASSERT_TRUE(t->GetAt(i)->GetValue() == table->GetAt(i)->GetValue()) << a.str();
+        IVarAttr* own = m->GetVarList()->FindByCode(a)->GetAttr();
+        EXPECT_EQ(t->GetAt(i)->GetAttr()->GetValueInfo() != nullptr, own->GetValueInfo() != nullptr)
+            << a.str();
+    }
+    EXPECT_EQ(t->GetGroupRoot(0)->GetCategoryCount(),
+              m->GetVarList()->GetGroupRoot(0)->GetCategoryCount());
+    file->Release();
+    back->Release();
+}
+
+TEST_F(ParamFileTest, BrokenFilesAreRefusedWithAReasonAndLeaveTheObjectAlone) {
+    IParamFile* file = NewFile();
+    file->GetVarList()->CopyFrom(host.Module("ZD3S")->GetVarList());
+    const std::string path = Path("good.zorparam");
+    ASSERT_TRUE(file->Save(CString(path)));
+    const std::string good = Slurp(path);
+
+    struct Case {
+        const char* what;
+        std::string bytes;
+        const char* reason;
+    };
+    std::string flipped = good;
+    flipped[good.size() / 2] ^= 0x20;
+    std::string newer = good;
+    newer[8] = 2;
+    std::string longer = good + "x";
+    // A count that the checksum agrees with but the bytes can't hold.
+    std::string lying = good;
+    const std::uint32_t huge = 0x7fffffff;
+    std::memcpy(&lying[20], &huge, 4);
+    const std::uint32_t crc = std::uint32_t(
+        crc32(0L, reinterpret_cast<const Bytef*>(lying.data() + 20), uInt(lying.size() - 20)));
+    std::memcpy(&lying[16], &crc, 4);
+    const std::vector<Case> cases = {
+        {"empty", "", "not a parameter file"},
+        {"foreign", "Sign,Time\nZorvanta,2026\n", "not a parameter file"},
+        {"header cut", good.substr(0, 12), "within its header"},
+        {"truncated", good.substr(0, good.size() - 7), "ends early"},
+        {"one byte flipped", flipped, "checksum"},
+        {"newer format", newer, "format version 2"},
+        {"trailing bytes", longer, "stray bytes"},
+        {"count beyond the end", lying, "beyond the end"},
+    };
+    IParamFile* target = NewFile();
+    target->SetVersionText("kept");
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        const std::string broken = Path("broken.zorparam");
+        Spit(broken, c.bytes);
+        EXPECT_FALSE(target->Open(CString(broken)));
+        const std::string& error = static_cast<CParamFile*>(target)->LastError();
+        EXPECT_NE(error.find(c.reason), std::string::npos) << error;
+        EXPECT_NE(error.find(broken), std::string::npos) << error;
+        EXPECT_EQ(static_cast<CParamFile*>(target)->VersionText(), "kept");
+        EXPECT_EQ(target->GetVarList()->GetCount(), 0);
+    }
+    EXPECT_FALSE(target->Open(CString(Path("missing.zorparam"))));
+    file->Release();
+    target->Release();
+}
+
+TEST_F(ParamFileTest, SaveReplacesAtomicallyKeepsModeAndWritesThroughLinks) {
+    IParamFile* file = NewFile();
+    file->GetVarList()->CopyFrom(host.Module("ZV5")->GetVarList());
+    const std::string path = Path("kept.zorparam");
+    Spit(path, "old contents");
+    ::chmod(path.c_str(), 0640);
+    const std::string link = Path("link.zorparam");
+    std::filesystem::create_symlink(path, link);
+    ASSERT_TRUE(file->Save(CString(link)));
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    struct stat st {};
+    ::stat(path.c_str(), &st);
+    EXPECT_EQ(st.st_mode & 0777, 0640u);
+    EXPECT_NE(Slurp(path), "old contents");
+
+    // A folder that can't be written: the old file stays whole, nothing is left beside it.
+    const std::string locked = Path("locked");
+    std::filesystem::create_directory(locked);
+    Spit(locked + "/a.zorparam", "old contents");
+    ::chmod(locked.c_str(), 0500);
+    if (::geteuid() != 0) { // root writes anywhere
+        EXPECT_FALSE(file->Save(CString(locked + "/a.zorparam")));
+        EXPECT_FALSE(static_cast<CParamFile*>(file)->LastError().empty());
+        EXPECT_EQ(Slurp(locked + "/a.zorparam"), "old contents");
+        EXPECT_EQ(FilesIn(locked), 1u);
+    }
+    ::chmod(locked.c_str(), 0700);
+    file->Release();
+}
+
+// Tables as the module writes them, read with and without a module, and malformed ones.
+TEST_F(ParamFileTest, TableReaderTakesWhatTheWritersWriteAndNamesTheBadLine) {
+    const std::string head = "Sign,Time\nZorvanta,2026-03-01 09:07:05\n\n"
+                             "DriveName,BusID,Version,ElecData\n伺服,A,3,V2.10,0D001AAB\n\n";
+    const std::string titles = "参数,参数名称,当前值,出厂值,单位,最小值,最大值,修改方式,"
+                               "通讯地址(Dec),变量类型";
+    const std::string rows = "H00-00,电机编号,14101,14000,,0,65535,停机修改,0,无符号16位\n"
+                             "H02-02,速度,增益,-12.3,40.0,Hz,1.0,2000.5,任意修改,514,双精度浮点数\n"
+                             "H02-07,转矩限制,-12.34,0.40,%,H02-08,327.67,,519,有符号16位\n";
+    const std::string path = Path("t.csv");
+    Spit(path, head + titles + "\n" + rows);
+    CParamFile file;
+    std::string error;
+    ASSERT_TRUE(ReadParamTable(CString(path), file, nullptr, &error)) << error;
+    ASSERT_EQ(file.GetElecLabelSize(), 4u);
+    EXPECT_EQ(file.GetElecLabel()[2], 0x1A);
+    EXPECT_EQ(file.VersionText(), "V2.10");
+    IParamFileTable* t = file.GetVarList();
+    ASSERT_EQ(t->GetCount(), 3);
+    EXPECT_TRUE(t->GetAt(0)->GetValue() == Variant::UI2(14101));
+    EXPECT_EQ(t->GetAt(0)->GetAttr()->GetModifyMode(), 1);
+    // The comma in the name went back into the name.
+    CString name;
+    t->GetAt(1)->GetAttr()->GetName(name);
+    EXPECT_EQ(name, "速度,增益");
+    EXPECT_TRUE(t->GetAt(1)->GetValue() == Variant::R8(-12.3));
+    // Integer types hold raw figures; a limit naming a parameter stays linked.
+    EXPECT_TRUE(t->GetAt(2)->GetValue() == Variant::I2(-1234));
+    EXPECT_TRUE(t->GetAt(2)->GetAttr()->IsMinLinked());
+    EXPECT_EQ(t->GetAt(2)->GetAttr()->GetModifyMode(), 3);
+
+    struct Bad {
+        std::string bytes;
+        const char* where;
+    };
+    const std::vector<Bad> bad = {
+        {"", "line 1:"},
+        {"Sign;Time\n" + head.substr(10) + titles + "\n", "line 1:"},
+        {head.substr(0, head.find("DriveName")) + "Drive\n伺服,3,V,00\n\n" + titles + "\n",
+         "line 4:"},
+        {head.substr(0, head.find("伺服")) + "伺服,3,V,0D0\n\n" + titles + "\n", "line 5:"},
+        {head.substr(0, head.find("伺服")) + "伺服,3,V,0G\n\n" + titles + "\n", "line 5:"},
+        {head + "a,b,c\n", "line 7:"},
+        {head + titles + "\n" + rows + "H02-09,x,1,1,,0,1,任意修改,5\n", "line 11:"},
+        {head + titles + "\n" + "H02-09,x,1,1,,0,1,任意修改,0x,有符号16位\n", "line 8:"},
+        {head + titles + "\n" + "H02-09,x,abc,1,,0,1,任意修改,3,有符号16位\n", "line 8:"},
+        {head + titles + "\n" + "H02-09,x,1,1,,0,1,任意修改,3,四十位\n", "line 8:"},
+        {head + titles + "\n" + "H02-09,x,70000,1,,0,1,任意修改,3,有符号16位\n", "line 8:"},
+        {head + titles + "\n" + rows + rows.substr(0, rows.find('\n') + 1), "line 11:"},
+    };
+    for (const Bad& b : bad) {
+        SCOPED_TRACE(b.where);
+        Spit(path, b.bytes);
+        EXPECT_FALSE(ReadParamTable(CString(path), file, nullptr, &error));
+        EXPECT_NE(error.find(b.where), std::string::npos) << error;
+        EXPECT_EQ(file.GetVarList()->GetCount(), 3); // the last good read stays
+    }
+}
+
+} // namespace

@@ -1,0 +1,210 @@
+// The module's table writers against the reference host: the 11-column table and the list
+// export byte for byte, the progress box of the export, and tables read back by the host.
+#include "files_fixture.h"
+
+#include "files/ListExportWriter.h"
+#include "files/ParamTableWriter.h"
+#include "module/ParmiraApp.h"
+#include "module/host/IHostDeviceHelper.h"
+#include "module/host/IVarAttr.h"
+#include "module/host/IVarObjEx.h"
+#include "module/host/IVarStore.h"
+#include "zorhost/files/ParamFile.h"
+#include "zorhost/model/VarStore.h"
+
+#include <afx/afxtest.h>
+
+using namespace zorhost::files;
+
+namespace ft {
+
+namespace {
+
+// Variables of our own making, held by a file table, with attributes the test controls.
+class TableVars {
+public:
+    IVarObjEx* Add(const char* code, const char* name, int type, int decimals, Variant value,
+                   const char* unit = "", int modifyMode = 0, const char* key = nullptr) {
+        AttrFields f;
+        f.code = code;
+        f.name = name;
+        f.unit = unit;
+        f.address = UINT(0x200 + m_table.GetCount());
+        f.dataType = type;
+        f.decimals = decimals;
+        f.factoryValue = value;
+        f.minValue = Variant::I4(-5);
+        f.maxValue = Variant::Str("H02-10");
+        f.modifyMode = modifyMode;
+        auto attr = std::make_unique<CFileVarAttr>(f, nullptr);
+        auto var = std::make_unique<zorhost::model::CVarObj>(attr.get(), nullptr);
+        var->SetValue(value);
+        if (key != nullptr)
+            var->SetInstanceKey(key);
+        IVarObjEx* raw = var.get();
+        m_table.Adopt(std::move(var), std::move(attr));
+        return raw;
+    }
+    std::vector<IVarObjEx*> All() {
+        std::vector<IVarObjEx*> list;
+        for (int i = 0; i < m_table.GetCount(); ++i)
+            list.push_back(m_table.GetAt(i));
+        return list;
+    }
+    CParamFileTable& Table() { return m_table; }
+
+private:
+    CParamFileTable m_table;
+};
+
+void Fill(TableVars& vars) {
+    vars.Add("H02-00", "控制模式", VT_UI2, 0, Variant::UI2(1), "", 1);
+    vars.Add("H02-02", "增益,速度", VT_I2, 2, Variant::I2(-1234), "Hz,x", 0, "A2.H02-02");
+    vars.Add("H02-03", "名称", VT_R8, 1, Variant::R8(2.25), "", 3);
+}
+
+TEST_F(FilesTest, ElevenColumnTableMatchesTheExpectedBytes) {
+    TableVars vars;
+    Fill(vars);
+    module->SetDisplayName("伺服,左");
+    const SYSTEMTIME stamp{2026, 1, 0, 2, 3, 4, 5, 0};
+    const std::string path = Path("g.csv");
+    ASSERT_TRUE(WriteParamTableRows(CString(path), vars.All(), module, TRUE, &stamp));
+    std::string label;
+    for (UINT i = 0; i < module->GetElecLabelSize(); ++i) {
+        char hex[3];
+        std::snprintf(hex, sizeof hex, "%02X", module->GetElecLabel()[i]);
+        label += hex;
+    }
+    CString version;
+    module->GetVersionText(version);
+    EXPECT_EQ(Slurp(path),
+              "Sign,Time\nZorvanta,2026-01-02 03:04:05\n\nDriveName,BusID,Version,ElecData\n"
+              "伺服,左," +
+                  std::to_string(module->GetAxisIndex()) + "," + version.str() + "," + label +
+                  "\n\n参数,参数名称,当前值,出厂值,单位,最小值,最大值,修改方式,通讯地址(Dec),"
+                  "变量类型,Guid\n"
+                  "H02-00,控制模式,1,1,,-5,H02-10,停机修改,512,无符号16位,H02-00\n"
+                  "H02-02,增益,速度,-12.34,-12.34,Hz,x,-0.05,H02-10,任意修改,513,有符号16位,"
+                  "A2.H02-02\n"
+                  "H02-03,名称,2.2,2.2,,-0.5,H02-10,,514,双精度浮点数,H02-03\n");
+}
+
+TEST_F(FilesTest, ListExportMatchesTheExpectedBytesAndStepsTheProgressBox) {
+    TableVars vars;
+    Fill(vars);
+    std::vector<IVarObjEx*> rows = vars.All();
+    rows.insert(rows.begin() + 1, nullptr); // a null row gives no line but a step
+    std::vector<std::string> seen;
+    host.ModuleManager().SetProgressObserver(
+        [&](zorhost::CHostProgressBox& box, zorhost::CHostProgressBox::Event event) {
+            seen.push_back(std::to_string(int(event)) + ":" + box.Text().str() + ":" +
+                           std::to_string(box.Position()) + "/" + std::to_string(box.Highest()));
+        });
+    CAfxRecordingResponder prompts;
+    const std::string path = Path("list.csv");
+    prompts.ChooseFiles({CString(path)});
+    ASSERT_TRUE(ExportListWithDialog(rows, nullptr));
+    EXPECT_EQ(Slurp(path), "参数,参数名称,变量当前值,单位,最小值,最大值,出厂值,修改方式,"
+                           "通讯地址(Dec),变量类型\n"
+                           "H02-00,控制模式,1,,-5,H02-10,1,停机修改,512,无符号16位\n"
+                           "H02-02,增益,速度,-12.34,Hz,x,-0.05,H02-10,-12.34,任意修改,513,"
+                           "有符号16位\n"
+                           "H02-03,名称,2.2,,-0.5,H02-10,2.2,,514,双精度浮点数\n");
+    EXPECT_EQ(seen, (std::vector<std::string>{"0:正在导出...:0/4", "1:正在导出...:1/4",
+                                              "1:正在导出...:2/4", "1:正在导出...:3/4",
+                                              "1:正在导出...:4/4", "2:正在导出...:4/4"}));
+    const AfxPrompt* dialog = prompts.Last(AfxPrompt::FileDialog);
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(dialog->filter, "CSV files (*.csv)|*.csv||");
+    const AfxPrompt* done = prompts.Last(AfxPrompt::MessageBox);
+    ASSERT_NE(done, nullptr);
+    EXPECT_EQ(done->text.str(), "文件'" + path + "'保存成功.");
+    EXPECT_EQ(done->caption, "ZorDriveBench");
+}
+
+TEST_F(FilesTest, CancelledExportWritesWhatWasTakenAndAFailedOneSaysSo) {
+    TableVars vars;
+    Fill(vars);
+    host.ModuleManager().SetProgressObserver(
+        [](zorhost::CHostProgressBox& box, zorhost::CHostProgressBox::Event event) {
+            if (event == zorhost::CHostProgressBox::Event::Stepped && box.Position() == 1)
+                box.Cancel();
+        });
+    CAfxRecordingResponder prompts;
+    const std::string path = Path("cut.csv");
+    prompts.ChooseFiles({CString(path)});
+    ASSERT_TRUE(ExportListWithDialog(vars.All(), nullptr));
+    const std::string bytes = Slurp(path);
+    EXPECT_EQ(std::count(bytes.begin(), bytes.end(), '\n'), 2); // titles and one row
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->caption, "ZorDriveBench");
+
+    prompts.ChooseFiles({CString(Path("no/such/folder/x.csv"))});
+    EXPECT_FALSE(ExportListWithDialog(vars.All(), nullptr));
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "打开csv文件失败！");
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->caption, "错误");
+
+    // A cancelled file dialog writes nothing and makes no box.
+    prompts.CancelFileDialog();
+    const size_t boxes = prompts.Count(AfxPrompt::MessageBox);
+    EXPECT_FALSE(ExportListWithDialog(vars.All(), nullptr));
+    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), boxes);
+}
+
+// What the module writes, the host reads back: every value of a real device, as a 10-column
+// table bound to the module and as an 11-column table of a multi-axis device read without
+// any module (the keys tell the axes apart).
+TEST_F(FilesTest, TablesWrittenByTheModuleReadBackToTheSameValues) {
+    IHostDeviceHelper* helper = theApp.GetDeviceHelper();
+    ASSERT_NE(helper, nullptr);
+    for (const char* key : {"ZD3S", "ZD4M"}) {
+        SCOPED_TRACE(key);
+        IHostDeviceModule* m = host.Module(key);
+        IVarStore* store = m->GetVarList();
+        std::vector<IVarObjEx*> all;
+        for (int i = 0; i < store->GetCount(); ++i) {
+            IVarObjEx* var = store->GetAt(i);
+            // Values away from the factory ones, at the edge of what a cell shows.
+            const int type = var->GetAttr()->GetDataType();
+            if (type == VT_I2 || type == VT_I4)
+                var->SetValue(type == VT_I2 ? Variant::I2(-32768 + i) : Variant::I4(-100000 - i));
+            all.push_back(var);
+        }
+        const bool multiAxis = std::string(key) == "ZD4M";
+        const std::string path = Path(multiAxis ? "axes.csv" : "servo.csv");
+        ASSERT_TRUE(WriteParamTableRows(CString(path), all, m, multiAxis ? TRUE : FALSE));
+        IParamFile* file = theApp.CreateParamFile();
+        ASSERT_NE(file, nullptr);
+        file->LoadContext(multiAxis ? nullptr : m);
+        ASSERT_TRUE(helper->ReadCsvParamFile(CString(path), file, multiAxis ? nullptr : m))
+            << static_cast<CParamFile*>(file)->LastError();
+        ASSERT_EQ(file->GetElecLabelSize(), m->GetElecLabelSize());
+        EXPECT_EQ(std::memcmp(file->GetElecLabel(), m->GetElecLabel(), m->GetElecLabelSize()), 0);
+        IParamFileTable* t = file->GetVarList();
+        ASSERT_EQ(t->GetCount(), int(all.size()));
+        for (int i = 0; i < t->GetCount(); ++i) {
+            CString a, b;
+            t->GetAt(i)->GetInstanceGuid(a);
+            all[size_t(i)]->GetInstanceGuid(b);
+            ASSERT_EQ(a, b);
+            const Variant want = all[size_t(i)]->GetValue();
+            const Variant got = t->GetAt(i)->GetValue();
+            // Without a module, a real's type is all the table tells; the figure must agree.
+            if (multiAxis && (want.vt == VT_R4 || want.vt == VT_R8)) {
+                CString x, y;
+                theApp.GetVarUtil()->FormatVariant(x, want,
+                                                   all[size_t(i)]->GetAttr()->GetDecimals(), 0);
+                theApp.GetVarUtil()->FormatVariant(y, got, t->GetAt(i)->GetAttr()->GetDecimals(),
+                                                   0);
+                EXPECT_EQ(x, y) << a.str();
+            } else {
+                EXPECT_TRUE(got == want) << a.str() << " " << got.vt << " " << want.vt;
+            }
+        }
+        file->Release();
+    }
+}
+
+} // namespace
+
+} // namespace ft
