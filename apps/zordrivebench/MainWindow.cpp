@@ -111,6 +111,16 @@ bool MainWindow::OpenProject(const QString& path, QString* error) {
     BuildTree();
     BuildMenus();
     UpdateStates();
+    if (ok && !m_host.StoreProblems().empty()) {
+        // Told without blocking: the project itself is open and usable.
+        QStringList lines;
+        for (const std::string& line : m_host.StoreProblems())
+            lines << QString::fromStdString(line);
+        auto* box = new QMessageBox(QMessageBox::Warning, QStringLiteral("ZorDriveBench"),
+                                    lines.join(QLatin1Char('\n')), QMessageBox::Ok, this);
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->open();
+    }
     return ok;
 }
 

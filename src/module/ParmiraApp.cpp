@@ -1,6 +1,7 @@
 #include "module/ParmiraApp.h"
 
 #include "groups/LoginDialog.h"
+#include "groups/MultiSelectVarDialog.h"
 #include "module/InterfaceManager.h"
 #include "module/MessageSinks.h"
 #include "module/ModuleResources.h"
@@ -58,6 +59,7 @@ BOOL CParmiraApp::InitInstance() {
     RegisterTableResources(m_hResource);
     RegisterPageResources(m_hResource);
     RegisterLoginDialogResources(m_hResource);
+    RegisterGroupDialogResources(m_hResource);
     return CWinApp::InitInstance();
 }
 

@@ -162,6 +162,26 @@ public:
     UINT TrackPageMenu(UINT menuId, CPoint screen, CWnd* owner, const std::vector<UINT>& grayed,
                        BOOL groupEntries);
 
+    // Custom groups. Every change that makes, edits or deletes a group ends with
+    // SaveCustomGroups; adding through the add-to-group menu waits for the next one.
+    void SaveCustomGroups();
+    // "<project dir>/<display name>_<module key>/Variables.dat"; empty without the chain.
+    CString GetCustomGroupPath();
+    // A new top-level custom group of `list` (each variable once); an empty name is made
+    // from the local time, a taken one gets "new" behind it. Rebuilds the tree.
+    void CreateCustomGroup(const std::vector<IVarObjEx*>& list, const CString& name);
+    void AddVarsToCustomRoot(const std::vector<IVarObjEx*>& list);
+    // Fills a page's add-to-group popup with the custom groups, ids from 4001, and the two
+    // menu maps that AddVarsToMenuGroup reads.
+    void FillAddToGroupMenu(CMenu& popup);
+    void AddVarsToMenuGroup(const std::vector<IVarObjEx*>& list, UINT id);
+    void NewCustomGroup();
+    void DeleteCustomGroup();
+    void EditCustomGroup();
+    void LoadCustomGroup();
+    // Command 32848: the first page's rows become a new group.
+    void AddModifiedToCustomGroup();
+
     // Refresh.
     void StartRefresh();
     void StopRefresh();
@@ -252,6 +272,11 @@ private:
     void FillGroupPopup(CMenu& popup, IGroupNode* group, UINT& counter);
     void SubscribeUpload();
     void UnsubscribeUpload();
+    IGroupSet* GetCustomGroupSet() const;
+    IGroupNode* GetSelectedCustomGroup(HTREEITEM* item) const;
+    void RebuildAfterGroupChange();
+    void ForgetRecordsBelow(HTREEITEM item);
+    void AppendGroupMenuEntries(CMenu& menu, IGroupNode* group, UINT& counter);
 
     TStackedDialog m_stack;
     CVarTablePage* m_pPage1 = nullptr; // owned by m_stack

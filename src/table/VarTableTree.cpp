@@ -426,17 +426,22 @@ BOOL CVarTable::IsTreeCommandEnabled(UINT id, HTREEITEM item) const {
     case ID_SHOW_MODIFIED_REFRESH:
     case ID_TOGGLE_MODIFIED_PROMPT:
         return TRUE;
+    case ID_NEW_CUSTOM_GROUP:
+    case ID_LOAD_CUSTOM_GROUP:
+    case ID_ADD_TO_CUSTOM_GROUP:
+        return TRUE;
     case ID_DELETE_CUSTOM_GROUP:
     case ID_EDIT_CUSTOM_GROUP:
-    case ID_SAVE_ROWS_AS:
         // Only on a custom group, not on the branch itself.
+        return IsInCustomSubtree(item) && item != m_hCustom;
+    case ID_SAVE_ROWS_AS:
         if (!IsInCustomSubtree(item) || item == m_hCustom)
             return FALSE;
         break;
     default:
         break;
     }
-    // The custom group flows, the save-as and the compressed export are not built yet.
+    // The save-as and the compressed export are not built yet.
     return FALSE;
 }
 
@@ -493,14 +498,24 @@ BOOL CVarTable::OnFrameCommand(UINT id) {
         ShowModifiedWithMode(2);
         return TRUE;
     case ID_NEW_CUSTOM_GROUP:
+        NewCustomGroup();
+        return TRUE;
     case ID_DELETE_CUSTOM_GROUP:
+        DeleteCustomGroup();
+        return TRUE;
     case ID_EDIT_CUSTOM_GROUP:
+        EditCustomGroup();
+        return TRUE;
     case ID_LOAD_CUSTOM_GROUP:
+        LoadCustomGroup();
+        return TRUE;
+    case ID_ADD_TO_CUSTOM_GROUP:
+        AddModifiedToCustomGroup();
+        return TRUE;
     case ID_SAVE_ROWS_AS:
     case ID_EXPORT_ZXD:
-    case ID_ADD_TO_CUSTOM_GROUP:
-        // NOT DONE: these flows come with the custom group, save and export work; the
-        // commands are routed here and stay disabled until then.
+        // NOT DONE: these flows come with the save and export work; the commands are
+        // routed here and stay disabled until then.
         return TRUE;
     case ID_OLD_PROTOCOL_CHECK:
         OnOldProtocolCommand();

@@ -62,6 +62,9 @@ public:
     bool LoadProject(const ProjectSetup& setup, std::string* error = nullptr);
     bool LoadDemo(std::string* error = nullptr) { return LoadProject(DemoProject(), error); }
     void CloseProject();
+    // What went wrong with the stores of the open project that didn't stop it from
+    // opening (a damaged custom group file), one line each; empty when all was well.
+    const std::vector<std::string>& StoreProblems() const { return m_storeProblems; }
 
     // The query callback's table; hand Services().Context() and &HostServices::Query to
     // the plug-in.
@@ -145,6 +148,7 @@ private:
     CHostCommState m_commState;
     std::unique_ptr<TransferProgress> m_progress;
     TransferEndHandler m_transferEnded;
+    std::vector<std::string> m_storeProblems;
     bool m_english = false;
     bool m_realTime = false;
     QTimer* m_timer = nullptr; // owned

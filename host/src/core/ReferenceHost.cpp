@@ -1,6 +1,7 @@
 #include "zorhost/ReferenceHost.h"
 
 #include "zorhost/device/DeviceLoader.h"
+#include "zorhost/model/CustomGroupStore.h"
 
 #include <QApplication>
 #include <QProgressDialog>
@@ -156,6 +157,8 @@ bool ReferenceHost::LoadProject(const ProjectSetup& setup, std::string* error) {
         s.drive->SetRealTime(m_realTime);
         stations.push_back(std::move(s));
     }
+    m_storeProblems.clear();
+    model::LoadCustomGroups(project->Workspace(), m_storeProblems);
     m_root.Open(std::move(project));
     m_stations = std::move(stations);
     m_scope.Watch(m_stations.empty() ? nullptr : m_stations.front().drive.get());

@@ -82,25 +82,35 @@ BOOL CWorkspace::GetProjectDir(CString& dir) {
 IVarDatabase* CWorkspace::GetDatabase(const BYTE* label, UINT size, const CString& version) {
     if (!label || size == 0)
         return nullptr;
-    for (auto& db : m_databases) {
-        CVarStore& store = db->Store();
-        CString v;
-        store.GetVersionText(v);
-        if (v == version &&
-            device::IsSameDeviceType(label, size, store.GetElecLabel(), store.GetElecLabelSize()))
-            return db.get();
-    }
+    // A module hands in its own label, so the store that owns those bytes is the one
+    // meant: two drives of one type in a project keep their groups apart. A label from
+    // elsewhere (a file) finds the first module of that device type and version.
+    CVarStore* own = nullptr;
+    CVarStore* sameType = nullptr;
     for (int i = 0; i < m_modules.GetModuleCount(); ++i) {
         CVarStore& store = static_cast<CDeviceModule*>(m_modules.GetModuleAt(i))->Store();
         CString v;
         store.GetVersionText(v);
-        if (v == version &&
-            device::IsSameDeviceType(label, size, store.GetElecLabel(), store.GetElecLabelSize())) {
-            m_databases.push_back(std::make_unique<CVarDatabase>(store));
-            return m_databases.back().get();
+        if (v != version ||
+            !device::IsSameDeviceType(label, size, store.GetElecLabel(), store.GetElecLabelSize()))
+            continue;
+        if (store.GetElecLabel() == label) {
+            own = &store;
+            break;
         }
+        if (!sameType)
+            sameType = &store;
     }
-    return nullptr;
+    CVarStore* store = own ? own : sameType;
+    return store ? &DatabaseFor(*store) : nullptr;
+}
+
+CVarDatabase& CWorkspace::DatabaseFor(CVarStore& store) {
+    for (auto& db : m_databases)
+        if (&db->Store() == &store)
+            return *db;
+    m_databases.push_back(std::make_unique<CVarDatabase>(store));
+    return *m_databases.back();
 }
 
 } // namespace zorhost::model

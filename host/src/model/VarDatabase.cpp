@@ -110,10 +110,15 @@ bool CVarDatabase::LoadFromFile(const CString& path, std::string* error) {
     QFile file(Q(path));
     if (!file.open(QIODevice::ReadOnly))
         return fail("cannot be opened");
+    // Groups are short lists of keys; anything this big is not a store of ours.
+    constexpr qint64 kMaxBytes = qint64(64) << 20;
+    if (file.size() > kMaxBytes)
+        return fail("larger than " + std::to_string(kMaxBytes >> 20) + " MiB");
     QJsonParseError parseError;
-    QJsonDocument doc = QJsonDocument::fromJson(file.readAll(), &parseError);
+    QJsonDocument doc = QJsonDocument::fromJson(file.read(kMaxBytes), &parseError);
     if (doc.isNull())
-        return fail(parseError.errorString().toStdString());
+        return fail("at byte " + std::to_string(parseError.offset) + ": " +
+                    parseError.errorString().toStdString());
     QJsonObject root = doc.object();
     if (root["format"].toInt() != 1)
         return fail("unknown format");

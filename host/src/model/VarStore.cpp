@@ -176,7 +176,8 @@ void CVarObj::GetSetValueText(CString& text) {
 
 CVarStore::CVarStore(std::shared_ptr<const DeviceDescription> device, IHostDeviceModule* owner)
     : m_device(std::move(device)), m_catalog(CVarCatalog::Of(m_device)), m_owner(owner),
-      m_fixed(*m_device, m_device->groupSet), m_axes(*m_device) {
+      m_fixed(*m_device, m_device->groupSet), m_axes(*m_device),
+      m_label(m_device->product.electronicLabel.begin(), m_device->product.electronicLabel.end()) {
     const DeviceDescription& d = *m_device;
     std::vector<std::shared_ptr<const std::string>> prefixes;
     for (const device::AxisDef& a : d.axes)
@@ -229,12 +230,11 @@ IFunctionTable* CVarStore::GetFunctionTable(int which) {
 }
 
 const BYTE* CVarStore::GetElecLabel() {
-    const auto& label = m_device->product.electronicLabel;
-    return label.empty() ? nullptr : label.data();
+    return m_label.empty() ? nullptr : m_label.data();
 }
 
 UINT CVarStore::GetElecLabelSize() {
-    return UINT(m_device->product.electronicLabel.size());
+    return UINT(m_label.size());
 }
 
 void CVarStore::GetVersionText(CString& version) {

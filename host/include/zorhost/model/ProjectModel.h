@@ -101,8 +101,11 @@ public:
     IHostModuleList* GetModuleList() override { return &m_modules; }
     int GetListStyle() override { return m_listStyle; }
     BOOL GetProjectDir(CString& dir) override;
-    // The table of the first module of that device type and version, or null.
+    // The table of the module whose own label `label` is; else of the first module of
+    // that device type and version; else null.
     IVarDatabase* GetDatabase(const BYTE* label, UINT size, const CString& version) override;
+    // The table object of `store`, made on first use.
+    CVarDatabase& DatabaseFor(CVarStore& store);
 
 private:
     CString m_dir;

@@ -127,6 +127,9 @@ private:
     CGroupSet m_custom;
     CAxisList m_axes;
     std::unique_ptr<CFunctionTable> m_functions;
+    // The store's own copy of the label: its address tells this store from another store
+    // of the same device (IHostWorkspace::GetDatabase is handed it).
+    std::vector<BYTE> m_label;
 };
 
 } // namespace zorhost::model

@@ -1,0 +1,397 @@
+// Custom groups end to end: made, edited, filled and deleted through the frame and the
+// group dialog of a real panel, kept in the project folder and read back by a new host.
+// With PARMIRA_SCREENSHOT_DIR set, pictures of the dialog and of the tree are left there.
+#include "groups/GroupDialog.h"
+#include "groups/MultiSelectVarDialog.h"
+#include "module/ModuleResources.h"
+#include "module/ParmiraApp.h"
+#include "module/host/IGroupNode.h"
+#include "module/host/IGroupSet.h"
+#include "module/host/IVarDatabase.h"
+#include "module/host/IVarObjEx.h"
+#include "table/ParmiraDialog.h"
+#include "table/TableResources.h"
+#include "table/VarTable.h"
+
+#include <afx/afxres.h>
+#include <afx/afxtest.h>
+#include <zorhost/ReferenceHost.h>
+#include <zorhost/model/CustomGroupStore.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <memory>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<std::string> MemberKeys(IGroupNode* group) {
+    std::vector<std::string> keys;
+    for (int i = 0; group != nullptr && i < group->GetMemberCount(); ++i) {
+        CString key;
+        group->GetMemberAt(i, key);
+        keys.push_back(key.str());
+    }
+    return keys;
+}
+
+std::string KeyOf(IVarObjEx* var) {
+    CString key;
+    var->GetInstanceGuid(key);
+    return key.str();
+}
+
+void Shoot(CWnd* window, const char* name) {
+    if (const char* dir = std::getenv("PARMIRA_SCREENSHOT_DIR")) {
+        EXPECT_TRUE(AfxTestGrabWindow(window, (std::string(dir) + "/" + name).c_str()));
+    }
+}
+
+class CustomGroupTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        char pattern[] = "/tmp/parmira-groups-XXXXXX";
+        ASSERT_NE(::mkdtemp(pattern), nullptr);
+        dir = pattern;
+        HINSTANCE h = AfxCreateResourceHandle("custom-groups-test");
+        theApp.m_hResource = h;
+        RegisterModuleResources(h);
+        RegisterTableResources(h);
+        RegisterGroupDialogResources(h);
+        AfxRegisterDialog(h, DlgTemplate{9903, "Parmira", 1100, 640, {}, WS_POPUP});
+        host = std::make_unique<zorhost::ReferenceHost>();
+        OpenProject();
+    }
+    void TearDown() override {
+        ClosePanel();
+        theApp.SetQueryInterfaceCallback(0, nullptr);
+        host.reset();
+        theApp.languageListeners.RemoveAll();
+        AfxFreeResourceHandle(theApp.m_hResource);
+        theApp.m_hResource = nullptr;
+        std::error_code ec;
+        fs::remove_all(dir, ec);
+    }
+
+    zorhost::ProjectSetup Setup() const {
+        zorhost::ProjectSetup setup;
+        setup.directory = CString(dir);
+        setup.modules = {{"zd3s_servo.json", "ZD3S", "Spindle", 1, true}};
+        return setup;
+    }
+    void OpenProject() {
+        std::string error;
+        ASSERT_TRUE(host->LoadProject(Setup(), &error)) << error;
+        theApp.SetQueryInterfaceCallback(host->Services().Context(), &zorhost::HostServices::Query);
+    }
+    // The program ends and starts again with the same project.
+    void Restart() {
+        ClosePanel();
+        theApp.SetQueryInterfaceCallback(0, nullptr);
+        host = std::make_unique<zorhost::ReferenceHost>();
+        OpenProject();
+        OpenPanel();
+    }
+    void OpenPanel() {
+        parent = std::make_unique<CDialog>();
+        ASSERT_TRUE(parent->Create(9903, nullptr));
+        panel = std::make_unique<CParmiraDialog>();
+        panel->SetProject(host->Project());
+        panel->SetModuleKey("ZD3S");
+        ASSERT_TRUE(panel->Create(IDD_PARMIRA_PANEL, parent.get()));
+        CRect rc;
+        parent->GetClientRect(&rc);
+        panel->MoveWindow(&rc);
+        parent->ShowWindow(SW_SHOW);
+        table = panel->GetTable();
+        ASSERT_NE(table, nullptr);
+    }
+    void ClosePanel() {
+        if (panel)
+            panel->DestroyWindow();
+        if (parent)
+            parent->DestroyWindow();
+        panel.reset();
+        parent.reset();
+        table = nullptr;
+    }
+
+    IGroupSet* Custom() { return host->Module("ZD3S")->GetVarList()->GetGroupRoot(1); }
+    IVarObjEx* Var(int index) { return host->Module("ZD3S")->GetVarList()->GetAt(index); }
+    std::string StoreFile() const { return dir + "/Spindle_ZD3S/Variables.dat"; }
+
+    std::vector<std::string> CustomItemTexts() {
+        std::vector<std::string> texts;
+        CTreeCtrl& tree = table->GetTree();
+        for (HTREEITEM i = tree.GetChildItem(table->GetCustomItem()); i != nullptr;
+             i = tree.GetNextSiblingItem(i))
+            texts.push_back(tree.GetItemText(i).str());
+        return texts;
+    }
+    HTREEITEM CustomItem(const char* text) {
+        CTreeCtrl& tree = table->GetTree();
+        for (HTREEITEM i = tree.GetChildItem(table->GetCustomItem()); i != nullptr;
+             i = tree.GetNextSiblingItem(i))
+            if (tree.GetItemText(i) == text)
+                return i;
+        return nullptr;
+    }
+    // A group made directly at the host, as a loaded store would hold it.
+    IGroupNode* AddGroup(const char* name, std::vector<int> vars) {
+        IGroupNode* g = Custom()->NewGroup();
+        g->SetName(name);
+        for (int v : vars)
+            g->AddMember(CString(KeyOf(Var(v))));
+        EXPECT_TRUE(Custom()->AddGroup(g));
+        return g;
+    }
+    // Runs command `id` of the frame with `act` acting inside the group dialog.
+    void RunWithDialog(UINT id, std::function<void(CGroupDialog&)> act) {
+        CAfxModalDriver driver([&](CDialog& dlg) { act(static_cast<CGroupDialog&>(dlg)); });
+        table->OnFrameCommand(id);
+    }
+    static void Click(CDialog& dlg, int id) { static_cast<CButton*>(dlg.GetDlgItem(id))->Click(); }
+    static void SelectRows(CListCtrl& list, std::vector<int> rows) {
+        list.SetItemState(-1, 0, LVIS_SELECTED);
+        for (int r : rows)
+            list.SetItemState(r, LVIS_SELECTED, LVIS_SELECTED);
+    }
+
+    std::string dir;
+    std::unique_ptr<zorhost::ReferenceHost> host;
+    std::unique_ptr<CDialog> parent;
+    std::unique_ptr<CParmiraDialog> panel;
+    CVarTable* table = nullptr;
+    CAfxRecordingResponder prompts;
+};
+
+} // namespace
+
+TEST_F(CustomGroupTest, NewGroupListsPickedMembersInChosenOrderAndComesBackAfterRestart) {
+    OpenPanel();
+    table->GetTree().SelectItem(table->GetCustomItem());
+    std::vector<std::string> picked;
+    RunWithDialog(ID_NEW_CUSTOM_GROUP, [&](CGroupDialog& dlg) {
+        // A new group proposes a time-stamped name.
+        EXPECT_EQ(dlg.m_strName.GetLength(), 19) << dlg.m_strName.str();
+        CMultiSelectVarDialog* picker = dlg.GetPicker();
+        picker->FillLeftRows(picker->GetTree().GetRootItem());
+        ASSERT_GT(picker->GetLeftRows().GetCount(), 6);
+        // Rows 5 and 2, then 2 again: the second time adds nothing.
+        SelectRows(picker->GetLeftList(), {5});
+        Click(*picker, IDC_MSV_ADD);
+        SelectRows(picker->GetLeftList(), {2, 3});
+        Click(*picker, IDC_MSV_ADD);
+        SelectRows(picker->GetLeftList(), {2});
+        picker->AddSelected();
+        ASSERT_EQ(picker->GetRightRows().GetCount(), 3);
+        // 5 2 3 -> 2 3 5: the block of two moves up past 5, and stays selected.
+        SelectRows(picker->GetRightList(), {1, 2});
+        Click(*picker, IDC_MSV_UP);
+        EXPECT_EQ(picker->GetRightList().GetItemState(0, LVIS_SELECTED), LVIS_SELECTED);
+        EXPECT_EQ(picker->GetRightList().GetItemState(1, LVIS_SELECTED), LVIS_SELECTED);
+        EXPECT_EQ(picker->GetRightList().GetItemState(2, LVIS_SELECTED), 0u);
+        for (int i = 0; i < 3; ++i)
+            picked.push_back(KeyOf(picker->GetRightRows().GetAt(i)));
+        EXPECT_EQ(picked[2], KeyOf(picker->GetLeftRows().GetAt(5)));
+        AfxTestTypeText(dlg.GetDlgItem(IDC_GROUP_NAME), "Tuning");
+        AfxTestTypeText(dlg.GetDlgItem(IDC_GROUP_DESCRIPTION), "loop gains");
+        Shoot(&dlg, "group_dialog.png");
+        Click(dlg, IDOK);
+    });
+    ASSERT_EQ(CustomItemTexts(), std::vector<std::string>{"Tuning[loop gains]"});
+    EXPECT_EQ(table->GetTree().GetSelectedItem(), CustomItem("Tuning[loop gains]"));
+    ASSERT_EQ(Custom()->GetCount(), 1);
+    EXPECT_EQ(table->GetCurrentCustomGroup(), Custom()->GetAt(0));
+    EXPECT_EQ(MemberKeys(Custom()->GetAt(0)), picked);
+    EXPECT_TRUE(fs::exists(StoreFile()));
+
+    // A cancelled new group leaves nothing behind.
+    RunWithDialog(ID_NEW_CUSTOM_GROUP, [](CGroupDialog& dlg) { Click(dlg, IDCANCEL); });
+    EXPECT_EQ(Custom()->GetCount(), 1);
+
+    Restart();
+    EXPECT_TRUE(host->StoreProblems().empty());
+    ASSERT_EQ(CustomItemTexts(), std::vector<std::string>{"Tuning[loop gains]"});
+    EXPECT_EQ(MemberKeys(Custom()->GetAt(0)), picked);
+}
+
+TEST_F(CustomGroupTest, EditKeepsOrChangesNameAndDescriptionAsTold) {
+    AddGroup("Alpha", {1, 2});
+    AddGroup("Beta", {3});
+    OpenPanel();
+    table->GetTree().SelectItem(CustomItem("Alpha"));
+
+    // Cancel keeps name and description.
+    RunWithDialog(ID_EDIT_CUSTOM_GROUP, [](CGroupDialog& dlg) {
+        EXPECT_EQ(dlg.m_strName, CString("Alpha"));
+        AfxTestTypeText(dlg.GetDlgItem(IDC_GROUP_NAME), "Other");
+        Click(dlg, IDCANCEL);
+    });
+    CString name;
+    Custom()->GetAt(0)->GetName(name);
+    EXPECT_EQ(name, CString("Alpha"));
+
+    // Blanks and a taken name are refused and the dialog stays; a change of case passes.
+    int refusals = 0;
+    RunWithDialog(ID_EDIT_CUSTOM_GROUP, [&](CGroupDialog& dlg) {
+        AfxTestTypeText(dlg.GetDlgItem(IDC_GROUP_NAME), "   ");
+        Click(dlg, IDOK);
+        AfxTestTypeText(dlg.GetDlgItem(IDC_GROUP_NAME), "Beta");
+        Click(dlg, IDOK);
+        refusals = int(prompts.Count(AfxPrompt::MessageBox));
+        AfxTestTypeText(dlg.GetDlgItem(IDC_GROUP_NAME), " ALPHA ");
+        AfxTestTypeText(dlg.GetDlgItem(IDC_GROUP_DESCRIPTION), "first");
+        Click(dlg, IDOK);
+    });
+    ASSERT_EQ(refusals, 2);
+    EXPECT_EQ(prompts.prompts[0].text, CString("对象不能为空."));
+    EXPECT_EQ(prompts.prompts[1].text, CString("错误,对象'Beta'已经存在."));
+    EXPECT_EQ(prompts.prompts[1].caption, CString("警告"));
+    EXPECT_EQ(prompts.prompts[1].Icon(), UINT(MB_ICONWARNING));
+    Custom()->GetAt(0)->GetName(name);
+    EXPECT_EQ(name, CString("ALPHA"));
+    EXPECT_EQ(MemberKeys(Custom()->GetAt(0)).size(), 2u);
+    EXPECT_NE(CustomItem("ALPHA[first]"), nullptr);
+}
+
+TEST_F(CustomGroupTest, DeleteAsksAndRemovesFromTreeHostAndStore) {
+    AddGroup("Alpha", {1});
+    AddGroup("Beta", {2});
+    OpenPanel();
+    table->GetTree().SelectItem(CustomItem("Alpha"));
+    prompts.AnswerMessageBox(IDNO);
+    table->OnFrameCommand(ID_DELETE_CUSTOM_GROUP);
+    ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u);
+    const AfxPrompt& question = prompts.prompts[0];
+    EXPECT_EQ(question.text, CString("确定删除对象'Alpha'吗?"));
+    EXPECT_EQ(question.caption, CString("警告"));
+    EXPECT_EQ(question.Buttons(), UINT(MB_YESNO));
+    EXPECT_EQ(Custom()->GetCount(), 2);
+
+    prompts.AnswerMessageBox(IDYES);
+    table->OnFrameCommand(ID_DELETE_CUSTOM_GROUP);
+    EXPECT_EQ(CustomItemTexts(), std::vector<std::string>{"Beta"});
+    ASSERT_EQ(Custom()->GetCount(), 1);
+    // What is selected now is shown: the group beside the deleted one.
+    EXPECT_EQ(table->GetTree().GetSelectedItem(), CustomItem("Beta"));
+    EXPECT_EQ(table->GetCurrentCustomGroup(), Custom()->GetAt(0));
+
+    Restart();
+    EXPECT_EQ(CustomItemTexts(), std::vector<std::string>{"Beta"});
+}
+
+TEST_F(CustomGroupTest, AddToGroupMenuKeepsMembersAddsNoDoubleAndMakesNewGroups) {
+    IGroupNode* alpha = AddGroup("Alpha", {1, 2});
+    IGroupNode* beta = AddGroup("Beta", {});
+    IGroupNode* child = Custom()->NewGroup();
+    child->SetName("Beta-1");
+    ASSERT_TRUE(beta->AddChild(child));
+    OpenPanel();
+
+    CMenu popup;
+    popup.CreatePopupMenu();
+    table->FillAddToGroupMenu(popup);
+    // Alpha 4001; Beta's popup: new subgroup 4002, add directly 4003, Beta-1 4004.
+    EXPECT_EQ(table->m_menuGroups.at(4001), alpha);
+    EXPECT_EQ(table->m_menuSubGroups.at(4002), beta);
+    EXPECT_EQ(table->m_menuGroups.at(4003), beta);
+    EXPECT_EQ(table->m_menuGroups.at(4004), child);
+
+    const std::vector<std::string> before = MemberKeys(alpha);
+    table->AddVarsToMenuGroup({Var(2), Var(7), Var(1)}, 4001);
+    std::vector<std::string> expected = before;
+    expected.push_back(KeyOf(Var(7)));
+    EXPECT_EQ(MemberKeys(alpha), expected);
+
+    // "New subgroup" makes a top-level group named by the time.
+    table->AddVarsToMenuGroup({Var(4)}, 4002);
+    ASSERT_EQ(Custom()->GetCount(), 3);
+    EXPECT_EQ(MemberKeys(Custom()->GetAt(2)), std::vector<std::string>{KeyOf(Var(4))});
+    // A taken name gets "new" once, without a second test.
+    table->CreateCustomGroup({Var(5)}, "Alpha");
+    table->CreateCustomGroup({Var(5)}, "Alpha");
+    CString n1, n2;
+    Custom()->GetAt(3)->GetName(n1);
+    Custom()->GetAt(4)->GetName(n2);
+    EXPECT_EQ(n1, CString("Alphanew"));
+    EXPECT_EQ(n2, CString("Alphanew"));
+    EXPECT_EQ(CustomItemTexts().size(), 5u);
+    table->AddVarsToCustomRoot({Var(6)});
+    Shoot(parent.get(), "custom_group_tree.png");
+
+    Restart();
+    ASSERT_EQ(Custom()->GetCount(), 5);
+    EXPECT_EQ(MemberKeys(Custom()->GetAt(0)), expected);
+    EXPECT_EQ(Custom()->GetAt(1)->GetChildCount(), 1);
+    EXPECT_EQ(Custom()->GetMemberCount(), 1);
+}
+
+TEST_F(CustomGroupTest, PickerMovesOnlyConsecutiveBlocksAwayFromTheEdge) {
+    IGroupNode* g = AddGroup("Order", {0, 1, 2, 3, 4, 5});
+    const std::vector<std::string> start = MemberKeys(g);
+    OpenPanel();
+    table->GetTree().SelectItem(CustomItem("Order"));
+    RunWithDialog(ID_EDIT_CUSTOM_GROUP, [&](CGroupDialog& dlg) {
+        CMultiSelectVarDialog* picker = dlg.GetPicker();
+        CChooserList& right = picker->GetRightList();
+        for (std::vector<int> rows : {std::vector<int>{2, 3, 5}, {0}, {0, 1}}) {
+            SelectRows(right, rows);
+            picker->MoveUp();
+        }
+        SelectRows(right, {4, 5});
+        picker->MoveDown();
+        SelectRows(right, {1});
+        picker->MoveDown(); // 0 2 1 3 4 5
+        SelectRows(right, {0, 4});
+        Click(*picker, IDC_MSV_REMOVE); // 2 1 3 5
+        Click(dlg, IDOK);
+    });
+    EXPECT_EQ(MemberKeys(g), (std::vector<std::string>{start[2], start[1], start[3], start[5]}));
+}
+
+TEST_F(CustomGroupTest, DamagedStoreIsReportedKeptAsideAndTheModuleStillWorks) {
+    fs::create_directories(fs::path(StoreFile()).parent_path());
+    std::ofstream(StoreFile()) << "{\"format\": 1, \"groups\": [ {\"name\": \"x\", ";
+    ClosePanel();
+    theApp.SetQueryInterfaceCallback(0, nullptr);
+    host = std::make_unique<zorhost::ReferenceHost>();
+    OpenProject();
+    ASSERT_EQ(host->StoreProblems().size(), 1u);
+    const std::string& problem = host->StoreProblems()[0];
+    EXPECT_NE(problem.find(StoreFile()), std::string::npos) << problem;
+    EXPECT_NE(problem.find("at byte"), std::string::npos) << problem;
+    EXPECT_TRUE(fs::exists(StoreFile() + ".damaged"));
+    EXPECT_EQ(Custom()->GetCount(), 0);
+
+    OpenPanel();
+    table->CreateCustomGroup({Var(1)}, "Fresh");
+    EXPECT_EQ(CustomItemTexts(), std::vector<std::string>{"Fresh"});
+    Restart();
+    EXPECT_TRUE(host->StoreProblems().empty());
+    EXPECT_EQ(CustomItemTexts(), std::vector<std::string>{"Fresh"});
+}
+
+TEST_F(CustomGroupTest, TwoDrivesOfOneTypeKeepTheirGroupsApart) {
+    zorhost::ProjectSetup setup = Setup();
+    setup.modules.push_back({"zd3s_servo.json", "ZD3S-B", "Spindle", 2, true});
+    ASSERT_TRUE(host->LoadProject(setup));
+    AddGroup("Only on A", {1});
+    IHostDeviceModule* b = host->Module("ZD3S-B");
+    CString version;
+    b->GetVersionText(version);
+    IVarDatabase* db = host->Project()->GetWorkspace()->GetDatabase(b->GetElecLabel(),
+                                                                    b->GetElecLabelSize(), version);
+    ASSERT_NE(db, nullptr);
+    const std::string path = zorhost::model::CustomGroupFile(CString(dir), *b);
+    fs::create_directories(fs::path(path).parent_path());
+    ASSERT_TRUE(db->SaveToFile(CString(path)));
+
+    ASSERT_TRUE(host->LoadProject(setup));
+    EXPECT_EQ(host->Module("ZD3S-B")->GetVarList()->GetGroupRoot(1)->GetCount(), 0);
+}
