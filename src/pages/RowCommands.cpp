@@ -2,6 +2,7 @@
 // selected rows.
 #include "pages/RowCommands.h"
 
+#include "files/ListExportWriter.h"
 #include "module/ParmiraApp.h"
 #include "module/host/IGroupNode.h"
 #include "module/host/IGroupSet.h"
@@ -87,11 +88,7 @@ void CVarTablePageBase::OnListRightClick() {
     std::vector<UINT> grayed;
     if (list.GetSelectedCount() == 0)
         grayed.push_back(ID_ADD_TO_MONITOR);
-    // NOT DONE: the list export and the custom group entries come with the parameter file
-    // and custom group work; until then they are offered greyed.
-    grayed.push_back(ID_EXPORT_LIST);
-    grayed.push_back(ID_NEW_SUBGROUP);
-    const UINT command = m_pTable->TrackPageMenu(menuId, point, this, grayed, FALSE);
+    const UINT command = m_pTable->TrackPageMenu(menuId, point, this, grayed, TRUE);
     if (command != 0)
         RunRowCommand(command);
 }
@@ -109,7 +106,17 @@ BOOL CVarTablePageBase::RunRowCommand(UINT id) {
         return TRUE;
     case ID_EDIT_LIST:
         if (m_pTable != nullptr)
-            m_pTable->OnFrameCommand(ID_EDIT_CUSTOM_GROUP);
+            m_pTable->EditCustomGroup();
+        return TRUE;
+    case ID_EXPORT_LIST:
+        ExportList();
+        return TRUE;
+    case ID_NEW_SUBGROUP:
+        if (m_pTable != nullptr) {
+            std::vector<IVarObjEx*> vars;
+            GetSelectedVars(vars);
+            m_pTable->CreateCustomGroup(vars, CString());
+        }
         return TRUE;
     case ID_SHOW_CHECKED_ONLY:
     case ID_SHOW_ALL_ROWS:
@@ -119,10 +126,15 @@ BOOL CVarTablePageBase::RunRowCommand(UINT id) {
         RefillAll();
         return TRUE;
     default:
+        if (id >= ID_MENU_GROUP_FIRST && id <= ID_MENU_GROUP_LAST) {
+            std::vector<IVarObjEx*> vars;
+            GetSelectedVars(vars);
+            if (m_pTable != nullptr && !vars.empty())
+                m_pTable->AddVarsToMenuGroup(vars, id);
+            return TRUE;
+        }
         // Commands the page itself answers (the second page's check and write commands).
-        if (id != ID_EXPORT_LIST && id != ID_NEW_SUBGROUP &&
-            (id < ID_MENU_GROUP_FIRST || id > ID_MENU_GROUP_LAST))
-            SendMessage(WM_COMMAND, MAKEWPARAM(WORD(id), 0), 0);
+        SendMessage(WM_COMMAND, MAKEWPARAM(WORD(id), 0), 0);
         return FALSE;
     }
 }
@@ -198,6 +210,11 @@ void CVarTablePageBase::RemoveRows() {
         ShowCustomGroupRows(group, store);
     else
         ShowCustomRoot(store);
-    // NOT DONE: the store of custom groups is written by SaveCustomGroups, which comes with
-    // the custom group work; the removal stands in the host's groups until the next save.
+    m_pTable->SaveCustomGroups();
+}
+
+void CVarTablePageBase::ExportList() {
+    std::vector<IVarObjEx*> rows;
+    CollectShown(rows);
+    ExportListWithDialog(rows, this);
 }

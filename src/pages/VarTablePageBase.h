@@ -99,6 +99,8 @@ public:
     void AddToMonitorList();
     // Command 2109: the selected rows leave the custom group on show, after a question.
     void RemoveRows();
+    // Command 2107: the rows on show to a list export file, with the host's progress box.
+    void ExportList();
     // The variables of the selected rows, each once, in row order.
     void GetSelectedVars(std::vector<IVarObjEx*>& vars) const;
 

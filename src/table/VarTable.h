@@ -269,7 +269,6 @@ private:
     HTREEITEM InsertRecordItem(const CString& text, int image, HTREEITEM parent, int kind,
                                void* object);
     void ShowModifiedWithMode(int mode);
-    void FillGroupPopup(CMenu& popup, IGroupNode* group, UINT& counter);
     void SubscribeUpload();
     void UnsubscribeUpload();
     IGroupSet* GetCustomGroupSet() const;

@@ -12,34 +12,9 @@
 
 namespace {
 
-constexpr UINT kFirstGroupCommand = 4000;
 constexpr UINT kNewSubgroupCommand = 32845;
 
 } // namespace
-
-void CVarTable::FillGroupPopup(CMenu& popup, IGroupNode* group, UINT& counter) {
-    CString name;
-    group->GetName(name);
-    const UINT id = kFirstGroupCommand + counter++;
-    if (group->GetChildCount() == 0) {
-        popup.AppendMenu(MF_STRING, id, name.GetString());
-        m_menuGroups[id] = group;
-        return;
-    }
-    CMenu sub;
-    sub.CreatePopupMenu();
-    CString text = theApp.LoadText(208);
-    sub.AppendMenu(MF_STRING, id, text.GetString());
-    m_menuSubGroups[id] = group;
-    const UINT direct = kFirstGroupCommand + counter++;
-    text = theApp.LoadText(207);
-    sub.AppendMenu(MF_STRING, direct, text.GetString());
-    m_menuGroups[direct] = group;
-    for (int i = 0; i < group->GetChildCount(); ++i)
-        if (IGroupNode* child = group->GetChildAt(i))
-            FillGroupPopup(sub, child, counter);
-    popup.AppendMenu(MF_POPUP, UINT_PTR(sub.Detach()), name.GetString());
-}
 
 UINT CVarTable::TrackPageMenu(UINT menuId, CPoint screen, CWnd* owner,
                               const std::vector<UINT>& grayed, BOOL groupEntries) {
@@ -47,20 +22,12 @@ UINT CVarTable::TrackPageMenu(UINT menuId, CPoint screen, CWnd* owner,
     CZorSkinPPopupMenu menu;
     if (!menu.LoadMenu(menuId))
         return 0;
-    m_menuGroups.clear();
-    m_menuSubGroups.clear();
     // The add-to-group popup holds "新建子组"; the custom groups follow it.
     for (int pos = 0; pos < menu.GetMenuItemCount(); ++pos) {
         CMenu* popup = menu.GetSubMenu(pos);
         if (popup == nullptr || popup->GetMenuItemID(0) != kNewSubgroupCommand)
             continue;
-        IVarStore* store = GetVarList();
-        IGroupSet* root = store != nullptr ? store->GetGroupRoot(1) : nullptr;
-        UINT counter = 1;
-        if (root != nullptr)
-            for (int i = 0; i < root->GetCount(); ++i)
-                if (IGroupNode* group = root->GetAt(i))
-                    FillGroupPopup(*popup, group, counter);
+        FillAddToGroupMenu(*popup);
     }
     if (IHostUiService* ui = theApp.GetUiService())
         ui->TranslateMenu(menu.GetSafeHmenu());
