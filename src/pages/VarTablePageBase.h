@@ -101,6 +101,8 @@ public:
     void RemoveRows();
     // Command 2107: the rows on show to a list export file, with the host's progress box.
     void ExportList();
+    // Command 32857: the rows on show to a compressed export file.
+    void ExportZxd() override;
     // The variables of the selected rows, each once, in row order.
     void GetSelectedVars(std::vector<IVarObjEx*>& vars) const;
 

@@ -429,6 +429,7 @@ BOOL CVarTable::IsTreeCommandEnabled(UINT id, HTREEITEM item) const {
     case ID_NEW_CUSTOM_GROUP:
     case ID_LOAD_CUSTOM_GROUP:
     case ID_ADD_TO_CUSTOM_GROUP:
+    case ID_EXPORT_ZXD:
         return TRUE;
     case ID_DELETE_CUSTOM_GROUP:
     case ID_EDIT_CUSTOM_GROUP:
@@ -512,8 +513,13 @@ BOOL CVarTable::OnFrameCommand(UINT id) {
     case ID_ADD_TO_CUSTOM_GROUP:
         AddModifiedToCustomGroup();
         return TRUE;
-    case ID_SAVE_ROWS_AS:
     case ID_EXPORT_ZXD:
+        busyExporting = 1;
+        if (CVarTablePage* page = GetStylePage())
+            page->ExportZxd();
+        busyExporting = 0;
+        return TRUE;
+    case ID_SAVE_ROWS_AS:
         // NOT DONE: these flows come with the save and export work; the commands are
         // routed here and stay disabled until then.
         return TRUE;
