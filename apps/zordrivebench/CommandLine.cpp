@@ -50,10 +50,11 @@ QString KeyList(zorhost::ReferenceHost& host) {
 // requires: the export goes there first and replaces the target only when it is whole.
 QString StagingPath(const QFileInfo& target) {
     return target.absoluteDir().filePath(
-        QStringLiteral(".%1.%2-%3.csv")
+        QStringLiteral(".%1.%2-%3.%4")
             .arg(target.completeBaseName())
             .arg(QCoreApplication::applicationPid())
-            .arg(QRandomGenerator::global()->generate(), 8, 16, QLatin1Char('0')));
+            .arg(QRandomGenerator::global()->generate(), 8, 16, QLatin1Char('0'))
+            .arg(target.suffix().toLower()));
 }
 
 // Hears how the upload of one module ended.
@@ -94,9 +95,11 @@ int RunList(const Options& options) {
 
 int RunExport(const Options& options) {
     const QFileInfo target(options.exportFile);
-    if (target.suffix().compare(QLatin1String("csv"), Qt::CaseInsensitive) != 0)
-        return Fail(kExitUsage, QStringLiteral("%1: the parameter table is written as .csv only")
-                                    .arg(options.exportFile));
+    if (target.suffix().compare(QLatin1String("csv"), Qt::CaseInsensitive) != 0 &&
+        target.suffix().compare(QLatin1String("zxd"), Qt::CaseInsensitive) != 0)
+        return Fail(kExitUsage,
+                    QStringLiteral("%1: the parameter table is written as .csv or .zxd only")
+                        .arg(options.exportFile));
 
     zorhost::ReferenceHost host;
     ProgramServices services(host);

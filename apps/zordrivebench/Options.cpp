@@ -5,11 +5,12 @@ namespace zordrivebench {
 const char* UsageText() {
     return "usage: zordrivebench [--project FILE] [--screenshot FILE.png]\n"
            "       zordrivebench [--project FILE] --list\n"
-           "       zordrivebench [--project FILE] --export KEY FILE.csv\n"
+           "       zordrivebench [--project FILE] --export KEY FILE.csv|FILE.zxd\n"
            "\n"
            "Without --project the built-in demo project with three simulated drives opens.\n"
            "--list prints one line per module: its key, a tab, its display name.\n"
-           "--export writes the parameter table of module KEY to FILE.csv, no window shown.\n"
+           "--export writes the parameter table of module KEY to FILE.csv, or its compressed\n"
+           "export to FILE.zxd, no window shown.\n"
            "Without a display, or with --screenshot, the main window is rendered to a PNG\n"
            "after start-up and the program exits.\n";
 }
