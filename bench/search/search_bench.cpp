@@ -3,6 +3,7 @@
 // - a text that matches few rows and one that matches every row, with the search texts
 //   already prepared (the usual case) and on a cold base (nothing prepared yet);
 // - the first search after a language change.
+#include "files/ZxdExport.h"
 #include "module/ModuleResources.h"
 #include "module/ParmiraApp.h"
 #include "module/host/IGroupNode.h"
@@ -160,6 +161,26 @@ BENCHMARK(BM_SearchEveryCold)->Unit(benchmark::kMillisecond)->Iterations(5);
 BENCHMARK(BM_SearchFewAfterLanguageChange)->Unit(benchmark::kMillisecond)->Iterations(6);
 BENCHMARK(BM_SearchEveryAfterLanguageChange)->Unit(benchmark::kMillisecond)->Iterations(6);
 
+// The compressed export of all 20 000 rows: records and the zlib image of the file.
+void BM_ZxdExport20000(benchmark::State& state) {
+    std::unique_ptr<Scene> scene = OpenLarge();
+    if (scene == nullptr) {
+        state.SkipWithError("no frame");
+        return;
+    }
+    std::vector<IVarObjEx*> rows;
+    scene->Page().CollectShown(rows);
+    const std::string path =
+        (std::filesystem::temp_directory_path() / "parmira-search-bench.zxd").string();
+    for (auto _ : state)
+        if (WriteZxdFile(path, scene->table->GetModule(), rows) != ZxdResult::Written)
+            state.SkipWithError("not written");
+    state.counters["rows"] = double(rows.size());
+    state.counters["bytes"] = double(std::filesystem::file_size(path));
+    std::filesystem::remove(path);
+}
+BENCHMARK(BM_ZxdExport20000)->Unit(benchmark::kMillisecond)->Iterations(5);
+
 int TakeShots(const std::string& dir) {
     std::filesystem::create_directories(dir);
     Scene scene(zorhost::ReferenceHost::DemoProject());
@@ -171,6 +192,11 @@ int TakeShots(const std::string& dir) {
     AfxTestPressKey(&page.GetSearchBox(), VK_RETURN);
     AfxPumpMessagesUntil([] { return false; }, 50);
     int failures = !AfxTestGrabWindow(scene.table.get(), (dir + "/search_result.png").c_str());
+    CAfxModalDriver driver([&](CDialog& d) {
+        failures += !AfxTestGrabWindow(&d, (dir + "/column_dialog.png").c_str());
+        d.EndDialog(IDCANCEL);
+    });
+    page.ChooseColumns();
     std::printf("screenshots in %s\n", dir.c_str());
     return failures;
 }
