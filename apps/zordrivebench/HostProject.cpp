@@ -27,6 +27,7 @@ zorhost::ProjectSetup ToSetup(const ProjectFile& file, const std::string& baseDi
         s.displayName = CString(m.displayName);
         s.number = m.number;
         s.online = m.online;
+        s.link = m.link;
         setup.modules.push_back(std::move(s));
     }
     return setup;
@@ -48,7 +49,7 @@ ProjectFile DemoProjectFile() {
     file.listStyle = zorhost::project::ListStyle(demo.listStyle);
     for (const auto& m : demo.modules)
         file.modules.push_back(
-            {m.key.str(), m.deviceFile, m.displayName.str(), m.number, m.online});
+            {m.key.str(), m.deviceFile, m.displayName.str(), m.number, m.online, m.link});
     return file;
 }
 

@@ -231,15 +231,17 @@ void MainWindow::UpdateStates() {
         const CString key = AfxFromQString(item->data(0, kKeyRole).toString());
         zorhost::model::CDeviceModule* module = m_host.Module(key);
         zorhost::sim::SimulatedDrive* drive = m_host.Drive(key);
-        if (module == nullptr || drive == nullptr)
+        if (module == nullptr)
             continue;
         ++total;
         QStringList state;
         if (module->IsOnline()) {
             ++online;
-            state << Tr("在线", "online")
-                  << (drive->IsRunning() ? Tr("运行", "running") : Tr("停机", "stopped"));
-            if (drive->IsOscilloscopeRunning())
+            state << Tr("在线", "online");
+            // A drive on a field bus tells no more than that it answers.
+            if (drive != nullptr)
+                state << (drive->IsRunning() ? Tr("运行", "running") : Tr("停机", "stopped"));
+            if (drive != nullptr && drive->IsOscilloscopeRunning())
                 state << Tr("示波器", "scope");
         } else {
             state << Tr("离线", "offline");

@@ -27,8 +27,19 @@ ProjectFile FullProject() {
     p.name = "二号线 line 2";
     p.directory = "work/二号线";
     p.listStyle = ListStyle::Staging;
-    p.modules.push_back({"ZD3S", "zd3s_servo.json", "主轴 spindle", 7, true});
-    p.modules.push_back({"ZV5", "/opt/devices/zv5_inverter.json", "", 0, false});
+    zorhost::link::LinkSettings tcp, rtu;
+    tcp.kind = zorhost::link::LinkKind::ModbusTcp;
+    tcp.host = "10.0.0.5";
+    tcp.port = 1502;
+    tcp.unit = 3;
+    tcp.timeout_ms = 250;
+    rtu.kind = zorhost::link::LinkKind::ModbusRtu;
+    rtu.device = "/dev/ttyUSB0";
+    rtu.baud = 19200;
+    rtu.parity = 'N';
+    p.modules.push_back({"ZD3S", "zd3s_servo.json", "主轴 spindle", 7, true, tcp});
+    p.modules.push_back({"ZV5", "/opt/devices/zv5_inverter.json", "", 0, false, rtu});
+    p.modules.push_back({"ZD4M", "zd4m_four_axis.json", "", 0, true, {}});
     return p;
 }
 
@@ -143,7 +154,18 @@ INSTANTIATE_TEST_SUITE_P(
                "modules[1].number", "station number 1 is taken by modules[0]"},
         Broken{"{" HEAD R"("modules": [{"key": "A", "deviceFile": "a", "number": 2},
                                        {"key": "B", "deviceFile": "b"}]})",
-               "modules[1]", "station number 2 is taken by modules[0]"}));
+               "modules[1]", "station number 2 is taken by modules[0]"},
+        Broken{"{" HEAD R"("modules": [{"key": "A", "deviceFile": "a", "link": {"type": "can"}}]})",
+               "modules[0].link.type", "none of"},
+        Broken{"{" HEAD R"("modules": [{"key": "A", "deviceFile": "a",
+                                        "link": {"type": "modbus-tcp", "port": 502}}]})",
+               "modules[0].link", "missing \"host\""},
+        Broken{"{" HEAD R"("modules": [{"key": "A", "deviceFile": "a",
+                  "link": {"type": "modbus-rtu", "device": "/dev/x", "parity": "X"}}]})",
+               "modules[0].link.parity", "none of"},
+        Broken{"{" HEAD R"("modules": [{"key": "A", "deviceFile": "a",
+                  "link": {"type": "modbus-tcp", "host": "h", "unit": 300}}]})",
+               "modules[0].link.unit", "whole number"}));
 
 TEST(ProjectFile, MissingFileSaysSo) {
     ProjectFile p;

@@ -90,7 +90,7 @@ TEST(ReferenceHostProject, BrokenProjectsAreRefusedWhole) {
 
     // Two modules of one product share its description but not their drives.
     setup = zorhost::ReferenceHost::DemoProject();
-    setup.modules[1] = {"zd3s_servo.json", "SECOND", "Second servo", 0, false};
+    setup.modules[1] = {"zd3s_servo.json", "SECOND", "Second servo", 0, false, {}};
     setup.listStyle = 1;
     ASSERT_TRUE(host.LoadProject(setup, &error)) << error;
     EXPECT_EQ(&host.Drive("ZD3S")->Device(), &host.Drive("SECOND")->Device());

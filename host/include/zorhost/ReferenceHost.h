@@ -9,6 +9,7 @@
 #pragma once
 
 #include "zorhost/HostServices.h"
+#include "zorhost/link/ModbusLink.h"
 #include "zorhost/model/ProjectModel.h"
 #include "zorhost/services/HostAccessService.h"
 #include "zorhost/services/HostDeviceHelper.h"
@@ -39,6 +40,7 @@ struct ModuleSetup {
     CString displayName;    // empty: the product's name
     int number = 0;         // station number; 0: the position in the list, from 1
     bool online = true;
+    link::LinkSettings link; // the in-process simulated drive unless told otherwise
 };
 
 struct ProjectSetup {
@@ -74,7 +76,13 @@ public:
     model::CProject* Project();
     std::vector<CString> ModuleKeys() const;
     model::CDeviceModule* Module(const CString& key);
+    // The in-process drive of a module; null for a module on a field-bus link.
     sim::SimulatedDrive* Drive(const CString& key);
+    // The field-bus link of a module; null for a module on an in-process drive.
+    link::ModbusLink* FieldLink(const CString& key);
+    // Called on the user-interface thread whenever a field-bus link came up or went down,
+    // after the modules followed.
+    void SetLinkStateHandler(std::function<void()> handler);
 
     // sim::DriveDirectory
     model::CDeviceModule* FindModule(const CString& key) override { return Module(key); }
@@ -123,9 +131,13 @@ public:
 private:
     struct Station {
         CString key;
-        model::CDeviceModule* module = nullptr; // owned by the project
-        std::unique_ptr<sim::SimulatedDrive> drive;
+        model::CDeviceModule* module = nullptr;     // owned by the project
+        std::unique_ptr<sim::SimulatedDrive> drive; // or
+        std::unique_ptr<link::ModbusLink> modbus;
+        std::shared_ptr<const device::DeviceDescription> device;
+        link::LinkSettings settings;
     };
+    void StartLink(Station& s);
     Station* Find(const CString& key);
     const Station* Find(const CString& key) const;
     void RegisterServices();
@@ -152,6 +164,9 @@ private:
     bool m_english = false;
     bool m_realTime = false;
     QTimer* m_timer = nullptr; // owned
+    std::function<void()> m_linkStateHandler;
+    // Posted link events hold it weakly, so that none outlives the host.
+    std::shared_ptr<ReferenceHost*> m_self = std::make_shared<ReferenceHost*>(this);
 };
 
 } // namespace zorhost

@@ -104,9 +104,9 @@ void ReferenceHost::AnnounceTransferEnd(const CString& key, BOOL success, bool d
 ProjectSetup ReferenceHost::DemoProject() {
     ProjectSetup setup;
     setup.modules = {
-        {"zd3s_servo.json", "ZD3S", "", 1, true},
-        {"zd4m_four_axis.json", "ZD4M", "", 2, true},
-        {"zv5_inverter.json", "ZV5", "", 3, true},
+        {"zd3s_servo.json", "ZD3S", "", 1, true, {}},
+        {"zd4m_four_axis.json", "ZD4M", "", 2, true, {}},
+        {"zv5_inverter.json", "ZV5", "", 3, true, {}},
     };
     return setup;
 }
@@ -152,9 +152,17 @@ bool ReferenceHost::LoadProject(const ProjectSetup& setup, std::string* error) {
         Station s;
         s.key = m.key;
         s.module = added;
-        s.drive = std::make_unique<sim::SimulatedDrive>(device);
-        s.drive->SetConnected(m.online);
-        s.drive->SetRealTime(m_realTime);
+        s.device = device;
+        s.settings = m.link;
+        if (m.link.kind == link::LinkKind::Simulated) {
+            s.drive = std::make_unique<sim::SimulatedDrive>(device);
+            s.drive->SetConnected(m.online);
+            s.drive->SetRealTime(m_realTime);
+        } else {
+            added->SetOnline(false); // until the drive has answered
+            if (m.online)
+                StartLink(s);
+        }
         stations.push_back(std::move(s));
     }
     m_storeProblems.clear();
@@ -162,7 +170,41 @@ bool ReferenceHost::LoadProject(const ProjectSetup& setup, std::string* error) {
     m_root.Open(std::move(project));
     m_stations = std::move(stations);
     m_scope.Watch(m_stations.empty() ? nullptr : m_stations.front().drive.get());
+    // A drive that is there answers within one time-out; the project opens with it online.
+    for (Station& s : m_stations)
+        if (s.modbus)
+            s.module->SetOnline(s.modbus->WaitOnline(s.settings.timeout_ms));
     return true;
+}
+
+void ReferenceHost::StartLink(Station& s) {
+    s.modbus = std::make_unique<link::ModbusLink>(s.device, s.settings);
+    std::weak_ptr<ReferenceHost*> self = m_self;
+    // The worker only posts; the modules follow on the user-interface thread.
+    s.modbus->SetStateListener([self](bool) {
+        QCoreApplication* app = QCoreApplication::instance();
+        if (!app)
+            return;
+        QMetaObject::invokeMethod(
+            app,
+            [self] {
+                if (auto host = self.lock()) {
+                    (*host)->SyncOnlineStates();
+                    if ((*host)->m_linkStateHandler)
+                        (*host)->m_linkStateHandler();
+                }
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+link::ModbusLink* ReferenceHost::FieldLink(const CString& key) {
+    Station* s = Find(key);
+    return s ? s->modbus.get() : nullptr;
+}
+
+void ReferenceHost::SetLinkStateHandler(std::function<void()> handler) {
+    m_linkStateHandler = std::move(handler);
 }
 
 void ReferenceHost::CloseProject() {
@@ -207,24 +249,41 @@ sim::SimulatedDrive* ReferenceHost::Drive(const CString& key) {
 }
 
 sim::DriveLink* ReferenceHost::FindLink(const CString& key) {
-    return Drive(key);
+    Station* s = Find(key);
+    if (!s)
+        return nullptr;
+    return s->modbus ? static_cast<sim::DriveLink*>(s->modbus.get()) : s->drive.get();
 }
 
 void ReferenceHost::SetOnline(const CString& key, bool online) {
-    if (Station* s = Find(key)) {
+    Station* s = Find(key);
+    if (!s)
+        return;
+    if (s->drive) {
         s->drive->SetConnected(online);
         s->module->SetOnline(s->drive->IsOnline());
+    } else if (s->settings.kind != link::LinkKind::Simulated) {
+        // Disconnecting a field-bus module closes its link; connecting opens a new one.
+        s->modbus.reset();
+        if (online) {
+            StartLink(*s);
+            s->modbus->WaitOnline(s->settings.timeout_ms);
+        }
+        s->module->SetOnline(s->modbus && s->modbus->IsOnline());
     }
 }
 
 void ReferenceHost::SyncOnlineStates() {
     for (Station& s : m_stations)
-        s.module->SetOnline(s.drive->IsOnline());
+        if (sim::DriveLink* l =
+                s.modbus ? static_cast<sim::DriveLink*>(s.modbus.get()) : s.drive.get())
+            s.module->SetOnline(l->IsOnline());
 }
 
 void ReferenceHost::Tick(int dt_ms) {
     for (Station& s : m_stations)
-        s.drive->Step(dt_ms);
+        if (s.drive)
+            s.drive->Step(dt_ms);
     SyncOnlineStates();
     m_scope.Update();
     m_refresh.RunCycle();
@@ -251,7 +310,8 @@ void ReferenceHost::SetShowTransferProgress(bool show) {
 void ReferenceHost::SetRealTimeDrives(bool realTime) {
     m_realTime = realTime;
     for (Station& s : m_stations)
-        s.drive->SetRealTime(realTime);
+        if (s.drive)
+            s.drive->SetRealTime(realTime);
 }
 
 void ReferenceHost::SetEnglish(bool english) {
@@ -262,7 +322,7 @@ void ReferenceHost::SetEnglish(bool english) {
 
 bool ReferenceHost::IsAnyOscilloscopeRunning() const {
     for (const Station& s : m_stations)
-        if (s.drive->IsOscilloscopeRunning())
+        if (s.drive && s.drive->IsOscilloscopeRunning())
             return true;
     return false;
 }

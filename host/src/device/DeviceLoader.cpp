@@ -322,7 +322,8 @@ void Loader::LoadProduct(const QJsonObject& o) {
     const std::string place = "product";
     Keys(o, place,
          {"name", "nameEn", "subName", "lineId", "productId", "subProductId", "electronicLabel",
-          "primaryElectronicLabel", "version", "kind", "accessModel", "axisCopyCount"});
+          "primaryElectronicLabel", "version", "kind", "accessModel", "axisCopyCount",
+          "wordOrder"});
     ProductInfo& p = d_.product;
     p.name = Text(o, "name", place, true);
     p.nameEn = Text(o, "nameEn", place);
@@ -346,6 +347,15 @@ void Loader::LoadProduct(const QJsonObject& o) {
         Refuse(place + ".kind", "unknown product kind \"" + kind + "\"");
     p.accessModel = AccessModel(Integer(o, "accessModel", place, 0, 0, 2, true));
     p.axisCopyCount = std::uint8_t(Integer(o, "axisCopyCount", place, 0, 0, 16));
+    if (o.contains(QStringLiteral("wordOrder"))) {
+        const std::string order = String(o, "wordOrder", place, true);
+        if (order == "lowFirst")
+            p.wordOrder = WordOrder::LowFirst;
+        else if (order == "highFirst")
+            p.wordOrder = WordOrder::HighFirst;
+        else
+            Refuse(place + ".wordOrder", "unknown word order \"" + order + "\"");
+    }
 }
 
 std::vector<ValueOption> Loader::LoadOptions(const QJsonArray& a, const std::string& place) {

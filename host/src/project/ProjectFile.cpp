@@ -125,6 +125,66 @@ bool Flag(const QJsonObject& o, const char* key, const std::string& place, bool 
     return v.toBool();
 }
 
+link::LinkSettings ParseLink(const QJsonObject& module, const std::string& modulePlace) {
+    link::LinkSettings l;
+    const QJsonValue v = module.value(QLatin1String("link"));
+    if (v.isUndefined())
+        return l;
+    const std::string place = modulePlace + ".link";
+    if (!v.isObject())
+        throw Refusal{place, std::string("must be an object, not ") + TypeName(v)};
+    const QJsonObject o = v.toObject();
+    const std::string type = Text(o, "type", place, true, true);
+    const QString common[] = {QStringLiteral("type"), QStringLiteral("unit"),
+                              QStringLiteral("timeout")};
+    if (type == link::LinkKindName(link::LinkKind::Simulated)) {
+        OnlyKeys(o, place, {QStringLiteral("type")});
+        return l;
+    }
+    if (type == link::LinkKindName(link::LinkKind::ModbusTcp)) {
+        OnlyKeys(o, place,
+                 {common[0], common[1], common[2], QStringLiteral("host"), QStringLiteral("port")});
+        l.kind = link::LinkKind::ModbusTcp;
+        l.host = Text(o, "host", place, true, true);
+        l.port = Integer(o, "port", place, 502, 1, 65535);
+    } else if (type == link::LinkKindName(link::LinkKind::ModbusRtu)) {
+        OnlyKeys(o, place,
+                 {common[0], common[1], common[2], QStringLiteral("device"), QStringLiteral("baud"),
+                  QStringLiteral("parity")});
+        l.kind = link::LinkKind::ModbusRtu;
+        l.device = Text(o, "device", place, true, true);
+        l.baud = Integer(o, "baud", place, 115200, 1200, 921600);
+        const std::string parity = Text(o, "parity", place, false, false);
+        if (!parity.empty() && parity != "N" && parity != "E" && parity != "O")
+            throw Refusal{place + ".parity", Quoted(parity) + " is none of \"N\", \"E\", \"O\""};
+        l.parity = parity.empty() ? 'E' : parity[0];
+    } else {
+        throw Refusal{place + ".type", Quoted(type) + " is none of \"simulated\", \"modbus-tcp\", "
+                                                      "\"modbus-rtu\""};
+    }
+    l.unit = Integer(o, "unit", place, 1, 1, 247);
+    l.timeout_ms = Integer(o, "timeout", place, 500, 10, 60000);
+    return l;
+}
+
+QJsonObject LinkJson(const link::LinkSettings& l) {
+    QJsonObject o;
+    o[QStringLiteral("type")] = QLatin1String(link::LinkKindName(l.kind));
+    if (l.kind == link::LinkKind::ModbusTcp) {
+        o[QStringLiteral("host")] = Qs(l.host);
+        o[QStringLiteral("port")] = l.port;
+    } else if (l.kind == link::LinkKind::ModbusRtu) {
+        o[QStringLiteral("device")] = Qs(l.device);
+        o[QStringLiteral("baud")] = l.baud;
+        o[QStringLiteral("parity")] = QString(QChar(l.parity));
+    }
+    if (l.kind != link::LinkKind::Simulated) {
+        o[QStringLiteral("unit")] = l.unit;
+        o[QStringLiteral("timeout")] = l.timeout_ms;
+    }
+    return o;
+}
+
 ProjectFile Parse(const QJsonObject& root) {
     OnlyKeys(root, "",
              {QStringLiteral("format"), QStringLiteral("version"), QStringLiteral("name"),
@@ -169,14 +229,15 @@ ProjectFile Parse(const QJsonObject& root) {
         const QJsonObject o = list[i].toObject();
         OnlyKeys(o, place,
                  {QStringLiteral("key"), QStringLiteral("deviceFile"),
-                  QStringLiteral("displayName"), QStringLiteral("number"),
-                  QStringLiteral("online")});
+                  QStringLiteral("displayName"), QStringLiteral("number"), QStringLiteral("online"),
+                  QStringLiteral("link")});
         ModuleEntry m;
         m.key = Text(o, "key", place, true, true);
         m.deviceFile = Text(o, "deviceFile", place, true, true);
         m.displayName = Text(o, "displayName", place, false, false);
         m.number = Integer(o, "number", place, 0, 0, 65535);
         m.online = Flag(o, "online", place, true);
+        m.link = ParseLink(o, place);
 
         if (auto [it, fresh] = keys.emplace(m.key, place); !fresh)
             throw Refusal{place + ".key", "key " + Quoted(m.key) + " is taken by " + it->second};
@@ -258,6 +319,8 @@ std::string ProjectToJson(const ProjectFile& project) {
         o[QStringLiteral("displayName")] = Qs(m.displayName);
         o[QStringLiteral("number")] = m.number;
         o[QStringLiteral("online")] = m.online;
+        if (m.link.kind != link::LinkKind::Simulated)
+            o[QStringLiteral("link")] = LinkJson(m.link);
         modules.append(o);
     }
     root[QStringLiteral("modules")] = modules;

@@ -1,9 +1,14 @@
 #include "zorhost/services/HostTransferService.h"
 
 #include "module/host/IVarAttr.h"
+#include "zorhost/link/BlockPlan.h"
+#include "zorhost/link/RegisterMap.h"
 #include "zorhost/model/ProjectModel.h"
 #include "zorhost/services/HostDeviceHelper.h"
 #include "zorhost/sim/DriveDirectory.h"
+
+#include <algorithm>
+#include <numeric>
 
 namespace zorhost {
 
@@ -22,6 +27,9 @@ void CHostTransferService::AnnounceUpload(const CString& moduleKey, bool success
         m_notifier(moduleKey, success ? 1 : 0, false);
 }
 
+// Neighbouring parameters are read in blocks where the link pays per request; a block the
+// drive refuses is read again parameter by parameter, so that exactly the parameters it
+// refuses fail.
 bool CHostTransferService::ReadVars(const CString& moduleKey, const std::vector<IVarObjEx*>& vars) {
     model::CDeviceModule* module = m_drives.FindModule(moduleKey);
     sim::DriveLink* link = m_drives.FindLink(moduleKey);
@@ -30,36 +38,106 @@ bool CHostTransferService::ReadVars(const CString& moduleKey, const std::vector<
     const int total = int(vars.size());
     if (m_progress)
         m_progress->Begin(moduleKey, total);
-    bool ok = true;
-    for (int i = 0; i < total; ++i) {
-        IVarObjEx* var = vars[size_t(i)];
+    const int limit = std::clamp(link->ReadBlockLimit(), 1, link::kMaxReadRegisters);
+
+    struct Item {
+        IVarObjEx* var;
+        DataType type;
+    };
+    std::vector<Item> items;
+    std::vector<link::RegisterRange> ranges;
+    std::vector<IVarObjEx*> loose; // nothing to read: they only count
+    for (IVarObjEx* var : vars) {
         IVarAttr* attr = var ? var->GetAttr() : nullptr;
-        if (attr) {
-            const UINT address = var->GetInstanceAddress();
-            const auto type = DataType(attr->GetDataType());
-            double raw = 0;
-            const sim::LinkResult r =
-                m_helper.Read(moduleKey, address, type, raw, kTimeout_ms, kTries);
+        if (!attr) {
+            loose.push_back(var);
+            continue;
+        }
+        const auto type = DataType(attr->GetDataType());
+        items.push_back({var, type});
+        ranges.push_back({var->GetInstanceAddress(), std::max(1, sim::RegisterCount(type))});
+    }
+    if (limit > 1) {
+        std::vector<std::size_t> order(items.size());
+        std::iota(order.begin(), order.end(), 0);
+        std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+            return ranges[a].address < ranges[b].address;
+        });
+        std::vector<Item> sortedItems;
+        std::vector<link::RegisterRange> sortedRanges;
+        for (std::size_t i : order) {
+            sortedItems.push_back(items[i]);
+            sortedRanges.push_back(ranges[i]);
+        }
+        items.swap(sortedItems);
+        ranges.swap(sortedRanges);
+    }
+
+    auto store = [&](IVarObjEx* var, DataType type, double raw) {
+        const Variant value = RawToVariant(type, raw);
+        IVarObjEx* own = module->Store().FindByAddress(var->GetInstanceAddress());
+        if (own == var)
+            static_cast<model::CVarObj*>(own)->StoreRead(value);
+        else
+            var->SetValue(value); // a copy the caller made: it gets the value only
+    };
+    int done = 0;
+    bool ok = true, stop = false;
+    auto advance = [&] {
+        ++done;
+        if (m_stepHook)
+            m_stepHook(done, total);
+        if (m_progress && !m_progress->Advance(done)) {
+            ok = false;
+            stop = true;
+        }
+    };
+    for (std::size_t i = 0; i < loose.size() && !stop; ++i)
+        advance();
+
+    std::vector<std::uint16_t> words;
+    for (const link::RegisterBlock& block : link::PlanBlocks(ranges, limit)) {
+        if (stop)
+            break;
+        // A block of one parameter is read as one; a failed block falls back to singles.
+        bool blockRead = false;
+        if (block.last - block.first > 1) {
+            sim::LinkResult r;
+            words.assign(std::size_t(block.count), 0);
+            for (int t = 0; t < kTries; ++t) {
+                r = link->Read(block.address, words, kTimeout_ms);
+                if (!r.transient())
+                    break;
+            }
             if (r.status == sim::LinkStatus::Offline) {
                 ok = false;
                 break; // nothing more will come from this drive
             }
-            if (r.ok()) {
-                const Variant value = RawToVariant(type, raw);
-                IVarObjEx* own = module->Store().FindByAddress(address);
-                if (own == var)
-                    static_cast<model::CVarObj*>(own)->StoreRead(value);
-                else
-                    var->SetValue(value); // a copy the caller made: it gets the value only
-            } else {
-                ok = false; // the variable keeps its value; the others are still read
-            }
+            blockRead = r.ok();
         }
-        if (m_stepHook)
-            m_stepHook(i + 1, total);
-        if (m_progress && !m_progress->Advance(i + 1)) {
-            ok = false;
-            break;
+        std::size_t offset = 0;
+        for (std::size_t k = block.first; k < block.last && !stop; ++k) {
+            const Item& item = items[k];
+            const std::size_t n = std::size_t(ranges[k].count);
+            if (blockRead) {
+                store(item.var, item.type,
+                      sim::DecodeRaw(item.type, std::span(words.data() + offset, n)));
+            } else {
+                double raw = 0;
+                const sim::LinkResult one = m_helper.Read(moduleKey, ranges[k].address, item.type,
+                                                          raw, kTimeout_ms, kTries);
+                if (one.status == sim::LinkStatus::Offline) {
+                    ok = false;
+                    stop = true;
+                    break;
+                }
+                if (one.ok())
+                    store(item.var, item.type, raw);
+                else
+                    ok = false; // the variable keeps its value; the others are still read
+            }
+            offset += n;
+            advance();
         }
     }
     if (m_progress)

@@ -95,6 +95,14 @@ std::string LinkResultText(const LinkResult& r, bool en) {
     }
     case Refusal::AccessDenied:
         return en ? "access level of the drive too low" : "驱动器访问权限不足";
+    case Refusal::IllegalFunction:
+        return en ? "the drive does not support this request" : "驱动器不支持该功能码";
+    case Refusal::IllegalValue:
+        return en ? "illegal data value" : "非法数据值";
+    case Refusal::DeviceFailure:
+        return en ? "the drive failed to carry out the request" : "驱动器执行失败";
+    case Refusal::Busy:
+        return en ? "the drive is busy; try again later" : "驱动器忙，请稍后再试";
     case Refusal::None:
         break;
     }

@@ -64,6 +64,10 @@ enum class ValueInfoKind : std::uint8_t {
 
 enum class ProductKind : std::uint8_t { Servo, MultiAxisServo, Inverter };
 
+// Order of the 16-bit words of a multi-register value on the field bus. The drive's own
+// memory and the host keep the low word first; a product may send the high word first.
+enum class WordOrder : std::uint8_t { LowFirst = 0, HighFirst = 1 };
+
 enum class ConnectorKind : std::uint8_t { None = 0, B = 1, K = 2, F = 3, KF = 4, BKF = 5 };
 
 // Access models: 0 the level lives in the tool only; 1 and 2 the drive holds one too,
@@ -231,6 +235,7 @@ struct ProductInfo {
     ProductKind kind = ProductKind::Servo;
     AccessModel accessModel = AccessModel::ToolOnly;
     std::uint8_t axisCopyCount = 0; // axes that axis copy offers; 0 for a single-axis drive
+    WordOrder wordOrder = WordOrder::LowFirst; // "wordOrder": "lowFirst" or "highFirst"
 };
 
 class DeviceDescription {

@@ -19,6 +19,8 @@
 // file name that isn't there is looked for among the shipped device descriptions.
 #pragma once
 
+#include "zorhost/link/LinkSettings.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,6 +39,10 @@ struct ModuleEntry {
     std::string displayName; // empty: the product's name
     int number = 0;          // station number; 0: the position in the list, from 1
     bool online = true;
+    // "link": {"type": "simulated"} (the default), {"type": "modbus-tcp", "host": "10.0.0.5",
+    // "port": 502, "unit": 1, "timeout": 500} or {"type": "modbus-rtu", "device":
+    // "/dev/ttyUSB0", "baud": 115200, "parity": "E", "unit": 1, "timeout": 500}.
+    link::LinkSettings link;
 
     bool operator==(const ModuleEntry&) const = default;
 };

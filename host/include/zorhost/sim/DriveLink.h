@@ -28,6 +28,11 @@ enum class Refusal : std::uint8_t {
     WhileRunning,   // 停机修改 while the drive runs
     OutOfRange,     // outside the parameter's limits (low, high as raw values)
     AccessDenied,   // the drive's authority is below the parameter's level
+    // Reasons a field-bus drive gives without saying more (Modbus exceptions).
+    IllegalFunction, // the drive does not know the request
+    IllegalValue,    // the value or the length of the request is not acceptable
+    DeviceFailure,   // the drive failed to carry the request out
+    Busy,            // the drive is busy; the request may pass later
 };
 
 struct LinkResult {
@@ -54,6 +59,11 @@ public:
     // Writes words.size() registers from `address` on; the drive checks the value.
     virtual LinkResult Write(std::uint32_t address, std::span<const std::uint16_t> words,
                              int timeout_ms) = 0;
+    // Registers one read may carry across neighbouring parameters. Bulk transfers group
+    // by it where a request costs a round trip; 1 keeps one request per parameter.
+    virtual int ReadBlockLimit() const { return 1; }
+    // The same for writes: registers one write may carry across parameters.
+    virtual int WriteBlockLimit() const { return 1; }
 };
 
 // The message for a failed request, in Chinese as the drive documents it or in English.

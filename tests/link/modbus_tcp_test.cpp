@@ -1,0 +1,173 @@
+#include "LinkFixture.h"
+
+#include "module/host/IVarAttr.h"
+#include "zorhost/link/BlockWrite.h"
+
+using namespace linktest;
+using zorhost::sim::LinkStatus;
+
+// What the module does every day, over a real protocol stack: a typed value reaches the
+// drive, a 32-bit value keeps its sign, an upload brings the drive's values in blocks,
+// and a factory code raises the drive's authority.
+TEST_F(TcpHost, KeyFlowsCrossModbusTcp) {
+    ASSERT_TRUE(host.Module(kKey)->IsOnline());
+    IHostDeviceHelper& helper = host.DeviceHelper();
+    Variant result;
+    std::vector<CString> errors;
+    ASSERT_TRUE(helper.WriteVarDirect(kKey, Address("H02-08"), 18, Variant::UI2(321), result,
+                                      errors, 0, 300, 1));
+    EXPECT_TRUE(errors.empty());
+    ASSERT_TRUE(helper.WriteVarDirect(kKey, Address("H05-34"), 3, Variant::I4(-123456), result,
+                                      errors, 0, 300, 1));
+    // Read back over a connection of its own.
+    zorhost::link::ModbusLink other(device, TcpLink(sim->Port()));
+    ASSERT_TRUE(other.WaitOnline(3000));
+    double raw = 0;
+    ASSERT_TRUE(
+        zorhost::sim::ReadRaw(other, Address("H02-08"), zorhost::device::DataType::UInt16, raw, 300)
+            .ok());
+    EXPECT_EQ(raw, 321);
+    ASSERT_TRUE(
+        zorhost::sim::ReadRaw(other, Address("H05-34"), zorhost::device::DataType::Int32, raw, 300)
+            .ok());
+    EXPECT_EQ(raw, -123456);
+
+    ASSERT_TRUE(zorhost::sim::WriteRaw(other, Address("H02-09"), zorhost::device::DataType::UInt16,
+                                       777, 300)
+                    .ok());
+    const zorhost::link::LinkTraffic before = host.FieldLink(kKey)->Traffic();
+    EXPECT_TRUE(host.Transfer().UploadModule(nullptr, kKey));
+    ASSERT_EQ(ends.size(), 1u);
+    EXPECT_TRUE(ends[0]);
+    {
+        IVarObjEx* v = host.Module(kKey)->Store().FindByAddress(Address("H02-09"));
+        ASSERT_NE(v, nullptr);
+        EXPECT_EQ(v->GetValue(), Variant::UI2(777));
+        v = host.Module(kKey)->Store().FindByAddress(Address("H05-34"));
+        EXPECT_EQ(v->GetValue(), Variant::I4(-123456));
+    }
+    const auto requests = host.FieldLink(kKey)->Traffic().requests - before.requests;
+    EXPECT_LT(requests, 60u) << "an upload of the servo goes in blocks";
+
+    // Access: the factory code written to "InputPassword" raises "Authority".
+    IVarObjEx* authority = helper.FindNamedVar(host.Module(kKey), "Authority");
+    ASSERT_NE(authority, nullptr);
+    Variant level;
+    ASSERT_TRUE(helper.ReadVarDirect(kKey, authority->GetInstanceAddress(), 18, level, 300, 1));
+    EXPECT_EQ(level, Variant::UI2(1));
+    ASSERT_TRUE(helper.WriteNamedVar(kKey, "InputPassword", 2468));
+    ASSERT_TRUE(helper.ReadVarDirect(kKey, authority->GetInstanceAddress(), 18, level, 300, 1));
+    EXPECT_EQ(level, Variant::UI2(3));
+}
+
+// A refusal crosses the wire with the drive's own reason, limits included; a refused
+// address inside an upload block fails only its own parameter.
+TEST_F(TcpHost, RefusalsCarryTheDrivesReason) {
+    IHostDeviceHelper& helper = host.DeviceHelper();
+    struct Case {
+        const char* code;
+        double value;
+        const char* reason;
+    };
+    ASSERT_TRUE(sim->Command("run 1 on"));
+    for (const Case& c :
+         {Case{"H02-08", 600, "设定值超出范围(0~500)"}, Case{"H00-01", 1, "该参数不可修改"},
+          Case{"H02-00", 2, "运行中不可修改"}}) {
+        Variant result;
+        std::vector<CString> errors;
+        EXPECT_FALSE(helper.WriteVarDirect(kKey, Address(c.code), 18, Variant::UI2(c.value), result,
+                                           errors, 0, 300, 1))
+            << c.code;
+        ASSERT_EQ(errors.size(), 1u) << c.code;
+        EXPECT_NE(errors[0].str().find(c.reason), std::string::npos) << errors[0].str();
+    }
+    EXPECT_TRUE(host.Module(kKey)->IsOnline()) << "a refusal is no lost link";
+
+    ASSERT_TRUE(helper.WriteParameter(kKey, Address("H02-08"), 123));
+    ASSERT_TRUE(sim->Command("refuse " + std::to_string(Address("H02-09"))));
+    EXPECT_TRUE(host.Transfer().UploadModule(nullptr, kKey));
+    ASSERT_EQ(ends.size(), 1u);
+    EXPECT_FALSE(ends[0]);
+    EXPECT_EQ(host.Module(kKey)->Store().FindByAddress(Address("H02-08"))->GetValue(),
+              Variant::UI2(123))
+        << "the neighbours of the refused parameter are read singly";
+}
+
+// Pulling the plug mid-upload ends the upload with failure, never a false success; the
+// module goes offline, and comes back when the drive does.
+TEST_F(TcpHost, KilledSimulatorEndsTheUploadAndIsFoundAgain) {
+    const int port = sim->Port();
+    int killedAt = 0;
+    int lastStep = 0;
+    host.Transfer().SetStepHook([&](int done, int) {
+        lastStep = done;
+        if (done == 100) {
+            sim->Kill();
+            killedAt = done;
+        }
+    });
+    EXPECT_TRUE(host.Transfer().UploadModule(nullptr, kKey));
+    host.Transfer().SetStepHook(nullptr);
+    ASSERT_EQ(killedAt, 100);
+    ASSERT_EQ(ends.size(), 1u);
+    EXPECT_FALSE(ends[0]);
+    EXPECT_LT(lastStep, 230) << "the upload stops at the first unanswered block";
+    EXPECT_TRUE(PumpUntil([&] { return !host.Module(kKey)->IsOnline(); }, 3000));
+    EXPECT_EQ(host.FieldLink(kKey)->Read(0, std::span<std::uint16_t>(), 0).status,
+              LinkStatus::Refused)
+        << "a request without registers never goes out";
+    std::uint16_t word = 0;
+    EXPECT_EQ(host.FieldLink(kKey)->Read(0, std::span(&word, 1), 0).status, LinkStatus::Offline);
+
+    sim = std::make_unique<SimProcess>(
+        std::vector<std::string>{"--tcp", "127.0.0.1:" + std::to_string(port), "zd3s_servo.json"});
+    ASSERT_TRUE(sim->Started());
+    EXPECT_TRUE(PumpUntil([&] { return host.Module(kKey)->IsOnline(); }, 5000));
+    EXPECT_TRUE(host.Transfer().UploadModule(nullptr, kKey));
+    EXPECT_TRUE(ends.back());
+}
+
+// A download writes neighbours in blocks; the one value the drive refuses is the only
+// failure, and the rest of its block still arrives.
+TEST_F(TcpHost, BlockWriteNamesExactlyTheRefusedParameter) {
+    std::vector<zorhost::link::ParameterValue> values;
+    for (const auto& p : device->parameters)
+        if (p.modifyMode == zorhost::device::ModifyMode::Any && p.accessLevel <= 1 &&
+            zorhost::sim::RegisterCount(p.dataType) > 0)
+            values.push_back({p.address, p.dataType, p.factoryValue});
+    ASSERT_GT(values.size(), 100u);
+    for (auto& v : values) {
+        if (v.address == Address("H02-08"))
+            v.raw = 600; // above its limit of 500
+        if (v.address == Address("H02-09"))
+            v.raw = 60;
+    }
+    zorhost::link::ModbusLink& link = *host.FieldLink(kKey);
+    const auto before = link.Traffic().requests;
+    const auto failures = zorhost::link::WriteInBlocks(link, values, 300, 2);
+    ASSERT_EQ(failures.size(), 1u);
+    EXPECT_EQ(failures[0].address, Address("H02-08"));
+    EXPECT_EQ(failures[0].result.refusal, zorhost::sim::Refusal::OutOfRange);
+    EXPECT_LT(link.Traffic().requests - before, values.size() / 3);
+    double raw = 0;
+    ASSERT_TRUE(
+        zorhost::sim::ReadRaw(link, Address("H02-09"), zorhost::device::DataType::UInt16, raw, 300)
+            .ok());
+    EXPECT_EQ(raw, 60);
+}
+
+// A drive that stops answering costs a bounded wait, then the module is offline; it is
+// found again once it answers.
+TEST_F(TcpHost, SilentDriveTimesOutAndReturns) {
+    ASSERT_TRUE(sim->Command("silent on"));
+    double value = 0;
+    QElapsedTimer clock;
+    clock.start();
+    EXPECT_FALSE(host.DeviceHelper().ReadParameter(kKey, Address("H02-08"), value));
+    EXPECT_LT(clock.elapsed(), 5000);
+    EXPECT_TRUE(PumpUntil([&] { return !host.Module(kKey)->IsOnline(); }, 3000));
+    ASSERT_TRUE(sim->Command("silent off"));
+    EXPECT_TRUE(PumpUntil([&] { return host.Module(kKey)->IsOnline(); }, 5000));
+    EXPECT_TRUE(host.DeviceHelper().ReadParameter(kKey, Address("H02-08"), value));
+    EXPECT_EQ(value, 250);
+}
