@@ -11,7 +11,7 @@ packages=(
     binutils ccache
     libmodbus-dev
     libfreexl-dev libminizip-dev libexpat1-dev
-    qt6-charts-dev
+    qt6-charts-dev libqt6opengl6-dev
     clang libclang-rt-14-dev
     python3-pymodbus python3-openpyxl python3-xlwt mbpoll
     xvfb xdotool

@@ -51,10 +51,11 @@ QString KeyList(zorhost::ReferenceHost& host) {
 // requires: the export goes there first and replaces the target only when it is whole.
 QString StagingPath(const QFileInfo& target) {
     return target.absoluteDir().filePath(
-        QStringLiteral(".%1.%2-%3.csv")
+        QStringLiteral(".%1.%2-%3.%4")
             .arg(target.completeBaseName())
             .arg(QCoreApplication::applicationPid())
-            .arg(QRandomGenerator::global()->generate(), 8, 16, QLatin1Char('0')));
+            .arg(QRandomGenerator::global()->generate(), 8, 16, QLatin1Char('0'))
+            .arg(target.suffix().toLower()));
 }
 
 // Hears how the upload of one module ended.
@@ -115,12 +116,15 @@ int RunList(const Options& options) {
 
 int RunExport(const Options& options) {
     const QFileInfo target(options.exportFile);
-    // The form follows the extension, as in the module: the table, or the parameter file.
+    // The form follows the extension, as in the module: the table, the parameter file or
+    // the compressed export.
     const bool asFile =
         target.suffix().compare(QLatin1String("zorparam"), Qt::CaseInsensitive) == 0;
-    if (!asFile && target.suffix().compare(QLatin1String("csv"), Qt::CaseInsensitive) != 0)
+    if (!asFile && target.suffix().compare(QLatin1String("csv"), Qt::CaseInsensitive) != 0 &&
+        target.suffix().compare(QLatin1String("zxd"), Qt::CaseInsensitive) != 0)
         return Fail(kExitUsage, QStringLiteral("%1: the export is written as .csv (the parameter "
-                                               "table) or .zorparam (the parameter file)")
+                                               "table), .zorparam (the parameter file) or .zxd "
+                                               "(the compressed export)")
                                     .arg(options.exportFile));
 
     zorhost::ReferenceHost host;

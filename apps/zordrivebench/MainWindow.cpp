@@ -1,5 +1,7 @@
 #include "MainWindow.h"
 
+#include "MonitorDock.h"
+
 #include <zorhost/ReferenceHost.h>
 #include <zorhost/services/HostMessageBus.h>
 #include <zorhost/services/HostUiService.h>
@@ -54,6 +56,8 @@ MainWindow::MainWindow(zorhost::ReferenceHost& host, ProgramServices& services,
     splitter->setSizes({320, 960});
     setCentralWidget(splitter);
     resize(1280, 800);
+    m_monitor = new MonitorDock(m_host, this);
+    addDockWidget(Qt::BottomDockWidgetArea, m_monitor);
 
     m_tabs = std::make_unique<zorhost::CHostTabManager>(m_tabWidget);
     m_host.Services().Register<IHostTabManager>(m_tabs.get());

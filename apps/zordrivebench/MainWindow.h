@@ -25,6 +25,8 @@ class ReferenceHost;
 
 namespace zordrivebench {
 
+class MonitorDock;
+
 class MainWindow : public QMainWindow {
 public:
     // The host, its added services and the plug-in outlive the window; the plug-in is
@@ -66,6 +68,10 @@ private:
     ParmiraModule& m_plugin;
     std::map<std::string, IQXParmira*> m_views; // one per opened module, by key
     bool m_english = false;
+    MonitorDock* m_monitor = nullptr;
+
+public:
+    MonitorDock* Monitor() const { return m_monitor; }
 };
 
 } // namespace zordrivebench

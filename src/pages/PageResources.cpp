@@ -1,5 +1,7 @@
 #include "pages/PageResources.h"
 
+#include "pages/ConfigListDlg.h"
+#include "pages/RowCommands.h"
 #include "pages/VarTablePage1.h"
 #include "pages/VarTablePage2.h"
 #include "table/VarTable.h"
@@ -90,6 +92,8 @@ void RegisterPageResources(HINSTANCE module) {
                                                 {ID_FILTER_MODIFIED, "当前值与出厂值不同"},
                                                 {ID_FILTER_SET_NOT_FACTORY, "设定值与出厂值不同"},
                                                 {ID_FILTER_CHECKED, "仅显示勾选项"}}}}});
+    RegisterRowCommandResources(module);
+    RegisterConfigListResources(module);
     RegisterStateIcon(module, IDI_STATE_NONE, 0);
     RegisterStateIcon(module, IDI_STATE_UNCHECKED, 1);
     RegisterStateIcon(module, IDI_STATE_CHECKED, 2);

@@ -41,9 +41,6 @@ BOOL CVarTablePage1::OnInitDialog() {
     m_selector.Attach(&m_access, &m_accessFrame);
     if (module != nullptr && theApp.GetDeviceHelper() != nullptr)
         m_selector.FillAccessBox();
-    // The search itself comes with the search box; the box is there with its first entry.
-    m_search.ResetContent();
-    m_search.AddString("All");
     if (CWnd* axisCopy = GetDlgItem(int(IDC_PAGE1_AXIS_COPY)))
         axisCopy->ShowWindow(module != nullptr && module->GetAxisCopyCount() != 0 ? SW_SHOW
                                                                                   : SW_HIDE);
@@ -145,7 +142,7 @@ void CVarTablePage1::OnModuleDownloaded(const CString&, BOOL) {
 
 void CVarTablePage1::OnDestroy() {
     m_shownVars.RemoveAll();
-    m_searchHistory.RemoveAll();
+    m_searchHistory.DeleteAll();
     m_linkedVars.RemoveAll();
     UnsubscribeUpload();
     if (m_bPropertySubscribed) {

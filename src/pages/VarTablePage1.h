@@ -29,6 +29,7 @@ public:
     CListCtrlEx& GetList() override { return m_list; }
     CVarTableListCtrl_1& GetPageList() { return m_list; }
     CComboBox& GetSearchBox() { return m_search; }
+    CSearcherComboBox* GetSearcher() override { return &m_search; }
     CNoWheelComboBox& GetAccessBox() { return m_access; }
     void SetTable(CVarTable* table) override;
     void PollAuthority() override;
@@ -52,7 +53,7 @@ protected:
 
 private:
     CVarTableListCtrl_1 m_list;
-    CComboBox m_search;
+    CSearcherComboBox m_search;
     CNoWheelComboBox m_access;
     CAccessSelector m_selector{TRUE};
     TAccessLevelFrame<CVarTable> m_accessFrame;

@@ -249,6 +249,7 @@ void CVarTablePage2::OnModuleUploaded(const CString& moduleKey, BOOL) {
 void CVarTablePage2::OnDestroy() {
     ClearAllSetValues();
     m_linkedVars.RemoveAll();
+    m_searchHistory.DeleteAll();
     UnsubscribeUpload();
     if (m_bPropertySubscribed) {
         Unsubscribe(IMessage_ModulePropertyUpdateEvent::kIID,

@@ -71,6 +71,7 @@ public:
     void CheckAllRows();
     void ClearAllChecks();
     void ClearAllSetValues();
+    CSearcherComboBox* GetSearcher() override { return &m_search; }
 
     void OnModuleUploaded(const CString& moduleKey, BOOL success) override;
     void OnModuleDownloaded(const CString& moduleKey, BOOL success) override;
@@ -93,7 +94,7 @@ private:
     void ShowFilterState();
 
     CVarTableListCtrl_2 m_list;
-    CComboBox m_search;
+    CSearcherComboBox m_search;
     CNoWheelComboBox m_access;
     CZorSkinPMenuButton m_filter;
     CButton m_selectAll;

@@ -33,6 +33,7 @@ CVarTablePageBase::~CVarTablePageBase() {
                     AsSink<IMessage_ModulePropertyUpdateEvent>(this));
     delete m_pTranslator;
     m_pTranslator = nullptr;
+    m_searchHistory.DeleteAll();
 }
 
 // ---------------------------------------------------------------- collection
@@ -367,6 +368,10 @@ BOOL CVarTablePageBase::OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult)
         OnListClick(reinterpret_cast<const NMITEMACTIVATE*>(lParam));
         return TRUE;
     }
+    if (hdr != nullptr && hdr->idFrom == IDC_PAGE_LIST && hdr->code == NM_RCLICK) {
+        OnListRightClick();
+        return TRUE;
+    }
     return CVarTablePage::OnNotify(wParam, lParam, pResult);
 }
 
@@ -442,6 +447,12 @@ void CVarTablePageBase::FinishInit() {
     Subscribe(IMessage_ModulePropertyUpdateEvent::kIID,
               AsSink<IMessage_ModulePropertyUpdateEvent>(this));
     m_bPropertySubscribed = TRUE;
+    if (CSearcherComboBox* box = GetSearcher(); box != nullptr && box->GetSafeHwnd() != nullptr) {
+        box->SetOwnerPage(this);
+        // The fixed first entry; it is not part of the history.
+        box->ResetContent();
+        box->AddString("All");
+    }
     CRect client;
     GetClientRect(&client);
     OnSize(0, client.Width(), client.Height());

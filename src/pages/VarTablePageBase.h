@@ -9,13 +9,13 @@
 #include "module/host/IMessage_ModulePropertyUpdateEvent.h"
 #include "module/host/IMessage_ModuleUploadEvent.h"
 #include "pages/ListCtrlEx.h"
+#include "pages/SearchIndex.h"
+#include "pages/SearcherComboBox.h"
 #include "table/StackedDialog.h"
 
 #include <afx/afxcmn.h>
 
 #include <vector>
-
-class CSearchObj;
 
 // Colours of the list.
 constexpr COLORREF PAGE_ROW_EVEN = RGB(228, 250, 245);
@@ -80,6 +80,34 @@ public:
 
     virtual CListCtrlEx& GetList() = 0;
 
+    // ---- search
+    // The page's search box (control 2065), null while the page has none.
+    virtual CSearcherComboBox* GetSearcher() { return nullptr; }
+    void OnSearchEnter();
+    void OnSearchPicked();
+    // Shows the rows of the present selection that hold `text`.
+    void SearchRows(const CString& text);
+    void DropSearchCache() override { m_searchIndex.Drop(); }
+    const CSearchIndex& GetSearchIndex() const { return m_searchIndex; }
+
+    // ---- row commands
+    // Command 32817: the column dialog; the columns follow its ticks.
+    void ChooseColumns();
+    // A right click in the list: the menu of the page and the frame's flag, then its command.
+    void OnListRightClick();
+    // Runs a command of the page's context menu; FALSE when it isn't one of the rows'.
+    BOOL RunRowCommand(UINT id);
+    // Command 2004: the selected rows go to the host's monitor view.
+    void AddToMonitorList();
+    // Command 2109: the selected rows leave the custom group on show, after a question.
+    void RemoveRows();
+    // Command 2107: the rows on show to a list export file, with the host's progress box.
+    void ExportList();
+    // Command 32857: the rows on show to a compressed export file.
+    void ExportZxd() override;
+    // The variables of the selected rows, each once, in row order.
+    void GetSelectedVars(std::vector<IVarObjEx*>& vars) const;
+
     // ---- what the list asks of its page
     CString GetCellText(int row, int column);
     virtual void OnCellButtonClicked(CItemButton* button, int row, int column, const CString& text);
@@ -113,6 +141,7 @@ protected:
     BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
     BOOL PreTranslateMessage(MSG* pMsg) override;
     // The buttons both pages share that open the compare and the axis copy.
+    LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
     BOOL OnCommand(WPARAM wParam, LPARAM lParam) override;
 
     // The top of the list in the page's client area.
@@ -149,12 +178,16 @@ protected:
     BOOL m_bUploadSubscribed = FALSE;
     BOOL m_bPropertySubscribed = FALSE;
     CImageList m_stateImages;
+    CSearchIndex m_searchIndex;
 
 private:
     void Collect(IVarStore* varList, BOOL all);
     void WalkAll(IVarStore* varList);
     void WalkGroup(IGroupNode* group, IVarStore* varList, int level);
     BOOL PassesFilter(IVarObjEx* var, IVarAttr* attr) const;
+    // The column whose header bears `label`, stored or translated; -1 for none.
+    int ColumnOfLabel(const char* label);
+    void ShowCustomGroupRows(IGroupNode* group, IVarStore* store);
     void AddRow(IVarObjEx* var, BOOL toGroup);
     void FinishCollection(BOOL setTotal, BOOL postCount);
     void AddRefreshItem(IHostRefreshQuery* query, UINT address, int type, int length);

@@ -42,6 +42,10 @@ public:
     virtual void RepaintList() = 0;
     virtual void SubmitRefreshQuery() = 0;
     virtual void PollAuthority() {}
+    // Forgets what the page derived from the attributes (they were reloaded).
+    virtual void DropSearchCache() {}
+    // Writes the rows on show to a compressed export file.
+    virtual void ExportZxd() {}
 
     virtual int GetShownCount() const = 0;
     virtual IVarObjEx* GetShownVar(int index) const = 0;

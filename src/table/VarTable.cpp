@@ -238,6 +238,10 @@ void CVarTable::ApplyAccessLevelToAll(int level) {
 
 void CVarTable::ReloadModule() {
     IHostDeviceModule* module = m_pModule;
+    // The attributes may have changed: what the pages derived from them goes.
+    for (CVarTablePage* page : {m_pPage1, m_pPage2})
+        if (page != nullptr)
+            page->DropSearchCache();
     StopRefresh();
     m_pModule = module;
     StartRefresh();

@@ -184,6 +184,11 @@ public:
     BOOL IsTreeCommandEnabled(UINT id, HTREEITEM item) const;
     // Runs a command of the frame; FALSE for ids that aren't the frame's.
     BOOL OnFrameCommand(UINT id);
+    // Shows a list page's context menu `menuId` at `screen` for `owner`, with the custom
+    // groups in its add-to-group popup (greyed unless `groupEntries`) and the `grayed`
+    // entries greyed; the command taken, 0 for none.
+    UINT TrackPageMenu(UINT menuId, CPoint screen, CWnd* owner, const std::vector<UINT>& grayed,
+                       BOOL groupEntries);
 
     // Custom groups. Every change that makes, edits or deletes a group ends with
     // SaveCustomGroups; adding through the add-to-group menu waits for the next one.

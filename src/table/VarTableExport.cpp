@@ -2,6 +2,7 @@
 #include "table/VarTable.h"
 
 #include "files/ParamTableWriter.h"
+#include "files/ZxdExport.h"
 #include "module/ParmiraApp.h"
 #include "module/host/IHostDeviceModule.h"
 #include "module/host/IHostVarUtil.h"
@@ -27,6 +28,8 @@ BOOL CVarTable::ExportAllToFile(const CString& path) {
     const int dot = path.ReverseFind(L'.');
     if (dot <= slash)
         return FALSE;
+    if (path.Mid(dot).CompareNoCase(".zxd") == 0)
+        return WriteZxdFile(path.GetString(), m_pModule, list) == ZxdResult::Written;
     if (path.Mid(dot).CompareNoCase(".csv") != 0)
         return FALSE;
     return WriteParamTableList(path, list);

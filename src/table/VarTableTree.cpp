@@ -429,6 +429,7 @@ BOOL CVarTable::IsTreeCommandEnabled(UINT id, HTREEITEM item) const {
     case ID_NEW_CUSTOM_GROUP:
     case ID_LOAD_CUSTOM_GROUP:
     case ID_ADD_TO_CUSTOM_GROUP:
+    case ID_EXPORT_ZXD:
         return TRUE;
     case ID_DELETE_CUSTOM_GROUP:
     case ID_EDIT_CUSTOM_GROUP:
@@ -439,7 +440,6 @@ BOOL CVarTable::IsTreeCommandEnabled(UINT id, HTREEITEM item) const {
     default:
         break;
     }
-    // The compressed export is not built yet.
     return FALSE;
 }
 
@@ -515,8 +515,11 @@ BOOL CVarTable::OnFrameCommand(UINT id) {
             page->SaveRowsAs();
         return TRUE;
     case ID_EXPORT_ZXD:
-        // NOT DONE: the compressed export comes with its own work; the command is
-        // routed here and stays disabled until then.
+        busyExporting = 1;
+        if (CVarTablePage* page = GetStylePage())
+            page->ExportZxd();
+        busyExporting = 0;
+        return TRUE;
         return TRUE;
     case ID_OLD_PROTOCOL_CHECK:
         OnOldProtocolCommand();

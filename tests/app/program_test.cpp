@@ -4,6 +4,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <QtEndian>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -173,6 +175,16 @@ TEST(ProgramExport, AnOnlineDriveIsWrittenToTheFileAndReplacesTheOldOne) {
     const QString fresh = QDir(dir.path()).filePath(QStringLiteral("new/zd4m.csv"));
     EXPECT_EQ(Program({"--export", "ZD4M", fresh}).code, 0);
     EXPECT_TRUE(QFile::exists(fresh));
+
+    // The compressed export by its extension: format words, then the end mark after the
+    // records the header counts.
+    const QString zxd = QDir(dir.path()).filePath(QStringLiteral("zd3s.zxd"));
+    ASSERT_EQ(Program({"--export", "ZD3S", zxd}).code, 0);
+    const QByteArray bytes = ReadFile(zxd);
+    ASSERT_GT(bytes.size(), 268);
+    EXPECT_EQ(bytes.left(4), QByteArray("\x01\x00\x00\x01", 4));
+    const auto rows = qFromLittleEndian<quint32>(bytes.constData() + 44);
+    EXPECT_EQ(qFromLittleEndian<quint32>(bytes.constData() + 256 + 16 * rows), 0x55AA55AAu);
 }
 
 TEST(ProgramExport, TheExtensionChoosesTheParameterFile) {

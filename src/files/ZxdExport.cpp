@@ -1,0 +1,268 @@
+#include "files/ZxdExport.h"
+
+#include "module/ParmiraApp.h"
+#include "module/host/IFunctionEntry.h"
+#include "module/host/IFunctionTable.h"
+#include "module/host/IHostDeviceModule.h"
+#include "module/host/IHostVarUtil.h"
+#include "module/host/IMemoryStream.h"
+#include "module/host/IParamFile.h"
+#include "module/host/IParamFileTable.h"
+#include "module/host/IVarAttr.h"
+#include "module/host/IVarObjEx.h"
+#include "module/host/IVarStore.h"
+#include "values/ValueText.h"
+
+#include <zlib.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace {
+
+void Put16(std::string& out, uint16_t v) {
+    out += char(v & 0xFF);
+    out += char(v >> 8);
+}
+
+void Put32(std::string& out, uint32_t v) {
+    for (int i = 0; i < 4; ++i)
+        out += char((v >> (8 * i)) & 0xFF);
+}
+
+bool IsLongType(int type) {
+    switch (type) {
+    case 3:
+    case 19:
+    case 4:
+    case 10:
+    case 25:
+    case 22:
+    case 23:
+        return true;
+    default:
+        return false;
+    }
+}
+
+uint32_t Flags(IVarAttr* attr) {
+    uint32_t flags = 0;
+    const int decimals = attr->GetDecimals();
+    if (decimals >= 1 && decimals <= 4)
+        flags |= uint32_t(decimals);
+    if (IsLongType(attr->GetDataType()))
+        flags |= 0x80;
+    if (attr->GetModifyMode() == 1)
+        flags |= 0x800;
+    if (attr->GetModifyMode() == 2)
+        flags |= 0x1000;
+    return flags;
+}
+
+void SetChecksum(ZxdRecord& record) {
+    BYTE bytes[12];
+    for (int w = 0; w < 3; ++w)
+        for (int b = 0; b < 4; ++b)
+            bytes[w * 4 + b] = BYTE((record[size_t(w)] >> (8 * b)) & 0xFF);
+    record[3] = ZxdChecksum(bytes, sizeof bytes);
+}
+
+// Steps 2 to 5 of a value record, from the raw value `raw` of `var` with `attr`.
+ZxdRecord RecordOf(IVarObjEx* var, IVarAttr* attr, UINT address, const Variant& raw) {
+    ZxdRecord record{address, 0, ZxdValueWord(raw), 0};
+    if (attr == nullptr)
+        return record;
+    IHostVarUtil* util = theApp.GetVarUtil();
+    if (raw.vt == VT_EMPTY && util != nullptr) {
+        // Without a raw value the shown value is scaled back to its raw integer.
+        const Variant value = var->GetValue();
+        const int decimals = attr->GetDecimals();
+        const int type = attr->GetDataType();
+        const double d = util->VariantToDouble(value, type, decimals);
+        Variant out;
+        std::vector<CString> errors;
+        if (VarText::ApplyLimits(decimals, type, d, d, value, out, errors) &&
+            util->IsRealVariant(out)) {
+            Variant result = Variant::OfType(VARTYPE(type));
+            util->DoubleToVariant(util->VariantAsDouble(out), result);
+            record[2] = ZxdValueWord(result);
+        }
+    }
+    record[1] = Flags(attr);
+    SetChecksum(record);
+    return record;
+}
+
+} // namespace
+
+uint32_t ZxdChecksum(const BYTE* bytes, size_t size) {
+    uint32_t sum = 0;
+    for (size_t i = 0; i < size; ++i)
+        sum += bytes[i];
+    return ~sum;
+}
+
+uint32_t ZxdValueWord(const Variant& v) {
+    switch (v.vt) {
+    case VT_I2:
+        return uint32_t(int32_t(v.iVal));
+    case VT_I4:
+    case VT_UI4:
+        return v.ulVal;
+    case VT_R4:
+        return std::isfinite(v.fltVal) ? uint32_t(int64_t(std::trunc(v.fltVal))) : 0;
+    case VT_R8:
+        return std::isfinite(v.dblVal) ? uint32_t(int64_t(std::trunc(v.dblVal))) : 0;
+    case VT_BOOL:
+        return v.boolVal != 0 ? 1 : 0;
+    case VT_I1:
+        return uint32_t(int32_t(v.cVal));
+    case VT_UI1:
+        return v.bVal;
+    case VT_UI2:
+        return v.uiVal;
+    default:
+        return 0;
+    }
+}
+
+ZxdRecord BuildValueRecord(IVarObjEx* var) {
+    return RecordOf(var, var->GetAttr(), var->GetInstanceAddress(), var->GetRawValue());
+}
+
+ZxdRecord BuildVersionRecord(IVarStore* store, IHostDeviceModule* module, const CString& name) {
+    IFunctionTable* table = store != nullptr ? store->GetFunctionTable(0) : nullptr;
+    IFunctionEntry* entry = table != nullptr ? table->FindFunction(name) : nullptr;
+    IVarObjEx* function = entry != nullptr ? entry->GetVar() : nullptr;
+    if (function == nullptr)
+        return ZxdRecord{0, 0, 0, 0};
+    const UINT address = function->GetInstanceAddress();
+    IVarObjEx* first = module != nullptr ? store->FindByAddress(address) : nullptr;
+    IVarAttr* attr = first != nullptr ? first->GetAttr() : nullptr;
+    if (attr == nullptr)
+        return ZxdRecord{address, 0, 0, 0};
+    CString code;
+    attr->GetCode(code);
+    IVarObjEx* byCode = store->FindByCode(code);
+    if (byCode == nullptr)
+        return ZxdRecord{address, 0, 0, 0};
+    return RecordOf(byCode, attr, address, byCode->GetRawValue());
+}
+
+std::string BuildZxdHeader(const BYTE* label, UINT labelSize, const SYSTEMTIME& time,
+                           uint32_t rowCount) {
+    BYTE block[32] = {};
+    if (label != nullptr)
+        std::memcpy(block, label, std::min<size_t>(labelSize, sizeof block));
+    std::string summed; // the fields the checksum covers, label as held
+    Put16(summed, 1);
+    Put16(summed, 0x0100);
+    summed.append(reinterpret_cast<const char*>(block), sizeof block);
+    Put16(summed, time.wYear);
+    summed += char(time.wMonth);
+    summed += char(time.wDay);
+    summed += char(time.wHour);
+    summed += char(time.wMinute);
+    summed += char(time.wSecond);
+    summed += char(4);
+    Put32(summed, rowCount);
+    // In the file the label's 16-bit words stand swapped.
+    std::string header = summed;
+    for (size_t i = 0; i < 32; i += 2)
+        std::swap(header[4 + i], header[4 + i + 1]);
+    header.append(12, '\0');
+    Put32(header, ZxdChecksum(reinterpret_cast<const BYTE*>(summed.data()), summed.size()));
+    return header;
+}
+
+std::string SerializeRowsAsParamFile(IHostDeviceModule* module,
+                                     const std::vector<IVarObjEx*>& rows) {
+    std::string bytes;
+    IParamFile* file = theApp.CreateParamFile();
+    if (file == nullptr)
+        return bytes;
+    if (module != nullptr) {
+        file->LoadContext(module);
+        CString version;
+        module->GetVersionText(version);
+        file->SetVersionText(version);
+        file->SetElecLabel(module->GetElecLabel(), module->GetElecLabelSize());
+        file->SetAccessLevel(module->GetAccessLevel());
+    }
+    IParamFileTable* table = file->GetVarList();
+    IMemoryStream* stream = table != nullptr ? theApp.CreateMemoryStream() : nullptr;
+    if (stream != nullptr) {
+        for (IVarObjEx* row : rows) {
+            IVarObjEx* clone = row != nullptr ? row->Clone() : nullptr;
+            if (clone != nullptr && !table->AddVar(clone))
+                delete clone;
+        }
+        stream->Reset(0);
+        stream->SetMode(1);
+        if (file->SerializeTo(stream) && stream->GetData() != nullptr)
+            bytes.assign(reinterpret_cast<const char*>(stream->GetData()), stream->GetSize());
+        stream->Release();
+    }
+    file->Release();
+    return bytes;
+}
+
+BOOL AppendCompressedFile(const std::string& path, IHostDeviceModule* module,
+                          const std::vector<IVarObjEx*>& rows) {
+    const std::string image = SerializeRowsAsParamFile(module, rows);
+    if (image.empty())
+        return TRUE; // nothing to append without the host's objects
+    uLongf length = compressBound(uLong(image.size()));
+    std::vector<Bytef> packed(length, 0);
+    compress(packed.data(), &length, reinterpret_cast<const Bytef*>(image.data()),
+             uLong(image.size()));
+    std::FILE* f = std::fopen(path.c_str(), "ab+");
+    if (f == nullptr)
+        return FALSE;
+    std::string sizes;
+    Put32(sizes, uint32_t(image.size()));
+    Put32(sizes, uint32_t(length));
+    bool ok = std::fwrite(sizes.data(), 1, sizes.size(), f) == sizes.size();
+    ok = ok && std::fwrite(packed.data(), 1, length, f) == length;
+    return std::fclose(f) == 0 && ok ? TRUE : FALSE;
+}
+
+ZxdResult WriteZxdFile(const std::string& path, IHostDeviceModule* module,
+                       const std::vector<IVarObjEx*>& rows) {
+    std::FILE* f = std::fopen(path.c_str(), "wb");
+    if (f == nullptr)
+        return ZxdResult::OpenFailed;
+    const BYTE* label = nullptr;
+    UINT labelSize = 0;
+    if (module != nullptr) {
+        label = module->GetPrimaryElecLabel();
+        labelSize = module->GetPrimaryElecLabelSize();
+        if (label == nullptr) {
+            label = module->GetElecLabel();
+            labelSize = module->GetElecLabelSize();
+        }
+    }
+    SYSTEMTIME now{};
+    GetLocalTime(&now);
+    std::string out = BuildZxdHeader(label, labelSize, now, uint32_t(rows.size()));
+    IVarStore* store = module != nullptr ? module->GetVarList() : nullptr;
+    for (const char* name :
+         {"FunctionVersion", "FunctionTempVersion", "PerformanceVersion", "PerformanceTempVersion"})
+        for (uint32_t word : BuildVersionRecord(store, module, name))
+            Put32(out, word);
+    out.append(128, '\0');
+    for (IVarObjEx* row : rows) {
+        std::unique_ptr<IVarObjEx> clone(row != nullptr ? row->Clone() : nullptr);
+        if (clone == nullptr)
+            continue;
+        for (uint32_t word : BuildValueRecord(clone.get()))
+            Put32(out, word);
+    }
+    Put32(out, ZXD_END_MARK);
+    const bool written = std::fwrite(out.data(), 1, out.size(), f) == out.size();
+    if (std::fclose(f) != 0 || !written)
+        return ZxdResult::OpenFailed;
+    return AppendCompressedFile(path, module, rows) ? ZxdResult::Written : ZxdResult::AppendFailed;
+}

@@ -1,0 +1,69 @@
+// The search of both list pages: a filter over the rows of the present tree selection.
+#include "module/ParmiraApp.h"
+#include "module/host/IVarAttr.h"
+#include "module/host/IVarObjEx.h"
+#include "pages/VarTablePageBase.h"
+#include "table/VarTable.h"
+
+void CVarTablePageBase::OnSearchEnter() {
+    CSearcherComboBox* box = GetSearcher();
+    if (box == nullptr || box->GetSafeHwnd() == nullptr)
+        return;
+    CString text;
+    box->GetWindowText(text);
+    if (text.IsEmpty())
+        return;
+    if (!m_searchHistory.Contains(text)) {
+        CSearchObj* entry = new CSearchObj(text);
+        if (m_searchHistory.Add(text, entry))
+            box->AddString(text.GetString());
+        else
+            delete entry;
+    }
+    SearchRows(text);
+}
+
+void CVarTablePageBase::OnSearchPicked() {
+    CSearcherComboBox* box = GetSearcher();
+    if (box == nullptr || box->GetSafeHwnd() == nullptr)
+        return;
+    const int index = box->GetCurSel();
+    CString text;
+    if (index >= 0)
+        box->GetLBText(index, text);
+    if (!m_bFirstPage && text.IsEmpty())
+        return;
+    SearchRows(text);
+}
+
+void CVarTablePageBase::SearchRows(const CString& text) {
+    if (theApp.GetUiService() == nullptr || theApp.GetVarUtil() == nullptr)
+        return;
+    m_shownVars.RemoveAll();
+    const int level = m_pTable != nullptr ? m_pTable->GetAccessLevel() : 0;
+    m_searchIndex.Validate(level);
+    const BOOL all = text.CompareNoCase("All") == 0 || (m_bFirstPage && text.IsEmpty());
+    CString lower = text;
+    lower.MakeLower();
+    const std::string needle = lower.GetString();
+    const bool firstPage = m_bFirstPage != FALSE;
+    const std::vector<IVarObjEx*>& base = m_groupVars.GetArray();
+    for (IVarObjEx* var : base) {
+        IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
+        if (attr == nullptr)
+            continue;
+        if (!all && !m_searchIndex.Matches(attr, needle, firstPage))
+            continue;
+        if (m_pTable != nullptr && attr->GetAccessLevel() <= level && m_pTable->IsCatalogVar(var))
+            m_shownVars.Add(var, var);
+    }
+    FinishCollection(FALSE, TRUE);
+}
+
+LRESULT CVarTablePageBase::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == UM_SEARCH_ENTER) {
+        OnSearchEnter();
+        return 0;
+    }
+    return CVarTablePage::WindowProc(message, wParam, lParam);
+}
