@@ -73,7 +73,11 @@ void BM_DownloadRecords20000(benchmark::State& state) {
     std::ofstream(path) << zorhost::device::GenerateDeviceJson(20000);
     zorhost::ReferenceHost host;
     zorhost::ProjectSetup setup;
-    setup.modules = {{path, "BIG", "", 1, true}};
+    zorhost::ModuleSetup big;
+    big.deviceFile = path;
+    big.key = "BIG";
+    big.number = 1;
+    setup.modules = {big};
     if (!host.LoadProject(setup)) {
         state.SkipWithError("project");
         return;
@@ -110,7 +114,11 @@ void BM_OpenParamFile20000IntoSetValues(benchmark::State& state) {
     zorhost::ReferenceHost host;
     zorhost::ProjectSetup setup;
     setup.listStyle = 1;
-    setup.modules = {{device, "BIG", "", 1, true}};
+    zorhost::ModuleSetup big;
+    big.deviceFile = device;
+    big.key = "BIG";
+    big.number = 1;
+    setup.modules = {big};
     if (!host.LoadProject(setup)) {
         state.SkipWithError("project");
         return;
