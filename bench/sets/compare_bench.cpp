@@ -37,7 +37,12 @@ Drives& DrivesOf(int params) {
     std::ofstream(d->file) << zorhost::device::GenerateDeviceJson(params);
     std::remove(name);
     zorhost::ProjectSetup setup;
-    setup.modules = {{d->file, "A", "", 1, true}, {d->file, "B", "", 2, true}};
+    for (const char* key : {"A", "B"}) {
+        zorhost::ModuleSetup m;
+        m.deviceFile = d->file;
+        m.key = key;
+        setup.modules.push_back(m);
+    }
     std::string error;
     if (!d->host.LoadProject(setup, &error))
         std::fprintf(stderr, "bench_compare: %s\n", error.c_str());
