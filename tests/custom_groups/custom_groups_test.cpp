@@ -81,7 +81,7 @@ protected:
     zorhost::ProjectSetup Setup() const {
         zorhost::ProjectSetup setup;
         setup.directory = CString(dir);
-        setup.modules = {{"zd3s_servo.json", "ZD3S", "Spindle", 1, true}};
+        setup.modules = {{"zd3s_servo.json", "ZD3S", "Spindle", 1, true, {}}};
         return setup;
     }
     void OpenProject() {
@@ -379,7 +379,7 @@ TEST_F(CustomGroupTest, DamagedStoreIsReportedKeptAsideAndTheModuleStillWorks) {
 
 TEST_F(CustomGroupTest, TwoDrivesOfOneTypeKeepTheirGroupsApart) {
     zorhost::ProjectSetup setup = Setup();
-    setup.modules.push_back({"zd3s_servo.json", "ZD3S-B", "Spindle", 2, true});
+    setup.modules.push_back({"zd3s_servo.json", "ZD3S-B", "Spindle", 2, true, {}});
     ASSERT_TRUE(host->LoadProject(setup));
     AddGroup("Only on A", {1});
     IHostDeviceModule* b = host->Module("ZD3S-B");
