@@ -140,9 +140,10 @@ protected:
     void OnSize(UINT nType, int cx, int cy) override;
     BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
     BOOL PreTranslateMessage(MSG* pMsg) override;
-    // The buttons both pages share that open the compare and the axis copy.
     LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
     BOOL OnCommand(WPARAM wParam, LPARAM lParam) override;
+    // The compare and axis copy buttons; TRUE when `wParam` was one of them.
+    BOOL OnSetsCommand(WPARAM wParam);
 
     // The top of the list in the page's client area.
     virtual int GetListTop() const = 0;

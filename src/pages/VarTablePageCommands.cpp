@@ -21,6 +21,8 @@ BOOL CVarTablePageBase::OnCommand(WPARAM wParam, LPARAM lParam) {
     if (lParam == 0 && code == 0 &&
         (id == ID_CHOOSE_COLUMNS || id == ID_ADD_TO_MONITOR || id == ID_REMOVE_ROWS))
         return RunRowCommand(id);
+    if (OnSetsCommand(wParam))
+        return TRUE;
     return CVarTablePage::OnCommand(wParam, lParam);
 }
 

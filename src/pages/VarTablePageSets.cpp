@@ -11,7 +11,7 @@ constexpr UINT IDC_PAGE_AXIS_COPY = 1997;     // "轴拷贝"
 
 } // namespace
 
-BOOL CVarTablePageBase::OnCommand(WPARAM wParam, LPARAM lParam) {
+BOOL CVarTablePageBase::OnSetsCommand(WPARAM wParam) {
     if (HIWORD(wParam) == BN_CLICKED && m_pTable != nullptr) {
         switch (LOWORD(wParam)) {
         case IDC_PAGE_COMPARE:
@@ -26,5 +26,5 @@ BOOL CVarTablePageBase::OnCommand(WPARAM wParam, LPARAM lParam) {
             break;
         }
     }
-    return CVarTablePage::OnCommand(wParam, lParam);
+    return FALSE;
 }
