@@ -58,6 +58,7 @@ MainWindow::MainWindow(zorhost::ReferenceHost& host, ProgramServices& services,
     resize(1280, 800);
     m_monitor = new MonitorDock(m_host, this);
     addDockWidget(Qt::BottomDockWidgetArea, m_monitor);
+    m_monitor->hide();
 
     m_tabs = std::make_unique<zorhost::CHostTabManager>(m_tabWidget);
     m_host.Services().Register<IHostTabManager>(m_tabs.get());
@@ -413,6 +414,12 @@ void MainWindow::BuildMenus() {
                      later([this] { SetListStyle(ListStyle::Live); }));
     QObject::connect(staging, &QAction::triggered, this,
                      later([this] { SetListStyle(ListStyle::Staging); }));
+
+    if (m_monitor != nullptr) {
+        QAction* monitor = m_monitor->toggleViewAction();
+        monitor->setText(Tr("监控", "Monitor"));
+        view->addAction(monitor);
+    }
 
     QMenu* help = bar->addMenu(Tr("帮助", "Help"));
     help->addAction(Tr("关于", "About"), this, [this] {

@@ -136,6 +136,9 @@ void MonitorDock::SyncRows() {
                 row.series->attachAxis(m_valueAxis);
             }
             m_rows.push_back(row);
+            // The dock waits out of the way until there is something to watch.
+            if (parentWidget() != nullptr && isHidden())
+                show();
         }
     }
 }
