@@ -95,7 +95,7 @@ bool CompareAxisParameters(IHostDeviceModule* source, IHostDeviceModule* target,
         row->SetRecordAddress(address);
         row->SetRecordType(var->GetAttr()->GetDataType());
         row->SetRecordValue(wanted);
-        row->SetOldValue(held);
+        row->SetRecordOldValue(held);
         rows.push_back(row);
     }
     return true;
