@@ -41,6 +41,7 @@ TEST_F(DemoHost, MonitoringValuesFollowTheRunStateAndTheScopeSamples) {
     SimulatedDrive& d = *host.Drive("ZD3S");
     const UINT speed = Address("ZD3S", "H0B-00"), bus = Address("ZD3S", "H0B-22"),
                current = Address("ZD3S", "H0B-21");
+    EXPECT_NEAR(Peek("ZD3S", bus), 5400, 30) << "a new drive is powered up already";
     d.Step(1000);
     EXPECT_EQ(Peek("ZD3S", speed), 0) << "a stopped drive stands";
     const double idleBus = Peek("ZD3S", bus);

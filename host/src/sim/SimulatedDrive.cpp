@@ -29,6 +29,8 @@ constexpr double kNominalSpeed_rpm = 1500;
 constexpr double kSpeedTau_ms = 400;
 constexpr double kBusNominal_V = 540;
 constexpr double kRatedFrequency_Hz = 50;
+// A drive is powered up well before anyone reads it: its monitoring values have settled.
+constexpr int kPoweredUp_ms = 250;
 
 } // namespace
 
@@ -82,6 +84,7 @@ SimulatedDrive::SimulatedDrive(std::shared_ptr<const device::DeviceDescription> 
         PokeLocked(a, 0);
     SetAuthority(kBaseAuthority);
     FindSignals();
+    Step(kPoweredUp_ms);
 }
 
 SimulatedDrive::~SimulatedDrive() = default;
