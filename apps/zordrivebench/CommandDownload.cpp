@@ -31,6 +31,8 @@ int RunDownload(const Options& options) {
     QString error;
     if (!LoadIntoHost(host, options.projectFile, project, &error))
         return Fail(kExitProject, error);
+    if (const int code = EnterAccessCode(host, options); code != kExitOk)
+        return code;
     const CString key = AfxFromQString(options.downloadKey);
     zorhost::model::CDeviceModule* module = host.Module(key);
     if (module == nullptr)

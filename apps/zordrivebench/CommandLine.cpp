@@ -99,6 +99,19 @@ int ExportParameterFile(zorhost::model::CDeviceModule& module, const QFileInfo& 
 
 } // namespace
 
+int EnterAccessCode(zorhost::ReferenceHost& host, const Options& options) {
+    if (options.accessCode.isEmpty())
+        return kExitOk;
+    for (const CString& key : host.ModuleKeys()) {
+        std::string why;
+        if (!host.EnterAccessCode(key, options.accessCode.toStdString(), &why))
+            return Fail(
+                kExitAccessCode,
+                QStringLiteral("module \"%1\": %2").arg(Qs(key), QString::fromStdString(why)));
+    }
+    return kExitOk;
+}
+
 int RunList(const Options& options) {
     zorhost::ReferenceHost host;
     LoadedProject project;
@@ -133,6 +146,8 @@ int RunExport(const Options& options) {
     QString error;
     if (!LoadIntoHost(host, options.projectFile, project, &error))
         return Fail(kExitProject, error);
+    if (const int code = EnterAccessCode(host, options); code != kExitOk)
+        return code;
 
     const CString key = AfxFromQString(options.exportKey);
     zorhost::model::CDeviceModule* module = host.Module(key);

@@ -3,7 +3,15 @@
 
 #include "Options.h"
 
+namespace zorhost {
+class ReferenceHost;
+}
+
 namespace zordrivebench {
+
+// --access-code: logs every module of the loaded project in. kExitOk, or kExitAccessCode
+// with a message on stderr.
+int EnterAccessCode(zorhost::ReferenceHost& host, const Options& options);
 
 // Each returns the process's exit code; results go to stdout, problems to stderr.
 int RunList(const Options& options);

@@ -176,6 +176,8 @@ int RunCompare(const Options& options) {
     QString error;
     if (!LoadIntoHost(host, options.projectFile, project, &error))
         return Fail(kExitProject, error);
+    if (const int code = EnterAccessCode(host, options); code != kExitOk)
+        return code;
     Side a, b;
     a.arg = options.compareA;
     b.arg = options.compareB;

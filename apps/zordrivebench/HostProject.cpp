@@ -4,6 +4,7 @@
 #include <zorhost/device/DeviceLoader.h>
 
 #include <QFileInfo>
+#include <QStringList>
 
 namespace zordrivebench {
 
@@ -15,14 +16,33 @@ QString Qs(const std::string& s) {
     return QString::fromUtf8(s.data(), qsizetype(s.size()));
 }
 
-zorhost::ProjectSetup ToSetup(const ProjectFile& file, const std::string& baseDir) {
-    zorhost::ProjectSetup setup;
+// The demo takes the shipped descriptions only; a project file looks beside itself first.
+// A device file that is nowhere is refused here, with its place and the folders searched.
+bool ToSetup(const ProjectFile& file, const std::string& baseDir, bool demo,
+             zorhost::ProjectSetup& setup, QString* error) {
     setup.directory = CString(zorhost::project::ResolvePath(baseDir, file.directory));
     setup.listStyle = int(file.listStyle);
-    const std::string devices = zorhost::device::DefaultDeviceDirectory();
-    for (const auto& m : file.modules) {
+    const std::string shipped = zorhost::device::DefaultDeviceDirectory();
+    const std::string first = demo ? shipped : baseDir;
+    const std::string second = demo ? std::string() : shipped;
+    for (std::size_t i = 0; i < file.modules.size(); ++i) {
+        const auto& m = file.modules[i];
         zorhost::ModuleSetup s;
-        s.deviceFile = zorhost::project::ResolveDeviceFile(baseDir, devices, m.deviceFile);
+        s.deviceFile = zorhost::project::ResolveDeviceFile(first, second, m.deviceFile);
+        if (!QFileInfo(Qs(s.deviceFile)).isFile()) {
+            const bool bare = m.deviceFile.find('/') == std::string::npos;
+            QStringList searched{Qs(first)};
+            if (bare && !second.empty() && !QFileInfo(Qs(m.deviceFile)).isAbsolute())
+                searched << Qs(second);
+            if (error != nullptr)
+                *error =
+                    QStringLiteral("modules[%1].deviceFile: \"%2\" was not found (searched: %3)")
+                        .arg(i)
+                        .arg(Qs(m.deviceFile), QFileInfo(Qs(m.deviceFile)).isAbsolute()
+                                                   ? Qs(s.deviceFile)
+                                                   : searched.join(QStringLiteral(", ")));
+            return false;
+        }
         s.key = CString(m.key);
         s.displayName = CString(m.displayName);
         s.number = m.number;
@@ -30,7 +50,7 @@ zorhost::ProjectSetup ToSetup(const ProjectFile& file, const std::string& baseDi
         s.link = m.link;
         setup.modules.push_back(std::move(s));
     }
-    return setup;
+    return true;
 }
 
 } // namespace
@@ -71,8 +91,17 @@ bool LoadIntoHost(zorhost::ReferenceHost& host, const QString& path, LoadedProje
             return false;
         }
     }
+    zorhost::ProjectSetup setup;
+    QString missing;
+    if (!ToSetup(next.file, baseDir, path.isEmpty(), setup, &missing)) {
+        host.CloseProject();
+        if (error != nullptr)
+            *error =
+                next.path.isEmpty() ? missing : QStringLiteral("%1: %2").arg(next.path, missing);
+        return false;
+    }
     std::string why;
-    if (!host.LoadProject(ToSetup(next.file, baseDir), &why)) {
+    if (!host.LoadProject(setup, &why)) {
         if (error != nullptr)
             *error =
                 next.path.isEmpty() ? Qs(why) : QStringLiteral("%1: %2").arg(next.path, Qs(why));

@@ -5,24 +5,61 @@ namespace zordrivebench {
 const char* UsageText() {
     return "usage: zordrivebench [--project FILE] [--screenshot FILE.png]\n"
            "       zordrivebench [--project FILE] --list\n"
-           "       zordrivebench [--project FILE] --export KEY FILE.csv|FILE.zorparam|FILE.zxd\n"
-           "       zordrivebench [--project FILE] --download KEY FILE\n"
-           "       zordrivebench [--project FILE] --compare A B [--same] [--out FILE.csv]\n"
-           "                     [--module KEY]\n"
+           "       zordrivebench [--project FILE] [--access-code CODE] --export KEY\n"
+           "                     FILE.csv|FILE.zorparam|FILE.zxd\n"
+           "       zordrivebench [--project FILE] [--access-code CODE] --download KEY FILE\n"
+           "       zordrivebench [--project FILE] [--access-code CODE] --compare A B [--same]\n"
+           "                     [--out FILE.csv] [--module KEY]\n"
+           "       zordrivebench --help | --version\n"
            "\n"
-           "Without --project the built-in demo project with three simulated drives opens.\n"
-           "--list prints one line per module: its key, a tab, its display name.\n"
-           "--export writes the parameter table of module KEY to FILE.csv, its parameter\n"
-           "file to FILE.zorparam, or its compressed export to FILE.zxd, no window shown.\n"
-           "--download writes FILE (.zorparam or a parameter table) to the drive of KEY.\n"
-           "--compare sets two parameter sets side by side: each is a module KEY (its\n"
-           "current values, read from the drive), KEY:factory, a .zorparam file or a .csv\n"
-           "parameter table. It prints the differing rows (--same: the agreeing ones) as\n"
-           "CSV, or writes them to --out, and exits 0 when nothing differs, 1 when\n"
-           "something does, 2 and above on errors. A file is read by the module of its\n"
-           "device type, or by --module KEY.\n"
-           "Without a display, or with --screenshot, the main window is rendered to a PNG\n"
-           "after start-up and the program exits.\n";
+           "Options:\n"
+           "  --project FILE        open the project FILE (JSON); without it the built-in demo\n"
+           "                        project with three simulated drives opens\n"
+           "  --screenshot FILE.png render the main window to FILE.png once the first module's\n"
+           "                        panel is up, then exit (without a display this is the\n"
+           "                        default, to zordrivebench.png)\n"
+           "  --list                print one line per module: its key, a tab, its display name\n"
+           "  --export KEY FILE     read the drive of module KEY and write its parameter table\n"
+           "                        (.csv), parameter file (.zorparam) or compressed export\n"
+           "                        (.zxd), no window shown\n"
+           "  --download KEY FILE   write FILE (.zorparam or a .csv parameter table) to the\n"
+           "                        drive of KEY\n"
+           "  --compare A B         set two parameter sets side by side: each is a module KEY\n"
+           "                        (its current values, read from the drive), KEY:factory, a\n"
+           "                        .zorparam file or a .csv parameter table; prints the\n"
+           "                        differing rows as CSV\n"
+           "  --same                with --compare: the agreeing rows instead\n"
+           "  --out FILE.csv        with --compare: write the rows to FILE.csv\n"
+           "  --module KEY          with --compare: read files by module KEY rather than by the\n"
+           "                        module of their device type\n"
+           "  --access-code CODE    with --export, --download and --compare: log every module\n"
+           "                        in with the factory access code CODE first. Without it they\n"
+           "                        work at the lowest access level, which sees only a part\n"
+           "                        of a drive's parameters\n"
+           "  --help, -h            this text\n"
+           "  --version             the program's version\n"
+           "\n"
+           "Exit codes:\n"
+           "  0   done (--compare: nothing differs)\n"
+           "  1   --compare: something differs; the window: no module panel came up, or the\n"
+           "      screenshot could not be written\n"
+           "  2   wrong arguments\n"
+           "  3   the project file can't be loaded (or a device file it names)\n"
+           "  4   no module with that key\n"
+           "  5   the module's drive is offline or doesn't answer\n"
+           "  6   the module library QXParmira.so is missing or can't be loaded\n"
+           "  7   no file came about (export), or the output can't be written (compare)\n"
+           "  8   a file to download or compare can't be read, or no module has its device type\n"
+           "  9   the drive refused or lost some writes of a download\n"
+           "  10  the access code was not accepted\n"
+           "\n"
+           "Environment:\n"
+           "  ZOR_DEVICES_DIR       the folder of the shipped device descriptions (default:\n"
+           "                        devices/ beside the program's folder)\n";
+}
+
+QString VersionText() {
+    return QStringLiteral("zordrivebench %1").arg(QStringLiteral(PARMIRA_VERSION));
 }
 
 bool ParseOptions(const QStringList& args, Options& options, QString& error) {
@@ -38,6 +75,10 @@ bool ParseOptions(const QStringList& args, Options& options, QString& error) {
             return true;
         };
         if (a == QLatin1String("--project")) {
+            if (!parsed.projectFile.isEmpty()) {
+                error = QStringLiteral("--project is given twice");
+                return false;
+            }
             if (!value(parsed.projectFile))
                 return false;
         } else if (a == QLatin1String("--screenshot")) {
@@ -76,6 +117,11 @@ bool ParseOptions(const QStringList& args, Options& options, QString& error) {
         } else if (a == QLatin1String("--module")) {
             if (!value(parsed.contextModule))
                 return false;
+        } else if (a == QLatin1String("--access-code")) {
+            if (!value(parsed.accessCode))
+                return false;
+        } else if (a == QLatin1String("--version")) {
+            parsed.version = true;
         } else if (a == QLatin1String("--help") || a == QLatin1String("-h")) {
             parsed.help = true;
         } else {
@@ -92,6 +138,11 @@ bool ParseOptions(const QStringList& args, Options& options, QString& error) {
     if (parsed.compareA.isEmpty() &&
         (parsed.compareSame || !parsed.compareOut.isEmpty() || !parsed.contextModule.isEmpty())) {
         error = QStringLiteral("--same, --out and --module go with --compare only");
+        return false;
+    }
+    if (!parsed.accessCode.isEmpty() && parsed.exportKey.isEmpty() &&
+        parsed.downloadKey.isEmpty() && parsed.compareA.isEmpty()) {
+        error = QStringLiteral("--access-code goes with --export, --download or --compare");
         return false;
     }
     if (parsed.IsCommand() && !parsed.screenshot.isEmpty()) {

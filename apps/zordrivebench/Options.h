@@ -20,7 +20,11 @@ struct Options {
     bool compareSame = false;
     QString compareOut;
     QString contextModule;
+    // Raises every module above the lowest access level before --export, --download or
+    // --compare, as the login box would (the drive gets the code where it keeps a level).
+    QString accessCode;
     bool help = false;
+    bool version = false;
 
     bool IsCommand() const {
         return list || !exportKey.isEmpty() || !downloadKey.isEmpty() || !compareA.isEmpty();
@@ -30,6 +34,8 @@ struct Options {
 // `args` without the program name. On failure `error` says what was wrong.
 bool ParseOptions(const QStringList& args, Options& options, QString& error);
 const char* UsageText();
+// "zordrivebench <version>", one line.
+QString VersionText();
 
 // Exit codes of the command-line forms.
 enum ExitCode {
@@ -40,8 +46,12 @@ enum ExitCode {
     kExitOffline = 5,       // the module's drive is offline or doesn't answer
     kExitPlugin = 6,        // the parameter module can't be loaded
     kExitNoFile = 7,        // the export left no file
-    kExitBadFile = 8,       // a file to download or compare can't be read, or has no module to read it by
-    kExitWriteFailed = 9,   // the drive refused or lost some writes of a download
+    kExitBadFile = 8, // a file to download or compare can't be read, or has no module to read it by
+    kExitWriteFailed = 9, // the drive refused or lost some writes of a download
+    kExitAccessCode = 10, // --access-code was not accepted
+    // The window (and --screenshot): 1 when no module panel came up or the picture could not
+    // be written.
+    kExitNoPanel = 1,
     // --compare exits as diff does: 0 nothing differs, 1 something differs, 2 and above
     // for errors.
     kExitDiffers = 1,

@@ -1,12 +1,15 @@
 #include "ParmiraModule.h"
 
+#include "ModuleFileCheck.h"
+
+#include <zorhost/InstallLayout.h>
+
 #include <zorhost/HostServices.h>
 
 #include <afx/afxqt.h>
 #include <afx/afxwin.h>
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QEvent>
 
 #include <algorithm>
@@ -18,7 +21,7 @@ ParmiraModule::~ParmiraModule() {
 }
 
 QString ParmiraModule::DefaultPath() {
-    return QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("QXParmira.so"));
+    return QString::fromStdString(zorhost::layout::ModuleLibraryPath());
 }
 
 bool ParmiraModule::Load(const QString& path, zorhost::HostServices& services, QString* error) {
@@ -32,6 +35,10 @@ bool ParmiraModule::Load(const QString& path, zorhost::HostServices& services, Q
         m_handle = nullptr;
         return false;
     };
+    // A broken file must end in a message, not in a crash inside the system loader.
+    QString broken;
+    if (!CheckModuleFile(path, &broken))
+        return fail(broken);
     m_handle = AfxLoadLibrary(path.toUtf8().constData());
     if (m_handle == nullptr)
         return fail(AfxToQString(AfxGetLoadError()));

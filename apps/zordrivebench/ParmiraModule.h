@@ -24,7 +24,7 @@ public:
     ParmiraModule(const ParmiraModule&) = delete;
     ParmiraModule& operator=(const ParmiraModule&) = delete;
 
-    // <dir of the executable>/QXParmira.so
+    // Beside the executable, or in the installed tree's modules/ (InstallLayout.h).
     static QString DefaultPath();
 
     // Loads the library once and hands it the host's query callback. A second call does

@@ -1,16 +1,14 @@
 // ZorDriveBench: the reference host for the parameter-view plug-in, with simulated drives.
 //
-//   zordrivebench [--project FILE] [--screenshot FILE.png]
-//   zordrivebench [--project FILE] --list
-//   zordrivebench [--project FILE] --export KEY FILE.csv
-//   zordrivebench [--project FILE] --download KEY FILE
-//
 // Without a display (or with --screenshot) the main window is rendered to a PNG once the
-// first module's panel is up, and the program exits. Exit codes: Options.h.
+// first module's panel is up, and the program exits. Options and exit codes: Options.cpp.
 
 #include "CommandLine.h"
+#include "DisplayProbe.h"
 #include "MainWindow.h"
+#include "ModuleFileCheck.h"
 #include "Options.h"
+#include "ParmiraModule.h"
 
 #include <zorhost/ReferenceHost.h>
 
@@ -46,6 +44,39 @@ bool HasDisplay() {
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
+// Without a display nothing could be shown: render off screen and save a picture. A
+// $DISPLAY with no X server behind it would abort inside Qt; it is said and passed over.
+void ChoosePlatform() {
+    if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        return;
+    if (!HasDisplay()) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        return;
+    }
+    if (qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") && !XServerAnswers()) {
+        Print(stderr, QStringLiteral("zordrivebench: no X server answers at DISPLAY=%1; "
+                                     "rendering off screen instead\n")
+                          .arg(qEnvironmentVariable("DISPLAY")));
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+}
+
+// The picture is written at the end; a place it can't go is refused before anything starts.
+bool CanWriteScreenshot(const QString& file, QString* why) {
+    const QFileInfo target(file);
+    const QString folder = target.absolutePath();
+    if (!QDir().mkpath(folder)) {
+        *why = QStringLiteral("%1: the folder can't be made").arg(folder);
+        return false;
+    }
+    if (target.exists() ? !target.isFile() || !target.isWritable()
+                        : !QFileInfo(folder).isWritable()) {
+        *why = QStringLiteral("%1: can't be written").arg(target.absoluteFilePath());
+        return false;
+    }
+    return true;
+}
+
 // Waits for the panel, lets it settle, saves the window and ends the event loop.
 void ScheduleScreenshot(MainWindow& window, const QString& file) {
     auto* clock = new QElapsedTimer;
@@ -65,11 +96,11 @@ void ScheduleScreenshot(MainWindow& window, const QString& file) {
             QDir().mkpath(QFileInfo(path).absolutePath());
             if (!window.grab().save(path)) {
                 Print(stderr, QStringLiteral("zordrivebench: could not write %1\n").arg(path));
-                QApplication::exit(1);
+                QApplication::exit(kExitNoPanel);
                 return;
             }
             Print(stdout, QStringLiteral("Screenshot of the main window: %1\n").arg(path));
-            QApplication::exit(up ? 0 : 1);
+            QApplication::exit(up ? kExitOk : kExitNoPanel);
         });
     });
     poll->start(50);
@@ -89,6 +120,10 @@ int main(int argc, char** argv) {
     }
     if (options.help) {
         Print(stdout, QString::fromUtf8(UsageText()));
+        return kExitOk;
+    }
+    if (options.version) {
+        Print(stdout, VersionText() + QLatin1Char('\n'));
         return kExitOk;
     }
     if (options.list) {
@@ -112,9 +147,17 @@ int main(int argc, char** argv) {
         QApplication app(argc, argv);
         return RunExport(options);
     }
-    // Without a display nothing could be shown: render off screen and save a picture.
-    if (!HasDisplay() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (!options.screenshot.isEmpty() && !CanWriteScreenshot(options.screenshot, &error)) {
+        Print(stderr, QStringLiteral("zordrivebench: --screenshot %1\n").arg(error));
+        return kExitNoPanel;
+    }
+    // Without the module there is no panel to wait for.
+    if (!CheckModuleFile(ParmiraModule::DefaultPath(), &error)) {
+        Print(stderr,
+              QStringLiteral("zordrivebench: %1: %2\n").arg(ParmiraModule::DefaultPath(), error));
+        return kExitPlugin;
+    }
+    ChoosePlatform();
 
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("ZorDriveBench"));

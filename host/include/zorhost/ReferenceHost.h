@@ -89,6 +89,12 @@ public:
     model::CDeviceModule* FindModule(const CString& key) override { return Module(key); }
     sim::DriveLink* FindLink(const CString& key) override;
 
+    // Logs the module in with an access code, as its login box would without a window: a
+    // drive that keeps a level of its own (access models 1 and 2) gets the code in its
+    // password register when online; the factory code raises the module to the top level.
+    // False (and `why`) when the code opens nothing or the drive refused it.
+    bool EnterAccessCode(const CString& key, const std::string& code, std::string* why);
+
     // Connect or disconnect a drive; the module follows at once.
     void SetOnline(const CString& key, bool online);
     // Lets every module's online state follow its drive (a drive may fail on its own).

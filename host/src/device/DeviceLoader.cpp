@@ -1,4 +1,5 @@
 #include "zorhost/device/DeviceLoader.h"
+#include "zorhost/InstallLayout.h"
 
 #include <QByteArray>
 #include <QDir>
@@ -1090,13 +1091,7 @@ LoadResult LoadDeviceFile(const std::string& path) {
 }
 
 std::string DefaultDeviceDirectory() {
-    if (const char* env = std::getenv("ZOR_DEVICES_DIR"); env && *env)
-        return env;
-#ifdef PARMIRA_DEVICES_DIR
-    return PARMIRA_DEVICES_DIR;
-#else
-    return "devices";
-#endif
+    return layout::DevicesDir();
 }
 
 bool IsSameDeviceType(const std::uint8_t* a, std::size_t aSize, const std::uint8_t* b,

@@ -1,4 +1,5 @@
 #include "zorhost/services/HostVarUtil.h"
+#include "zorhost/InstallLayout.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -580,12 +581,7 @@ int CHostVarUtil::GetIniInt(const CString& path, const CString& section, const C
 }
 
 void CHostVarUtil::GetInstallDir(CString& dir) {
-    char buf[4096];
-    ssize_t n = readlink("/proc/self/exe", buf, sizeof buf - 1);
-    std::string exe = n > 0 ? std::string(buf, size_t(n)) : std::string(".");
-    size_t slash = exe.rfind('/');
-    dir = slash == std::string::npos ? std::string(".")
-                                     : (slash == 0 ? std::string("/") : exe.substr(0, slash));
+    dir = layout::ProgramDir();
 }
 
 BOOL CHostVarUtil::MakeDirectory(const CString& path) {

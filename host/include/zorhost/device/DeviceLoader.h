@@ -30,7 +30,8 @@ LoadResult LoadDeviceFile(const std::string& path);
 // sourceName is only used in messages and kept as DeviceDescription::sourceFile.
 LoadResult ParseDeviceJson(std::string_view json, const std::string& sourceName);
 
-// The folder of the shipped descriptions: $ZOR_DEVICES_DIR when set, else the source tree's.
+// The folder of the shipped descriptions: $ZOR_DEVICES_DIR when set, else the devices/
+// folder of the program's tree (see InstallLayout.h).
 std::string DefaultDeviceDirectory();
 
 // The loaded products of a host, found by their numbers or their electronic label.
