@@ -8,7 +8,7 @@ packages=(
     zlib1g-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     fonts-wqy-microhei fontconfig
-    binutils ccache
+    binutils ccache file dpkg-dev
     libmodbus-dev
     libfreexl-dev libminizip-dev libexpat1-dev
     qt6-charts-dev libqt6opengl6-dev
