@@ -46,6 +46,9 @@ public:
     bool IsPanelUp() const;
 
     void SetEnglish(bool english);
+    bool IsEnglish() const { return m_english; }
+    // The open project's file; empty for the demo.
+    QString ProjectPath() const { return m_project.path; }
     void SetListStyle(zorhost::project::ListStyle style);
     void SetOnline(const CString& key, bool online);
 

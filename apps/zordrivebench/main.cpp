@@ -9,6 +9,7 @@
 #include "ModuleFileCheck.h"
 #include "Options.h"
 #include "ParmiraModule.h"
+#include "WindowSettings.h"
 
 #include <zorhost/ReferenceHost.h>
 
@@ -16,6 +17,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QSettings>
 #include <QTimer>
 
 #include <cstdio>
@@ -161,10 +163,20 @@ int main(int argc, char** argv) {
 
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("ZorDriveBench"));
+    QApplication::setOrganizationName(QStringLiteral("ZorDriveBench"));
 
     if (options.screenshot.isEmpty() &&
         QGuiApplication::platformName() == QLatin1String("offscreen"))
         options.screenshot = QStringLiteral("zordrivebench.png");
+
+    // A picture is rendered the same on every machine: it neither reads nor keeps what an
+    // interactive session remembers.
+    const bool interactive = options.screenshot.isEmpty();
+    QSettings settings;
+    QString project = options.projectFile;
+    const bool remembered = interactive && project.isEmpty() && !LastProject(settings).isEmpty();
+    if (remembered)
+        project = LastProject(settings);
 
     zorhost::ReferenceHost host;
     ProgramServices services(host);
@@ -172,18 +184,24 @@ int main(int argc, char** argv) {
     int code = kExitOk;
     {
         MainWindow window(host, services, plugin);
-        if (!window.OpenProject(options.projectFile, &error)) {
+        if (!window.OpenProject(project, &error)) {
             Print(stderr, QStringLiteral("zordrivebench: %1\n").arg(error));
-            return kExitProject;
+            // The remembered project may have broken since; the demo opens instead.
+            if (!remembered || !window.OpenProject(QString(), &error))
+                return kExitProject;
         }
+        if (interactive)
+            RestoreWindowSettings(settings, window);
         host.StartTimer();
         window.show();
         if (!window.OpenFirstModule(&error))
             Print(stderr, QStringLiteral("zordrivebench: %1\n").arg(error));
-        if (!options.screenshot.isEmpty())
+        if (!interactive)
             ScheduleScreenshot(window, options.screenshot);
         code = app.exec();
         host.StopTimer();
+        if (interactive)
+            SaveWindowSettings(settings, window);
     }
     return code;
 }
