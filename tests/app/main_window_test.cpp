@@ -1,13 +1,18 @@
 // The main window in-process, with the real plug-in loaded from beside the test program.
 #include "MainWindow.h"
+#include "WindowSettings.h"
 
 #include <zorhost/ReferenceHost.h>
 
 #include <afx/afxtest.h>
 
+#include <QFile>
 #include <QMenu>
 #include <QMenuBar>
+#include <QSettings>
+#include <QSplitter>
 #include <QTabWidget>
+#include <QTemporaryDir>
 #include <QTreeWidget>
 
 #include <gtest/gtest.h>
@@ -198,4 +203,40 @@ TEST_F(Window, ActivatingAModuleInTheProjectTreeOpensItsPanel) {
     // The project item itself names no module.
     emit tree->itemActivated(project, 0);
     EXPECT_EQ(tabs->count(), 1);
+}
+
+TEST_F(Window, TheSettingsBringBackSizeSplitterLanguageAndProject) {
+    QTemporaryDir dir;
+    const QString project = dir.filePath(QStringLiteral("line.json"));
+    {
+        QFile f(project);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(R"({"format": "zordrivebench-project", "version": 1,
+                    "modules": [{"key": "S1", "deviceFile": "zd3s_servo.json"}]})");
+    }
+    QString error;
+    ASSERT_TRUE(window.OpenProject(project, &error)) << error.toStdString();
+    window.resize(1100, 700);
+    auto* splitter = qobject_cast<QSplitter*>(window.centralWidget());
+    ASSERT_NE(splitter, nullptr);
+    splitter->setSizes({250, 850});
+    const QList<int> sizes = splitter->sizes();
+    window.SetEnglish(true);
+
+    QSettings settings(dir.filePath(QStringLiteral("settings.ini")), QSettings::IniFormat);
+    zordrivebench::SaveWindowSettings(settings, window);
+    window.SetEnglish(false);
+
+    MainWindow again(bench->host, bench->services, bench->plugin);
+    zordrivebench::RestoreWindowSettings(settings, again);
+    EXPECT_TRUE(again.IsEnglish());
+    EXPECT_EQ(again.size(), QSize(1100, 700));
+    again.show();
+    EXPECT_EQ(qobject_cast<QSplitter*>(again.centralWidget())->sizes(), sizes);
+    EXPECT_EQ(zordrivebench::LastProject(settings), project);
+    again.SetEnglish(false);
+
+    // A project file that is gone since is not offered again.
+    QFile::remove(project);
+    EXPECT_EQ(zordrivebench::LastProject(settings), QString());
 }

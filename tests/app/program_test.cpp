@@ -99,18 +99,38 @@ TEST(ProgramList, ABrokenProjectFileIsNamedWithThePlace) {
         "modules": [{"key": "A", "deviceFile": "no_such_drive.json"}]})");
     const Outcome r2 = Program({"--project", missingDevice, "--list"});
     EXPECT_EQ(r2.code, 3);
-    EXPECT_TRUE(r2.err.contains(QStringLiteral("no_such_drive.json"))) << r2.err.toStdString();
+    // The place in the project, and every folder that was searched.
+    EXPECT_TRUE(r2.err.contains(missingDevice + QStringLiteral(": modules[0].deviceFile: "
+                                                               "\"no_such_drive.json\"")))
+        << r2.err.toStdString();
+    EXPECT_TRUE(r2.err.contains(dir.path() + QStringLiteral(", "))) << r2.err.toStdString();
+    EXPECT_TRUE(r2.err.contains(QStringLiteral("/devices"))) << r2.err.toStdString();
 }
 
 TEST(ProgramArguments, MistakesAreRefusedWithTheUsage) {
     for (const QStringList& args :
          {QStringList{"--frobnicate"}, QStringList{"--export", "ZD3S"}, QStringList{"--project"},
           QStringList{"--list", "--export", "ZD3S", "x.csv"},
-          QStringList{"--list", "--screenshot", "x.png"}}) {
+          QStringList{"--list", "--screenshot", "x.png"},
+          QStringList{"--project", "a.json", "--project", "b.json", "--list"},
+          QStringList{"--access-code", "2468", "--list"}}) {
         const Outcome r = Program(args);
         EXPECT_EQ(r.code, 2) << args.join(' ').toStdString();
         EXPECT_TRUE(r.err.contains(QStringLiteral("usage:"))) << r.err.toStdString();
     }
+}
+
+TEST(ProgramArguments, AWrongAccessCodeAndAnUnwritableScreenshotFailAtOnce) {
+    QTemporaryDir dir;
+    const QString target = QDir(dir.path()).filePath(QStringLiteral("x.csv"));
+    const Outcome code = Program({"--access-code", "1357", "--export", "ZD3S", target});
+    EXPECT_EQ(code.code, 10) << code.err.toStdString();
+    EXPECT_FALSE(QFile::exists(target));
+
+    const Outcome shot = Program({"--screenshot", "/proc/no-such-folder/shot.png"});
+    EXPECT_EQ(shot.code, 1) << shot.err.toStdString();
+    EXPECT_TRUE(shot.err.contains(QStringLiteral("/proc/no-such-folder")))
+        << shot.err.toStdString();
 }
 
 TEST(ProgramExport, UnknownModuleOfflineDriveAndWrongExtensionWriteNothing) {

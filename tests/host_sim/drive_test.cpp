@@ -123,3 +123,20 @@ TEST_F(DemoHost, LinkFaultsAndLatencyAsTheCallerSeesThem) {
     EXPECT_EQ(d.Write(wide + 1, w, 200).refusal, sim::Refusal::IllegalAddress)
         << "the high word is no parameter of its own";
 }
+
+TEST_F(DemoHost, AnAccessCodeOpensTheTopLevelAndReachesADriveThatKeepsItsOwn) {
+    std::string why;
+    EXPECT_FALSE(host.EnterAccessCode("ZD3S", "1357", &why));
+    EXPECT_EQ(why, "the access code is not accepted");
+    EXPECT_EQ(host.Module("ZD3S")->GetAccessLevel(), 0);
+    EXPECT_FALSE(host.EnterAccessCode("ZD3S", "24x", &why));
+
+    const std::string code = std::to_string(SimulatedDrive::kFactoryCode);
+    ASSERT_TRUE(host.EnterAccessCode("ZD3S", code, &why)) << why;
+    EXPECT_EQ(host.Module("ZD3S")->GetAccessLevel(), SimulatedDrive::kFactoryAuthority);
+    EXPECT_EQ(host.Drive("ZD3S")->Authority(), SimulatedDrive::kFactoryAuthority)
+        << "the servo keeps a level of its own: the code went to the drive";
+    // The inverter's level lives in the tool alone; its drive is left as it was.
+    ASSERT_TRUE(host.EnterAccessCode("ZV5", code, &why)) << why;
+    EXPECT_EQ(host.Module("ZV5")->GetAccessLevel(), SimulatedDrive::kFactoryAuthority);
+}

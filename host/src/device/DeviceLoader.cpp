@@ -554,7 +554,7 @@ ParameterDef Loader::LoadParameter(const QJsonObject& o, const std::string& arra
     } else if (hasDerived) {
         p.address = derived;
     } else {
-        Refuse(place, "no address, and the code is not of the form Hxx-yy");
+        Refuse(place, "no address, and the code is not of the form Hgg-ii");
     }
 
     p.decimals = std::int8_t(Integer(o, "decimals", place, 0, -1, 9));
