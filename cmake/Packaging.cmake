@@ -17,6 +17,7 @@ set(parmira_share share/zordrivebench)
 
 set_target_properties(zordrivebench zordrive-sim PROPERTIES INSTALL_RPATH "$ORIGIN/../lib")
 set_target_properties(QXParmira PROPERTIES INSTALL_RPATH "$ORIGIN/../lib")
+set_target_properties(afx zorskin PROPERTIES INSTALL_RPATH "$ORIGIN")
 
 install(TARGETS zordrivebench zordrive-sim RUNTIME DESTINATION ${parmira_root}/bin)
 install(TARGETS afx zorskin LIBRARY DESTINATION ${parmira_root}/lib)
