@@ -194,8 +194,15 @@ int main(int argc, char** argv) {
             RestoreWindowSettings(settings, window);
         host.StartTimer();
         window.show();
-        if (!window.OpenFirstModule(&error))
+        if (!window.OpenFirstModule(&error)) {
             Print(stderr, QStringLiteral("zordrivebench: %1\n").arg(error));
+            // A library the system loader refused (a missing dependency, a missing symbol)
+            // will not come up later either.
+            if (!plugin.IsLoaded() && !host.ModuleKeys().empty()) {
+                host.StopTimer();
+                return kExitPlugin;
+            }
+        }
         if (!interactive)
             ScheduleScreenshot(window, options.screenshot);
         code = app.exec();

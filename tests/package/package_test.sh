@@ -57,14 +57,18 @@ for size in 0 1000 100000; do
     set -e
     [ "$code" -eq 6 ] || { cat "$work/err"; fail "a module of $size bytes: exit $code"; }
 done
-rm "$module"
-start=$SECONDS
-set +e
-run --screenshot "$work/shot.png" 2>"$work/err"
-code=$?
-set -e
-[ "$code" -eq 6 ] || { cat "$work/err"; fail "no module: exit $code"; }
-[ $((SECONDS - start)) -lt 10 ] || fail "no module: the window waited"
+# Missing, and a whole library that is no module: the window gives up at once as well.
+for kind in missing foreign; do
+    rm -f "$module"
+    [ "$kind" = foreign ] && cp "$root/usr/lib/zordrivebench/lib/libzorskin.so" "$module"
+    start=$SECONDS
+    set +e
+    run --screenshot "$work/shot.png" 2>"$work/err"
+    code=$?
+    set -e
+    [ "$code" -eq 6 ] || { cat "$work/err"; fail "$kind module: exit $code"; }
+    [ $((SECONDS - start)) -lt 10 ] || fail "$kind module: the window waited"
+done
 cp "$work/whole.so" "$module"
 
 # A display with no X server behind it: off screen, said on stderr.
