@@ -34,9 +34,6 @@ public:
     void SetTable(CVarTable* table) override;
     void PollAuthority() override;
 
-    // The command of "更新属性": checks the device, asks, then synchronises.
-    void UpdateAttributes();
-
     void Release() override {}
     void OnLanguageChanged() override;
     void OnModuleUploaded(const CString& moduleKey, BOOL success) override;

@@ -80,6 +80,10 @@ public:
 
     virtual CListCtrlEx& GetList() = 0;
 
+    // The command of "更新属性" on both pages: checks the device, asks, then synchronises
+    // (VarTablePageAttributes.cpp).
+    void UpdateAttributes();
+
     // ---- search
     // The page's search box (control 2065), null while the page has none.
     virtual CSearcherComboBox* GetSearcher() { return nullptr; }
