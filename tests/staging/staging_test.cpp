@@ -283,12 +283,17 @@ TEST_F(StagingTest, FrameFlowButtonsAreLiveAndAttributeUpdateRefusesUnsupportedD
         EXPECT_TRUE(Page2().GetDlgItem(int(id))->IsWindowEnabled()) << id;
     // One axis: nothing to copy to.
     EXPECT_FALSE(Page2().GetDlgItem(int(IDC_PAGE2_AXIS_COPY))->IsWindowEnabled());
+    prompts.CancelFileDialog();
+    Page2().SendMessage(WM_COMMAND, MAKEWPARAM(IDC_PAGE2_UPLOAD_SAVE, BN_CLICKED), 0);
+    ASSERT_NE(prompts.Last(AfxPrompt::FileDialog), nullptr); // read, then asked where to
+    EXPECT_EQ(prompts.Last(AfxPrompt::FileDialog)->text, "AllVar");
 
     CloseFrame();
     OpenFrame("ZV5");
     EXPECT_TRUE(Page2().GetDlgItem(int(IDC_PAGE_UPDATE_ATTRIBUTES))->IsWindowVisible());
+    const size_t boxes = prompts.Count(AfxPrompt::MessageBox);
     Page2().SendMessage(WM_COMMAND, MAKEWPARAM(IDC_PAGE_UPDATE_ATTRIBUTES, BN_CLICKED), 0);
-    ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u);
+    ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), boxes + 1);
     EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "当前设备不支持读写属性");
 }
 
