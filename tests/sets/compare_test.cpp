@@ -34,6 +34,14 @@ std::set<std::string> Codes(const CVarCompareRstList& list) {
     return codes;
 }
 
+// A file of tests/sets/data, or any file when `ours` is false.
+std::string ReadText(const std::string& name, bool ours = true) {
+    std::ifstream in(ours ? PARMIRA_SOURCE_DIR "/tests/sets/data/" + name : name, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
 std::vector<IVarObjEx*> ModuleVars(zorhost::ReferenceHost& host, const CString& key) {
     std::vector<IVarObjEx*> vars;
     host.Transfer().GetModuleVars(key, vars);
@@ -128,6 +136,59 @@ TEST_F(CompareTest, ADriveAgainstItsFactoryValuesListsWhatChangedOnTheDrive) {
     row << "1," << first->m_strCode1 << ',' << first->m_strName1 << ',' << first->m_strValue1 << ','
         << first->m_strCode2 << ',' << first->m_strName2 << ',' << first->m_strValue2;
     EXPECT_EQ(lines[2], row.str());
+}
+
+// The rows' texts, cell by cell, and the saved table are pinned by files written from a
+// run that covers every display format, enumerated values and a file side whose variables
+// are gone once the worker has ended.
+TEST_F(CompareTest, ShownCellsAndTheSavedTableMatchTheirReferenceFiles) {
+    host.Transfer().UploadModule(nullptr, "ZD3S");
+    IHostDeviceModule* module = host.Module("ZD3S");
+    auto* file = static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
+    ASSERT_NE(file, nullptr);
+    file->SetElecLabel(module->GetElecLabel(), module->GetElecLabelSize());
+    file->GetVarList()->CopyFrom(module->GetVarList());
+    const CString path((dir + "/zd3s.zorparam").c_str());
+    ASSERT_TRUE(file->Save(path));
+    file->Release();
+    // Decimal, two decimals, enumerated, hexadecimal and per-unit of both widths.
+    for (const auto& [code, raw] :
+         std::vector<std::pair<const char*, double>>{{"H00-08", 2500},
+                                                     {"H00-05", 315},
+                                                     {"H00-03", 380},
+                                                     {"H01-17", 0xBEEF},
+                                                     {"H07-08", 8192},
+                                                     {"H07-20", 123456789}})
+        Poke("ZD3S", code, raw);
+    prompts.ChooseFiles({path});
+    auto* source = static_cast<CComboBox*>(dlg.GetDlgItem(int(IDC_COMPARE_SOURCE2)));
+    source->SetCurSel(source->GetCount() - 1);
+    Command(IDC_COMPARE_SOURCE2, CBN_SELCHANGE);
+    Run();
+
+    auto cells = [&] {
+        std::string s;
+        for (int row = 0; row < dlg.GetList().GetItemCount(); ++row) {
+            for (int column = 0; column < 9; ++column)
+                s += std::string(column ? "|" : "") + dlg.GetCellText(row, column).GetString();
+            s += "\n";
+        }
+        return s;
+    };
+    const std::string different = cells();
+    EXPECT_EQ(dlg.GetDiffList().GetCount(), 6);
+    dlg.CheckRadioButton(int(IDC_COMPARE_SHOW_DIFFERENT), int(IDC_COMPARE_SHOW_SAME),
+                         int(IDC_COMPARE_SHOW_SAME));
+    Command(IDC_COMPARE_SHOW_SAME, BN_CLICKED);
+    EXPECT_EQ(different + "--\n" + cells(), ReadText("compare_cells.txt"));
+
+    const std::string saved = dir + "/same.csv";
+    prompts.ChooseFiles({CString(saved.c_str())});
+    Command(IDC_COMPARE_SAVE, BN_CLICKED);
+    std::string table = ReadText(saved, false);
+    ASSERT_EQ(table.rfind("Time,", 0), 0u);
+    table.erase(0, table.find('\n') + 1);
+    EXPECT_EQ(table, ReadText("compare_same.csv"));
 }
 
 // "******" parameters, non-transferable ones and, when asked, read-only ones never come
