@@ -1,7 +1,8 @@
 #include "LinkFixture.h"
 
 #include "module/host/IVarAttr.h"
-#include "zorhost/link/BlockWrite.h"
+#include "zorhost/services/HostDeviceHelper.h"
+#include "zorhost/services/ParamRecord.h"
 
 using namespace linktest;
 using zorhost::sim::LinkStatus;
@@ -128,27 +129,33 @@ TEST_F(TcpHost, KilledSimulatorEndsTheUploadAndIsFoundAgain) {
 }
 
 // A download writes neighbours in blocks; the one value the drive refuses is the only
-// failure, and the rest of its block still arrives.
-TEST_F(TcpHost, BlockWriteNamesExactlyTheRefusedParameter) {
-    std::vector<zorhost::link::ParameterValue> values;
+// failure, named with the drive's reason, and the rest of its block still arrives.
+TEST_F(TcpHost, DownloadInBlocksNamesExactlyTheRefusedParameter) {
+    std::vector<std::unique_ptr<zorhost::CParamRecord>> owned;
+    std::vector<IRWDataItem*> records;
     for (const auto& p : device->parameters)
         if (p.modifyMode == zorhost::device::ModifyMode::Any && p.accessLevel <= 1 &&
-            zorhost::sim::RegisterCount(p.dataType) > 0)
-            values.push_back({p.address, p.dataType, p.factoryValue});
-    ASSERT_GT(values.size(), 100u);
-    for (auto& v : values) {
-        if (v.address == Address("H02-08"))
-            v.raw = 600; // above its limit of 500
-        if (v.address == Address("H02-09"))
-            v.raw = 60;
-    }
+            zorhost::sim::RegisterCount(p.dataType) > 0) {
+            double raw = p.factoryValue;
+            if (p.address == Address("H02-08"))
+                raw = 600; // above its limit of 500
+            if (p.address == Address("H02-09"))
+                raw = 60;
+            auto& r = owned.emplace_back(std::make_unique<zorhost::CParamRecord>());
+            r->SetRecordAddress(p.address);
+            r->SetRecordValue(zorhost::RawToVariant(p.dataType, raw));
+            records.push_back(r.get());
+        }
+    ASSERT_GT(records.size(), 100u);
     zorhost::link::ModbusLink& link = *host.FieldLink(kKey);
     const auto before = link.Traffic().requests;
-    const auto failures = zorhost::link::WriteInBlocks(link, values, 300, 2);
+    EXPECT_FALSE(host.Transfer().DownloadRecords(nullptr, kKey, records));
+    const auto& failures = host.Transfer().LastDownloadFailures();
     ASSERT_EQ(failures.size(), 1u);
     EXPECT_EQ(failures[0].address, Address("H02-08"));
-    EXPECT_EQ(failures[0].result.refusal, zorhost::sim::Refusal::OutOfRange);
-    EXPECT_LT(link.Traffic().requests - before, values.size() / 3);
+    EXPECT_NE(failures[0].reason.str().find("H02-08: 设定值超出范围(0~500)"), std::string::npos)
+        << failures[0].reason.str();
+    EXPECT_LT(link.Traffic().requests - before, records.size() / 3);
     double raw = 0;
     ASSERT_TRUE(
         zorhost::sim::ReadRaw(link, Address("H02-09"), zorhost::device::DataType::UInt16, raw, 300)

@@ -55,9 +55,10 @@ public:
     // Asks for a file with the chooser, reads it, asks before a file of another device
     // type and downloads it as DownloadRecords does.
     BOOL OpenAndDownload(HWND owner, const CString& moduleKey) override;
-    // Writes the records in their order. Success only when every write was taken: a
-    // refused write is noted and the rest go on; a drive gone offline fails all that is
-    // left. Announced in every case.
+    // Writes the records: in their order, one write each, or grouped into block writes of
+    // neighbouring addresses where the link carries blocks. Success only when every write
+    // was taken: a refused write is noted and the rest go on; a drive gone offline fails
+    // all that is left. Announced in every case.
     BOOL DownloadRecords(HWND owner, const CString& moduleKey,
                          const std::vector<IRWDataItem*>& records) override;
     // Axis comparison comes with the file side of the host; until then it is refused.
