@@ -8,7 +8,6 @@
 #include "zorhost/ReferenceHost.h"
 #include "zorhost/device/DeviceLoader.h"
 #include "zorhost/link/BlockPlan.h"
-#include "zorhost/link/BlockWrite.h"
 #include "zorhost/link/ModbusServer.h"
 #include "zorhost/link/RegisterMap.h"
 
@@ -121,17 +120,23 @@ void BM_DownloadServoOverTcp(benchmark::State& state) {
     if (level >= sim::SimulatedDrive::kFactoryAuthority)
         b.host.DeviceHelper().WriteNamedVar("SERVO", "InputPassword",
                                             sim::SimulatedDrive::kFactoryCode);
-    std::vector<link::ParameterValue> values;
+    std::vector<std::unique_ptr<CParamRecord>> owned;
+    std::vector<IRWDataItem*> records;
     std::vector<link::RegisterRange> ranges;
     for (const auto& p : b.device->parameters)
         if (p.modifyMode == device::ModifyMode::Any && p.accessLevel <= level &&
             sim::RegisterCount(p.dataType) > 0) {
-            values.push_back({p.address, p.dataType, p.factoryValue});
+            auto& r = owned.emplace_back(std::make_unique<CParamRecord>());
+            r->SetRecordAddress(p.address);
+            r->SetRecordValue(RawToVariant(p.dataType, p.factoryValue));
+            records.push_back(r.get());
             ranges.push_back({p.address, sim::RegisterCount(p.dataType)});
         }
+    std::sort(ranges.begin(), ranges.end(),
+              [](const auto& x, const auto& y) { return x.address < y.address; });
     const link::LinkTraffic before = link.Traffic();
     for (auto _ : state)
-        if (!link::WriteInBlocks(link, values, 500, 2).empty())
+        if (!b.host.Transfer().DownloadRecords(nullptr, "SERVO", records))
             state.SkipWithError("a write was refused");
     Report(state, Since(link.Traffic(), before), ranges, link::kMaxWriteRegisters, true);
 }
