@@ -166,6 +166,11 @@ DriveServer::Action DriveServer::Handle(std::uint8_t unitId, std::span<const std
         }
     }
 
+    if (faults.garbage) {
+        // Well framed, but no answer to this request: the client must not take it.
+        answer = {std::uint8_t(function ^ 0x40), 0};
+        return Action::Answer;
+    }
     if (!r.ok()) {
         EncodeRefusal(r, std::span<std::uint16_t, kRefusalRegisters>(unit.refusal));
         answer = {std::uint8_t(function | 0x80), std::uint8_t(ExceptionFor(r))};
