@@ -134,8 +134,7 @@ int main(int argc, char** argv) {
         refresh.stop();
         writes.stop();
     }
-    std::printf("modules %zu, %d s, refresh every %d ms\n", modules, seconds,
-                period_ms);
+    std::printf("modules %zu, %d s, refresh every %d ms\n", modules, seconds, period_ms);
     std::printf("resident memory: %ld kB at the start, %ld kB at the end (%+ld kB)\n", rssStart,
                 rssEnd, rssEnd - rssStart);
     std::printf("refresh cycles %ld, values stored %ld\n", counts.cycles, counts.stored);

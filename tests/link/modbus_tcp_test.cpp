@@ -1,6 +1,7 @@
 #include "LinkFixture.h"
 
 #include "module/host/IVarAttr.h"
+#include "zorhost/link/RegisterMap.h"
 #include "zorhost/services/HostDeviceHelper.h"
 #include "zorhost/services/ParamRecord.h"
 
@@ -177,4 +178,22 @@ TEST_F(TcpHost, SilentDriveTimesOutAndReturns) {
     EXPECT_TRUE(PumpUntil([&] { return host.Module(kKey)->IsOnline(); }, 5000));
     EXPECT_TRUE(host.DeviceHelper().ReadParameter(kKey, Address("H02-08"), value));
     EXPECT_EQ(value, 250);
+}
+
+// The host runs and stops a drive on the wire by its run command; the drive's own rules
+// follow (a parameter changed only at a stop is refused while it runs).
+TEST_F(TcpHost, RunCommandCrossesTheLink) {
+    IHostDeviceHelper& helper = host.DeviceHelper();
+    for (bool running : {true, false}) {
+        SCOPED_TRACE(running ? "running" : "stopped");
+        ASSERT_TRUE(host.SetRunning(kKey, running).ok());
+        double state = -1;
+        ASSERT_TRUE(zorhost::sim::ReadRaw(*host.FieldLink(kKey), zorhost::link::kRunRegister,
+                                          zorhost::device::DataType::UInt16, state, 300)
+                        .ok());
+        EXPECT_EQ(state, running ? 1 : 0);
+        EXPECT_EQ(helper.WriteParameter(kKey, Address("H02-00"), 2), running ? 0 : 1);
+    }
+    sim->Kill();
+    EXPECT_FALSE(host.SetRunning(kKey, true).ok()) << "no success over a dead link";
 }

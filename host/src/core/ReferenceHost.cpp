@@ -1,6 +1,7 @@
 #include "zorhost/ReferenceHost.h"
 
 #include "zorhost/device/DeviceLoader.h"
+#include "zorhost/link/RegisterMap.h"
 #include "zorhost/model/CustomGroupStore.h"
 
 #include <QApplication>
@@ -260,6 +261,18 @@ sim::DriveLink* ReferenceHost::FindLink(const CString& key) {
     if (!s)
         return nullptr;
     return s->modbus ? static_cast<sim::DriveLink*>(s->modbus.get()) : s->drive.get();
+}
+
+sim::LinkResult ReferenceHost::SetRunning(const CString& key, bool running) {
+    Station* s = Find(key);
+    if (s && s->drive) {
+        s->drive->SetRunning(running);
+        return {};
+    }
+    if (!s || !s->modbus)
+        return {sim::LinkStatus::Offline};
+    return sim::WriteRaw(*s->modbus, link::kRunRegister, device::DataType::UInt16, running ? 1 : 0,
+                         s->settings.timeout_ms);
 }
 
 void ReferenceHost::SetOnline(const CString& key, bool online) {
