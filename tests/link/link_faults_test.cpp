@@ -7,6 +7,8 @@
 #include "zorhost/services/HostDeviceHelper.h"
 #include "zorhost/services/ParamRecord.h"
 
+#include <QTimer>
+
 #include <map>
 
 using namespace linktest;
@@ -182,4 +184,28 @@ TEST_F(LinkFaults, RefreshNeverHoldsTheWindow) {
         }
         EXPECT_TRUE(storesWithin(8000));
     }
+}
+
+// A slow drive holds no window: its events are handled while an upload and a download wait
+// for their answers.
+TEST_F(LinkFaults, TransfersKeepTheWindowTurning) {
+    ASSERT_TRUE(sim->Command("latency 20"));
+    int ticks = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] { ++ticks; });
+    timer.start(5);
+    EXPECT_TRUE(host.Transfer().UploadModule(nullptr, kKey));
+    EXPECT_TRUE(ends.back());
+    EXPECT_GT(ticks, 10) << "the upload held the event loop";
+    ticks = 0;
+    std::vector<std::unique_ptr<zorhost::CParamRecord>> owned;
+    std::vector<IRWDataItem*> records;
+    for (const char* code : {"H02-08", "H02-09", "H02-10"}) {
+        auto& r = owned.emplace_back(std::make_unique<zorhost::CParamRecord>());
+        r->SetRecordAddress(Address(code));
+        r->SetRecordValue(Variant::UI2(100));
+        records.push_back(r.get());
+    }
+    EXPECT_TRUE(host.Transfer().DownloadRecords(nullptr, kKey, records));
+    EXPECT_GT(ticks, 1) << "the download held the event loop";
 }

@@ -119,7 +119,7 @@ BOOL CHostTransferService::DownloadRecords(HWND, const CString& moduleKey,
             for (const link::ParameterValue& v : block)
                 failed.push_back({v.address, {sim::LinkStatus::Offline}});
         } else {
-            failed = link::WriteInBlocks(*link, block, kTimeout_ms, kTries);
+            Await(link, [&] { failed = link::WriteInBlocks(*link, block, kTimeout_ms, kTries); });
         }
         for (const link::WriteFailure& f : failed) {
             m_failures.push_back({f.address, m_helper.FailureText(module, f.address, f.result)});
