@@ -7,8 +7,8 @@
 // The drives get unit ids 1, 2, … in argument order. Once everything listens, one line per
 // transport goes to standard output: "tcp HOST:PORT", "rtu PATH". With --control-stdin the
 // program reads commands from standard input and ends when it closes:
-//     latency MS | refuse ADDR... | drop-after N | silent on|off | garbage on|off | run UNIT on|off
-//     | quit
+//     latency MS | refuse ADDR... | drop-after N | silent-after N | silent on|off | garbage on|off
+//     | run UNIT on|off | quit
 #include "zorhost/device/DeviceLoader.h"
 #include "zorhost/link/ModbusServer.h"
 
@@ -96,9 +96,13 @@ bool Command(const std::string& line, link::DriveServer& drives) {
         Addresses(rest, f.refused);
     } else if (word == "drop-after" && in >> arg && Number(arg, n))
         f.dropAfter = drives.Requests() + std::uint64_t(n);
-    else if (word == "silent" && in >> arg)
+    else if (word == "silent-after" && in >> arg && Number(arg, n))
+        f.silentAfter = drives.Requests() + std::uint64_t(n);
+    else if (word == "silent" && in >> arg) {
         f.silent = arg == "on";
-    else if (word == "garbage" && in >> arg)
+        if (!f.silent)
+            f.silentAfter = 0; // answers again, whichever way it fell silent
+    } else if (word == "garbage" && in >> arg)
         f.garbage = arg == "on";
     else if (word == "run" && in >> arg && Number(arg, n) && drives.Drive(int(n))) {
         in >> arg;
