@@ -16,6 +16,7 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <set>
 #include <thread>
 
 namespace {
@@ -123,8 +124,16 @@ void BM_DownloadServoOverTcp(benchmark::State& state) {
     std::vector<std::unique_ptr<CParamRecord>> owned;
     std::vector<IRWDataItem*> records;
     std::vector<link::RegisterRange> ranges;
+    // What a parameter file brings to a stopped drive (the rules of RecordsFromFile), at
+    // the level the download runs at; the access-code registers take codes, not values.
+    std::set<std::uint32_t> codes;
+    for (const auto& v : b.device->namedVariables)
+        codes.insert(v.address);
     for (const auto& p : b.device->parameters)
-        if (p.modifyMode == device::ModifyMode::Any && p.accessLevel <= level &&
+        if ((p.modifyMode == device::ModifyMode::Any ||
+             p.modifyMode == device::ModifyMode::AtStandstill) &&
+            !p.IsFixed() && p.displayFormat != device::DisplayFormat::Hidden &&
+            p.accessLevel <= level && !codes.count(p.address) &&
             sim::RegisterCount(p.dataType) > 0) {
             auto& r = owned.emplace_back(std::make_unique<CParamRecord>());
             r->SetRecordAddress(p.address);
