@@ -231,16 +231,27 @@ int main(int argc, char** argv) {
         while (!stopped.wait_for(lock, std::chrono::milliseconds(100), [&] { return stop; }))
             drives.Step(100);
     });
+    // The control channel ends the server when its input ends. Then it is joined before the
+    // server goes; after a signal it still waits for input and is left behind.
+    std::atomic<bool> controlEnded{false};
+    std::thread controlThread;
     if (control) {
-        std::thread([&] {
+        controlThread = std::thread([&] {
             std::string line;
             while (std::getline(std::cin, line))
                 if (!Command(line, drives))
                     break;
+            controlEnded = true;
             server.Stop();
-        }).detach();
+        });
     }
     server.Serve();
+    if (controlThread.joinable()) {
+        if (controlEnded)
+            controlThread.join();
+        else
+            controlThread.detach();
+    }
     {
         std::lock_guard lock(mutex);
         stop = true;
