@@ -346,16 +346,19 @@ void MainWindow::BuildMenus() {
         QAction* disconnect =
             menu->addAction(Tr("断开", "Disconnect"), this, [this, key] { SetOnline(key, false); });
         menu->addSeparator();
-        QAction* run = menu->addAction(Tr("运行", "Run"), this, [this, key] {
-            if (auto* drive = m_host.Drive(key))
-                drive->SetRunning(true);
+        // A drive on a field bus is run and stopped by its run command.
+        auto setRunning = [this, key](bool running) {
+            const zorhost::sim::LinkResult r = m_host.SetRunning(key, running);
+            if (!r.ok())
+                QMessageBox::warning(
+                    this, QStringLiteral("ZorDriveBench"),
+                    Tr("驱动器没有执行命令：%1", "The drive did not carry the command out: %1")
+                        .arg(QString::fromStdString(zorhost::sim::LinkResultText(r, m_english))));
             UpdateStates();
-        });
-        QAction* stop = menu->addAction(Tr("停机", "Stop"), this, [this, key] {
-            if (auto* drive = m_host.Drive(key))
-                drive->SetRunning(false);
-            UpdateStates();
-        });
+        };
+        QAction* run = menu->addAction(Tr("运行", "Run"), this, [setRunning] { setRunning(true); });
+        QAction* stop =
+            menu->addAction(Tr("停机", "Stop"), this, [setRunning] { setRunning(false); });
         menu->addSeparator();
         QAction* scopeOn =
             menu->addAction(Tr("启动示波器", "Start oscilloscope"), this, [this, key] {
@@ -363,6 +366,14 @@ void MainWindow::BuildMenus() {
                     drive->StartOscilloscope();
                     m_host.Oscilloscope().Watch(drive);
                     m_host.Oscilloscope().Show(true);
+                } else {
+                    // The samples live in the drive's memory; the field bus carries
+                    // parameters only.
+                    QMessageBox::information(
+                        this, QStringLiteral("ZorDriveBench"),
+                        Tr("示波器只能显示本机仿真驱动器的曲线；该模块经 Modbus 连接。",
+                           "The oscilloscope shows the drives simulated in this program only; "
+                           "this module is connected over Modbus."));
                 }
                 UpdateStates();
             });
@@ -378,11 +389,12 @@ void MainWindow::BuildMenus() {
             zorhost::sim::SimulatedDrive* drive = m_host.Drive(key);
             const bool on = module != nullptr && module->IsOnline();
             open->setEnabled(module != nullptr);
-            connect->setEnabled(drive != nullptr && !on);
+            connect->setEnabled(module != nullptr && !on);
             disconnect->setEnabled(on);
-            run->setEnabled(on && !drive->IsRunning());
-            stop->setEnabled(on && drive->IsRunning());
-            scopeOn->setEnabled(on && !drive->IsOscilloscopeRunning());
+            // A field-bus drive's run state isn't known without asking it: both are offered.
+            run->setEnabled(on && (drive == nullptr || !drive->IsRunning()));
+            stop->setEnabled(on && (drive == nullptr || drive->IsRunning()));
+            scopeOn->setEnabled(on && (drive == nullptr || !drive->IsOscilloscopeRunning()));
             scopeOff->setEnabled(drive != nullptr && drive->IsOscilloscopeRunning());
         });
     }
