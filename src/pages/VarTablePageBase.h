@@ -4,6 +4,7 @@
 // Nothing of a cell is kept; a repaint is all a refresh needs.
 #pragma once
 
+#include "groups/AccessSelector.h"
 #include "module/TemplateList.h"
 #include "module/host/HostFwd.h"
 #include "module/host/IMessage_ModulePropertyUpdateEvent.h"
@@ -84,8 +85,11 @@ public:
     // ---- search
     // The page's search box (control 2065), null while the page has none.
     virtual CSearcherComboBox* GetSearcher() { return nullptr; }
+    virtual CAccessSelector* GetAccessSelector() { return nullptr; }
     // Lays the page out anew for its size, e.g. after its texts changed language.
     void Relayout();
+    // After a change of language: the access box's entries anew, then the layout.
+    void ShowInLanguage();
     void OnSearchEnter();
     void OnSearchPicked();
     // Shows the rows of the present selection that hold `text`.

@@ -5,6 +5,7 @@
 #include "pages/VarTablePage1.h"
 #include "pages/VarTablePage2.h"
 #include "pages/VarTablePageBase.h"
+#include "table/VarTable.h"
 
 #include <skin/ZorSkinLayout.h>
 
@@ -64,4 +65,12 @@ void CVarTablePageBase::Relayout() {
     CRect client;
     GetClientRect(&client);
     OnSize(0, client.Width(), client.Height());
+}
+
+void CVarTablePageBase::ShowInLanguage() {
+    // The entries come from the string table in the language chosen when filled.
+    CAccessSelector* selector = GetAccessSelector();
+    if (selector != nullptr && m_pTable != nullptr && m_pTable->GetModule() != nullptr)
+        selector->FillAccessBox();
+    Relayout();
 }

@@ -205,7 +205,7 @@ void CParmiraDialog::OnLanguageChangedMessage() {
     ShowNotice();
     ArrangeStrip();
     if (HasTableWindow())
-        m_pTable->RelayoutPages();
+        m_pTable->ShowPagesInLanguage();
 }
 
 BOOL CParmiraDialog::IsOwnModule(const CString& moduleKey) const {

@@ -98,8 +98,8 @@ public:
     IHostDeviceModule* GetModule() const { return m_pModule; }
     IHostWorkspace* GetWorkspace() const { return m_pWorkspace; }
     CParmiraDialog* GetPanel() const { return m_pPanel; }
-    // Lays the pages out anew, e.g. after their texts changed language.
-    void RelayoutPages();
+    // After a change of language: the pages' choice lists and layout anew.
+    void ShowPagesInLanguage();
     IGroupNode* GetCurrentCustomGroup() const { return m_pCurrentGroup; }
     int GetAccessLevel() const;
     // 0 when the chain to the workspace is broken.

@@ -95,9 +95,9 @@ void CVarTable::ShowOnlineState() {
                 list->Invalidate(FALSE);
 }
 
-void CVarTable::RelayoutPages() {
+void CVarTable::ShowPagesInLanguage() {
     for (CVarTablePage* page : {m_pPage1, m_pPage2})
         if (auto* base = dynamic_cast<CVarTablePageBase*>(page))
-            base->Relayout();
+            base->ShowInLanguage();
     FitTreeWidth();
 }

@@ -5,7 +5,6 @@
 #include <afx/afxres.h>
 
 #include <QAbstractButton>
-#include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
 #include <QTabBar>
@@ -110,14 +109,6 @@ void CollectCaptions(QWidget* w, bool isRoot, std::vector<Caption>& out) {
                                    column.pszText = text.data();
                                    list->SetColumn(i, &column);
                                }});
-    } else if (auto* combo = qobject_cast<QComboBox*>(w);
-               combo != nullptr && !combo->isEditable()) {
-        // A choice list's entries (access levels and the like). What a user types into an
-        // editable box is his, and stays as typed.
-        for (int i = 0; i < combo->count(); ++i)
-            out.push_back({w, "item" + QByteArray::number(i),
-                           [combo, i] { return combo->itemText(i); },
-                           [combo, i](const QString& t) { combo->setItemText(i, t); }});
     } else if (auto* tabs = qobject_cast<QTabBar*>(w)) {
         for (int i = 0; i < tabs->count(); ++i)
             out.push_back({w, "tab" + QByteArray::number(i), [tabs, i] { return tabs->tabText(i); },
