@@ -43,9 +43,11 @@ MainWindow::MainWindow(zorhost::ReferenceHost& host, ProgramServices& services,
     auto* splitter = new QSplitter;
     m_tree = new QTreeWidget;
     m_tree->setColumnCount(2);
-    m_tree->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
-    m_tree->header()->setSectionResizeMode(1, QHeaderView::Stretch);
-    m_tree->header()->setStretchLastSection(true);
+    // The state stays in sight: a long module name is elided (its tip shows it whole).
+    m_tree->header()->setStretchLastSection(false);
+    m_tree->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    m_tree->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
+    m_tree->setTextElideMode(Qt::ElideMiddle);
     m_tree->setRootIsDecorated(true);
     splitter->addWidget(m_tree);
     m_tabWidget = new QTabWidget;
@@ -53,9 +55,11 @@ MainWindow::MainWindow(zorhost::ReferenceHost& host, ProgramServices& services,
     m_tabWidget->setMovable(true);
     splitter->addWidget(m_tabWidget);
     splitter->setStretchFactor(1, 1);
-    splitter->setSizes({320, 960});
+    // Room for the parameter list's main columns at 1280 wide.
+    splitter->setSizes({250, 1030});
     setCentralWidget(splitter);
     resize(1280, 800);
+    QCoreApplication::installTranslator(&m_standardTexts);
     m_monitor = new MonitorDock(m_host, this);
     addDockWidget(Qt::BottomDockWidgetArea, m_monitor);
     m_monitor->hide();
@@ -195,6 +199,10 @@ void MainWindow::SetEnglish(bool english) {
     if (m_english == english)
         return;
     m_english = english;
+    if (english)
+        QCoreApplication::removeTranslator(&m_standardTexts);
+    else
+        QCoreApplication::installTranslator(&m_standardTexts);
     m_host.SetEnglish(english);
     m_services.Ui().SetLanguage(english ? zorhost::UiLanguage::English
                                         : zorhost::UiLanguage::Chinese);
@@ -235,11 +243,17 @@ void MainWindow::BuildTree() {
         zorhost::model::CDeviceModule* module = m_host.Module(key);
         CString name;
         module->GetDisplayName(name);
+        // A product's name has its English; a name the project gave is shown as written.
+        // The module keeps its name in either language: its folder is named after it.
+        CString shown;
+        m_services.Ui().TranslateText(shown, name);
+        name = shown;
         auto* item = new QTreeWidgetItem(
             root,
             {QStringLiteral("%1  %2 (%3)").arg(module->GetAxisIndex()).arg(Qs(name), Qs(key))});
         item->setData(0, kKeyRole, Qs(key));
-        item->setToolTip(0, Tr("双击打开参数列表", "Double-click to open the parameter list"));
+        item->setToolTip(0, item->text(0) + QLatin1Char('\n') +
+                                Tr("双击打开参数列表", "Double-click to open the parameter list"));
     }
     m_tree->expandAll();
 }
