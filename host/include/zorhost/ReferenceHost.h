@@ -95,6 +95,10 @@ public:
     // False (and `why`) when the code opens nothing or the drive refused it.
     bool EnterAccessCode(const CString& key, const std::string& code, std::string* why);
 
+    // Runs or stops a module's drive: an in-process drive at once, a drive on a field-bus
+    // link by its run command (one request, bounded by the link's time-out).
+    sim::LinkResult SetRunning(const CString& key, bool running);
+
     // Connect or disconnect a drive; the module follows at once.
     void SetOnline(const CString& key, bool online);
     // Lets every module's online state follow its drive (a drive may fail on its own).
