@@ -3,6 +3,8 @@
 #include "zorhost/device/DeviceLoader.h"
 #include "zorhost/model/CustomGroupStore.h"
 
+#include <afx/afxqt.h>
+
 #include <QApplication>
 #include <QProgressDialog>
 #include <QTimer>
@@ -186,16 +188,13 @@ void ReferenceHost::StartLink(Station& s) {
         QCoreApplication* app = QCoreApplication::instance();
         if (!app)
             return;
-        QMetaObject::invokeMethod(
-            app,
-            [self] {
-                if (auto host = self.lock()) {
-                    (*host)->SyncOnlineStates();
-                    if ((*host)->m_linkStateHandler)
-                        (*host)->m_linkStateHandler();
-                }
-            },
-            Qt::QueuedConnection);
+        AfxQueueCall(app, [self] {
+            if (auto host = self.lock()) {
+                (*host)->SyncOnlineStates();
+                if ((*host)->m_linkStateHandler)
+                    (*host)->m_linkStateHandler();
+            }
+        });
     });
 }
 
