@@ -98,13 +98,10 @@ bool Setup(Scene& s, const std::string& dir, int rows) {
             store.CustomGroups().AddMember(key);
             IVarAttr* attr = var->GetAttr();
             auto* row = new CVarCompareRst;
-            attr->GetCode(row->m_strCode1);
-            attr->GetName(row->m_strName1);
-            row->m_strCode2 = row->m_strCode1;
-            row->m_strName2 = row->m_strName1;
+            row->m_pAttr1 = row->m_pAttr2 = attr;
             row->m_nAddress = attr->GetAddress();
-            row->m_strValue1 = "1";
-            row->m_strValue2 = "2";
+            row->m_value1 = Variant::I4(1);
+            row->m_value2 = Variant::I4(2);
             s.compared[v].Add(row, row);
         }
         s.databases[v] = std::make_unique<zorhost::model::CVarDatabase>(store);
