@@ -10,17 +10,15 @@
 
 #include "module/host/IMessage_ModuleUploadEvent.h"
 
+#include <afx/afxfile.h>
 #include <afx/afxqt.h>
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRandomGenerator>
 
 #include <cstdio>
-#include <filesystem>
-#include <system_error>
+#include <sys/stat.h>
 
 namespace zordrivebench {
 
@@ -47,15 +45,19 @@ QString KeyList(zorhost::ReferenceHost& host) {
     return keys.join(QStringLiteral(", "));
 }
 
-// A name beside the target that nobody else writes, with the extension the module
-// requires: the export goes there first and replaces the target only when it is whole.
-QString StagingPath(const QFileInfo& target) {
-    return target.absoluteDir().filePath(
-        QStringLiteral(".%1.%2-%3.%4")
-            .arg(target.completeBaseName())
-            .arg(QCoreApplication::applicationPid())
-            .arg(QRandomGenerator::global()->generate(), 8, 16, QLatin1Char('0'))
-            .arg(target.suffix().toLower()));
+// Identifies the file a path names now, to tell whether a save replaced it.
+struct FileStamp {
+    bool exists = false;
+    bool regular = false;
+    dev_t device = 0;
+    ino_t inode = 0;
+};
+
+FileStamp StampOf(const QString& path) {
+    struct stat st {};
+    if (::stat(QFile::encodeName(path).constData(), &st) != 0)
+        return {};
+    return {true, S_ISREG(st.st_mode), st.st_dev, st.st_ino};
 }
 
 // Hears how the upload of one module ended.
@@ -184,22 +186,25 @@ int RunExport(const Options& options) {
     if (view == nullptr)
         return Fail(kExitPlugin, error);
 
-    const QString staging = StagingPath(target);
-    view->ExportParameters(AfxFromQString(staging), key);
+    // The module replaces the target in one step (a new file beside it, renamed over it);
+    // a file that is not the one before tells that it did. A device is written in place.
+    const QString path = target.absoluteFilePath();
+    const FileStamp before = StampOf(path);
+    view->ExportParameters(AfxFromQString(path), key);
     plugin.Release(view);
     plugin.Unload();
-
-    if (!QFileInfo::exists(staging))
+    const FileStamp after = StampOf(path);
+    const bool replaced =
+        after.exists && (!before.exists || !before.regular || after.device != before.device ||
+                         after.inode != before.inode);
+    const std::string& why = AfxGetLastFileError();
+    if (!replaced || !why.empty()) {
+        if (!why.empty())
+            return Fail(kExitNoFile,
+                        QStringLiteral("%1: %2").arg(path, QString::fromStdString(why)));
         return Fail(kExitNoFile, QStringLiteral("the parameter table of \"%1\" was not written to "
                                                 "%2 (is the folder there and writable?)")
-                                     .arg(options.exportKey, target.absoluteFilePath()));
-    std::error_code ec;
-    std::filesystem::rename(staging.toStdString(), target.absoluteFilePath().toStdString(), ec);
-    if (ec) {
-        QFile::remove(staging);
-        return Fail(kExitNoFile,
-                    QStringLiteral("%1: %2").arg(target.absoluteFilePath(),
-                                                 QString::fromStdString(ec.message())));
+                                     .arg(options.exportKey, path));
     }
     return kExitOk;
 }

@@ -11,10 +11,10 @@
 #include "module/host/IParamFile.h"
 #include "sets/VarCompare.h"
 
+#include <afx/afxfile.h>
 #include <afx/afxqt.h>
 
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <cstdio>
 
@@ -201,11 +201,10 @@ int RunCompare(const Options& options) {
         std::fflush(stdout);
         return result;
     }
-    QSaveFile out(options.compareOut);
-    if (!out.open(QIODevice::WriteOnly) ||
-        out.write(text.data(), qint64(text.size())) != qint64(text.size()) || !out.commit())
+    std::string why;
+    if (!AfxReplaceFile(options.compareOut.toStdString(), text, &why))
         return Fail(kExitNoFile,
-                    QStringLiteral("%1: %2").arg(options.compareOut, out.errorString()));
+                    QStringLiteral("%1: %2").arg(options.compareOut, QString::fromStdString(why)));
     return result;
 }
 

@@ -8,12 +8,7 @@
 #include "module/host/IVarObjEx.h"
 #include "values/ValueText.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <afx/afxfile.h>
 
 std::vector<CString> ParamTableHeadLines(IHostDeviceModule* module, const SYSTEMTIME& stamp) {
     std::vector<CString> lines;
@@ -88,45 +83,7 @@ CString ParamTableRow(IVarObjEx* var, IHostVarUtil* util, BOOL withGuid) {
 }
 
 BOOL WriteFileReplacing(const CString& path, const std::string& bytes) {
-    if (path.IsEmpty())
-        return FALSE;
-    // A link is written through to its target, so that it stays a link.
-    std::error_code error;
-    std::filesystem::path target(path.GetString());
-    if (std::filesystem::is_symlink(target, error)) {
-        const std::filesystem::path linked = std::filesystem::read_symlink(target, error);
-        if (error)
-            return FALSE;
-        target = linked.is_absolute() ? linked : target.parent_path() / linked;
-    }
-    std::string temp = target.string() + ".XXXXXX";
-    const int fd = ::mkstemp(temp.data());
-    if (fd < 0)
-        return FALSE;
-    // A replaced file keeps its mode; a new one gets the usual mode for new files.
-    struct stat old {};
-    if (::stat(target.c_str(), &old) == 0) {
-        ::fchmod(fd, old.st_mode & 07777);
-    } else {
-        const mode_t mask = ::umask(0);
-        ::umask(mask);
-        ::fchmod(fd, 0666 & ~mask);
-    }
-    size_t done = 0;
-    while (done < bytes.size()) {
-        const ssize_t n = ::write(fd, bytes.data() + done, bytes.size() - done);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            break;
-        done += size_t(n);
-    }
-    const bool written = done == bytes.size() && ::fsync(fd) == 0;
-    if (::close(fd) != 0 || !written || std::rename(temp.c_str(), target.c_str()) != 0) {
-        std::remove(temp.c_str());
-        return FALSE;
-    }
-    return TRUE;
+    return AfxReplaceFile(path.GetString(), bytes) ? TRUE : FALSE;
 }
 
 BOOL WriteParamTableList(const CString& path, const std::vector<IVarObjEx*>& list,

@@ -44,5 +44,6 @@ BOOL WriteParamTableRows(const CString& path, const std::vector<IVarObjEx*>& lis
                          IHostDeviceModule* module, BOOL withGuid,
                          const SYSTEMTIME* stamp = nullptr);
 
-// Writes `bytes` to a temporary file beside `path` and renames it over `path`.
+// Replaces `path` with `bytes` in one step (AfxReplaceFile); the reason of a failure is
+// AfxGetLastFileError().
 BOOL WriteFileReplacing(const CString& path, const std::string& bytes);

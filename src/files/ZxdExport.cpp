@@ -13,6 +13,8 @@
 #include "module/host/IVarStore.h"
 #include "values/ValueText.h"
 
+#include <afx/afxfile.h>
+
 #include <zlib.h>
 
 #include <cmath>
@@ -209,31 +211,24 @@ std::string SerializeRowsAsParamFile(IHostDeviceModule* module,
     return bytes;
 }
 
-BOOL AppendCompressedFile(const std::string& path, IHostDeviceModule* module,
-                          const std::vector<IVarObjEx*>& rows) {
+BOOL AppendCompressedImage(std::string& out, IHostDeviceModule* module,
+                           const std::vector<IVarObjEx*>& rows) {
     const std::string image = SerializeRowsAsParamFile(module, rows);
     if (image.empty())
         return TRUE; // nothing to append without the host's objects
     uLongf length = compressBound(uLong(image.size()));
     std::vector<Bytef> packed(length, 0);
-    compress(packed.data(), &length, reinterpret_cast<const Bytef*>(image.data()),
-             uLong(image.size()));
-    std::FILE* f = std::fopen(path.c_str(), "ab+");
-    if (f == nullptr)
+    if (compress(packed.data(), &length, reinterpret_cast<const Bytef*>(image.data()),
+                 uLong(image.size())) != Z_OK)
         return FALSE;
-    std::string sizes;
-    Put32(sizes, uint32_t(image.size()));
-    Put32(sizes, uint32_t(length));
-    bool ok = std::fwrite(sizes.data(), 1, sizes.size(), f) == sizes.size();
-    ok = ok && std::fwrite(packed.data(), 1, length, f) == length;
-    return std::fclose(f) == 0 && ok ? TRUE : FALSE;
+    Put32(out, uint32_t(image.size()));
+    Put32(out, uint32_t(length));
+    out.append(reinterpret_cast<const char*>(packed.data()), length);
+    return TRUE;
 }
 
 ZxdResult WriteZxdFile(const std::string& path, IHostDeviceModule* module,
                        const std::vector<IVarObjEx*>& rows) {
-    std::FILE* f = std::fopen(path.c_str(), "wb");
-    if (f == nullptr)
-        return ZxdResult::OpenFailed;
     const BYTE* label = nullptr;
     UINT labelSize = 0;
     if (module != nullptr) {
@@ -261,8 +256,9 @@ ZxdResult WriteZxdFile(const std::string& path, IHostDeviceModule* module,
             Put32(out, word);
     }
     Put32(out, ZXD_END_MARK);
-    const bool written = std::fwrite(out.data(), 1, out.size(), f) == out.size();
-    if (std::fclose(f) != 0 || !written)
+    // Without its image the file is still a valid export of the records; the caller says so.
+    const BOOL appended = AppendCompressedImage(out, module, rows);
+    if (!AfxReplaceFile(path, out))
         return ZxdResult::OpenFailed;
-    return AppendCompressedFile(path, module, rows) ? ZxdResult::Written : ZxdResult::AppendFailed;
+    return appended ? ZxdResult::Written : ZxdResult::AppendFailed;
 }

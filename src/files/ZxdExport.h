@@ -38,13 +38,13 @@ std::string BuildZxdHeader(const BYTE* label, UINT labelSize, const SYSTEMTIME& 
 enum class ZxdResult { Written, OpenFailed, AppendFailed };
 
 // Writes the export of `rows` for `module` to `path` (narrow, as the file system takes it),
-// with the local time taken now. The compressed image is left out when the host offers no
-// parameter file or memory stream.
+// with the local time taken now, replacing the file in one step. The compressed image is left out
+// when the host offers no parameter file or memory stream.
 ZxdResult WriteZxdFile(const std::string& path, IHostDeviceModule* module,
                        const std::vector<IVarObjEx*>& rows);
-// Appends the two sizes and the zlib image of a parameter file of `rows` to `path`.
-BOOL AppendCompressedFile(const std::string& path, IHostDeviceModule* module,
-                          const std::vector<IVarObjEx*>& rows);
+// Appends the two sizes and the zlib image of a parameter file of `rows` to `out`.
+BOOL AppendCompressedImage(std::string& out, IHostDeviceModule* module,
+                           const std::vector<IVarObjEx*>& rows);
 // The parameter file of `rows` as the host serialises it; empty without the host's objects.
 std::string SerializeRowsAsParamFile(IHostDeviceModule* module,
                                      const std::vector<IVarObjEx*>& rows);

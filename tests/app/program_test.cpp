@@ -1,6 +1,7 @@
 // The built program run as a script runs it: its output, its messages and exit codes.
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -205,6 +206,28 @@ TEST(ProgramExport, AnOnlineDriveIsWrittenToTheFileAndReplacesTheOldOne) {
     EXPECT_EQ(bytes.left(4), QByteArray("\x01\x00\x00\x01", 4));
     const auto rows = qFromLittleEndian<quint32>(bytes.constData() + 44);
     EXPECT_EQ(qFromLittleEndian<quint32>(bytes.constData() + 256 + 16 * rows), 0x55AA55AAu);
+}
+
+TEST(ProgramExport, TheTableIsSavedAsOpeningTheFileWouldWriteIt) {
+    QTemporaryDir dir;
+    // Through a link to a file of mode 600: the link stays, the file keeps its mode.
+    const QString real = WriteFile(dir, "real.csv", "old table\n");
+    QFile::setPermissions(real, QFile::ReadOwner | QFile::WriteOwner);
+    const QString link = QDir(dir.path()).filePath(QStringLiteral("link.csv"));
+    ASSERT_TRUE(QFile::link(real, link));
+    ASSERT_EQ(Program({"--export", "ZD3S", link}).code, 0);
+    EXPECT_TRUE(QFileInfo(link).isSymLink());
+    EXPECT_TRUE(ReadFile(real).contains("H02-19"));
+    const QFile::Permissions ownerGroupOther(0x7077);
+    EXPECT_EQ(QFile::permissions(real) & ownerGroupOther, QFile::ReadOwner | QFile::WriteOwner);
+
+    // A full disk is named as the system names it.
+    const QString full = QDir(dir.path()).filePath(QStringLiteral("full.csv"));
+    ASSERT_TRUE(QFile::link(QStringLiteral("/dev/full"), full));
+    const Outcome r = Program({"--export", "ZD3S", full});
+    EXPECT_EQ(r.code, 7);
+    EXPECT_TRUE(r.err.contains(QStringLiteral("No space left on device"))) << r.err.toStdString();
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden | QDir::System).size(), 3);
 }
 
 TEST(ProgramExport, TheExtensionChoosesTheParameterFile) {

@@ -4,6 +4,8 @@
 #include "zorhost/link/RegisterMap.h"
 #include "zorhost/model/CustomGroupStore.h"
 
+#include <afx/afxqt.h>
+
 #include <QApplication>
 #include <QProgressDialog>
 #include <QTimer>
@@ -190,18 +192,15 @@ void ReferenceHost::StartLink(Station& s) {
         QCoreApplication* app = QCoreApplication::instance();
         if (!app)
             return;
-        QMetaObject::invokeMethod(
-            app,
-            [self, modbus, key, online] {
-                if (auto host = self.lock()) {
-                    Station* station = (*host)->Find(key);
-                    if (station && station->modbus.get() == modbus)
-                        station->module->SetOnline(online);
-                    if ((*host)->m_linkStateHandler)
-                        (*host)->m_linkStateHandler();
-                }
-            },
-            Qt::QueuedConnection);
+        AfxQueueCall(app, [self, modbus, key, online] {
+            if (auto host = self.lock()) {
+                Station* station = (*host)->Find(key);
+                if (station && station->modbus.get() == modbus)
+                    station->module->SetOnline(online);
+                if ((*host)->m_linkStateHandler)
+                    (*host)->m_linkStateHandler();
+            }
+        });
     });
 }
 

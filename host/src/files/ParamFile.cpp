@@ -8,9 +8,9 @@
 #include "module/host/IHostAxisList.h"
 #include "module/host/IVarObjEx.h"
 
+#include <afx/afxfile.h>
+
 #include <QFile>
-#include <QFileInfo>
-#include <QSaveFile>
 
 #include <algorithm>
 
@@ -360,29 +360,8 @@ BOOL CParamFile::Save(const CString& path) {
 // ---- file helpers
 
 bool WriteFileAtomically(const CString& path, const std::string& bytes, std::string* error) {
-    auto fail = [&](const QString& why) {
-        if (error)
-            *error = why.toStdString();
-        return false;
-    };
-    if (path.IsEmpty())
-        return fail(QStringLiteral("no file name"));
-    // Through a symbolic link to its target, so that the link stays a link.
-    QString target = Q(path);
-    const QFileInfo info(target);
-    if (info.isSymLink())
-        target = info.symLinkTarget();
-    QSaveFile file(target);
-    if (!file.open(QIODevice::WriteOnly))
-        return fail(file.errorString());
-    if (file.write(bytes.data(), qint64(bytes.size())) != qint64(bytes.size())) {
-        const QString why = file.errorString();
-        file.cancelWriting();
-        return fail(why);
-    }
-    if (!file.commit())
-        return fail(file.errorString());
-    return true;
+    // The module's own rules for replacing a file, so that host and module save alike.
+    return AfxReplaceFile(path.str(), bytes, error);
 }
 
 bool ReadWholeFile(const CString& path, std::int64_t maxBytes, std::string& bytes,

@@ -2,11 +2,12 @@
 
 #include "zorhost/model/VarStore.h"
 
+#include <afx/afxfile.h>
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 
 #include <memory>
 
@@ -90,15 +91,10 @@ BOOL CVarDatabase::SaveToFile(const CString& path) {
         groups.append(GroupJson(set.GetAt(i)));
     root["groups"] = groups;
 
-    QSaveFile file(Q(path));
-    if (!file.open(QIODevice::WriteOnly))
-        return 0;
-    QByteArray bytes = QJsonDocument(root).toJson(QJsonDocument::Indented);
-    if (file.write(bytes) != bytes.size()) {
-        file.cancelWriting();
-        return 0;
-    }
-    return file.commit() ? 1 : 0;
+    const QByteArray bytes = QJsonDocument(root).toJson(QJsonDocument::Indented);
+    return AfxReplaceFile(path.str(), std::string_view(bytes.constData(), size_t(bytes.size())))
+               ? 1
+               : 0;
 }
 
 bool CVarDatabase::LoadFromFile(const CString& path, std::string* error) {

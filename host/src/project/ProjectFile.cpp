@@ -1,5 +1,7 @@
 #include "zorhost/project/ProjectFile.h"
 
+#include <afx/afxfile.h>
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -7,7 +9,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QJsonParseError>
-#include <QSaveFile>
 
 #include <cmath>
 #include <map>
@@ -329,12 +330,10 @@ std::string ProjectToJson(const ProjectFile& project) {
 }
 
 bool SaveProjectFile(const std::string& path, const ProjectFile& project, std::string* error) {
-    QSaveFile file(Qs(path));
-    const std::string text = ProjectToJson(project);
-    if (!file.open(QIODevice::WriteOnly) ||
-        file.write(text.data(), qint64(text.size())) != qint64(text.size()) || !file.commit()) {
+    std::string why;
+    if (!AfxReplaceFile(path, ProjectToJson(project), &why)) {
         if (error != nullptr)
-            *error = path + ": cannot be written: " + Utf8(file.errorString());
+            *error = path + ": cannot be written: " + why;
         return false;
     }
     return true;

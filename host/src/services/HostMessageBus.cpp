@@ -1,5 +1,7 @@
 #include "zorhost/services/HostMessageBus.h"
 
+#include <afx/afxqt.h>
+
 #include <QCoreApplication>
 #include <QMetaObject>
 #include <QThread>
@@ -77,13 +79,10 @@ void CHostMessageBus::Raise(const GUID& eventId, std::function<void(IBaseInterfa
         return;
     }
     std::weak_ptr<bool> alive = m_alive;
-    QMetaObject::invokeMethod(
-        app,
-        [this, alive, eventId, call = std::move(call)]() {
-            if (alive.lock())
-                Deliver(eventId, call);
-        },
-        Qt::QueuedConnection);
+    AfxQueueCall(app, [this, alive, eventId, call = std::move(call)]() {
+        if (alive.lock())
+            Deliver(eventId, call);
+    });
 }
 
 void CHostMessageBus::RaiseLanguageChanged() {

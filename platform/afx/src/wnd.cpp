@@ -641,13 +641,10 @@ void PostTo(HWND h, UINT msg, WPARAM wp, LPARAM lp) {
     QObject* poster = g_poster.load();
     if (!poster)
         return;
-    QMetaObject::invokeMethod(
-        poster,
-        [h, msg, wp, lp] {
-            if (Lookup(h))
-                Send(h, msg, wp, lp);
-        },
-        Qt::QueuedConnection);
+    AfxQueueCall(poster, [h, msg, wp, lp] {
+        if (Lookup(h))
+            Send(h, msg, wp, lp);
+    });
 }
 
 } // namespace afxi

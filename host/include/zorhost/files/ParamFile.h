@@ -201,9 +201,8 @@ private:
     std::string m_error;
 };
 
-// The host's own atomic replace: the bytes go to a temporary file beside `path` that is
-// renamed over it, so a failure leaves the old file whole. `error` gets the system's
-// reason.
+// Replaces `path` with `bytes` as every save does (AfxReplaceFile): a failure leaves the
+// old file whole and `error` gets the system's reason.
 bool WriteFileAtomically(const CString& path, const std::string& bytes, std::string* error);
 // The whole file, at most `maxBytes`; false with the reason otherwise.
 bool ReadWholeFile(const CString& path, std::int64_t maxBytes, std::string& bytes,

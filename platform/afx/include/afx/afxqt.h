@@ -4,6 +4,8 @@
 
 #include <afx/afxwin.h>
 
+#include <functional>
+
 class QWidget;
 class QString;
 class QPixmap;
@@ -33,3 +35,10 @@ CString AfxFromQString(const QString& s);
 // Must be called on the user-interface thread once a QApplication exists, before any
 // window is created or any message posted (the first window creation does it too).
 void AfxInitUiThread();
+
+class QObject;
+// Runs `call` on the thread of `receiver`, through its event queue, as posted messages
+// do. The queue's lock lives in Qt, which ThreadSanitizer doesn't see into; the hand-off
+// is told to it here, so that what a thread wrote before queuing counts as seen by the
+// call, as it is.
+void AfxQueueCall(QObject* receiver, std::function<void()> call);

@@ -101,3 +101,8 @@ void AfxTestTypeText(CWnd* pCtrl, const char* text);
 void AfxTestPressKey(CWnd* pWnd, UINT vk, wchar_t ch = 0);
 // Draws the window into a PNG file; FALSE on failure.
 BOOL AfxTestGrabWindow(CWnd* pWnd, const char* pngPath);
+
+// The write call of AfxReplaceFile, to make a disk fill up or fail on cue; nullptr puts
+// the system's write back. Returns the previous function.
+using AfxWriteFunction = long (*)(int fd, const void* data, unsigned long size);
+AfxWriteFunction AfxSetFileWriteFunction(AfxWriteFunction write);

@@ -1,0 +1,177 @@
+// Every file the program writes, killed mid-save: a saver writes two versions of a large
+// file over one path in turn and is killed with SIGKILL at random moments. After each kill
+// the file is one version whole, and at most the killed save's temporary lies beside it
+// (the next save removes it).
+#include <afx/afxfile.h>
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <dirent.h>
+#include <fstream>
+#include <random>
+#include <spawn.h>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace {
+
+std::string Slurp(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream all;
+    all << in.rdbuf();
+    return all.str();
+}
+
+// The server process of save_loop, spoken to through two pipes.
+class SaveServer {
+public:
+    SaveServer(const std::string& kind, const std::string& dir, const std::string& name) {
+        int in[2], out[2];
+        if (::pipe(in) != 0 || ::pipe(out) != 0)
+            return;
+        posix_spawn_file_actions_t actions;
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_adddup2(&actions, in[0], 0);
+        posix_spawn_file_actions_adddup2(&actions, out[1], 1);
+        posix_spawn_file_actions_addclose(&actions, in[1]);
+        posix_spawn_file_actions_addclose(&actions, out[0]);
+        const std::string rows = "3000";
+        const char* args[] = {SAVE_LOOP,    kind.c_str(), dir.c_str(),
+                              name.c_str(), rows.c_str(), nullptr};
+        if (posix_spawn(&m_pid, SAVE_LOOP, &actions, nullptr, const_cast<char**>(args), environ) !=
+            0)
+            m_pid = -1;
+        posix_spawn_file_actions_destroy(&actions);
+        ::close(in[0]);
+        ::close(out[1]);
+        m_to = ::fdopen(in[1], "w");
+        m_from = ::fdopen(out[0], "r");
+    }
+    ~SaveServer() {
+        if (m_to != nullptr)
+            std::fclose(m_to);
+        if (m_from != nullptr)
+            std::fclose(m_from);
+        if (m_pid > 0)
+            ::waitpid(m_pid, nullptr, 0);
+    }
+    std::string Line() {
+        char line[64] = {};
+        if (m_from == nullptr || std::fgets(line, sizeof line, m_from) == nullptr)
+            return {};
+        return line;
+    }
+    // Starts a saver; its pid, or 0.
+    pid_t Start() {
+        std::fputc('g', m_to);
+        std::fflush(m_to);
+        int pid = 0;
+        return std::sscanf(Line().c_str(), "pid %d", &pid) == 1 ? pid_t(pid) : 0;
+    }
+
+private:
+    pid_t m_pid = -1;
+    FILE* m_to = nullptr;
+    FILE* m_from = nullptr;
+};
+
+int CountTemporaries(const std::string& dir, const std::string& name) {
+    int count = 0;
+    if (DIR* folder = ::opendir(dir.c_str())) {
+        while (const dirent* entry = ::readdir(folder))
+            count += AfxIsSaveTemporary(entry->d_name, name) ? 1 : 0;
+        ::closedir(folder);
+    }
+    return count;
+}
+
+struct Kind {
+    const char* kind;
+    const char* name;
+    // Bytes that hold the time of writing, which two saves of one version may differ in.
+    std::vector<std::pair<size_t, size_t>> timeBytes;
+};
+
+void PrintTo(const Kind& kind, std::ostream* os) {
+    *os << kind.kind;
+}
+
+bool SameVersion(std::string a, std::string b, const Kind& kind) {
+    if (a.size() != b.size())
+        return false;
+    for (auto [from, to] : kind.timeBytes)
+        for (size_t i = from; i < to && i < a.size(); ++i)
+            a[i] = b[i] = 0;
+    return a == b;
+}
+
+class KillTest : public ::testing::TestWithParam<Kind> {};
+
+TEST_P(KillTest, FileIsAlwaysOneWholeVersion) {
+    const Kind& kind = GetParam();
+    // A kill is not a power cut: memory-backed files show the same, without the waits
+    // for the disk that would make the test slow.
+    char folder[64];
+    std::snprintf(folder, sizeof folder, "%s/parmira-kill-XXXXXX",
+                  ::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp");
+    ASSERT_NE(::mkdtemp(folder), nullptr);
+    const std::string dir = folder, target = dir + "/" + kind.name;
+    SaveServer server(kind.kind, dir, kind.name);
+    long long saveMicros = 0;
+    ASSERT_EQ(std::sscanf(server.Line().c_str(), "ready %lld", &saveMicros), 1);
+    const std::string versions[2] = {Slurp(dir + "/ref0/" + kind.name),
+                                     Slurp(dir + "/ref1/" + kind.name)};
+    ASSERT_FALSE(versions[0].empty());
+    ASSERT_NE(versions[0].size(), versions[1].size());
+
+    std::mt19937 random(std::random_device{}());
+    // Kills within three saves' time: most land in a save, some between or before the first.
+    std::uniform_int_distribution<long long> delay(0, 3 * saveMicros + 1000);
+    constexpr int kRounds = 20;
+    int whole = 0, midSave = 0;
+    for (int round = 0; round < kRounds; ++round) {
+        const pid_t saver = server.Start();
+        ASSERT_GT(saver, 0);
+        std::this_thread::sleep_for(std::chrono::microseconds(delay(random)));
+        ::kill(saver, SIGKILL);
+        ASSERT_EQ(server.Line(), "dead\n");
+
+        const int temporaries = CountTemporaries(dir, kind.name);
+        EXPECT_LE(temporaries, 1) << "round " << round;
+        midSave += temporaries;
+        if (::access(target.c_str(), F_OK) != 0)
+            continue; // killed before its first save ended
+        const std::string now = Slurp(target);
+        EXPECT_TRUE(SameVersion(now, versions[0], kind) || SameVersion(now, versions[1], kind))
+            << "round " << round << ": " << now.size() << " bytes, versions of "
+            << versions[0].size() << " and " << versions[1].size();
+        ++whole;
+    }
+    EXPECT_GT(whole, 0) << "no save ever ended: the kills prove nothing";
+    std::printf("%s: %d kills, %d in the middle of a save, %d files checked\n", kind.kind, kRounds,
+                midSave, whole);
+    std::system(("rm -rf " + dir).c_str());
+}
+
+// zxd: the time (year to second) and the header checksum that covers it.
+INSTANTIATE_TEST_SUITE_P(
+    EverySave, KillTest,
+    ::testing::Values(Kind{"table", "table.csv", {}}, Kind{"list", "list.csv", {}},
+                      Kind{"compare", "compare.csv", {}},
+                      Kind{"zxd", "export.zxd", {{36, 43}, {60, 64}}},
+                      Kind{"zorparam", "module.zorparam", {}},
+                      Kind{"recipe", "recipe.zorparam", {}}, Kind{"groups", "Variables.dat", {}},
+                      Kind{"project", "line2.json", {}}),
+    [](const ::testing::TestParamInfo<Kind>& info) { return std::string(info.param.kind); });
+
+} // namespace
