@@ -58,7 +58,9 @@ QJsonObject ValueInfos() {
 
 // One parameter; the pattern cycles over types, formats, modes and value infos so that a
 // generated device exercises what a real one has.
-QJsonObject Parameter(int group, int index, int serial, std::mt19937& random) {
+// `nextRegisterFree`: no parameter follows at the next address, so a 32-bit value fits.
+QJsonObject Parameter(int group, int index, int serial, bool nextRegisterFree,
+                      std::mt19937& random) {
     QJsonObject p;
     p["code"] = Code(group, index);
     p["name"] = QString::fromUtf8("参数%1组第%2项").arg(group).arg(index);
@@ -66,7 +68,8 @@ QJsonObject Parameter(int group, int index, int serial, std::mt19937& random) {
     p["modify"] = serial % 3;
     p["effect"] = 1 + serial % 3;
     p["access"] = serial % 4;
-    switch (serial % 8) {
+    // The last of a group is the 32-bit one: its second register is nobody's.
+    switch (nextRegisterFree ? 2 : serial % 8) {
     case 0:
         p["type"] = "u16";
         p["values"] = "Switch";
@@ -79,11 +82,11 @@ QJsonObject Parameter(int group, int index, int serial, std::mt19937& random) {
         p["max"] = 255;
         break;
     case 2:
-        p["type"] = "i32";
+        p["type"] = nextRegisterFree ? "i32" : "i16";
         p["decimals"] = 1;
         p["unit"] = "rpm";
-        p["min"] = -60000;
-        p["max"] = 60000;
+        p["min"] = nextRegisterFree ? -60000 : -30000;
+        p["max"] = nextRegisterFree ? 60000 : 30000;
         p["factory"] = double(random() % 1000);
         break;
     case 3:
@@ -147,7 +150,7 @@ std::string GenerateDeviceJson(int parameterCount, const GeneratorOptions& optio
     for (int g = 0; g * perGroup < perAxis; ++g) {
         int count = perAxis - g * perGroup < perGroup ? perAxis - g * perGroup : perGroup;
         for (int i = 0; i < count; ++i) {
-            QJsonObject p = Parameter(g, i, serial++, random);
+            QJsonObject p = Parameter(g, i, serial++, i == count - 1 && i < 255, random);
             if (i == 0 && p.contains("maxLink")) // no earlier parameter in this group
                 p.remove("maxLink");
             params.append(p);
