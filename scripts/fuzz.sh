@@ -35,5 +35,5 @@ export LSAN_OPTIONS=${LSAN_OPTIONS:-suppressions=$root/tests/lsan.supp:print_sup
 export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}
 export QT_QPA_PLATFORM=offscreen
 exec "$build/bin/fuzz_$name" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
-    -print_final_stats=1 -artifact_prefix="$root/fuzz/corpus/$name/crash-" "$@" \
+    -print_final_stats=1 -artifact_prefix="$root/fuzz/corpus/$name/" "$@" \
     "$work" "$root/fuzz/corpus/$name"
