@@ -200,16 +200,6 @@ INSTANTIATE_TEST_SUITE_P(
                Doc(kTwoParams, kGroup)
                    .replace(Doc(kTwoParams, kGroup).find("0001 0002"), 9, std::string(66, 'A')),
                "product.electronicLabel", "1 to 32 whole bytes"},
-        Broken{"32-bit value over another parameter's address",
-               Doc(R"({"code": "H02-00", "name": "a", "type": "u32"},
-                      {"code": "H02-01", "name": "b", "type": "u16"})",
-                   kGroup),
-               "parameters[0] \"H02-00\"", "0x0201 is the address of parameters[1] \"H02-01\""},
-        Broken{"64-bit value over an axis parameter",
-               Doc(R"({"code": "H02-00", "name": "a", "type": "f64"})", R"({"name": "H02"})",
-                   R"(, "axisParameters": [{"code": "H00-03", "name": "b", "type": "u16"}])" +
-                       kAxes.substr(0, kAxes.find("0x0100")) + R"(0x01FF"}])"),
-               "parameters[0] \"H02-00\"", "0x0202 is the address of axisParameters[0]"},
         Broken{"text type",
                Doc(R"({"code": "H02-00", "name": "a", "type": "string"})", R"({"name": "H02"})"),
                "parameters[0] \"H02-00\".type", "can't be read or written over the drive link"},

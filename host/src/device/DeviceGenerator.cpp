@@ -58,9 +58,7 @@ QJsonObject ValueInfos() {
 
 // One parameter; the pattern cycles over types, formats, modes and value infos so that a
 // generated device exercises what a real one has.
-// `nextRegisterFree`: no parameter follows at the next address, so a 32-bit value fits.
-QJsonObject Parameter(int group, int index, int serial, bool nextRegisterFree,
-                      std::mt19937& random) {
+QJsonObject Parameter(int group, int index, int serial, std::mt19937& random) {
     QJsonObject p;
     p["code"] = Code(group, index);
     p["name"] = QString::fromUtf8("参数%1组第%2项").arg(group).arg(index);
@@ -68,8 +66,7 @@ QJsonObject Parameter(int group, int index, int serial, bool nextRegisterFree,
     p["modify"] = serial % 3;
     p["effect"] = 1 + serial % 3;
     p["access"] = serial % 4;
-    // The last of a group is the 32-bit one: its second register is nobody's.
-    switch (nextRegisterFree ? 2 : serial % 8) {
+    switch (serial % 8) {
     case 0:
         p["type"] = "u16";
         p["values"] = "Switch";
@@ -82,11 +79,11 @@ QJsonObject Parameter(int group, int index, int serial, bool nextRegisterFree,
         p["max"] = 255;
         break;
     case 2:
-        p["type"] = nextRegisterFree ? "i32" : "i16";
+        p["type"] = "i32";
         p["decimals"] = 1;
         p["unit"] = "rpm";
-        p["min"] = nextRegisterFree ? -60000 : -30000;
-        p["max"] = nextRegisterFree ? 60000 : 30000;
+        p["min"] = -60000;
+        p["max"] = 60000;
         p["factory"] = double(random() % 1000);
         break;
     case 3:
@@ -150,7 +147,7 @@ std::string GenerateDeviceJson(int parameterCount, const GeneratorOptions& optio
     for (int g = 0; g * perGroup < perAxis; ++g) {
         int count = perAxis - g * perGroup < perGroup ? perAxis - g * perGroup : perGroup;
         for (int i = 0; i < count; ++i) {
-            QJsonObject p = Parameter(g, i, serial++, i == count - 1 && i < 255, random);
+            QJsonObject p = Parameter(g, i, serial++, random);
             if (i == 0 && p.contains("maxLink")) // no earlier parameter in this group
                 p.remove("maxLink");
             params.append(p);

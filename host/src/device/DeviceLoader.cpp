@@ -1,7 +1,6 @@
 #include "zorhost/device/DeviceLoader.h"
 #include "zorhost/device/JsonShape.h"
 #include "zorhost/files/BoundedRead.h"
-#include "zorhost/sim/DriveLink.h"
 
 #include <QByteArray>
 #include <QDir>
@@ -727,25 +726,6 @@ void Loader::BuildIndexes() {
             Refuse(origins_[d_.addressIndex[i].second].Where(),
                    "duplicate address " + Hex(d_.addressIndex[i].first) + ", also used by " +
                        origins_[d_.addressIndex[i - 1].second].Where());
-    }
-    // A value of several registers owns them all: a parameter at one of its later registers
-    // would be written over by it, and write over it.
-    for (std::size_t i = 0; i + 1 < d_.addressIndex.size(); ++i) {
-        const auto [address, index] = d_.addressIndex[i];
-        const int registers = sim::RegisterCount(d_.parameters[index].dataType);
-        const auto [next, nextIndex] = d_.addressIndex[i + 1];
-        if (registers > 1 && next < address + std::uint32_t(registers))
-            Refuse(origins_[index].Where(),
-                   std::string(DataTypeName(d_.parameters[index].dataType)) + " value takes " +
-                       std::to_string(registers) + " registers from " + Hex(address) + ", but " +
-                       Hex(next) + " is the address of " + origins_[nextIndex].Where());
-    }
-    if (!d_.addressIndex.empty()) {
-        const auto [address, index] = d_.addressIndex.back();
-        if (address +
-                std::uint32_t(std::max(1, sim::RegisterCount(d_.parameters[index].dataType))) >
-            0x10000)
-            Refuse(origins_[index].Where(), "value runs past register 0xFFFF");
     }
 }
 
