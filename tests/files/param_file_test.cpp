@@ -335,7 +335,7 @@ TEST_F(ParamFileTest, SaveReplacesAtomicallyKeepsModeAndWritesThroughLinks) {
 
 // The seed of the fuzz corpus was written from the format note alone, by another writer.
 TEST_F(ParamFileTest, FileWrittenFromTheFormatNoteReads) {
-    const std::string seed = Slurp(PARMIRA_SOURCE_DIR "/tests/files/corpus/small.zorparam.bin");
+    const std::string seed = Slurp(PARMIRA_SOURCE_DIR "/fuzz/corpus/zorparam/small.zorparam");
     ASSERT_FALSE(seed.empty());
     CParamFile file;
     std::string error;

@@ -46,7 +46,7 @@ TEST(DeviceLoader, AcceptsTheBaseDocument) {
 
     // Without limits a parameter may take its type's whole range.
     r = Parse(Doc(R"({"code": "H02-00", "name": "a", "type": "f32", "factory": 2.5},
-                     {"code": "H02-01", "name": "b", "type": "u32", "factory": "0xFFFFFFFF"})",
+                     {"code": "H02-02", "name": "b", "type": "u32", "factory": "0xFFFFFFFF"})",
                   R"({"name": "H02", "members": "*"})"));
     ASSERT_TRUE(r) << r.error.ToString();
     EXPECT_EQ(r.device->parameters[0].maxValue, double(FLT_MAX));
@@ -199,7 +199,29 @@ INSTANTIATE_TEST_SUITE_P(
         Broken{"label too long",
                Doc(kTwoParams, kGroup)
                    .replace(Doc(kTwoParams, kGroup).find("0001 0002"), 9, std::string(66, 'A')),
-               "product.electronicLabel", "1 to 32 whole bytes"}),
+               "product.electronicLabel", "1 to 32 whole bytes"},
+        Broken{"text type",
+               Doc(R"({"code": "H02-00", "name": "a", "type": "string"})", R"({"name": "H02"})"),
+               "parameters[0] \"H02-00\".type", "can't be read or written over the drive link"},
+        Broken{"code with a tab", Doc(R"({"code": "H02-00\t", "name": "a", "type": "u16"})", ""),
+               "parameters[0].code", "holds a tab"},
+        Broken{
+            "name with a line break",
+            Doc(kTwoParams, kGroup).replace(Doc(kTwoParams, kGroup).find("\"T\""), 3, "\"T\\nX\""),
+            "product.name", "holds a line break"},
+        Broken{"axis key with a line break",
+               Doc("", "", kAxes).replace(Doc("", "", kAxes).find("A2"), 2, "A\\r2"), "axes[1].key",
+               "holds a line break"},
+        Broken{"duplicate key",
+               Doc(R"({"code": "H02-00", "name": "a", "type": "u16",
+                                        "max": 10, "max": 20})",
+                   kGroup),
+               "line 5, column 52", "duplicate key \"max\""},
+        Broken{"doubled comma", Doc(kTwoParams + ",, " + kGroup.substr(0, 0), kGroup),
+               "line 5, column 87", "two commas in a row"},
+        Broken{"comma before a closing bracket",
+               Doc(R"({"code": "H02-00", "name": "a", "type": "u16",})", kGroup), "line 4, column",
+               "comma right before '}'"}),
     [](const ::testing::TestParamInfo<Broken>& info) {
         std::string name;
         for (char c : std::string(info.param.what))

@@ -1,9 +1,10 @@
 #include "zorhost/device/DeviceLoader.h"
 #include "zorhost/InstallLayout.h"
+#include "zorhost/device/JsonShape.h"
+#include "zorhost/files/BoundedRead.h"
 
 #include <QByteArray>
 #include <QDir>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -165,6 +166,13 @@ private:
                  bool required = false) {
         return Intern(String(o, key, place, required));
     }
+    // A name, key or code: lists, tables and tab-separated output show it on one line.
+    std::string OneLine(const QJsonObject& o, const char* key, const std::string& place,
+                        bool required = false);
+    TextRef OneLineText(const QJsonObject& o, const char* key, const std::string& place,
+                        bool required = false) {
+        return Intern(OneLine(o, key, place, required));
+    }
     double Number(const QJsonValue& v, const std::string& place, const char* key = nullptr);
     double Number(const QJsonObject& o, const char* key, const std::string& place, double fallback,
                   bool required = false);
@@ -234,6 +242,16 @@ std::string Loader::String(const QJsonObject& o, const char* key, const std::str
     if (!v.isString())
         Refuse(place + "." + key, "expected a text");
     return Std(v.toString());
+}
+
+std::string Loader::OneLine(const QJsonObject& o, const char* key, const std::string& place,
+                            bool required) {
+    std::string s = String(o, key, place, required);
+    for (char c : s)
+        if (c == '\t' || c == '\n' || c == '\r')
+            Refuse(place + "." + key, std::string("holds a ") + (c == '\t' ? "tab" : "line break") +
+                                          "; it must be one line of text");
+    return s;
 }
 
 // The place of an error is only put together when there is one.
@@ -326,8 +344,8 @@ void Loader::LoadProduct(const QJsonObject& o) {
           "primaryElectronicLabel", "version", "kind", "accessModel", "axisCopyCount",
           "wordOrder"});
     ProductInfo& p = d_.product;
-    p.name = Text(o, "name", place, true);
-    p.nameEn = Text(o, "nameEn", place);
+    p.name = OneLineText(o, "name", place, true);
+    p.nameEn = OneLineText(o, "nameEn", place);
     p.lineId = std::uint32_t(Integer(o, "lineId", place, 0, 0, 0xFFFF, true));
     p.productId = std::uint32_t(Integer(o, "productId", place, 0, 0, 0xFFFF, true));
     p.subProductId = std::uint32_t(Integer(o, "subProductId", place, 0, 0, 0xFFFF));
@@ -335,7 +353,7 @@ void Loader::LoadProduct(const QJsonObject& o) {
 
     p.electronicLabel = Label(o, "electronicLabel", place, true);
     p.primaryElectronicLabel = Label(o, "primaryElectronicLabel", place, false);
-    p.subName = Text(o, "subName", place);
+    p.subName = OneLineText(o, "subName", place);
 
     std::string kind = String(o, "kind", place, true);
     if (kind == "servo")
@@ -516,7 +534,7 @@ void Loader::CheckValueInfo(const ParameterDef& p, const std::string& place) {
 
 ParameterDef Loader::LoadParameter(const QJsonObject& o, const std::string& arrayPlace,
                                    PendingLinks& links) {
-    std::string code = String(o, "code", arrayPlace, true);
+    std::string code = OneLine(o, "code", arrayPlace, true);
     if (code.empty())
         Refuse(arrayPlace + ".code", "empty code");
     const std::string place = arrayPlace + " \"" + code + "\"";
@@ -527,9 +545,9 @@ ParameterDef Loader::LoadParameter(const QJsonObject& o, const std::string& arra
           "fixed",    "changeTracked", "perUnitBase", "info",   "infoEn",        "values"});
     ParameterDef p;
     p.code = Intern(code);
-    p.name = Text(o, "name", place, true);
-    p.nameEn = Text(o, "nameEn", place);
-    p.unit = Text(o, "unit", place);
+    p.name = OneLineText(o, "name", place, true);
+    p.nameEn = OneLineText(o, "nameEn", place);
+    p.unit = OneLineText(o, "unit", place);
     p.info = Text(o, "info", place);
     p.infoEn = Text(o, "infoEn", place);
 
@@ -540,6 +558,9 @@ ParameterDef Loader::LoadParameter(const QJsonObject& o, const std::string& arra
     }
     if (p.dataType == DataType::Unknown)
         Refuse(place + ".type", "unknown type \"" + type + "\"");
+    // No register layout carries a text, so the drive link could neither read nor write it.
+    if (p.dataType == DataType::String)
+        Refuse(place + ".type", "type \"string\" can't be read or written over the drive link");
 
     std::uint32_t derived = 0;
     bool hasDerived = AddressFromCode(code, derived);
@@ -654,9 +675,9 @@ void Loader::LoadParameters(const QJsonObject& root) {
         QJsonObject ax = Object(axes[a], place);
         Keys(ax, place, {"name", "nameEn", "key", "addressBase", "groups", "categories"});
         AxisDef axis;
-        axis.name = Text(ax, "name", place, true);
-        axis.nameEn = Text(ax, "nameEn", place);
-        axis.key = Text(ax, "key", place, true);
+        axis.name = OneLineText(ax, "name", place, true);
+        axis.nameEn = OneLineText(ax, "nameEn", place);
+        axis.key = OneLineText(ax, "key", place, true);
         axis.addressBase = std::uint32_t(Integer(ax, "addressBase", place, 0, 0, 0xFFFF, true));
         axis.firstParameter = std::uint32_t(d_.parameters.size());
         axis.parameterCount = std::uint32_t(pattern.size());
@@ -1057,9 +1078,19 @@ LoadResult ParseDeviceJson(std::string_view json, const std::string& sourceName)
     QJsonParseError parseError;
     QJsonDocument doc = QJsonDocument::fromJson(
         QByteArray::fromRawData(json.data(), qsizetype(json.size())), &parseError);
+    JsonShapeFault fault;
     if (parseError.error != QJsonParseError::NoError) {
-        result.error = {sourceName, LineAndColumn(json, std::size_t(parseError.offset)),
-                        Std(parseError.errorString())};
+        // The parser names a stray comma by what it expected next; say what it is.
+        if (FindStrayComma(json, std::size_t(parseError.offset) + 1, fault))
+            result.error = {sourceName, LineAndColumn(json, fault.offset), fault.message};
+        else
+            result.error = {sourceName, LineAndColumn(json, std::size_t(parseError.offset)),
+                            Std(parseError.errorString())};
+        return result;
+    }
+    // The parser keeps the last of two equal keys; which one was meant can't be known.
+    if (FindDuplicateKey(json, fault)) {
+        result.error = {sourceName, LineAndColumn(json, fault.offset), fault.message};
         return result;
     }
     if (!doc.isObject()) {
@@ -1080,14 +1111,19 @@ LoadResult ParseDeviceJson(std::string_view json, const std::string& sourceName)
 }
 
 LoadResult LoadDeviceFile(const std::string& path) {
-    QFile file(QString::fromStdString(path));
-    if (!file.open(QIODevice::ReadOnly)) {
-        LoadResult result;
-        result.error = {path, "", Std(file.errorString())};
-        return result;
+    std::string bytes, why;
+    switch (files::ReadFileBounded(path, files::kMaxDeviceFileBytes, bytes, &why)) {
+    case files::ReadOutcome::Ok:
+        return ParseDeviceJson(bytes, path);
+    case files::ReadOutcome::TooLarge:
+        why += "; not a device description";
+        break;
+    case files::ReadOutcome::CannotRead:
+        break;
     }
-    QByteArray bytes = file.readAll();
-    return ParseDeviceJson(std::string_view(bytes.constData(), std::size_t(bytes.size())), path);
+    LoadResult result;
+    result.error = {path, "", why};
+    return result;
 }
 
 std::string DefaultDeviceDirectory() {

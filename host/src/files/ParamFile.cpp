@@ -1,5 +1,6 @@
 #include "zorhost/files/ParamFile.h"
 
+#include "zorhost/files/BoundedRead.h"
 #include "zorhost/files/MemoryStream.h"
 #include "zorhost/files/ParamFileCodec.h"
 #include "zorhost/model/VarStore.h"
@@ -366,23 +367,19 @@ bool WriteFileAtomically(const CString& path, const std::string& bytes, std::str
 
 bool ReadWholeFile(const CString& path, std::int64_t maxBytes, std::string& bytes,
                    std::string* error) {
-    auto fail = [&](const std::string& why) {
-        if (error)
-            *error = why;
-        return false;
-    };
-    QFile file(Q(path));
-    if (!file.open(QIODevice::ReadOnly))
-        return fail(file.errorString().toStdString());
-    if (file.size() > maxBytes)
-        return fail("larger than " + std::to_string(maxBytes / (1024 * 1024)) +
-                    " MB; not a parameter file");
-    const QByteArray all = file.read(maxBytes + 1);
-    if (all.size() > maxBytes)
-        return fail("larger than " + std::to_string(maxBytes / (1024 * 1024)) +
-                    " MB; not a parameter file");
-    bytes.assign(all.constData(), size_t(all.size()));
-    return true;
+    std::string why;
+    switch (ReadFileBounded(path.str(), std::size_t(maxBytes), bytes, &why)) {
+    case ReadOutcome::Ok:
+        return true;
+    case ReadOutcome::TooLarge:
+        why += "; not a parameter file";
+        break;
+    case ReadOutcome::CannotRead:
+        break;
+    }
+    if (error)
+        *error = why;
+    return false;
 }
 
 } // namespace zorhost::files

@@ -18,6 +18,15 @@ Variant ValueInfoNumber(double value) {
     return Variant::R8(value);
 }
 
+CValueInfoList::CValueInfoList() = default;
+CValueInfoList::~CValueInfoList() = default;
+CValueInfoList::CValueInfoList(const CValueInfoList&) = default;
+CValueInfoList& CValueInfoList::operator=(const CValueInfoList&) = default;
+
+int CValueInfoList::GetCount() {
+    return int(m_entries.size());
+}
+
 IValueInfoEntry* CValueInfoList::GetAt(int index) {
     return index >= 0 && size_t(index) < m_entries.size() ? &m_entries[size_t(index)] : nullptr;
 }

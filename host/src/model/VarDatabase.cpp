@@ -1,10 +1,10 @@
 #include "zorhost/model/VarDatabase.h"
 
+#include "zorhost/files/BoundedRead.h"
 #include "zorhost/model/VarStore.h"
 
 #include <afx/afxfile.h>
 
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -98,20 +98,32 @@ BOOL CVarDatabase::SaveToFile(const CString& path) {
 }
 
 bool CVarDatabase::LoadFromFile(const CString& path, std::string* error) {
+    std::string bytes, why;
+    // Groups are short lists of keys; anything near the ceiling is not a store of ours.
+    switch (files::ReadFileBounded(path.str(), files::kMaxGroupFileBytes, bytes, &why)) {
+    case files::ReadOutcome::Ok:
+        return LoadFromBytes(bytes, path.str(), error);
+    case files::ReadOutcome::TooLarge:
+        break;
+    case files::ReadOutcome::CannotRead:
+        why = "cannot be opened: " + why;
+        break;
+    }
+    if (error)
+        *error = path.str() + ": " + why;
+    return false;
+}
+
+bool CVarDatabase::LoadFromBytes(const std::string& bytes, const std::string& sourceName,
+                                 std::string* error) {
     auto fail = [&](const std::string& why) {
         if (error)
-            *error = path.str() + ": " + why;
+            *error = sourceName + ": " + why;
         return false;
     };
-    QFile file(Q(path));
-    if (!file.open(QIODevice::ReadOnly))
-        return fail("cannot be opened");
-    // Groups are short lists of keys; anything this big is not a store of ours.
-    constexpr qint64 kMaxBytes = qint64(64) << 20;
-    if (file.size() > kMaxBytes)
-        return fail("larger than " + std::to_string(kMaxBytes >> 20) + " MiB");
     QJsonParseError parseError;
-    QJsonDocument doc = QJsonDocument::fromJson(file.read(kMaxBytes), &parseError);
+    QJsonDocument doc = QJsonDocument::fromJson(
+        QByteArray::fromRawData(bytes.data(), qsizetype(bytes.size())), &parseError);
     if (doc.isNull())
         return fail("at byte " + std::to_string(parseError.offset) + ": " +
                     parseError.errorString().toStdString());

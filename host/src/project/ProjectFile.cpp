@@ -1,5 +1,7 @@
 #include "zorhost/project/ProjectFile.h"
 
+#include "zorhost/files/BoundedRead.h"
+
 #include <afx/afxfile.h>
 
 #include <QDir>
@@ -294,15 +296,20 @@ bool ParseProjectJson(std::string_view json, const std::string& sourceName, Proj
 }
 
 bool LoadProjectFile(const std::string& path, ProjectFile& project, ProjectError* error) {
-    QFile file(Qs(path));
-    if (!file.open(QIODevice::ReadOnly)) {
-        if (error != nullptr)
-            *error = ProjectError{path, "", "cannot be read: " + Utf8(file.errorString())};
-        return false;
+    std::string bytes, why;
+    switch (files::ReadFileBounded(path, files::kMaxProjectFileBytes, bytes, &why)) {
+    case files::ReadOutcome::Ok:
+        return ParseProjectJson(bytes, path, project, error);
+    case files::ReadOutcome::TooLarge:
+        why += "; not a project file";
+        break;
+    case files::ReadOutcome::CannotRead:
+        why = "cannot be read: " + why;
+        break;
     }
-    const QByteArray bytes = file.readAll();
-    return ParseProjectJson(std::string_view(bytes.constData(), size_t(bytes.size())), path,
-                            project, error);
+    if (error != nullptr)
+        *error = ProjectError{path, "", why};
+    return false;
 }
 
 std::string ProjectToJson(const ProjectFile& project) {

@@ -1,6 +1,8 @@
 #include "zorhost/services/HostVarUtil.h"
 #include "zorhost/InstallLayout.h"
 
+#include "zorhost/files/BoundedRead.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -529,12 +531,20 @@ int CHostVarUtil::TextToInt(const CString& text) {
 
 BOOL CHostVarUtil::ReadTextLines(const CString& path, std::vector<CString>& lines) {
     lines.clear();
-    std::ifstream in(path.str(), std::ios::binary);
-    if (!in)
+    std::string data, why;
+    const files::ReadOutcome outcome =
+        files::ReadFileBounded(path.str(), files::kMaxConfigFileBytes, data, &why);
+    if (outcome == files::ReadOutcome::TooLarge)
+        std::fprintf(stderr, "%s: %s; not a configuration file, ignored\n", path.GetString(),
+                     why.c_str());
+    if (outcome != files::ReadOutcome::Ok)
         return 0;
-    std::ostringstream all;
-    all << in.rdbuf();
-    std::string data = all.str();
+    SplitTextLines(std::move(data), lines);
+    return 1;
+}
+
+void CHostVarUtil::SplitTextLines(std::string data, std::vector<CString>& lines) {
+    lines.clear();
     if (data.compare(0, 3, "\xEF\xBB\xBF") == 0)
         data.erase(0, 3);
     size_t start = 0;
@@ -549,7 +559,6 @@ BOOL CHostVarUtil::ReadTextLines(const CString& path, std::vector<CString>& line
             break;
         start = nl + 1;
     }
-    return 1;
 }
 
 int CHostVarUtil::GetIniInt(const CString& path, const CString& section, const CString& key,
@@ -557,6 +566,11 @@ int CHostVarUtil::GetIniInt(const CString& path, const CString& section, const C
     std::vector<CString> lines;
     if (!ReadTextLines(path, lines))
         return defaultValue;
+    return IniInt(lines, section, key, defaultValue);
+}
+
+int CHostVarUtil::IniInt(const std::vector<CString>& lines, const CString& section,
+                         const CString& key, int defaultValue) {
     bool inSection = false;
     for (CString line : lines) {
         line.Trim();

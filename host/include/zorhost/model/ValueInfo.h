@@ -16,7 +16,13 @@ class CValueInfoEntry;
 
 class CValueInfoList : public IValueInfoList {
 public:
-    int GetCount() override { return int(m_entries.size()); }
+    // Out of line, where CValueInfoEntry is complete: a vector of an incomplete type may
+    // not be measured or destroyed.
+    CValueInfoList();
+    ~CValueInfoList() override;
+    CValueInfoList(const CValueInfoList&);
+    CValueInfoList& operator=(const CValueInfoList&);
+    int GetCount() override;
     IValueInfoEntry* GetAt(int index) override;
 
     std::vector<CValueInfoEntry>& Entries() { return m_entries; }

@@ -20,6 +20,9 @@ public:
     // Replaces the store's custom groups by those of `path`. On any error the groups stay
     // as they were and `error` says why.
     bool LoadFromFile(const CString& path, std::string* error = nullptr);
+    // The same from the bytes of a store; `sourceName` only names it in `error`.
+    bool LoadFromBytes(const std::string& bytes, const std::string& sourceName,
+                       std::string* error = nullptr);
 
     CVarStore& Store() { return m_store; }
 

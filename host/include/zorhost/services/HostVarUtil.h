@@ -51,6 +51,12 @@ public:
     BOOL MakeDirectory(const CString& path) override;
     void GetHelpFile(CString& path) override;
 
+    // The parts of ReadTextLines and GetIniInt that read the bytes of a file already in
+    // memory: lines without a byte order mark or line ends, and a key's figure.
+    static void SplitTextLines(std::string data, std::vector<CString>& lines);
+    int IniInt(const std::vector<CString>& lines, const CString& section, const CString& key,
+               int defaultValue);
+
 private:
     std::string m_narrowEncoding;
     CString m_helpFile;
