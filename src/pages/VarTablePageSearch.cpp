@@ -45,14 +45,14 @@ void CVarTablePageBase::SearchRows(const CString& text) {
     const BOOL all = text.CompareNoCase("All") == 0 || (m_bFirstPage && text.IsEmpty());
     CString lower = text;
     lower.MakeLower();
-    const std::string needle = lower.GetString();
     const bool firstPage = m_bFirstPage != FALSE;
     const std::vector<IVarObjEx*>& base = m_groupVars.GetArray();
+    m_searchIndex.BeginSearch(lower.str(), base.size());
     for (IVarObjEx* var : base) {
         IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
         if (attr == nullptr)
             continue;
-        if (!all && !m_searchIndex.Matches(attr, needle, firstPage))
+        if (!all && !m_searchIndex.Matches(attr, firstPage))
             continue;
         if (m_pTable != nullptr && attr->GetAccessLevel() <= level && m_pTable->IsCatalogVar(var))
             m_shownVars.Add(var, var);
