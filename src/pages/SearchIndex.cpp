@@ -254,8 +254,36 @@ CSearchIndex::Entry& CSearchIndex::EntryOf(IVarAttr* attr) {
     return it->second;
 }
 
-void CSearchIndex::Prepare(IVarAttr* attr) {
-    EntryOf(attr);
+void CSearchIndex::Prepare(IVarAttr* attr, bool firstPage) {
+    if (m_util == nullptr)
+        m_util = theApp.GetVarUtil();
+    Entry& entry = EntryOf(attr);
+    if (m_languageProbe != "任意修改")
+        Localize(entry, attr, firstPage);
+}
+
+void CSearchIndex::Localize(Entry& entry, IVarAttr* attr, bool firstPage) {
+    if (entry.language != m_language) {
+        CString name;
+        attr->GetName(name);
+        entry.shownName = SearchLower(VarText::Translate(name));
+        entry.language = m_language;
+    }
+    const int mode = entry.modifyMode;
+    if (mode >= 0 && mode <= 2 && m_modifyShown[mode].text.empty())
+        m_modifyShown[mode].text = Shown(VarText::ModifyModeText(attr));
+    if (!firstPage || entry.info == nullptr)
+        return;
+    Options& options = OptionsOf(entry.info);
+    if (options.language != m_language) {
+        std::vector<CString> names;
+        OptionNames(entry.info, names);
+        options.shown.text.clear();
+        for (const CString& name : names)
+            options.shown.text += Shown(name) + '\0';
+        options.language = m_language;
+        options.shown.holds = -1;
+    }
 }
 
 CSearchIndex::Options& CSearchIndex::OptionsOf(IValueInfo* info) {
@@ -296,31 +324,9 @@ bool CSearchIndex::Matches(IVarAttr* attr, bool firstPage) {
     // In the language the texts are stored in, the shown texts are the stored ones.
     if (m_languageProbe == "任意修改")
         return false;
-    if (entry.language != m_language) {
-        CString name;
-        attr->GetName(name);
-        entry.shownName = SearchLower(VarText::Translate(name));
-        entry.language = m_language;
-    }
-    if (entry.shownName.find(m_needle) != std::string::npos)
+    Localize(entry, attr, firstPage);
+    if (entry.shownName.find(m_needle) != std::string::npos ||
+        (hasModify && Holds(m_modifyShown[mode])))
         return true;
-    if (hasModify) {
-        Shared& shown = m_modifyShown[mode];
-        if (shown.text.empty())
-            shown.text = Shown(VarText::ModifyModeText(attr));
-        if (Holds(shown))
-            return true;
-    }
-    if (!firstPage || options == nullptr)
-        return false;
-    if (options->language != m_language) {
-        std::vector<CString> names;
-        OptionNames(entry.info, names);
-        options->shown.text.clear();
-        for (const CString& name : names)
-            options->shown.text += Shown(name) + '\0';
-        options->language = m_language;
-        options->shown.holds = -1;
-    }
-    return Holds(options->shown);
+    return firstPage && options != nullptr && Holds(options->shown);
 }

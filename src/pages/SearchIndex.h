@@ -30,8 +30,9 @@ public:
     // also the factory value and the option names. Names count both as stored and as shown
     // in the present language.
     bool Matches(IVarAttr* attr, bool firstPage);
-    // The entry of `attr` made ready, so that a later search finds it prepared.
-    void Prepare(IVarAttr* attr);
+    // The entry of `attr` made ready, with the texts of the present language, so that a
+    // later search finds it prepared.
+    void Prepare(IVarAttr* attr, bool firstPage);
 
     // Called before a search: drops what the access level or language made stale.
     void Validate(int accessLevel);
@@ -62,6 +63,8 @@ private:
     };
 
     Entry& EntryOf(IVarAttr* attr);
+    // The texts of `entry` as shown in the present language.
+    void Localize(Entry& entry, IVarAttr* attr, bool firstPage);
     void Build(Entry& entry, IVarAttr* attr);
     uint32_t ValueText(IHostVarUtil* util, const Variant& value, int decimals);
     bool Holds(Shared& shared);

@@ -183,7 +183,6 @@ void CVarTable::ShowVarDescription(IVarObjEx* var) {
     SetDlgItemText(int(IDC_VAR_DESCRIPTION), text.GetString());
 }
 
-
 BOOL CVarTable::IsCatalogVar(IVarObjEx* var) {
     if (var == nullptr || m_pModule == nullptr)
         return FALSE;
@@ -299,6 +298,10 @@ void CVarTable::OnModuleDownloaded(const CString& /*moduleKey*/, BOOL /*success*
 void CVarTable::OnLanguageChanged() {
     if (m_pTranslator != nullptr)
         m_pTranslator->Retranslate(0);
+    // The names as shown changed: the pages make their search texts again while idle.
+    for (CVarTablePage* page : {m_pPage1, m_pPage2})
+        if (page != nullptr)
+            page->PrepareSearchWhenIdle();
 }
 
 // ---------------------------------------------------------------- window
