@@ -7,7 +7,8 @@
 // The drives get unit ids 1, 2, … in argument order. Once everything listens, one line per
 // transport goes to standard output: "tcp HOST:PORT", "rtu PATH". With --control-stdin the
 // program reads commands from standard input and ends when it closes:
-//     latency MS | refuse ADDR... | drop-after N | silent on|off | run UNIT on|off | quit
+//     latency MS | refuse ADDR... | drop-after N | silent-after N | silent on|off | garbage on|off
+//     | run UNIT on|off | quit
 #include "zorhost/device/DeviceLoader.h"
 #include "zorhost/link/ModbusServer.h"
 
@@ -95,8 +96,14 @@ bool Command(const std::string& line, link::DriveServer& drives) {
         Addresses(rest, f.refused);
     } else if (word == "drop-after" && in >> arg && Number(arg, n))
         f.dropAfter = drives.Requests() + std::uint64_t(n);
-    else if (word == "silent" && in >> arg)
+    else if (word == "silent-after" && in >> arg && Number(arg, n))
+        f.silentAfter = drives.Requests() + std::uint64_t(n);
+    else if (word == "silent" && in >> arg) {
         f.silent = arg == "on";
+        if (!f.silent)
+            f.silentAfter = 0; // answers again, whichever way it fell silent
+    } else if (word == "garbage" && in >> arg)
+        f.garbage = arg == "on";
     else if (word == "run" && in >> arg && Number(arg, n) && drives.Drive(int(n))) {
         in >> arg;
         drives.Drive(int(n))->SetRunning(arg == "on");
@@ -224,16 +231,27 @@ int main(int argc, char** argv) {
         while (!stopped.wait_for(lock, std::chrono::milliseconds(100), [&] { return stop; }))
             drives.Step(100);
     });
+    // The control channel ends the server when its input ends. Then it is joined before the
+    // server goes; after a signal it still waits for input and is left behind.
+    std::atomic<bool> controlEnded{false};
+    std::thread controlThread;
     if (control) {
-        std::thread([&] {
+        controlThread = std::thread([&] {
             std::string line;
             while (std::getline(std::cin, line))
                 if (!Command(line, drives))
                     break;
+            controlEnded = true;
             server.Stop();
-        }).detach();
+        });
     }
     server.Serve();
+    if (controlThread.joinable()) {
+        if (controlEnded)
+            controlThread.join();
+        else
+            controlThread.detach();
+    }
     {
         std::lock_guard lock(mutex);
         stop = true;

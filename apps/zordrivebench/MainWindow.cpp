@@ -43,9 +43,11 @@ MainWindow::MainWindow(zorhost::ReferenceHost& host, ProgramServices& services,
     auto* splitter = new QSplitter;
     m_tree = new QTreeWidget;
     m_tree->setColumnCount(2);
-    m_tree->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
-    m_tree->header()->setSectionResizeMode(1, QHeaderView::Stretch);
-    m_tree->header()->setStretchLastSection(true);
+    // The state stays in sight: a long module name is elided (its tip shows it whole).
+    m_tree->header()->setStretchLastSection(false);
+    m_tree->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    m_tree->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
+    m_tree->setTextElideMode(Qt::ElideMiddle);
     m_tree->setRootIsDecorated(true);
     splitter->addWidget(m_tree);
     m_tabWidget = new QTabWidget;
@@ -53,9 +55,11 @@ MainWindow::MainWindow(zorhost::ReferenceHost& host, ProgramServices& services,
     m_tabWidget->setMovable(true);
     splitter->addWidget(m_tabWidget);
     splitter->setStretchFactor(1, 1);
-    splitter->setSizes({320, 960});
+    // Room for the parameter list's main columns at 1280 wide.
+    splitter->setSizes({250, 1030});
     setCentralWidget(splitter);
     resize(1280, 800);
+    QCoreApplication::installTranslator(&m_standardTexts);
     m_monitor = new MonitorDock(m_host, this);
     addDockWidget(Qt::BottomDockWidgetArea, m_monitor);
     m_monitor->hide();
@@ -195,6 +199,10 @@ void MainWindow::SetEnglish(bool english) {
     if (m_english == english)
         return;
     m_english = english;
+    if (english)
+        QCoreApplication::removeTranslator(&m_standardTexts);
+    else
+        QCoreApplication::installTranslator(&m_standardTexts);
     m_host.SetEnglish(english);
     m_services.Ui().SetLanguage(english ? zorhost::UiLanguage::English
                                         : zorhost::UiLanguage::Chinese);
@@ -235,11 +243,17 @@ void MainWindow::BuildTree() {
         zorhost::model::CDeviceModule* module = m_host.Module(key);
         CString name;
         module->GetDisplayName(name);
+        // A product's name has its English; a name the project gave is shown as written.
+        // The module keeps its name in either language: its folder is named after it.
+        CString shown;
+        m_services.Ui().TranslateText(shown, name);
+        name = shown;
         auto* item = new QTreeWidgetItem(
             root,
             {QStringLiteral("%1  %2 (%3)").arg(module->GetAxisIndex()).arg(Qs(name), Qs(key))});
         item->setData(0, kKeyRole, Qs(key));
-        item->setToolTip(0, Tr("双击打开参数列表", "Double-click to open the parameter list"));
+        item->setToolTip(0, item->text(0) + QLatin1Char('\n') +
+                                Tr("双击打开参数列表", "Double-click to open the parameter list"));
     }
     m_tree->expandAll();
 }
@@ -346,16 +360,19 @@ void MainWindow::BuildMenus() {
         QAction* disconnect =
             menu->addAction(Tr("断开", "Disconnect"), this, [this, key] { SetOnline(key, false); });
         menu->addSeparator();
-        QAction* run = menu->addAction(Tr("运行", "Run"), this, [this, key] {
-            if (auto* drive = m_host.Drive(key))
-                drive->SetRunning(true);
+        // A drive on a field bus is run and stopped by its run command.
+        auto setRunning = [this, key](bool running) {
+            const zorhost::sim::LinkResult r = m_host.SetRunning(key, running);
+            if (!r.ok())
+                QMessageBox::warning(
+                    this, QStringLiteral("ZorDriveBench"),
+                    Tr("驱动器没有执行命令：%1", "The drive did not carry the command out: %1")
+                        .arg(QString::fromStdString(zorhost::sim::LinkResultText(r, m_english))));
             UpdateStates();
-        });
-        QAction* stop = menu->addAction(Tr("停机", "Stop"), this, [this, key] {
-            if (auto* drive = m_host.Drive(key))
-                drive->SetRunning(false);
-            UpdateStates();
-        });
+        };
+        QAction* run = menu->addAction(Tr("运行", "Run"), this, [setRunning] { setRunning(true); });
+        QAction* stop =
+            menu->addAction(Tr("停机", "Stop"), this, [setRunning] { setRunning(false); });
         menu->addSeparator();
         QAction* scopeOn =
             menu->addAction(Tr("启动示波器", "Start oscilloscope"), this, [this, key] {
@@ -363,6 +380,14 @@ void MainWindow::BuildMenus() {
                     drive->StartOscilloscope();
                     m_host.Oscilloscope().Watch(drive);
                     m_host.Oscilloscope().Show(true);
+                } else {
+                    // The samples live in the drive's memory; the field bus carries
+                    // parameters only.
+                    QMessageBox::information(
+                        this, QStringLiteral("ZorDriveBench"),
+                        Tr("示波器只能显示本机仿真驱动器的曲线；该模块经 Modbus 连接。",
+                           "The oscilloscope shows the drives simulated in this program only; "
+                           "this module is connected over Modbus."));
                 }
                 UpdateStates();
             });
@@ -378,11 +403,12 @@ void MainWindow::BuildMenus() {
             zorhost::sim::SimulatedDrive* drive = m_host.Drive(key);
             const bool on = module != nullptr && module->IsOnline();
             open->setEnabled(module != nullptr);
-            connect->setEnabled(drive != nullptr && !on);
+            connect->setEnabled(module != nullptr && !on);
             disconnect->setEnabled(on);
-            run->setEnabled(on && !drive->IsRunning());
-            stop->setEnabled(on && drive->IsRunning());
-            scopeOn->setEnabled(on && !drive->IsOscilloscopeRunning());
+            // A field-bus drive's run state isn't known without asking it: both are offered.
+            run->setEnabled(on && (drive == nullptr || !drive->IsRunning()));
+            stop->setEnabled(on && (drive == nullptr || drive->IsRunning()));
+            scopeOn->setEnabled(on && (drive == nullptr || !drive->IsOscilloscopeRunning()));
             scopeOff->setEnabled(drive != nullptr && drive->IsOscilloscopeRunning());
         });
     }

@@ -5,6 +5,7 @@
 #include "HostProject.h"
 #include "ParmiraModule.h"
 #include "ProgramServices.h"
+#include "StandardTexts.h"
 
 #include <zorhost/services/HostTabManager.h>
 
@@ -68,6 +69,8 @@ private:
     ParmiraModule& m_plugin;
     std::map<std::string, IQXParmira*> m_views; // one per opened module, by key
     bool m_english = false;
+    // Installed while the program speaks Chinese.
+    ChineseStandardTexts m_standardTexts;
     MonitorDock* m_monitor = nullptr;
 
 public:

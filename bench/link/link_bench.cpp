@@ -8,7 +8,6 @@
 #include "zorhost/ReferenceHost.h"
 #include "zorhost/device/DeviceLoader.h"
 #include "zorhost/link/BlockPlan.h"
-#include "zorhost/link/BlockWrite.h"
 #include "zorhost/link/ModbusServer.h"
 #include "zorhost/link/RegisterMap.h"
 
@@ -17,6 +16,7 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <set>
 #include <thread>
 
 namespace {
@@ -121,17 +121,31 @@ void BM_DownloadServoOverTcp(benchmark::State& state) {
     if (level >= sim::SimulatedDrive::kFactoryAuthority)
         b.host.DeviceHelper().WriteNamedVar("SERVO", "InputPassword",
                                             sim::SimulatedDrive::kFactoryCode);
-    std::vector<link::ParameterValue> values;
+    std::vector<std::unique_ptr<CParamRecord>> owned;
+    std::vector<IRWDataItem*> records;
     std::vector<link::RegisterRange> ranges;
+    // What a parameter file brings to a stopped drive (the rules of RecordsFromFile), at
+    // the level the download runs at; the access-code registers take codes, not values.
+    std::set<std::uint32_t> codes;
+    for (const auto& v : b.device->namedVariables)
+        codes.insert(v.address);
     for (const auto& p : b.device->parameters)
-        if (p.modifyMode == device::ModifyMode::Any && p.accessLevel <= level &&
+        if ((p.modifyMode == device::ModifyMode::Any ||
+             p.modifyMode == device::ModifyMode::AtStandstill) &&
+            !p.IsFixed() && p.displayFormat != device::DisplayFormat::Hidden &&
+            p.accessLevel <= level && !codes.count(p.address) &&
             sim::RegisterCount(p.dataType) > 0) {
-            values.push_back({p.address, p.dataType, p.factoryValue});
+            auto& r = owned.emplace_back(std::make_unique<CParamRecord>());
+            r->SetRecordAddress(p.address);
+            r->SetRecordValue(RawToVariant(p.dataType, p.factoryValue));
+            records.push_back(r.get());
             ranges.push_back({p.address, sim::RegisterCount(p.dataType)});
         }
+    std::sort(ranges.begin(), ranges.end(),
+              [](const auto& x, const auto& y) { return x.address < y.address; });
     const link::LinkTraffic before = link.Traffic();
     for (auto _ : state)
-        if (!link::WriteInBlocks(link, values, 500, 2).empty())
+        if (!b.host.Transfer().DownloadRecords(nullptr, "SERVO", records))
             state.SkipWithError("a write was refused");
     Report(state, Since(link.Traffic(), before), ranges, link::kMaxWriteRegisters, true);
 }

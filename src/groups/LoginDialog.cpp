@@ -12,9 +12,10 @@ void RegisterLoginDialogResources(HINSTANCE module) {
     DlgTemplate login{IDD_LOGIN, "用户权限登录", 320, 116};
     login.controls = {
         {IDC_LOGIN_PROMPT, DlgCtl::Static, kLoginPromptFactoryCode, 20, 4, 280, 20},
-        {UINT(IDC_STATIC), DlgCtl::Static, "密码", 20, 30, 56, 22},
-        {IDC_LOGIN_PASSWORD, DlgCtl::Edit, "", 80, 28, 216, 24, ES_PASSWORD | ES_AUTOHSCROLL},
-        {IDC_LOGIN_APPLY_ALL, DlgCtl::Check, "应用到项目中所有模块", 80, 56, 216, 20, 0, true},
+        // Labels leave room for their English.
+        {UINT(IDC_STATIC), DlgCtl::Static, "密码", 20, 30, 70, 22},
+        {IDC_LOGIN_PASSWORD, DlgCtl::Edit, "", 94, 28, 202, 24, ES_PASSWORD | ES_AUTOHSCROLL},
+        {IDC_LOGIN_APPLY_ALL, DlgCtl::Check, "应用到项目中所有模块", 94, 56, 202, 20, 0, true},
         {UINT(IDOK), DlgCtl::Button, "确定", 122, 72, 84, 28, BS_DEFPUSHBUTTON},
         {UINT(IDCANCEL), DlgCtl::Button, "取消", 212, 72, 84, 28},
     };

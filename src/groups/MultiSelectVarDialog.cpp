@@ -400,6 +400,7 @@ CString CMultiSelectVarDialog::LeftText(int row, int column) {
         break;
     case 6:
         attr->GetUnit(text);
+        text = VarText::Translate(text);
         break;
     case 7:
         text = VarText::Translate(VarText::ModifyModeText(attr));

@@ -6,9 +6,7 @@
 #include "module/host/IHostUiService.h"
 #include "module/host/IHostWindowTranslator.h"
 #include "pages/PageResources.h"
-#include "pages/PageText.h"
 #include "table/VarTable.h"
-#include "values/ValueText.h"
 
 CVarTablePage1::CVarTablePage1() : CVarTablePageBase(IDD_VAR_TABLE_PAGE1, TRUE) {
     RegisterPageResources(theApp.m_hResource);
@@ -47,10 +45,6 @@ BOOL CVarTablePage1::OnInitDialog() {
     if (CWnd* update = GetDlgItem(int(IDC_PAGE_UPDATE_ATTRIBUTES)))
         update->ShowWindow(m_pTable != nullptr && m_pTable->SupportsAttributeUpdate() ? SW_SHOW
                                                                                       : SW_HIDE);
-    // The flows behind these buttons are not offered from this page yet.
-    for (UINT id : {IDC_PAGE1_UPLOAD_SAVE, IDC_PAGE1_COMPARE, IDC_PAGE1_AXIS_COPY})
-        if (CWnd* button = GetDlgItem(int(id)))
-            button->EnableWindow(FALSE);
     m_bLanguageListener = theApp.AddLanguageListener(this);
     FinishInit();
     return TRUE;
@@ -93,31 +87,6 @@ BOOL CVarTablePage1::OnCommand(WPARAM wParam, LPARAM lParam) {
         return TRUE;
     }
     return CVarTablePageBase::OnCommand(wParam, lParam);
-}
-
-void CVarTablePage1::UpdateAttributes() {
-    if (m_pTable == nullptr)
-        return;
-    IHostDeviceModule* module = m_pTable->GetModule();
-    if (module == nullptr)
-        return;
-    const HWND owner = GetSafeHwnd();
-    if (!m_pTable->SupportsAttributeUpdate()) {
-        MessageBox(owner, pagetext::LoadString(173).GetString(), "", MB_OK | MB_ICONWARNING);
-        return;
-    }
-    if (!module->IsOnline()) {
-        MessageBox(owner, pagetext::LoadString(2038).GetString(), "", MB_OK | MB_ICONWARNING);
-        return;
-    }
-    if (m_pTable->IsOscilloscopeBusy(module)) {
-        MessageBox(owner, pagetext::LoadString(150).GetString(), "", MB_OK);
-        return;
-    }
-    const CString question = VarText::Translate("是否要从驱动器同步参数？");
-    if (MessageBox(owner, question.GetString(), "", MB_YESNO | MB_ICONQUESTION) != IDYES)
-        return;
-    m_pTable->StartAttributeUpload();
 }
 
 void CVarTablePage1::OnLanguageChanged() {

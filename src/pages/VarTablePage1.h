@@ -30,12 +30,10 @@ public:
     CVarTableListCtrl_1& GetPageList() { return m_list; }
     CComboBox& GetSearchBox() { return m_search; }
     CSearcherComboBox* GetSearcher() override { return &m_search; }
+    CAccessSelector* GetAccessSelector() override { return &m_selector; }
     CNoWheelComboBox& GetAccessBox() { return m_access; }
     void SetTable(CVarTable* table) override;
     void PollAuthority() override;
-
-    // The command of "更新属性": checks the device, asks, then synchronises.
-    void UpdateAttributes();
 
     void Release() override {}
     void OnLanguageChanged() override;

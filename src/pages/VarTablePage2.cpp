@@ -73,10 +73,6 @@ BOOL CVarTablePage2::OnInitDialog() {
     if (module != nullptr && m_pTable != nullptr && !m_pTable->IsProductLine13(module))
         SetDlgItemText(int(IDC_PAGE2_WRITE_ALL),
                        VarText::Translate(kWriteAllShortText).GetString());
-    // The flows behind these buttons are offered by other parts of the frame.
-    for (UINT id : {IDC_PAGE2_UPLOAD_SAVE, IDC_PAGE2_COMPARE, IDC_PAGE2_AXIS_COPY})
-        if (CWnd* button = GetDlgItem(int(id)))
-            button->EnableWindow(FALSE);
     {
         CLocalResource resource(theApp.m_hResource);
         m_filter.SetMenu(IDR_PAGE2_FILTER_MENU);
@@ -106,6 +102,21 @@ BOOL CVarTablePage2::OnCommand(WPARAM wParam, LPARAM lParam) {
     if (id == IDC_PAGE2_FILTER && click) {
         ApplyFilterChoice(m_filter.GetMenuResult());
         return TRUE;
+    }
+    if (click && m_pTable != nullptr && m_pTable->GetModule() != nullptr) {
+        // The saves that read from the drive first are the frame's flows.
+        if (id == IDC_PAGE2_UPLOAD_SAVE) {
+            m_pTable->UploadAndSave();
+            return TRUE;
+        }
+        if (id == IDC_PAGE_SAVE_CHECKED) {
+            m_pTable->UploadCheckedAndSave();
+            return TRUE;
+        }
+        if (id == IDC_PAGE_UPDATE_ATTRIBUTES) {
+            UpdateAttributes();
+            return TRUE;
+        }
     }
     if ((id == IDC_PAGE2_WRITE_CHECKED && click) || id == ID_LIST_DOWNLOAD_CHECKED) {
         WriteCheckedRows();

@@ -72,6 +72,7 @@ public:
     void ClearAllChecks();
     void ClearAllSetValues();
     CSearcherComboBox* GetSearcher() override { return &m_search; }
+    CAccessSelector* GetAccessSelector() override { return &m_selector; }
 
     void OnModuleUploaded(const CString& moduleKey, BOOL success) override;
     void OnModuleDownloaded(const CString& moduleKey, BOOL success) override;

@@ -350,7 +350,7 @@ void CVarTablePageBase::OnSize(UINT nType, int cx, int cy) {
     CListCtrlEx& list = GetList();
     if (list.GetSafeHwnd() == nullptr)
         return;
-    const int top = GetListTop();
+    const int top = std::max(GetListTop(), ArrangeTools(cx) + 3);
     list.MoveWindow(0, top, cx, std::max(0, cy - top));
     if (CHeaderCtrl* header = list.GetHeaderCtrl())
         header->Invalidate();

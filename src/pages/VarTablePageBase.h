@@ -4,6 +4,7 @@
 // Nothing of a cell is kept; a repaint is all a refresh needs.
 #pragma once
 
+#include "groups/AccessSelector.h"
 #include "module/TemplateList.h"
 #include "module/host/HostFwd.h"
 #include "module/host/IMessage_ModulePropertyUpdateEvent.h"
@@ -25,6 +26,7 @@ constexpr COLORREF PAGE_NOT_FACTORY_BACK = RGB(239, 228, 176);
 constexpr COLORREF PAGE_READ_ONLY_SET = RGB(176, 176, 176);
 constexpr COLORREF PAGE_SET_DIFFERS = RGB(255, 228, 225);
 constexpr COLORREF PAGE_NOT_FACTORY_TEXT = RGB(24, 24, 240);
+constexpr COLORREF PAGE_OFFLINE_TEXT = RGB(150, 150, 150);
 
 // Filters of a collection (m_listFilter).
 enum {
@@ -80,9 +82,18 @@ public:
 
     virtual CListCtrlEx& GetList() = 0;
 
+    // The command of "更新属性" on both pages: checks the device, asks, then synchronises
+    // (VarTablePageAttributes.cpp).
+    void UpdateAttributes();
+
     // ---- search
     // The page's search box (control 2065), null while the page has none.
     virtual CSearcherComboBox* GetSearcher() { return nullptr; }
+    virtual CAccessSelector* GetAccessSelector() { return nullptr; }
+    // Lays the page out anew for its size, e.g. after its texts changed language.
+    void Relayout();
+    // After a change of language: the access box's entries anew, then the layout.
+    void ShowInLanguage();
     void OnSearchEnter();
     void OnSearchPicked();
     // Shows the rows of the present selection that hold `text`.
@@ -149,6 +160,9 @@ protected:
 
     // The top of the list in the page's client area.
     virtual int GetListTop() const = 0;
+    // Places the tools above the list in rows for width `cx`, each as wide as its text
+    // needs; returns the bottom of the last row.
+    int ArrangeTools(int cx);
     void BuildColumns();
     void LinkList();
     // Last steps of both pages' start-up: the translator, the property-update event and

@@ -36,7 +36,7 @@ struct ColumnDef {
 };
 
 // First page.
-const ColumnDef kPage1Single[] = {{2011, 0},  {2013, 60}, {2014, 200}, {2015, 150}, {2019, 60},
+const ColumnDef kPage1Single[] = {{2011, 0},  {2013, 60}, {2014, 200}, {2015, 130}, {2019, 60},
                                   {2016, 90}, {2017, 90}, {2018, 90},  {2020, 90},  {2021, 90},
                                   {1972, 0},  {2022, 0},  {185, 110}};
 const ColumnDef kPage1Multi[] = {{2011, 70},  {2012, 80}, {2013, 80}, {2014, 150}, {2015, 180},
@@ -191,12 +191,12 @@ CString CVarTablePageBase::GetCellText(int row, int column) {
         break;
     // A per-unit row in percent reads "%" beside its figure, not the parameter's unit.
     case CellUnit:
-        text = UnitText(var);
+        text = Translate(UnitText(var));
         if (text.IsEmpty())
             text = "-";
         break;
     case CellUnitPlain:
-        text = UnitText(var);
+        text = Translate(UnitText(var));
         break;
     case CellFactory:
         text = hidden ? CString(kHiddenText) : FactoryValueText(var);
@@ -219,13 +219,14 @@ CString CVarTablePageBase::GetCellText(int row, int column) {
                                           : LimitValueText(attr, attr->GetMaxValue());
         break;
     case CellModify:
-        text = ModifyModeText(attr);
+        // Stored in Chinese like the files; shown in the user's language.
+        text = Translate(ModifyModeText(attr));
         break;
     case CellDisplay:
-        text = DisplayFormatText(var);
+        text = Translate(DisplayFormatText(var));
         break;
     case CellEffect:
-        text = EffectModeText(attr);
+        text = Translate(EffectModeText(attr));
         break;
     case CellAddressDec:
         text.Format("%d", int(attr->GetAddress()));
@@ -293,6 +294,10 @@ COLORREF CVarTablePageBase::GetCellBackColor(int row, int column) {
 
 COLORREF CVarTablePageBase::GetCellTextColor(int row, int column) {
     IVarObjEx* var = m_shownVars.GetAt(row);
+    // Offline the values are the last ones read, and no edit would reach the drive.
+    IHostDeviceModule* module = m_pTable != nullptr ? m_pTable->GetModule() : nullptr;
+    if (module != nullptr && !module->IsOnline())
+        return PAGE_OFFLINE_TEXT;
     if (var == nullptr || var->GetAttr() == nullptr || column != GetCurrentValueColumn())
         return RGB(0, 0, 0);
     return EqualsFactory(var) ? RGB(0, 0, 0) : PAGE_NOT_FACTORY_TEXT;

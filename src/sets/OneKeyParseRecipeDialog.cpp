@@ -14,6 +14,7 @@
 #include "module/host/IHostProject.h"
 #include "module/host/IHostUiService.h"
 #include "module/host/IHostVarUtil.h"
+#include "module/host/IHostWindowTranslator.h"
 #include "module/host/IHostWorkerThread.h"
 #include "module/host/IParamFile.h"
 #include "module/host/IParamFileTable.h"
@@ -29,6 +30,7 @@
 #include <afx/afxres.h>
 
 #include <algorithm>
+#include <memory>
 
 namespace {
 
@@ -125,6 +127,8 @@ BOOL COneKeyParseRecipeDialog::OnInitDialog() {
         BuildRecipeRows(m_pModule->GetVarList());
         m_list.SetItemCountEx(GetRowCount(), 0);
     }
+    // Its title and buttons in the user's language; the dialog is modal, so once is enough.
+    std::unique_ptr<IHostWindowTranslator>(theApp.MakeWindowTranslator(GetSafeHwnd()));
     Layout();
     return TRUE;
 }
@@ -178,7 +182,7 @@ void COneKeyParseRecipeDialog::AddGroupItems(IGroupNode* group, HTREEITEM parent
     group->GetName(name);
     group->GetDescription(description);
     if (!description.IsEmpty())
-        name += "[" + description + "]";
+        name += "[" + VarText::Translate(description) + "]";
     HTREEITEM item = m_tree.InsertItem(name.GetString(), parent);
     auto* record = new CTreeItemData(1, group);
     if (item != nullptr && m_treeItems.Add(record, record))
@@ -338,7 +342,7 @@ CString COneKeyParseRecipeDialog::GetCellText(int row, int column) {
         return RecipeValueText(attr, attr->GetMaxValue());
     case 8:
         attr->GetUnit(text);
-        return text;
+        return VarText::Translate(text);
     case 9:
         return VarText::Translate(VarText::ModifyModeText(attr));
     case 10:

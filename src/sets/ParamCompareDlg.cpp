@@ -269,6 +269,7 @@ void CParamCompareDlg::Unsubscribe() {
 void CParamCompareDlg::ClearResults() {
     m_sameList.DeleteAll();
     m_diffList.DeleteAll();
+    CVarCompare::FreeFileVars(m_fileVars);
 }
 
 const CVarCompareRstList& CParamCompareDlg::GetShownList() const {
@@ -288,37 +289,10 @@ CString CParamCompareDlg::GetCellText(int row, int column) const {
     const CVarCompareRst* r = GetShownList().GetAt(row);
     if (r == nullptr)
         return text;
-    switch (column) {
-    case 0:
+    if (column == 0)
         text.Format("%03d", row + 1);
-        break;
-    case 1:
-        text = r->m_strGroup1;
-        break;
-    case 2:
-        text = r->m_strCode1;
-        break;
-    case 3:
-        text = r->m_strName1;
-        break;
-    case 4:
-        text = r->m_strValue1;
-        break;
-    case 5:
-        text = r->m_strGroup2;
-        break;
-    case 6:
-        text = r->m_strCode2;
-        break;
-    case 7:
-        text = r->m_strName2;
-        break;
-    case 8:
-        text = r->m_strValue2;
-        break;
-    default:
-        break;
-    }
+    else
+        text = r->GetText(theApp.GetVarUtil(), column);
     return text;
 }
 
@@ -528,10 +502,11 @@ UINT CParamCompareDlg::CompareWorker(void* arg) {
         compare.SetHideReadOnly(job->hideReadOnly);
         compare.Run(set1, job->source1, set2, job->source2, job->same, job->diff);
     }
+    // Rows make their texts from these attributes when shown: they go with the rows.
     if (job->source1 == VarSourceFile)
-        CVarCompare::FreeFileVars(set1);
+        job->fileVars.insert(job->fileVars.end(), set1.begin(), set1.end());
     if (job->source2 == VarSourceFile)
-        CVarCompare::FreeFileVars(set2);
+        job->fileVars.insert(job->fileVars.end(), set2.begin(), set2.end());
     done();
     return 0;
 }
@@ -550,6 +525,7 @@ void CParamCompareDlg::OnCompareDone(WPARAM serial) {
     m_diffList = m_pJob->diff;
     m_pJob->same.RemoveAll();
     m_pJob->diff.RemoveAll();
+    m_fileVars.swap(m_pJob->fileVars);
     m_pJob.reset();
     m_bDone = TRUE;
     ShowSelectedList();

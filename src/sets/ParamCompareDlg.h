@@ -131,9 +131,12 @@ private:
         IHostModuleManager* manager = nullptr;
         CVarCompareRstList same;
         CVarCompareRstList diff;
+        // The variables read from files: the rows refer to their attributes.
+        std::vector<IVarObjEx*> fileVars;
         ~Job() {
             same.DeleteAll();
             diff.DeleteAll();
+            CVarCompare::FreeFileVars(fileVars);
         }
     };
 
@@ -156,6 +159,8 @@ private:
     IHostDeviceModule* m_pModule = nullptr;
     CVarCompareRstList m_sameList;
     CVarCompareRstList m_diffList;
+    // Taken over from the run with its lists, freed with them.
+    std::vector<IVarObjEx*> m_fileVars;
     int m_nSource1 = VarSourceCurrent;
     int m_nSource2 = VarSourceFactory;
     IHostDeviceModule* m_pModule1 = nullptr;

@@ -292,9 +292,9 @@ void CShaftCopyDialog::Compare() {
             Warn(theApp.LoadText(IDS_DEVICE_OFFLINE));
             return;
         }
-        UploadAndWait(KeyOf(target));
-        // "取消" during the wait: the dialog is on its way out.
-        if (m_bClosing || GetSafeHwnd() == nullptr)
+        // The rows would be compared against values the host may not hold yet, or shown
+        // in a dialog on its way out.
+        if (!UploadAndWait(KeyOf(target)))
             return;
     }
     IHostTransferService* transfer = theApp.GetTransferService();
@@ -315,19 +315,21 @@ void CShaftCopyDialog::Compare() {
         m_list.SetCheck(i, m_rows.GetAt(i)->IsRecordChecked());
 }
 
-void CShaftCopyDialog::UploadAndWait(const CString& targetKey) {
+BOOL CShaftCopyDialog::UploadAndWait(const CString& targetKey) {
     if (m_pUploadEvent == nullptr)
         m_pUploadEvent = new CEvent(FALSE, FALSE);
     IHostTransferService* transfer = theApp.GetTransferService();
     if (transfer == nullptr || !transfer->UploadModule(GetSafeHwnd(), targetKey))
-        return; // no upload runs, so no end will come
-    // The window stays live while the drive is read; only the end of the upload or the
-    // end of the dialog stops the wait.
+        return TRUE; // no upload runs, so no end will come
+    // The window stays live while the drive is read. The end of the upload, the end of the
+    // dialog ("取消", a close, its window destroyed) or the application quitting stops the
+    // wait; nothing else does.
     for (;;) {
-        if (AfxWaitPumping(*m_pUploadEvent, kUploadPoll_ms) == WAIT_OBJECT_0)
-            break;
-        if (m_bClosing || GetSafeHwnd() == nullptr)
-            break;
+        const DWORD woke = AfxWaitPumping(*m_pUploadEvent, kUploadPoll_ms);
+        if (m_bClosing || GetSafeHwnd() == nullptr || woke == WAIT_QUIT)
+            return FALSE;
+        if (woke == WAIT_OBJECT_0)
+            return TRUE;
     }
 }
 

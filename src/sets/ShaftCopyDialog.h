@@ -97,7 +97,10 @@ protected:
 
 private:
     void FillAxisList(CComboBox& box, IHostDeviceModule* device);
-    void UploadAndWait(const CString& targetKey);
+    // TRUE once the upload has ended, well or not, or when none could start: the compare
+    // then goes on with what the host holds. FALSE when the dialog or the application is
+    // going away first.
+    BOOL UploadAndWait(const CString& targetKey);
     void OnListClick(const NMITEMACTIVATE* item);
     void SignalUpload();
     void Warn(const CString& text);

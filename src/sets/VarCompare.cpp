@@ -106,27 +106,48 @@ void CVarCompare::ComparePair(IVarObjEx* var1, int source1, IVarObjEx* var2, int
     if (m_bHideReadOnly &&
         (attr1->GetModifyMode() == kModifyNever || attr2->GetModifyMode() == kModifyNever))
         return;
-    const Variant value1 = SourceValue(var1, source1);
-    const Variant value2 = SourceValue(var2, source2);
+    Variant value1 = SourceValue(var1, source1);
+    Variant value2 = SourceValue(var2, source2);
     if (IsEmptyValue(value1) || IsEmptyValue(value2))
         return;
 
-    auto* rst = new CVarCompareRst;
-    attr1->GetGroupText(rst->m_strGroup1);
-    attr2->GetGroupText(rst->m_strGroup2);
-    attr1->GetName(rst->m_strName1);
-    attr2->GetName(rst->m_strName2);
-    attr1->GetCode(rst->m_strCode1);
-    attr2->GetCode(rst->m_strCode2);
-    rst->m_nAddress = var2->GetInstanceAddress();
-    rst->m_strValue1 = CompareValueText(m_pUtil, var1, value1);
-    rst->m_strValue2 = CompareValueText(m_pUtil, var2, value2);
     // Numbers decide, not texts: a hexadecimal and a decimal display of one value agree.
     const double d = std::fabs(m_pUtil->VariantAsDouble(value1) - m_pUtil->VariantAsDouble(value2));
+    auto* rst = new CVarCompareRst;
+    rst->m_pAttr1 = attr1;
+    rst->m_pAttr2 = attr2;
+    rst->m_nAddress = var2->GetInstanceAddress();
+    rst->m_value1 = std::move(value1);
+    rst->m_value2 = std::move(value2);
     if (d <= kTolerance)
         agree.Add(rst, rst);
     else
         differ.Add(rst, rst);
+}
+
+CString CVarCompareRst::GetText(IHostVarUtil* util, int column) const {
+    const bool first = column <= Value1;
+    IVarAttr* attr = first ? m_pAttr1 : m_pAttr2;
+    CString text;
+    if (attr == nullptr)
+        return text;
+    switch (first ? column : column - (Group2 - Group1)) {
+    case Group1:
+        attr->GetGroupText(text);
+        break;
+    case Code1:
+        attr->GetCode(text);
+        break;
+    case Name1:
+        attr->GetName(text);
+        break;
+    case Value1:
+        text = CVarCompare::CompareValueText(util, attr, first ? m_value1 : m_value2);
+        break;
+    default:
+        break;
+    }
+    return text;
 }
 
 CString CVarCompare::CompareNumberText(IHostVarUtil* util, IVarAttr* attr, const Variant& value) {
@@ -162,8 +183,7 @@ CString CVarCompare::CompareNumberText(IHostVarUtil* util, IVarAttr* attr, const
     return text;
 }
 
-CString CVarCompare::CompareValueText(IHostVarUtil* util, IVarObjEx* var, const Variant& value) {
-    IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
+CString CVarCompare::CompareValueText(IHostVarUtil* util, IVarAttr* attr, const Variant& value) {
     if (attr == nullptr || util == nullptr)
         return CString();
     CString text = CompareNumberText(util, attr, value);
@@ -214,10 +234,13 @@ std::string CVarCompare::CsvText(IHostVarUtil* util, const CVarCompareRstList& r
     const int count = rows.GetCount();
     for (int i = 0; i < count; ++i) {
         const CVarCompareRst* r = rows.GetAt(i);
-        line.Format("%d,%s,%s,%s,%s,%s,%s\n", i + 1, r->m_strCode1.GetString(),
-                    r->m_strName1.GetString(), r->m_strValue1.GetString(),
-                    r->m_strCode2.GetString(), r->m_strName2.GetString(),
-                    r->m_strValue2.GetString());
+        line.Format("%d", i + 1);
+        for (int column : {CVarCompareRst::Code1, CVarCompareRst::Name1, CVarCompareRst::Value1,
+                           CVarCompareRst::Code2, CVarCompareRst::Name2, CVarCompareRst::Value2}) {
+            line += ',';
+            line += r->GetText(util, column);
+        }
+        line += "\n";
         put(line);
     }
     return out;

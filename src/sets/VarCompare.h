@@ -20,18 +20,24 @@ enum VarSource {
     VarSourceFile = 4,    // GetValue of the variable read from a parameter file
 };
 
-// One row of a result list.
+// One row of a result list: the two attributes and the two values that were compared.
+// Its texts are made when the row is shown or saved, so that a compare of large sets spends
+// its time matching and comparing, not formatting rows nobody may look at. The attributes
+// must outlive the row: a module's belong to its drive, a file's to whoever keeps the
+// variables CloneFileVars made.
 class CVarCompareRst {
 public:
-    CString m_strGroup1;
-    CString m_strGroup2;
-    CString m_strName1;
-    CString m_strName2;
-    CString m_strCode1;
-    CString m_strCode2;
+    // The result list's columns after the row number.
+    enum Column { Group1 = 1, Code1, Name1, Value1, Group2, Code2, Name2, Value2 };
+
+    IVarAttr* m_pAttr1 = nullptr;
+    IVarAttr* m_pAttr2 = nullptr;
     UINT m_nAddress = 0; // of the variable of set 2
-    CString m_strValue1;
-    CString m_strValue2;
+    Variant m_value1;
+    Variant m_value2;
+
+    // The text of `column`; empty for a column it doesn't know.
+    CString GetText(IHostVarUtil* util, int column) const;
 };
 
 // Owns its records once filled: clear it with DeleteAll.
@@ -64,7 +70,7 @@ public:
     // The number part of a compared value, by display format.
     static CString CompareNumberText(IHostVarUtil* util, IVarAttr* attr, const Variant& value);
     // The number with the meaning of an enumerated value in square brackets.
-    static CString CompareValueText(IHostVarUtil* util, IVarObjEx* var, const Variant& value);
+    static CString CompareValueText(IHostVarUtil* util, IVarAttr* attr, const Variant& value);
 
     // The compare table: a time line, the header, one line per record. Each line passes
     // the host's narrow text; nothing is quoted.
@@ -72,7 +78,8 @@ public:
                                const SYSTEMTIME& time);
 
     // Appends copies of the variables of an opened parameter file, each with a copy of
-    // its attribute, so that they outlive the file object.
+    // its attribute, so that they outlive the file object. Rows made from them need them
+    // until the rows are gone.
     static void CloneFileVars(IParamFile* file, std::vector<IVarObjEx*>& vars);
     // Frees what CloneFileVars made: the attribute first, then the variable.
     static void FreeFileVars(std::vector<IVarObjEx*>& vars);

@@ -90,9 +90,7 @@ BOOL CParmiraDialog::OnInitDialog() {
     }
 
     AddAnchor(IDC_TABLE_PLACEHOLDER, AnchorTopLeft, AnchorBottomRight);
-    for (UINT id :
-         {IDC_TOTAL_LABEL, IDC_TOTAL_COUNT, IDC_CURRENT_LABEL, IDC_CURRENT_COUNT, IDC_NOTICE_STRIP})
-        AddAnchor(id, AnchorBottomLeft);
+    ArrangeStrip();
 
     delete m_pTranslator;
     m_pTranslator = theApp.MakeWindowTranslator(GetSafeHwnd());
@@ -103,7 +101,10 @@ BOOL CParmiraDialog::OnInitDialog() {
 
 void CParmiraDialog::ShowNotice() {
     CString text;
-    if (m_pTable != nullptr && m_pTable->IsProductLine13(m_pModule)) {
+    if (m_pModule != nullptr && !m_pModule->IsOnline()) {
+        if (IHostUiService* ui = theApp.GetUiService())
+            ui->TranslateText(text, CString("设备离线."));
+    } else if (m_pTable != nullptr && m_pTable->IsProductLine13(m_pModule)) {
         if (IHostUiService* ui = theApp.GetUiService())
             ui->GetString(text, theApp.m_hResource, IDS_FACTORY_NOTICE, 0);
     }
@@ -123,6 +124,7 @@ CString CParmiraDialog::GetNoticeText() const {
 
 void CParmiraDialog::OnSize(UINT nType, int cx, int cy) {
     CZorSkinPDialog::OnSize(nType, cx, cy);
+    ArrangeStrip();
     CWnd* placeholder = GetDlgItem(int(IDC_TABLE_PLACEHOLDER));
     if (placeholder != nullptr && HasTableWindow()) {
         CRect rc;
@@ -199,6 +201,11 @@ void CParmiraDialog::OnLanguageChangedMessage() {
     }
     if (m_pTranslator != nullptr)
         m_pTranslator->Retranslate(0);
+    // Texts of another length: labels and tools take their new widths.
+    ShowNotice();
+    ArrangeStrip();
+    if (HasTableWindow())
+        m_pTable->ShowPagesInLanguage();
 }
 
 BOOL CParmiraDialog::IsOwnModule(const CString& moduleKey) const {

@@ -36,8 +36,11 @@ public:
     CImplementation* GetOwner() const { return m_pOwner; }
     // The table frame; null before OnInitDialog and after OnDestroy.
     CVarTable* GetTable() const { return m_pTable; }
-    // What the notice strip shows; empty for all but line 13.
+    // What the notice strip shows: that the drive is offline; else the factory notice
+    // of line 13, empty for all others.
     CString GetNoticeText() const;
+    // Renews the notice strip for the module's state.
+    void ShowNotice();
     const CString& GetModuleKeyText() const { return m_strModuleKey; }
     // The tab's window the panel lives in.
     HWND GetTabWindow() const;
@@ -75,7 +78,8 @@ private:
     void OnLanguageChangedMessage();
     BOOL IsOwnModule(const CString& moduleKey) const;
     BOOL HasTableWindow() const;
-    void ShowNotice();
+    // The counts and the notice along the bottom edge, each label as wide as its text.
+    void ArrangeStrip();
 
     CImplementation* m_pOwner = nullptr;
     IHostProject* m_pProject = nullptr;

@@ -34,12 +34,13 @@ void RegisterTableResources(HINSTANCE module) {
     // The frame: tree | splitter | stacked area | splitter | description.
     DlgTemplate frame{IDD_VAR_TABLE, "", 900, 570, {}, WS_CHILD | WS_VISIBLE};
     frame.controls = {
-        {IDC_GROUP_TREE, DlgCtl::Tree, "", 0, 0, 200, 570,
+        // The tree widens to its labels; the description shows only with a text.
+        {IDC_GROUP_TREE, DlgCtl::Tree, "", 0, 0, 150, 570,
          TVS_HASLINES | TVS_HASBUTTONS | TVS_LINESATROOT | TVS_SHOWSELALWAYS},
-        {IDC_TREE_SPLITTER, DlgCtl::Custom, "", 200, 0, 4, 570},
-        {IDC_STACK_PLACEHOLDER, DlgCtl::Custom, "", 204, 0, 536, 570},
-        {IDC_TEXT_SPLITTER, DlgCtl::Custom, "", 740, 0, 4, 570},
-        {IDC_VAR_DESCRIPTION, DlgCtl::Edit, "", 744, 0, 156, 570, ES_MULTILINE | ES_READONLY},
+        {IDC_TREE_SPLITTER, DlgCtl::Custom, "", 150, 0, 4, 570},
+        {IDC_STACK_PLACEHOLDER, DlgCtl::Custom, "", 154, 0, 526, 570},
+        {IDC_TEXT_SPLITTER, DlgCtl::Custom, "", 680, 0, 4, 570},
+        {IDC_VAR_DESCRIPTION, DlgCtl::Edit, "", 684, 0, 216, 570, ES_MULTILINE | ES_READONLY},
     };
     AfxRegisterDialog(module, frame);
     AfxRegisterDialog(module, DlgTemplate{IDD_STACKED_HOST, "", 536, 570, {}, WS_CHILD});

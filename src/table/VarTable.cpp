@@ -179,8 +179,14 @@ void CVarTable::ShowVarDescription(IVarObjEx* var) {
         return;
     CString text;
     attr->GetInfoText(text);
+    if (IHostUiService* ui = theApp.GetUiService(); ui != nullptr && !text.IsEmpty()) {
+        CString shown;
+        ui->TranslateText(shown, text);
+        text = shown;
+    }
     text.Replace("\n", "\r\n");
     SetDlgItemText(int(IDC_VAR_DESCRIPTION), text.GetString());
+    RecalcLayout();
 }
 
 BOOL CVarTable::IsCatalogVar(IVarObjEx* var) {
@@ -298,6 +304,7 @@ void CVarTable::OnModuleDownloaded(const CString& /*moduleKey*/, BOOL /*success*
 void CVarTable::OnLanguageChanged() {
     if (m_pTranslator != nullptr)
         m_pTranslator->Retranslate(0);
+    RetranslateTree();
     // The names as shown changed: the pages make their search texts again while idle.
     for (CVarTablePage* page : {m_pPage1, m_pPage2})
         if (page != nullptr)
@@ -305,48 +312,6 @@ void CVarTable::OnLanguageChanged() {
 }
 
 // ---------------------------------------------------------------- window
-
-void CVarTable::RecalcLayout() {
-    if (GetSafeHwnd() == nullptr)
-        return;
-    CRect client;
-    GetClientRect(&client);
-    CWnd* tree = GetDlgItem(int(IDC_GROUP_TREE));
-    CWnd* treeSplitter = GetDlgItem(int(IDC_TREE_SPLITTER));
-    CWnd* stack = GetDlgItem(int(IDC_STACK_PLACEHOLDER));
-    CWnd* textSplitter = GetDlgItem(int(IDC_TEXT_SPLITTER));
-    CWnd* text = GetDlgItem(int(IDC_VAR_DESCRIPTION));
-    if (tree == nullptr || treeSplitter == nullptr || stack == nullptr || textSplitter == nullptr ||
-        text == nullptr)
-        return;
-    // Tree and text box keep their widths; the splitters stand beside them and the
-    // stacked area takes what is left.
-    CRect r;
-    tree->GetWindowRect(&r);
-    const int treeWidth = r.Width();
-    treeSplitter->GetWindowRect(&r);
-    const int splitWidth1 = r.Width();
-    textSplitter->GetWindowRect(&r);
-    const int splitWidth2 = r.Width();
-    text->GetWindowRect(&r);
-    const int textWidth = r.Width();
-    const int h = client.Height();
-    int x = 0;
-    tree->MoveWindow(x, 0, treeWidth, h);
-    x += treeWidth;
-    treeSplitter->MoveWindow(x, 0, splitWidth1, h);
-    x += splitWidth1;
-    const int textLeft = std::max(x, client.Width() - textWidth);
-    const int splitLeft = std::max(x, textLeft - splitWidth2);
-    stack->MoveWindow(x, 0, std::max(0, splitLeft - x), h);
-    textSplitter->MoveWindow(splitLeft, 0, splitWidth2, h);
-    text->MoveWindow(textLeft, 0, std::max(0, client.Width() - textLeft), h);
-    if (m_stack.GetSafeHwnd() != nullptr) {
-        CRect inner;
-        stack->GetClientRect(&inner);
-        m_stack.MoveWindow(&inner);
-    }
-}
 
 void CVarTable::OnSize(UINT nType, int cx, int cy) {
     CZorSkinPDialog::OnSize(nType, cx, cy);

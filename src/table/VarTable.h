@@ -98,6 +98,8 @@ public:
     IHostDeviceModule* GetModule() const { return m_pModule; }
     IHostWorkspace* GetWorkspace() const { return m_pWorkspace; }
     CParmiraDialog* GetPanel() const { return m_pPanel; }
+    // After a change of language: the pages' choice lists and layout anew.
+    void ShowPagesInLanguage();
     IGroupNode* GetCurrentCustomGroup() const { return m_pCurrentGroup; }
     int GetAccessLevel() const;
     // 0 when the chain to the workspace is broken.
@@ -168,6 +170,8 @@ public:
 
     // Group tree.
     void BuildTree();
+    // Item texts in the language now chosen.
+    void RetranslateTree();
     void SaveTreeState(HTREEITEM parent);
     BOOL RestoreTreeState(HTREEITEM parent);
     BOOL IsGroupShown(IGroupNode* group);
@@ -296,6 +300,10 @@ private:
     void RemoveRefreshListener();
     void ReleaseWorker();
     void RecalcLayout();
+    // Widens the tree so that its labels are whole, up to 30 % of the frame.
+    void FitTreeWidth();
+    // Greys the list and tells the panel when the module's link went down or came back.
+    void ShowOnlineState();
     void DeleteTreeRecords();
     HTREEITEM AddGroupItem(IGroupNode* group, HTREEITEM parent, BOOL filtered);
     void AddGroupChildren(IGroupNode* group, HTREEITEM parent, BOOL filtered);
@@ -348,6 +356,8 @@ private:
     BOOL m_bRefreshListening = FALSE;
     // Set while items are made or deleted in bulk: selection changes then show nothing.
     BOOL m_bRebuilding = FALSE;
+    // Whether the panel shows the module online: -1 before the first tick.
+    int m_shownOnline = -1;
 
     static VarTablePageFactory s_pageFactory;
 };

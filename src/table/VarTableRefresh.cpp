@@ -85,6 +85,7 @@ void CVarTable::OnRefreshQuery() {
 
 void CVarTable::OnRefreshTick() {
     CSingleLock lock(&m_refreshLock, TRUE);
+    ShowOnlineState();
     if (refreshEnabled.load() == 0 || m_pModule == nullptr || !m_pModule->IsOnline())
         return;
     const int style = GetListStyle();

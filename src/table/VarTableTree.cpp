@@ -24,10 +24,22 @@
 
 namespace {
 
+// The host's descriptions are written in Chinese; the tree shows them in the user's
+// language, as the list shows parameter names.
+CString Shown(const CString& text) {
+    IHostUiService* ui = theApp.GetUiService();
+    if (ui == nullptr || text.IsEmpty())
+        return text;
+    CString translated;
+    ui->TranslateText(translated, text);
+    return translated;
+}
+
 template <class T> CString ItemLabel(T* node) {
     CString name, description;
     node->GetName(name);
     node->GetDescription(description);
+    description = Shown(description);
     if (description.IsEmpty())
         return name;
     CString label;
@@ -193,7 +205,7 @@ void CVarTable::BuildTree() {
                 CString name;
                 axis->GetName(name);
                 HTREEITEM axisItem =
-                    InsertRecordItem(name, 1, m_hAll, CTreeItemData::KindAxis, axis);
+                    InsertRecordItem(Shown(name), 1, m_hAll, CTreeItemData::KindAxis, axis);
                 if (axisItem == nullptr)
                     continue;
                 if (IGroupSet* groups = axis->GetGroupSet())
@@ -211,6 +223,7 @@ void CVarTable::BuildTree() {
     m_bRebuilding = FALSE;
     if (!RestoreTreeState(m_hRoot))
         m_tree.SelectItem(m_hAll);
+    FitTreeWidth();
 }
 
 namespace {
@@ -527,4 +540,36 @@ BOOL CVarTable::OnFrameCommand(UINT id) {
     default:
         return FALSE;
     }
+}
+
+void CVarTable::RetranslateTree() {
+    IHostUiService* ui = theApp.GetUiService();
+    if (m_tree.GetSafeHwnd() == nullptr || ui == nullptr)
+        return;
+    // Texts are renamed in place: selection and expansion stay as the user left them.
+    const std::pair<HTREEITEM, UINT> fixed[] = {{m_hRoot, IDS_TREE_ROOT},
+                                                {m_hModified, IDS_TREE_MODIFIED},
+                                                {m_hCustom, IDS_TREE_CUSTOM},
+                                                {m_hAll, IDS_TREE_ALL}};
+    for (const auto& [item, id] : fixed) {
+        CString text;
+        if (item != nullptr && ui->GetString(text, theApp.m_hResource, id, 0))
+            m_tree.SetItemText(item, text.GetString());
+    }
+    WalkTree(m_tree, m_hRoot, [this](HTREEITEM item) {
+        const auto* record = reinterpret_cast<CTreeItemData*>(m_tree.GetItemData(item));
+        if (record == nullptr)
+            return;
+        CString label;
+        if (IGroupNode* group = record->GetGroup())
+            label = ItemLabel(group);
+        else if (IGroupCategory* category = record->GetCategory())
+            label = ItemLabel(category);
+        else if (IHostAxis* axis = record->GetAxis()) {
+            axis->GetName(label);
+            label = Shown(label);
+        }
+        m_tree.SetItemText(item, label.GetString());
+    });
+    FitTreeWidth();
 }

@@ -13,6 +13,7 @@
 #include "module/host/IVarAttr.h"
 #include "module/host/IVarCatalog.h"
 #include "module/host/IVarObjEx.h"
+#include "values/ValueText.h"
 
 #include <afx/afxres.h>
 
@@ -66,8 +67,10 @@ CString CLinkerListCtrl::OnGetCellText(int nItem, int nSubItem) {
     CString text;
     if (nSubItem == 0)
         row->m_pAttr->GetCode(text);
-    else if (nSubItem == 1)
+    else if (nSubItem == 1) {
         row->m_pAttr->GetName(text);
+        text = VarText::Translate(text);
+    }
     return text;
 }
 
@@ -92,6 +95,7 @@ void CWriteLinkerVarDialog::SetItem(IVarObjEx* item) {
         return;
     m_pAttr->GetCode(m_codeText);
     m_pAttr->GetName(m_nameText);
+    m_nameText = VarText::Translate(m_nameText);
     Variant v = item->GetSetValue();
     if (v.vt == VT_EMPTY || v.vt == VT_NULL)
         v = item->GetValue();

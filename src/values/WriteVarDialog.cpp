@@ -23,15 +23,16 @@ void RegisterWriteVarDialog(HINSTANCE module) {
         return;
     DlgTemplate dlg{IDD_WRITE_VAR, "写入参数", 430, 400};
     dlg.controls = {
-        {UINT(IDC_STATIC), DlgCtl::Static, "参数名称", 12, 14, 70, 20},
-        {IDC_WRITE_CODE, DlgCtl::Edit, "", 86, 12, 120, 22, ES_READONLY},
-        {UINT(IDC_STATIC), DlgCtl::Static, "地址", 218, 14, 60, 20},
-        {IDC_WRITE_ADDRESS, DlgCtl::Edit, "", 282, 12, 136, 22, ES_READONLY},
-        {UINT(IDC_STATIC), DlgCtl::Static, "描述", 12, 42, 70, 20},
-        {IDC_WRITE_NAME, DlgCtl::Edit, "", 86, 40, 332, 22, ES_READONLY},
+        // Labels leave room for their English.
+        {UINT(IDC_STATIC), DlgCtl::Static, "参数名称", 12, 14, 110, 20},
+        {IDC_WRITE_CODE, DlgCtl::Edit, "", 124, 12, 96, 22, ES_READONLY},
+        {UINT(IDC_STATIC), DlgCtl::Static, "地址", 228, 14, 60, 20},
+        {IDC_WRITE_ADDRESS, DlgCtl::Edit, "", 292, 12, 126, 22, ES_READONLY},
+        {UINT(IDC_STATIC), DlgCtl::Static, "描述", 12, 42, 110, 20},
+        {IDC_WRITE_NAME, DlgCtl::Edit, "", 124, 40, 294, 22, ES_READONLY},
         {IDC_WRITE_GRID, DlgCtl::Custom, "", 12, 70, 406, 250},
-        {UINT(IDC_STATIC), DlgCtl::Static, "当前值", 12, 332, 70, 20},
-        {IDC_WRITE_VALUE, DlgCtl::Edit, "", 86, 330, 160, 22, ES_AUTOHSCROLL},
+        {UINT(IDC_STATIC), DlgCtl::Static, "当前值", 12, 332, 110, 20},
+        {IDC_WRITE_VALUE, DlgCtl::Edit, "", 124, 330, 160, 22, ES_AUTOHSCROLL},
         {UINT(IDOK), DlgCtl::Button, "确定", 250, 364, 80, 26, BS_DEFPUSHBUTTON},
         {UINT(IDCANCEL), DlgCtl::Button, "取消", 338, 364, 80, 26},
     };
@@ -149,6 +150,7 @@ BOOL CWriteVarDialog::OnInitDialog() {
         m_hexFlag = attr->GetDisplayFormat() == 1 ? 1 : 0;
         attr->GetCode(m_codeText);
         attr->GetName(m_nameText);
+        m_nameText = Translated(m_nameText);
         const LONGLONG v = LONGLONG(util->VariantAsDouble(m_pItem->GetValue()));
         if (m_hexFlag)
             m_valueText.Format("0x%04X", unsigned(v));

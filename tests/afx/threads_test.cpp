@@ -2,6 +2,9 @@
 #include <afx/afxtest.h>
 #include <afx/afxwin.h>
 
+#include <QCoreApplication>
+#include <QTimer>
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -53,6 +56,28 @@ TEST(ThreadsTest, PumpingWaitKeepsMessagesFlowing) {
     wnd.SetTimer(1, 5);
     EXPECT_EQ(AfxWaitPumping(done, 60), WAIT_TIMEOUT);
     EXPECT_GT(wnd.ticks, 0);
+}
+
+// A quit ends a pumping wait at once, however long it was to be, and the loops outside it
+// end too; once they have, waits work as before.
+TEST(ThreadsTest, PumpingWaitEndsWhenTheApplicationQuits) {
+    CEvent never, finished;
+    // A wait that missed the quit would spin for ever; the watchdog turns that into a
+    // failure rather than a hung suite.
+    std::thread watchdog([&] {
+        if (!finished.Lock(30000))
+            never.SetEvent();
+    });
+    DWORD r = WAIT_OBJECT_0;
+    QTimer::singleShot(0, qApp, [&] {
+        QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(3); });
+        r = AfxWaitPumping(never, INFINITE);
+    });
+    EXPECT_EQ(QCoreApplication::exec(), 3);
+    finished.SetEvent();
+    watchdog.join();
+    EXPECT_EQ(r, WAIT_QUIT);
+    EXPECT_EQ(AfxWaitPumping(never, 1), WAIT_TIMEOUT);
 }
 
 TEST(ThreadsTest, EventsAndLocks) {

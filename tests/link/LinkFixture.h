@@ -63,7 +63,7 @@ protected:
         host.Services().Get<IHostMessageBus>()->Unsubscribe(IMessage_ModuleUploadEvent::kIID, this);
     }
     void OnModuleUploaded(const CString&, BOOL success) override { ends.push_back(success); }
-    void OnModuleDownloaded(const CString&, BOOL) override {}
+    void OnModuleDownloaded(const CString&, BOOL success) override { downloads.push_back(success); }
 
     std::uint32_t Address(const char* code) {
         if (!device)
@@ -77,7 +77,8 @@ protected:
 
     std::unique_ptr<SimProcess> sim;
     zorhost::ReferenceHost host;
-    std::vector<BOOL> ends;
+    std::vector<BOOL> ends;      // uploads
+    std::vector<BOOL> downloads; // downloads
 };
 
 } // namespace linktest

@@ -1,7 +1,9 @@
 #include "LinkFixture.h"
 
 #include "module/host/IVarAttr.h"
-#include "zorhost/link/BlockWrite.h"
+#include "zorhost/link/RegisterMap.h"
+#include "zorhost/services/HostDeviceHelper.h"
+#include "zorhost/services/ParamRecord.h"
 
 using namespace linktest;
 using zorhost::sim::LinkStatus;
@@ -128,27 +130,33 @@ TEST_F(TcpHost, KilledSimulatorEndsTheUploadAndIsFoundAgain) {
 }
 
 // A download writes neighbours in blocks; the one value the drive refuses is the only
-// failure, and the rest of its block still arrives.
-TEST_F(TcpHost, BlockWriteNamesExactlyTheRefusedParameter) {
-    std::vector<zorhost::link::ParameterValue> values;
+// failure, named with the drive's reason, and the rest of its block still arrives.
+TEST_F(TcpHost, DownloadInBlocksNamesExactlyTheRefusedParameter) {
+    std::vector<std::unique_ptr<zorhost::CParamRecord>> owned;
+    std::vector<IRWDataItem*> records;
     for (const auto& p : device->parameters)
         if (p.modifyMode == zorhost::device::ModifyMode::Any && p.accessLevel <= 1 &&
-            zorhost::sim::RegisterCount(p.dataType) > 0)
-            values.push_back({p.address, p.dataType, p.factoryValue});
-    ASSERT_GT(values.size(), 100u);
-    for (auto& v : values) {
-        if (v.address == Address("H02-08"))
-            v.raw = 600; // above its limit of 500
-        if (v.address == Address("H02-09"))
-            v.raw = 60;
-    }
+            zorhost::sim::RegisterCount(p.dataType) > 0) {
+            double raw = p.factoryValue;
+            if (p.address == Address("H02-08"))
+                raw = 600; // above its limit of 500
+            if (p.address == Address("H02-09"))
+                raw = 60;
+            auto& r = owned.emplace_back(std::make_unique<zorhost::CParamRecord>());
+            r->SetRecordAddress(p.address);
+            r->SetRecordValue(zorhost::RawToVariant(p.dataType, raw));
+            records.push_back(r.get());
+        }
+    ASSERT_GT(records.size(), 100u);
     zorhost::link::ModbusLink& link = *host.FieldLink(kKey);
     const auto before = link.Traffic().requests;
-    const auto failures = zorhost::link::WriteInBlocks(link, values, 300, 2);
+    EXPECT_FALSE(host.Transfer().DownloadRecords(nullptr, kKey, records));
+    const auto& failures = host.Transfer().LastDownloadFailures();
     ASSERT_EQ(failures.size(), 1u);
     EXPECT_EQ(failures[0].address, Address("H02-08"));
-    EXPECT_EQ(failures[0].result.refusal, zorhost::sim::Refusal::OutOfRange);
-    EXPECT_LT(link.Traffic().requests - before, values.size() / 3);
+    EXPECT_NE(failures[0].reason.str().find("H02-08: 设定值超出范围(0~500)"), std::string::npos)
+        << failures[0].reason.str();
+    EXPECT_LT(link.Traffic().requests - before, records.size() / 3);
     double raw = 0;
     ASSERT_TRUE(
         zorhost::sim::ReadRaw(link, Address("H02-09"), zorhost::device::DataType::UInt16, raw, 300)
@@ -170,4 +178,22 @@ TEST_F(TcpHost, SilentDriveTimesOutAndReturns) {
     EXPECT_TRUE(PumpUntil([&] { return host.Module(kKey)->IsOnline(); }, 5000));
     EXPECT_TRUE(host.DeviceHelper().ReadParameter(kKey, Address("H02-08"), value));
     EXPECT_EQ(value, 250);
+}
+
+// The host runs and stops a drive on the wire by its run command; the drive's own rules
+// follow (a parameter changed only at a stop is refused while it runs).
+TEST_F(TcpHost, RunCommandCrossesTheLink) {
+    IHostDeviceHelper& helper = host.DeviceHelper();
+    for (bool running : {true, false}) {
+        SCOPED_TRACE(running ? "running" : "stopped");
+        ASSERT_TRUE(host.SetRunning(kKey, running).ok());
+        double state = -1;
+        ASSERT_TRUE(zorhost::sim::ReadRaw(*host.FieldLink(kKey), zorhost::link::kRunRegister,
+                                          zorhost::device::DataType::UInt16, state, 300)
+                        .ok());
+        EXPECT_EQ(state, running ? 1 : 0);
+        EXPECT_EQ(helper.WriteParameter(kKey, Address("H02-00"), 2), running ? 0 : 1);
+    }
+    sim->Kill();
+    EXPECT_FALSE(host.SetRunning(kKey, true).ok()) << "no success over a dead link";
 }

@@ -31,12 +31,10 @@ TEST_F(Page1Test, StartUpOfTheSingleAxisServo) {
     EXPECT_FALSE(Visible(IDC_PAGE1_AXIS_COPY));
     EXPECT_TRUE(Visible(IDC_PAGE_UPDATE_ATTRIBUTES));
     EXPECT_FALSE(Visible(IDC_PAGE_SAVE_CHECKED));
-    // The flows behind these come later.
-    for (UINT id : {IDC_PAGE1_UPLOAD_SAVE, IDC_PAGE1_COMPARE}) {
+    for (UINT id : {IDC_PAGE1_UPLOAD_SAVE, IDC_PAGE1_COMPARE, IDC_PAGE1_OPEN_DOWNLOAD}) {
         EXPECT_TRUE(Visible(id)) << id;
-        EXPECT_FALSE(Enabled(id)) << id;
+        EXPECT_TRUE(Enabled(id)) << id;
     }
-    EXPECT_TRUE(Enabled(IDC_PAGE1_OPEN_DOWNLOAD));
     EXPECT_GT(Page().GetAccessBox().GetCount(), 0);
     ASSERT_EQ(Page().GetSearchBox().GetCount(), 1);
     CString first;

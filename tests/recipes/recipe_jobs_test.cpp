@@ -2,6 +2,8 @@
 // the recipe file through the host's file object, and what the user is shown.
 #include "recipe_fixture.h"
 
+#include "../link/SimProcess.h"
+
 #include "module/ParmiraApp.h"
 #include "module/host/IHostDeviceModule.h"
 #include "module/host/IParamFile.h"
@@ -385,5 +387,69 @@ TEST_F(RecipeJobTest, RecipeOfAnotherSeriesAsksFirst) {
             &failed);
         EXPECT_EQ(failed.size(), answer == IDYES ? 1u : 0u);
         EXPECT_EQ(Drive().TakeRequests().empty(), answer == IDNO);
+    }
+}
+
+// The recipe jobs against a drive on Modbus TCP that fails half way: each job ends with
+// its failure, a backup leaves no file, and the module shows offline until the drive is
+// back.
+class RecipeOverLinkTest : public RecipeJobTest {
+protected:
+    void SetUp() override {
+        RecipeJobTest::SetUp();
+        sim = std::make_unique<linktest::SimProcess>(
+            std::vector<std::string>{"--tcp", "127.0.0.1:0", "zd3s_servo.json"});
+        ASSERT_TRUE(sim->Started());
+        zorhost::ProjectSetup setup;
+        zorhost::ModuleSetup m;
+        m.deviceFile = "zd3s_servo.json";
+        m.key = kKey;
+        m.link.kind = zorhost::link::LinkKind::ModbusTcp;
+        m.link.port = sim->Port();
+        m.link.timeout_ms = 300;
+        m.link.retries = 1;
+        m.link.reconnectMin_ms = 50;
+        m.link.reconnectMax_ms = 400;
+        setup.modules.push_back(m);
+        ASSERT_TRUE(host.LoadProject(setup));
+        ASSERT_TRUE(Module()->IsOnline());
+        host.SetLinkStateHandler([this] {
+            if (!Module()->IsOnline())
+                sawOffline = true;
+        });
+    }
+    std::unique_ptr<linktest::SimProcess> sim;
+    bool sawOffline = false;
+};
+
+TEST_F(RecipeOverLinkTest, DriveFailingHalfWayEndsEachJobWithItsFailure) {
+    const std::string dir = TempDir();
+    const std::string good = dir + "/good.zorparam";
+    ASSERT_EQ(Backup(good), "配方保存成功！");
+    struct Fault {
+        const char* name;
+        const char* on; // after the factory code and some parameters
+        const char* off;
+    };
+    for (const Fault& f : {Fault{"silent", "silent-after 40", "silent off"},
+                           Fault{"drop", "drop-after 40", nullptr}}) {
+        SCOPED_TRACE(f.name);
+        for (bool backup : {true, false}) {
+            sawOffline = false;
+            ASSERT_TRUE(sim->Command(f.on));
+            if (backup) {
+                const std::string path = dir + "/" + f.name + ".zorparam";
+                const std::string message = Backup(path);
+                EXPECT_NE(message.find("上传失败"), std::string::npos) << message;
+                EXPECT_FALSE(std::filesystem::exists(path));
+            } else {
+                EXPECT_FALSE(Restore(good).empty()) << "a restore that lost writes lists them";
+            }
+            EXPECT_TRUE(AfxPumpMessagesUntil([&] { return sawOffline; }, 3000));
+            if (f.off) {
+                ASSERT_TRUE(sim->Command(f.off));
+            }
+            ASSERT_TRUE(AfxPumpMessagesUntil([&] { return Module()->IsOnline(); }, 8000));
+        }
     }
 }

@@ -16,6 +16,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <string>
+
+#include <unistd.h>
 
 namespace pt {
 namespace {
@@ -55,7 +58,9 @@ TEST(ZxdRecordTest, ValueWordsAndTheChecksumRule) {
 
 class ZxdFileTest : public PageTest {
 protected:
-    std::filesystem::path dir = std::filesystem::temp_directory_path() / "parmira-zxd-test";
+    // Per process: other checkouts on this machine run the same suite at the same time.
+    std::filesystem::path dir =
+        std::filesystem::temp_directory_path() / ("parmira-zxd-test-" + std::to_string(::getpid()));
     void SetUp() override {
         PageTest::SetUp();
         std::filesystem::remove_all(dir);

@@ -27,11 +27,25 @@
 
 namespace {
 
+std::string Code(const CVarCompareRst* row) {
+    CString code;
+    row->m_pAttr1->GetCode(code);
+    return code.GetString();
+}
+
 std::set<std::string> Codes(const CVarCompareRstList& list) {
     std::set<std::string> codes;
     for (int i = 0; i < list.GetCount(); ++i)
-        codes.insert(list.GetAt(i)->m_strCode1.GetString());
+        codes.insert(Code(list.GetAt(i)));
     return codes;
+}
+
+// A file of tests/sets/data, or any file when `ours` is false.
+std::string ReadText(const std::string& name, bool ours = true) {
+    std::ifstream in(ours ? PARMIRA_SOURCE_DIR "/tests/sets/data/" + name : name, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
 }
 
 std::vector<IVarObjEx*> ModuleVars(zorhost::ReferenceHost& host, const CString& key) {
@@ -93,41 +107,68 @@ TEST_F(CompareTest, ADriveAgainstItsFactoryValuesListsWhatChangedOnTheDrive) {
     EXPECT_EQ(Codes(dlg.GetDiffList()), expected);
     EXPECT_EQ(before.count("H00-08") + before.count("H00-03"), 0u);
     ASSERT_EQ(dlg.GetList().GetItemCount(), dlg.GetDiffList().GetCount());
-    // Rows show the number, an enumerated value its meaning behind it.
+    // Rows show the numbers as the drive and the factory hold them.
     for (int row = 0; row < dlg.GetList().GetItemCount(); ++row) {
         if (dlg.GetCellText(row, 2) != "H00-08")
             continue;
         EXPECT_EQ(dlg.GetCellText(row, 4), "2500");
         EXPECT_EQ(dlg.GetCellText(row, 8), "3000");
     }
-    for (int i = 0; i < dlg.GetDiffList().GetCount(); ++i) {
-        if (dlg.GetDiffList().GetAt(i)->m_strCode1 == "H00-03") {
-            EXPECT_NE(dlg.GetDiffList().GetAt(i)->m_strValue1.Find("380["), -1);
-        }
-    }
     Picture(&dlg, "compare_dialog.png");
+}
 
-    // "显示相同" shows the other list at once, and the file holds what is shown.
+// The rows' texts, cell by cell, and the saved table are pinned by files written from a
+// run that covers every display format, enumerated values and a file side whose variables
+// are gone once the worker has ended.
+TEST_F(CompareTest, ShownCellsAndTheSavedTableMatchTheirReferenceFiles) {
+    host.Transfer().UploadModule(nullptr, "ZD3S");
+    IHostDeviceModule* module = host.Module("ZD3S");
+    auto* file = static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
+    ASSERT_NE(file, nullptr);
+    file->SetElecLabel(module->GetElecLabel(), module->GetElecLabelSize());
+    file->GetVarList()->CopyFrom(module->GetVarList());
+    const CString path((dir + "/zd3s.zorparam").c_str());
+    ASSERT_TRUE(file->Save(path));
+    file->Release();
+    // Decimal, two decimals, enumerated, hexadecimal and per-unit of both widths.
+    for (const auto& [code, raw] :
+         std::vector<std::pair<const char*, double>>{{"H00-08", 2500},
+                                                     {"H00-05", 315},
+                                                     {"H00-03", 380},
+                                                     {"H01-17", 0xBEEF},
+                                                     {"H07-08", 8192},
+                                                     {"H07-20", 123456789}})
+        Poke("ZD3S", code, raw);
+    prompts.ChooseFiles({path});
+    auto* source = static_cast<CComboBox*>(dlg.GetDlgItem(int(IDC_COMPARE_SOURCE2)));
+    source->SetCurSel(source->GetCount() - 1);
+    Command(IDC_COMPARE_SOURCE2, CBN_SELCHANGE);
+    Run();
+
+    auto cells = [&] {
+        std::string s;
+        for (int row = 0; row < dlg.GetList().GetItemCount(); ++row) {
+            for (int column = 0; column < 9; ++column)
+                s += std::string(column ? "|" : "") + dlg.GetCellText(row, column).GetString();
+            s += "\n";
+        }
+        return s;
+    };
+    const std::string different = cells();
+    EXPECT_EQ(dlg.GetDiffList().GetCount(), 6);
     dlg.CheckRadioButton(int(IDC_COMPARE_SHOW_DIFFERENT), int(IDC_COMPARE_SHOW_SAME),
                          int(IDC_COMPARE_SHOW_SAME));
     Command(IDC_COMPARE_SHOW_SAME, BN_CLICKED);
-    EXPECT_EQ(dlg.GetList().GetItemCount(), dlg.GetSameList().GetCount());
-    const std::string path = dir + "/same.csv";
-    prompts.ChooseFiles({CString(path.c_str())});
+    EXPECT_EQ(different + "--\n" + cells(), ReadText("compare_cells.txt"));
+
+    const std::string saved = dir + "/same.csv";
+    prompts.ChooseFiles({CString(saved.c_str())});
     Command(IDC_COMPARE_SAVE, BN_CLICKED);
-    ASSERT_EQ(prompts.Last(AfxPrompt::FileDialog)->text, "Var_Offline");
-    std::ifstream in(path, std::ios::binary);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(in, line);)
-        lines.push_back(line);
-    ASSERT_EQ(lines.size(), size_t(dlg.GetSameList().GetCount()) + 2);
-    EXPECT_EQ(lines[0].rfind("Time,", 0), 0u);
-    EXPECT_EQ(lines[1], "行号,参数1,参数名称1,比较值1,参数2,参数名称2,比较值2");
-    const CVarCompareRst* first = dlg.GetSameList().GetAt(0);
-    std::ostringstream row;
-    row << "1," << first->m_strCode1 << ',' << first->m_strName1 << ',' << first->m_strValue1 << ','
-        << first->m_strCode2 << ',' << first->m_strName2 << ',' << first->m_strValue2;
-    EXPECT_EQ(lines[2], row.str());
+    EXPECT_EQ(prompts.Last(AfxPrompt::FileDialog)->text, "Var_Offline");
+    std::string table = ReadText(saved, false);
+    ASSERT_EQ(table.rfind("Time,", 0), 0u);
+    table.erase(0, table.find('\n') + 1);
+    EXPECT_EQ(table, ReadText("compare_same.csv"));
 }
 
 // "******" parameters, non-transferable ones and, when asked, read-only ones never come
@@ -144,8 +185,8 @@ TEST_F(CompareTest, HiddenNonTransferableAndAskedReadOnlyParametersAreNeverListe
     int readOnly = 0;
     for (int i = 0; i < all; ++i) {
         IVarAttr* a = attrOf(dlg.GetSameList().GetAt(i));
-        EXPECT_NE(a->GetDisplayFormat(), 4) << dlg.GetSameList().GetAt(i)->m_strCode1;
-        EXPECT_TRUE(a->IsTransferable()) << dlg.GetSameList().GetAt(i)->m_strCode1;
+        EXPECT_NE(a->GetDisplayFormat(), 4) << Code(dlg.GetSameList().GetAt(i));
+        EXPECT_TRUE(a->IsTransferable()) << Code(dlg.GetSameList().GetAt(i));
         readOnly += a->GetModifyMode() == 2;
     }
     // The drive has parameters of each kind with values, so the rules had work to do.
@@ -247,13 +288,15 @@ TEST_F(CompareTest, TheIndexMatchesAsTheWalkDoesAndTakesTheFirstOfDuplicateAddre
         EXPECT_TRUE(
             compare.Run(set1, VarSourceFactory, set2, VarSourceCurrent, same[mode], diff[mode]));
     }
-    auto text = [](const CVarCompareRstList& l) {
+    auto text = [&](const CVarCompareRstList& l) {
         std::string s;
-        for (int i = 0; i < l.GetCount(); ++i) {
-            const CVarCompareRst* r = l.GetAt(i);
-            s += std::string(r->m_strCode1.GetString()) + "=" + r->m_strValue1.GetString() + "/" +
-                 r->m_strCode2.GetString() + "=" + r->m_strValue2.GetString() + ";";
-        }
+        for (int i = 0; i < l.GetCount(); ++i)
+            for (int column : {CVarCompareRst::Code1, CVarCompareRst::Value1, CVarCompareRst::Code2,
+                               CVarCompareRst::Value2})
+                s += std::string(l.GetAt(i)->GetText(&host.VarUtil(), column).GetString()) +
+                     (column == CVarCompareRst::Value2   ? ";"
+                      : column == CVarCompareRst::Value1 ? "/"
+                                                         : "=");
         return s;
     };
     EXPECT_EQ(text(same[0]), text(same[1]));

@@ -4,6 +4,7 @@
 
 #include "module/host/IHostDeviceModule.h"
 #include "module/host/IHostModuleManager.h"
+#include "module/host/IMessage_ModuleUploadEvent.h"
 #include "module/host/IParamFile.h"
 #include "module/host/IParamFileTable.h"
 #include "module/host/IRWDataItem.h"
@@ -11,6 +12,9 @@
 #include "module/host/IVarObjEx.h"
 #include "module/host/IVarStore.h"
 #include "sets/ShaftCopyDialog.h"
+
+#include <QCoreApplication>
+#include <QTimer>
 
 #include <cstring>
 #include <functional>
@@ -144,6 +148,42 @@ TEST_F(ShaftCopyTest, TheFileOfModeOneHoldsTheSourceValuesInTheTargetsShape) {
         EXPECT_LE(attr->GetAccessLevel(), module->GetAccessLevel());
     }
     file->Release();
+}
+
+// A compare waits for the target's upload. When the application quits or the dialog's
+// window goes before the end comes, the wait gives up: no compare, no rows, and the modal
+// run returns.
+TEST_F(ShaftCopyTest, TheUploadWaitGivesUpWhenTheApplicationQuitsOrTheDialogGoes) {
+    Poke("ZD4M", "A1.H06-02", 200); // axes 1 and 2 differ: a compare would list it
+    enum End { Quit, Destroyed };
+    for (End end : {Quit, Destroyed}) {
+        bool ended = false, pressReturnedAfterEnd = false;
+        int rows = -1;
+        // Run inside the application's loop, which is what a quit ends.
+        QTimer::singleShot(0, qApp, [&] {
+            RunDialog([&](CShaftCopyDialog& dlg) {
+                Select(dlg, IDC_SHAFT_TARGET_AXIS, 1);
+                // The end of the upload doesn't reach the dialog, as with a slow drive.
+                host.Bus().Unsubscribe(IID_IMessage_ModuleUploadEvent,
+                                       AsSink<IMessage_ModuleUploadEvent>(&dlg));
+                QTimer::singleShot(0, qApp, [&] {
+                    ended = true;
+                    if (end == Quit)
+                        QCoreApplication::exit(0);
+                    else
+                        dlg.DestroyWindow();
+                });
+                Press(dlg, IDC_SHAFT_COMPARE);
+                pressReturnedAfterEnd = ended;
+                rows = dlg.GetRows().GetCount();
+            });
+            if (end == Destroyed)
+                QCoreApplication::exit(0);
+        });
+        QCoreApplication::exec();
+        EXPECT_TRUE(pressReturnedAfterEnd) << end;
+        EXPECT_EQ(rows, 0) << end;
+    }
 }
 
 // Different series, the same axis twice and an offline target are refused before anything

@@ -234,6 +234,69 @@ TEST_F(StagingTest, SavedSetValuesAreTheCheckedRowsStagedValues) {
     std::filesystem::remove(path);
 }
 
+// The staging list's "上传并保存(所有勾选项)": the checked rows are read from the drive, then
+// saved; a read the drive refuses leaves no file dialog and no file.
+TEST_F(StagingTest, UploadOfCheckedRowsSavesDriveValuesOnlyWhenEveryReadSucceeded) {
+    ASSERT_TRUE(Page2().GetDlgItem(int(IDC_PAGE_SAVE_CHECKED))->IsWindowEnabled());
+    Var("H06-02")->SetChecked(TRUE);
+    Var("H06-03")->SetChecked(TRUE);
+    Var("H06-02")->SetValue(Variant::UI2(7777)); // stale until the upload replaces it
+    const std::string path = (std::filesystem::temp_directory_path() /
+                              ("uploaded-" + std::to_string(::getpid()) + ".zorparam"))
+                                 .string();
+    auto click = [&] {
+        Page2().SendMessage(WM_COMMAND, MAKEWPARAM(IDC_PAGE_SAVE_CHECKED, BN_CLICKED), 0);
+    };
+    prompts.ChooseFiles({CString(path.c_str())});
+    click();
+    auto* file = static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
+    file->LoadContext(module);
+    ASSERT_TRUE(file->Open(CString(path.c_str())));
+    EXPECT_EQ(file->GetVarList()->GetCount(), 2);
+    IVarObjEx* saved = file->GetVarList()->FindByCode("H06-02");
+    ASSERT_NE(saved, nullptr);
+    EXPECT_FALSE(Var("H06-02")->GetValue() == Variant::UI2(7777));
+    EXPECT_TRUE(saved->GetValue() == Var("H06-02")->GetValue());
+    file->Release();
+    std::filesystem::remove(path);
+
+    drive->SetFailure(FailureMode::FailReads, {Address("H06-03")});
+    const size_t dialogs = prompts.Count(AfxPrompt::FileDialog);
+    const size_t boxes = prompts.Count(AfxPrompt::MessageBox);
+    click();
+    EXPECT_EQ(prompts.Count(AfxPrompt::FileDialog), dialogs);
+    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), boxes);
+    EXPECT_FALSE(std::filesystem::exists(path));
+
+    drive->ClearFailures();
+    host.SetOnline("ZD3S", false);
+    click();
+    ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), boxes + 1);
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "设备离线.");
+    EXPECT_EQ(prompts.Count(AfxPrompt::FileDialog), dialogs);
+}
+
+// The buttons that lead to the frame's flows are live, and "更新属性", which this page
+// shows for every device, refuses an inverter without attribute update itself.
+TEST_F(StagingTest, FrameFlowButtonsAreLiveAndAttributeUpdateRefusesUnsupportedDevice) {
+    for (UINT id : {IDC_PAGE2_UPLOAD_SAVE, IDC_PAGE2_COMPARE, IDC_PAGE_UPDATE_ATTRIBUTES})
+        EXPECT_TRUE(Page2().GetDlgItem(int(id))->IsWindowEnabled()) << id;
+    // One axis: nothing to copy to.
+    EXPECT_FALSE(Page2().GetDlgItem(int(IDC_PAGE2_AXIS_COPY))->IsWindowEnabled());
+    prompts.CancelFileDialog();
+    Page2().SendMessage(WM_COMMAND, MAKEWPARAM(IDC_PAGE2_UPLOAD_SAVE, BN_CLICKED), 0);
+    ASSERT_NE(prompts.Last(AfxPrompt::FileDialog), nullptr); // read, then asked where to
+    EXPECT_EQ(prompts.Last(AfxPrompt::FileDialog)->text, "AllVar");
+
+    CloseFrame();
+    OpenFrame("ZV5");
+    EXPECT_TRUE(Page2().GetDlgItem(int(IDC_PAGE_UPDATE_ATTRIBUTES))->IsWindowVisible());
+    const size_t boxes = prompts.Count(AfxPrompt::MessageBox);
+    Page2().SendMessage(WM_COMMAND, MAKEWPARAM(IDC_PAGE_UPDATE_ATTRIBUTES, BN_CLICKED), 0);
+    ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), boxes + 1);
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "当前设备不支持读写属性");
+}
+
 TEST_F(StagingTest, FrameOpenAndDownloadWritesTheChosenFile) {
     const std::string path = WriteParamFile(4321, false);
     std::vector<CString> asked;

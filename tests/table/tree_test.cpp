@@ -332,8 +332,10 @@ TEST_F(CollectTest, AxesAreCollectedAfterTheFixedGroups) {
 
 namespace {
 
-// Dragging a bar resizes the tree or the text box; the stacked area takes the rest.
+// Dragging a bar resizes the tree or the text box; the stacked area takes the rest. The
+// text box takes room only while it has a text.
 TEST_F(TreeTest, SplittersResizeTheirNeighbourAndTheLayoutFollows) {
+    ListedGroup("H02", "H02-00", 0x200);
     OpenFrame();
     auto rectOf = [&](UINT id) {
         CRect rc;
@@ -341,6 +343,18 @@ TEST_F(TreeTest, SplittersResizeTheirNeighbourAndTheLayoutFollows) {
         table->ScreenToClient(&rc);
         return rc;
     };
+    CRect client;
+    table->GetClientRect(&client);
+    EXPECT_EQ(rectOf(IDC_STACK_PLACEHOLDER).right, client.right);
+    auto shown = [&] {
+        return (table->GetDlgItem(int(IDC_VAR_DESCRIPTION))->GetStyle() & WS_VISIBLE) != 0;
+    };
+    EXPECT_FALSE(shown());
+    module->drive.VarOf("H02-00")->attr->info = "说明";
+    table->ShowVarDescription(module->drive.VarOf("H02-00"));
+    EXPECT_TRUE(shown());
+    EXPECT_EQ(rectOf(IDC_VAR_DESCRIPTION).right, client.right);
+    EXPECT_EQ(rectOf(IDC_TEXT_SPLITTER).left, rectOf(IDC_STACK_PLACEHOLDER).right);
     const CRect tree = rectOf(IDC_GROUP_TREE), text = rectOf(IDC_VAR_DESCRIPTION);
     const CRect stack = rectOf(IDC_STACK_PLACEHOLDER);
     table->GetTreeSplitter().MoveBy(50);

@@ -89,6 +89,10 @@ public:
     model::CDeviceModule* FindModule(const CString& key) override { return Module(key); }
     sim::DriveLink* FindLink(const CString& key) override;
 
+    // Runs or stops a module's drive: an in-process drive at once, a drive on a field-bus
+    // link by its run command (one request, bounded by the link's time-out).
+    sim::LinkResult SetRunning(const CString& key, bool running);
+
     // Connect or disconnect a drive; the module follows at once.
     void SetOnline(const CString& key, bool online);
     // Lets every module's online state follow its drive (a drive may fail on its own).

@@ -1,6 +1,7 @@
 #include "zorhost/ReferenceHost.h"
 
 #include "zorhost/device/DeviceLoader.h"
+#include "zorhost/link/RegisterMap.h"
 #include "zorhost/model/CustomGroupStore.h"
 
 #include <QApplication>
@@ -181,16 +182,21 @@ bool ReferenceHost::LoadProject(const ProjectSetup& setup, std::string* error) {
 void ReferenceHost::StartLink(Station& s) {
     s.modbus = std::make_unique<link::ModbusLink>(s.device, s.settings);
     std::weak_ptr<ReferenceHost*> self = m_self;
-    // The worker only posts; the modules follow on the user-interface thread.
-    s.modbus->SetStateListener([self](bool) {
+    // The worker only posts; the modules follow on the user-interface thread, through
+    // every state in its order, so that a drop the link recovers from at once still shows.
+    const link::ModbusLink* modbus = s.modbus.get();
+    const CString key = s.key;
+    s.modbus->SetStateListener([self, modbus, key](bool online) {
         QCoreApplication* app = QCoreApplication::instance();
         if (!app)
             return;
         QMetaObject::invokeMethod(
             app,
-            [self] {
+            [self, modbus, key, online] {
                 if (auto host = self.lock()) {
-                    (*host)->SyncOnlineStates();
+                    Station* station = (*host)->Find(key);
+                    if (station && station->modbus.get() == modbus)
+                        station->module->SetOnline(online);
                     if ((*host)->m_linkStateHandler)
                         (*host)->m_linkStateHandler();
                 }
@@ -209,6 +215,7 @@ void ReferenceHost::SetLinkStateHandler(std::function<void()> handler) {
 }
 
 void ReferenceHost::CloseProject() {
+    m_refresh.Quiesce(); // its reads hold the links
     m_scope.Watch(nullptr);
     m_root.Open(nullptr); // the modules go first; the drives have no ties to them
     m_stations.clear();
@@ -256,6 +263,18 @@ sim::DriveLink* ReferenceHost::FindLink(const CString& key) {
     return s->modbus ? static_cast<sim::DriveLink*>(s->modbus.get()) : s->drive.get();
 }
 
+sim::LinkResult ReferenceHost::SetRunning(const CString& key, bool running) {
+    Station* s = Find(key);
+    if (s && s->drive) {
+        s->drive->SetRunning(running);
+        return {};
+    }
+    if (!s || !s->modbus)
+        return {sim::LinkStatus::Offline};
+    return sim::WriteRaw(*s->modbus, link::kRunRegister, device::DataType::UInt16, running ? 1 : 0,
+                         s->settings.timeout_ms);
+}
+
 void ReferenceHost::SetOnline(const CString& key, bool online) {
     Station* s = Find(key);
     if (!s)
@@ -265,6 +284,7 @@ void ReferenceHost::SetOnline(const CString& key, bool online) {
         s->module->SetOnline(s->drive->IsOnline());
     } else if (s->settings.kind != link::LinkKind::Simulated) {
         // Disconnecting a field-bus module closes its link; connecting opens a new one.
+        m_refresh.Quiesce();
         s->modbus.reset();
         if (online) {
             StartLink(*s);

@@ -52,7 +52,7 @@ void DriveServer::Step(int dt_ms) {
 
 LinkResult DriveServer::ReadRegisters(Unit& unit, std::uint32_t address,
                                       std::span<std::uint16_t> words) {
-    if (address + words.size() <= kRefusalRegister) {
+    if (address + words.size() <= kLastParameterRegister + 1) {
         LinkResult r = unit.drive->Read(address, words, 0);
         if (r.ok())
             SwapToWireOrder(unit.drive->Device(), address, words);
@@ -66,7 +66,9 @@ LinkResult DriveServer::ReadRegisters(Unit& unit, std::uint32_t address,
     PackBytes(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()), version);
     for (std::uint32_t i = 0; i < words.size(); ++i) {
         const std::uint32_t a = address + i;
-        if (a >= kVersionRegister && a < kVersionRegister + kVersionRegisters)
+        if (a == kRunRegister)
+            words[i] = unit.drive->IsRunning() ? 1 : 0;
+        else if (a >= kVersionRegister && a < kVersionRegister + kVersionRegisters)
             words[i] = version[a - kVersionRegister];
         else if (a >= kLabelRegister && a < kLabelRegister + kLabelRegisters)
             words[i] = label[a - kLabelRegister];
@@ -86,6 +88,11 @@ LinkResult DriveServer::WriteRegisters(Unit& unit, std::uint32_t address,
     SwapToWireOrder(d, address, words);
     for (std::uint32_t i = 0; i < words.size();) {
         const std::uint32_t a = address + i;
+        if (a == kRunRegister) {
+            unit.drive->SetRunning(words[i] != 0);
+            ++i;
+            continue;
+        }
         const std::uint32_t index = d.FindByAddress(a);
         std::uint32_t n = 1;
         if (index != device::kNoIndex) {
@@ -166,6 +173,11 @@ DriveServer::Action DriveServer::Handle(std::uint8_t unitId, std::span<const std
         }
     }
 
+    if (faults.garbage) {
+        // Well framed, but no answer to this request: the client must not take it.
+        answer = {std::uint8_t(function ^ 0x40), 0};
+        return Action::Answer;
+    }
     if (!r.ok()) {
         EncodeRefusal(r, std::span<std::uint16_t, kRefusalRegisters>(unit.refusal));
         answer = {std::uint8_t(function | 0x80), std::uint8_t(ExceptionFor(r))};

@@ -294,16 +294,13 @@ void ModbusLink::Execute(Job& job) {
             job.done.set_value(result);
             return;
         }
-        if (IsGarbled(error)) {
-            modbus_flush(ctx);
-            job.done.set_value({LinkStatus::Error});
-            return;
-        }
-        if (error != ETIMEDOUT)
+        // A garbled answer may be noise (or a late answer to the try before): try again.
+        if (error != ETIMEDOUT && !IsGarbled(error))
             break; // the connection itself broke
         modbus_flush(ctx);
     }
-    // Broken, or silent through every try: the drive is gone until it answers again.
+    // Broken, or silent or garbled through every try: the drive is gone until it answers
+    // a request properly again.
     Disconnect();
     job.done.set_value({LinkStatus::Offline});
 }

@@ -62,6 +62,15 @@ int CHostRefreshService::ReadQuery(const Pending& query) {
     sim::DriveLink* link = m_drives.FindLink(query.moduleKey);
     if (!module || !link || !module->IsOnline())
         return 0;
+    if (link->ReadBlockLimit() > 1) {
+        // A request costs a round trip: the worker reads, the next cycle stores.
+        RefreshWorker::Batch batch{query.moduleKey.str(), link, {}};
+        for (const CHostRefreshItem& item : query.items)
+            if (module->Store().FindByAddress(item.m_address))
+                batch.items.push_back({item.m_address, device::DataType(item.m_dataType)});
+        m_remote.Submit(std::move(batch));
+        return 0;
+    }
     int stored = 0;
     for (const CHostRefreshItem& item : query.items) {
         IVarObjEx* var = module->Store().FindByAddress(item.m_address);
@@ -81,13 +90,30 @@ int CHostRefreshService::ReadQuery(const Pending& query) {
     return stored;
 }
 
+// Values read over a link that is still the module's, while the module is online.
+int CHostRefreshService::StoreRemoteResults() {
+    int stored = 0;
+    for (const RefreshWorker::Result& result : m_remote.TakeResults()) {
+        const CString key(result.key);
+        model::CDeviceModule* module = m_drives.FindModule(key);
+        if (!module || !module->IsOnline() || m_drives.FindLink(key) != result.link)
+            continue;
+        for (const RefreshWorker::Value& v : result.values)
+            if (IVarObjEx* var = module->Store().FindByAddress(v.address)) {
+                static_cast<model::CVarObj*>(var)->StoreRead(RawToVariant(v.type, v.raw));
+                ++stored;
+            }
+    }
+    return stored;
+}
+
 int CHostRefreshService::RunCycle() {
     std::vector<Pending> pending;
     {
         std::lock_guard lock(m_pendingMutex);
         pending.swap(m_pending);
     }
-    int stored = 0;
+    int stored = StoreRemoteResults();
     for (const Pending& q : pending)
         stored += ReadQuery(q);
     // By index, re-reading the size: a listener may leave (or another join) from its call.

@@ -7,11 +7,16 @@
 #include "module/host/IVarAttr.h"
 #include "module/host/IVarObjEx.h"
 #include "module/host/IVarStore.h"
+#include "zorhost/link/BlockPlan.h"
+#include "zorhost/link/BlockWrite.h"
+#include "zorhost/link/RegisterMap.h"
 #include "zorhost/model/ProjectModel.h"
 #include "zorhost/services/HostDeviceHelper.h"
 #include "zorhost/services/HostTransferService.h"
 #include "zorhost/services/ParamRecord.h"
 #include "zorhost/sim/DriveDirectory.h"
+
+#include <algorithm>
 
 namespace zorhost {
 
@@ -51,6 +56,10 @@ void CHostTransferService::AnnounceDownload(const CString& moduleKey, bool succe
         m_notifier(moduleKey, success ? 1 : 0, true);
 }
 
+// Neighbouring addresses go to the drive in block writes where the link pays per request;
+// WriteInBlocks writes a refused block again parameter by parameter, so that the failures
+// name exactly the parameters the drive refused. A link without blocks keeps the records'
+// own order, one write each.
 BOOL CHostTransferService::DownloadRecords(HWND, const CString& moduleKey,
                                            const std::vector<IRWDataItem*>& records) {
     m_failures.clear();
@@ -59,41 +68,70 @@ BOOL CHostTransferService::DownloadRecords(HWND, const CString& moduleKey,
         AnnounceDownload(moduleKey, false);
         return 0;
     }
+    sim::DriveLink* link = m_drives.FindLink(moduleKey);
     const int total = int(records.size());
     if (m_progress && total > 0)
         m_progress->Begin(moduleKey, total);
-    bool offline = false;
-    for (int i = 0; i < total; ++i) {
-        auto* record = static_cast<CParamRecord*>(records[size_t(i)]);
-        if (!record)
-            continue;
-        const UINT address = record->GetRecordAddress();
-        if (offline) {
-            m_failures.push_back(
-                {address, m_helper.FailureText(module, address, {sim::LinkStatus::Offline})});
+
+    int done = 0;
+    std::vector<link::ParameterValue> values;
+    for (IRWDataItem* item : records) {
+        auto* record = static_cast<CParamRecord*>(item);
+        if (!record) {
+            ++done; // nothing to write: it only counts
             continue;
         }
+        const UINT address = record->GetRecordAddress();
         DataType type = DataType(record->GetRecordType());
         if (record->GetRecordType() == 0)
             if (IVarObjEx* var = module->Store().FindByAddress(address))
                 if (IVarAttr* attr = var->GetAttr())
                     type = DataType(attr->GetDataType());
         double raw = 0;
-        sim::LinkResult r{sim::LinkStatus::Refused};
-        if (VariantToRaw(record->GetRecordValue(), raw))
-            r = m_helper.Write(moduleKey, address, type, raw, kTimeout_ms, kTries);
-        if (!r.ok()) {
-            m_failures.push_back({address, m_helper.FailureText(module, address, r)});
-            // Nothing more reaches a drive that dropped; the rest fail without a try.
-            offline = r.status == sim::LinkStatus::Offline;
+        if (VariantToRaw(record->GetRecordValue(), raw)) {
+            values.push_back({address, type, raw});
+        } else {
+            m_failures.push_back(
+                {address, m_helper.FailureText(module, address, {sim::LinkStatus::Refused})});
+            ++done;
         }
-        if (m_stepHook)
-            m_stepHook(i + 1, total);
-        if (m_progress && total > 0 && !m_progress->Advance(i + 1) && i + 1 < total) {
-            for (int j = i + 1; j < total; ++j)
-                if (records[size_t(j)])
-                    m_failures.push_back(
-                        {records[size_t(j)]->GetRecordAddress(), CString("cancelled")});
+    }
+    const int limit = link ? std::clamp(link->WriteBlockLimit(), 1, link::kMaxWriteRegisters) : 1;
+    std::vector<link::RegisterBlock> blocks;
+    if (limit > 1) {
+        std::stable_sort(values.begin(), values.end(),
+                         [](const auto& a, const auto& b) { return a.address < b.address; });
+        std::vector<link::RegisterRange> ranges;
+        for (const link::ParameterValue& v : values)
+            ranges.push_back({v.address, std::max(1, sim::RegisterCount(v.type))});
+        blocks = link::PlanBlocks(ranges, limit);
+    } else {
+        for (std::size_t i = 0; i < values.size(); ++i)
+            blocks.push_back({values[i].address, 1, i, i + 1});
+    }
+
+    bool offline = link == nullptr;
+    for (std::size_t b = 0; b < blocks.size(); ++b) {
+        const std::span block(values.data() + blocks[b].first, blocks[b].last - blocks[b].first);
+        std::vector<link::WriteFailure> failed;
+        if (offline) {
+            // Nothing more reaches a drive that dropped; the rest fail without a try.
+            for (const link::ParameterValue& v : block)
+                failed.push_back({v.address, {sim::LinkStatus::Offline}});
+        } else {
+            Await(link, [&] { failed = link::WriteInBlocks(*link, block, kTimeout_ms, kTries); });
+        }
+        for (const link::WriteFailure& f : failed) {
+            m_failures.push_back({f.address, m_helper.FailureText(module, f.address, f.result)});
+            offline = offline || f.result.status == sim::LinkStatus::Offline;
+        }
+        for (std::size_t k = 0; k < block.size(); ++k)
+            if (m_stepHook)
+                m_stepHook(done + int(k) + 1, total);
+        done += int(block.size());
+        if (m_progress && total > 0 && !m_progress->Advance(done) && b + 1 < blocks.size()) {
+            for (std::size_t k = blocks[b + 1].first; k < values.size(); ++k)
+                m_failures.push_back({values[k].address, CString("cancelled")});
             break;
         }
     }

@@ -22,6 +22,14 @@ void CHostTransferService::SetEndNotifier(EndNotifier notifier) {
     m_notifier = std::move(notifier);
 }
 
+void CHostTransferService::Await(sim::DriveLink* link, const std::function<void()>& request) {
+    // A link that pays per request is a field bus: its answers may take their time.
+    if (link && link->ReadBlockLimit() > 1)
+        m_caller.Call(request);
+    else
+        request();
+}
+
 void CHostTransferService::AnnounceUpload(const CString& moduleKey, bool success) {
     ++m_uploadsEnded;
     if (m_notifier)
@@ -105,11 +113,13 @@ bool CHostTransferService::ReadVars(const CString& moduleKey, const std::vector<
         if (block.last - block.first > 1) {
             sim::LinkResult r;
             words.assign(std::size_t(block.count), 0);
-            for (int t = 0; t < kTries; ++t) {
-                r = link->Read(block.address, words, kTimeout_ms);
-                if (!r.transient())
-                    break;
-            }
+            Await(link, [&] {
+                for (int t = 0; t < kTries; ++t) {
+                    r = link->Read(block.address, words, kTimeout_ms);
+                    if (!r.transient())
+                        break;
+                }
+            });
             if (r.status == sim::LinkStatus::Offline) {
                 ok = false;
                 break; // nothing more will come from this drive
@@ -125,8 +135,14 @@ bool CHostTransferService::ReadVars(const CString& moduleKey, const std::vector<
                       sim::DecodeRaw(item.type, std::span(words.data() + offset, n)));
             } else {
                 double raw = 0;
-                const sim::LinkResult one = m_helper.Read(moduleKey, ranges[k].address, item.type,
-                                                          raw, kTimeout_ms, kTries);
+                sim::LinkResult one;
+                Await(link, [&] {
+                    for (int t = 0; t < kTries; ++t) {
+                        one = sim::ReadRaw(*link, ranges[k].address, item.type, raw, kTimeout_ms);
+                        if (!one.transient())
+                            break;
+                    }
+                });
                 if (one.status == sim::LinkStatus::Offline) {
                     ok = false;
                     stop = true;

@@ -39,22 +39,20 @@ public:
         if (bg != CLR_DEFAULT)
             p->fillRect(r, ToQColor(bg));
         QRect textRect = r.adjusted(kTextPadding, 0, -kTextPadding, 0);
-        if (col == 0 && (m_view->m_exStyle & LVS_EX_CHECKBOXES)) {
-            QStyleOptionButton box;
-            box.rect = QRect(r.left() + 3, r.top() + (r.height() - 13) / 2, 13, 13);
-            box.state = QStyle::State_Enabled |
-                        (m_view->StateImage(row) == 2 ? QStyle::State_On : QStyle::State_Off);
-            m_view->style()->drawPrimitive(QStyle::PE_IndicatorCheckBox, &box, p, m_view);
+        const bool checkBox = col == 0 && (m_view->m_exStyle & LVS_EX_CHECKBOXES);
+        if (checkBox)
             textRect.setLeft(r.left() + kCheckWidth + 2);
-        }
+        QPixmap pm;
+        QPoint imageAt;
         if (col == 0) {
-            const int image = m_view->ItemImage(row);
-            const QPixmap pm = ImageListPixmap(m_view->m_images[LVSIL_SMALL], image);
+            pm = ImageListPixmap(m_view->m_images[LVSIL_SMALL], m_view->ItemImage(row));
             if (!pm.isNull()) {
-                p->drawPixmap(textRect.left(), r.top() + (r.height() - pm.height()) / 2, pm);
+                imageAt = QPoint(textRect.left(), r.top() + (r.height() - pm.height()) / 2);
                 textRect.setLeft(textRect.left() + pm.width() + 3);
             }
         }
+        // The highlight goes first: the check box and the image of a selected row stay
+        // visible over it.
         if (selected && (fullRow || col == 0)) {
             const QRect sel = col == 0 && !fullRow ? textRect.adjusted(-2, 0, 2, 0) : r;
             const bool active =
@@ -66,6 +64,15 @@ public:
             textColor = pal.color(active ? QPalette::Active : QPalette::Inactive,
                                   QPalette::HighlightedText);
         }
+        if (checkBox) {
+            QStyleOptionButton box;
+            box.rect = QRect(r.left() + 3, r.top() + (r.height() - 13) / 2, 13, 13);
+            box.state = QStyle::State_Enabled |
+                        (m_view->StateImage(row) == 2 ? QStyle::State_On : QStyle::State_Off);
+            m_view->style()->drawPrimitive(QStyle::PE_IndicatorCheckBox, &box, p, m_view);
+        }
+        if (!pm.isNull())
+            p->drawPixmap(imageAt, pm);
         int align = Qt::AlignLeft;
         if (size_t(col) < m_view->m_columns.size()) {
             const int fmt = m_view->m_columns[size_t(col)].fmt & 3;

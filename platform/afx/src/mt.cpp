@@ -119,9 +119,14 @@ DWORD AfxWaitPumping(CEvent& ev, DWORD timeout_ms) {
         }
         const long left = timeout_ms == INFINITE ? 1000 : long(timeout_ms) - waited;
         QTimer::singleShot(int(std::min<long>(left, 1000)), &loop, &QEventLoop::quit);
-        loop.exec();
+        // A loop that refuses to run (-1) means the thread's event handling is ending: an
+        // exit ends every running loop and keeps new ones from starting. Waiting on would
+        // spin without handling anything.
+        const int ran = loop.exec();
         std::lock_guard<std::mutex> lock(e->m);
         e->pumping = nullptr;
+        if (ran == -1)
+            return e->TryTake() ? WAIT_OBJECT_0 : WAIT_QUIT;
     }
 }
 

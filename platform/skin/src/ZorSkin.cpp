@@ -280,6 +280,7 @@ void CZorSkinPTextGauge::SetText(const char* text) {
     m_text = text;
     if (auto* g = dynamic_cast<GaugeWidget*>(W(this))) {
         g->text = AfxToQString(m_text).replace("\r\n", "\n");
+        g->setAccessibleName(g->text); // a painted text: what reads the screen finds it here
         g->update();
     }
 }

@@ -1,6 +1,6 @@
 // Simulated drives behind Modbus: answers request PDUs for one unit id per drive, with the
 // drives' own rules, and with faults a test can set (a slow answer, refused addresses, a
-// dropped connection, silence). The framing (TCP or RTU) is ModbusServer's.
+// dropped connection, silence, garbage). The framing (TCP or RTU) is ModbusServer's.
 #pragma once
 
 #include "zorhost/link/RegisterMap.h"
@@ -22,6 +22,7 @@ struct ServerFaults {
     std::uint64_t dropAfter = 0;     // the connection is dropped at this request (once)
     std::uint64_t silentAfter = 0;   // from this request on nothing is answered
     bool silent = false;             // nothing is answered
+    bool garbage = false;            // answers come with a function code that was not asked
 };
 
 class DriveServer {

@@ -18,6 +18,8 @@ namespace zorhost::link {
 
 // Highest register a parameter may have; everything above is the drive's own.
 inline constexpr std::uint32_t kLastParameterRegister = 0xFEFF;
+// Run command: writing 1 runs the drive, 0 stops it; a read tells whether it runs.
+inline constexpr std::uint32_t kRunRegister = 0xFFC0;
 // Last refusal of the unit: reason (sim::Refusal), decimals, low and high limit as doubles
 // (four registers each, low word first). Read-only; all zero before the first refusal.
 inline constexpr std::uint32_t kRefusalRegister = 0xFFD0;

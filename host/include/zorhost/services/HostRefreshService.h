@@ -7,6 +7,7 @@
 #include "module/host/IHostRefreshQuery.h"
 #include "module/host/IHostRefreshService.h"
 #include "module/host/IRefreshQueryEvent.h"
+#include "zorhost/services/RefreshWorker.h"
 
 #include <cstdint>
 #include <memory>
@@ -58,8 +59,13 @@ public:
     void SubmitQuery(IHostRefreshQuery* query) override;
 
     // Reads the queries submitted since the last cycle, then calls OnRefreshQuery of every
-    // listener. Returns the number of values stored.
+    // listener. Returns the number of values stored. A module behind a field-bus link is
+    // read on a worker instead: the cycle stores what its last read brought and never
+    // waits for the drive.
     int RunCycle();
+    // Returns once no field-bus read is running; what was on its way is dropped. Called
+    // before links go.
+    void Quiesce() { m_remote.Quiesce(); }
     std::size_t PendingQueries() const;
     std::size_t ListenerCount() const;
 
@@ -69,6 +75,7 @@ private:
         std::vector<CHostRefreshItem> items;
     };
     int ReadQuery(const Pending& query);
+    int StoreRemoteResults();
 
     sim::DriveDirectory& m_drives;
     mutable std::mutex m_pendingMutex;
@@ -77,6 +84,7 @@ private:
     // listener hears nothing more; recursive because a listener may leave from its call.
     mutable std::recursive_mutex m_listenerMutex;
     std::vector<IRefreshQueryEvent*> m_listeners;
+    RefreshWorker m_remote; // last: it stops before the rest goes
 };
 
 } // namespace zorhost

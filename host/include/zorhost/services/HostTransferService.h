@@ -1,11 +1,13 @@
 // Bulk transfers between the drives and the host's variables (IHostTransferService).
 // Each transfer runs to its end inside the call, with the host's own progress display
 // when one is installed, and ends with the upload-finished event, whatever happened on the
-// way: a drive that fails or goes offline ends it with success 0.
+// way: a drive that fails or goes offline ends it with success 0. The requests to a drive
+// on a field bus go out from a thread of their own while the window's events are handled.
 #pragma once
 
 #include "module/host/HostFwd.h"
 #include "module/host/IHostTransferService.h"
+#include "zorhost/services/OffThreadCaller.h"
 
 #include <functional>
 #include <mutex>
@@ -15,7 +17,8 @@ namespace zorhost {
 
 namespace sim {
 class DriveDirectory;
-}
+class DriveLink;
+} // namespace sim
 class CHostDeviceHelper;
 
 // Shows how far a transfer has come. Begin and Advance run on the transfer's thread (the
@@ -55,9 +58,10 @@ public:
     // Asks for a file with the chooser, reads it, asks before a file of another device
     // type and downloads it as DownloadRecords does.
     BOOL OpenAndDownload(HWND owner, const CString& moduleKey) override;
-    // Writes the records in their order. Success only when every write was taken: a
-    // refused write is noted and the rest go on; a drive gone offline fails all that is
-    // left. Announced in every case.
+    // Writes the records: in their order, one write each, or grouped into block writes of
+    // neighbouring addresses where the link carries blocks. Success only when every write
+    // was taken: a refused write is noted and the rest go on; a drive gone offline fails
+    // all that is left. Announced in every case.
     BOOL DownloadRecords(HWND owner, const CString& moduleKey,
                          const std::vector<IRWDataItem*>& records) override;
     // Axis comparison comes with the file side of the host; until then it is refused.
@@ -101,6 +105,8 @@ private:
     // Reads `vars` from the drive into themselves; false when any read failed, the drive
     // went offline or the user cancelled.
     bool ReadVars(const CString& moduleKey, const std::vector<IVarObjEx*>& vars);
+    // Runs a request to `link`; on a field bus off this thread (see OffThreadCaller).
+    void Await(sim::DriveLink* link, const std::function<void()>& request);
     void AnnounceUpload(const CString& moduleKey, bool success);
     void AnnounceDownload(const CString& moduleKey, bool success);
 
@@ -117,6 +123,7 @@ private:
     mutable std::mutex m_levelMutex;
     std::vector<std::pair<CString, int>> m_levels;
     std::vector<CString> m_lastAxisErrors;
+    OffThreadCaller m_caller; // last: its thread ends first
 };
 
 } // namespace zorhost

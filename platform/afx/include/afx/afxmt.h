@@ -9,6 +9,9 @@ constexpr DWORD INFINITE = 0xFFFFFFFF;
 constexpr DWORD WAIT_OBJECT_0 = 0;
 constexpr DWORD WAIT_TIMEOUT = 258;
 constexpr DWORD WAIT_FAILED = 0xFFFFFFFF;
+// AfxWaitPumping: the thread's event handling was told to end (the application quits)
+// before the event came. The quit is left to the loops outside the wait.
+constexpr DWORD WAIT_QUIT = 0x103;
 
 // A recursive lock, as a critical section is.
 class CCriticalSection {
@@ -62,7 +65,8 @@ private:
 
 DWORD WaitForSingleObject(CEvent& ev, DWORD timeout_ms);
 // Waits for `ev` while the calling (user-interface) thread keeps handling its messages,
-// timers and posted messages. WAIT_OBJECT_0 when signalled, WAIT_TIMEOUT otherwise.
+// timers and posted messages. WAIT_OBJECT_0 when signalled, WAIT_QUIT when the application
+// quits first (however long the wait was to be), WAIT_TIMEOUT otherwise.
 DWORD AfxWaitPumping(CEvent& ev, DWORD timeout_ms);
 // Handles the messages that are waiting now, without blocking; FALSE if there were none.
 BOOL AfxPumpPendingMessages();

@@ -1,0 +1,211 @@
+// A drive on the wire that goes wrong: it stops answering, answers garbage, answers too
+// late or drops the connection, before a flow starts or half way through. Every flow ends
+// with failure and its event in bounded time, the module shows offline, nothing that did
+// not reach the drive counts as done, and the module comes back once the drive does.
+#include "LinkFixture.h"
+
+#include "zorhost/services/HostDeviceHelper.h"
+#include "zorhost/services/ParamRecord.h"
+
+#include <QTimer>
+
+#include <map>
+
+using namespace linktest;
+
+namespace {
+
+struct Fault {
+    const char* name;
+    const char* on;
+    const char* off; // null: the fault ends by itself
+};
+
+// The link waits 300 ms an answer and tries twice; a late answer comes after 1 s.
+constexpr Fault kFaults[] = {
+    {"silent", "silent on", "silent off"},
+    {"garbage", "garbage on", "garbage off"},
+    {"late", "latency 1000", "latency 0"},
+    {"drop", "drop-after 1", nullptr},
+};
+
+// 0: the fault is there before the flow starts; otherwise it comes after that many steps.
+constexpr int kStages[] = {0, 120};
+
+// A flow whose drive fails ends well within this (each request: 2 tries of 300 ms).
+constexpr int kBound_ms = 5000;
+
+class LinkFaults : public TcpHost {
+protected:
+    void SetUp() override {
+        TcpHost::SetUp();
+        host.SetLinkStateHandler([this] {
+            if (!host.Module(kKey)->IsOnline())
+                sawOffline = true;
+        });
+    }
+    void TearDown() override {
+        host.Transfer().SetStepHook(nullptr);
+        TcpHost::TearDown();
+    }
+
+    // Starts the fault now (stage 0) or from the flow's step hook.
+    void Arm(const Fault& fault, int stage) {
+        sawOffline = false;
+        if (stage == 0) {
+            ASSERT_TRUE(sim->Command(fault.on));
+        }
+        host.Transfer().SetStepHook([this, fault, stage, armed = false](int done, int) mutable {
+            if (stage > 0 && !armed && done >= stage)
+                armed = sim->Command(fault.on);
+        });
+    }
+    // Ends the fault and waits for the module to be back.
+    void Recover(const Fault& fault) {
+        host.Transfer().SetStepHook(nullptr);
+        EXPECT_TRUE(PumpUntil([&] { return sawOffline; }, 3000)) << "the module showed offline";
+        if (fault.off) {
+            ASSERT_TRUE(sim->Command(fault.off));
+        }
+        ASSERT_TRUE(PumpUntil([&] { return host.Module(kKey)->IsOnline(); }, 8000));
+    }
+
+    bool sawOffline = false;
+};
+
+} // namespace
+
+TEST_F(LinkFaults, UploadEndsWithFailure) {
+    for (const Fault& fault : kFaults)
+        for (int stage : kStages) {
+            SCOPED_TRACE(std::string(fault.name) + " at step " + std::to_string(stage));
+            Arm(fault, stage);
+            ends.clear();
+            QElapsedTimer clock;
+            clock.start();
+            host.Transfer().UploadModule(nullptr, kKey);
+            EXPECT_LT(clock.elapsed(), kBound_ms);
+            ASSERT_EQ(ends.size(), 1u);
+            EXPECT_FALSE(ends[0]);
+            Recover(fault);
+        }
+    host.Transfer().UploadModule(nullptr, kKey);
+    EXPECT_TRUE(ends.back()) << "the drive that came back uploads";
+}
+
+// Whatever the download does not name as failed is on the drive.
+TEST_F(LinkFaults, DownloadNamesEveryWriteThatDidNotHappen) {
+    int round = 0;
+    for (const Fault& fault : kFaults)
+        for (int stage : kStages) {
+            SCOPED_TRACE(std::string(fault.name) + " at step " + std::to_string(stage));
+            ++round;
+            // Values that differ from the last round's wherever the limits allow.
+            std::vector<std::unique_ptr<zorhost::CParamRecord>> owned;
+            std::vector<IRWDataItem*> records;
+            std::map<std::uint32_t, std::pair<zorhost::device::DataType, double>> sent;
+            for (const auto& p : device->parameters) {
+                if (p.modifyMode != zorhost::device::ModifyMode::Any || p.accessLevel > 1 ||
+                    zorhost::sim::RegisterCount(p.dataType) == 0)
+                    continue;
+                double raw = p.factoryValue;
+                if (round % 2 && !p.IsMinLinked() && !p.IsMaxLinked() && raw + 1 <= p.maxValue)
+                    raw += 1;
+                auto& r = owned.emplace_back(std::make_unique<zorhost::CParamRecord>());
+                r->SetRecordAddress(p.address);
+                r->SetRecordValue(zorhost::RawToVariant(p.dataType, raw));
+                records.push_back(r.get());
+                sent[p.address] = {p.dataType, raw};
+            }
+            Arm(fault, stage);
+            downloads.clear();
+            QElapsedTimer clock;
+            clock.start();
+            EXPECT_FALSE(host.Transfer().DownloadRecords(nullptr, kKey, records));
+            EXPECT_LT(clock.elapsed(), kBound_ms);
+            ASSERT_EQ(downloads.size(), 1u);
+            EXPECT_FALSE(downloads[0]);
+            for (const auto& f : host.Transfer().LastDownloadFailures())
+                sent.erase(f.address);
+            EXPECT_LT(sent.size(), records.size());
+            Recover(fault);
+            zorhost::link::ModbusLink other(device, TcpLink(sim->Port()));
+            ASSERT_TRUE(other.WaitOnline(3000));
+            for (const auto& [address, value] : sent) {
+                double raw = 0;
+                ASSERT_TRUE(zorhost::sim::ReadRaw(other, address, value.first, raw, 300).ok());
+                EXPECT_EQ(raw, value.second) << "not named as failed, yet not written: " << address;
+            }
+        }
+}
+
+// The refresh reads on a worker: a cycle never waits for the drive, stores nothing once
+// the module is offline, and stores again when the drive is back.
+TEST_F(LinkFaults, RefreshNeverHoldsTheWindow) {
+    zorhost::CHostRefreshService& refresh = host.Refresh();
+    auto cycle = [&] {
+        std::unique_ptr<IHostRefreshQuery> query(refresh.NewQuery());
+        query->SetModuleKey(kKey);
+        int n = 0;
+        for (const auto& p : device->parameters)
+            if (zorhost::sim::RegisterCount(p.dataType) > 0 && n++ < 200) {
+                IHostRefreshItem* item = query->NewItem();
+                item->SetAddress(p.address);
+                item->SetDataType(int(p.dataType));
+                query->AddItem(item);
+            }
+        refresh.SubmitQuery(query.get());
+        QElapsedTimer clock;
+        clock.start();
+        const int stored = refresh.RunCycle();
+        EXPECT_LT(clock.elapsed(), 100) << "a cycle waited for the drive";
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        return stored;
+    };
+    auto storesWithin = [&](int timeout_ms) {
+        return PumpUntil([&] { return cycle() > 0; }, timeout_ms);
+    };
+    ASSERT_TRUE(storesWithin(3000));
+    for (const Fault& fault : kFaults) {
+        SCOPED_TRACE(fault.name);
+        sawOffline = false;
+        ASSERT_TRUE(sim->Command(fault.on));
+        EXPECT_TRUE(PumpUntil(
+            [&] {
+                cycle();
+                return sawOffline;
+            },
+            kBound_ms));
+        if (!host.Module(kKey)->IsOnline()) {
+            EXPECT_EQ(cycle(), 0);
+        }
+        if (fault.off) {
+            ASSERT_TRUE(sim->Command(fault.off));
+        }
+        EXPECT_TRUE(storesWithin(8000));
+    }
+}
+
+// A slow drive holds no window: its events are handled while an upload and a download wait
+// for their answers.
+TEST_F(LinkFaults, TransfersKeepTheWindowTurning) {
+    ASSERT_TRUE(sim->Command("latency 20"));
+    int ticks = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] { ++ticks; });
+    timer.start(5);
+    EXPECT_TRUE(host.Transfer().UploadModule(nullptr, kKey));
+    EXPECT_TRUE(ends.back());
+    EXPECT_GT(ticks, 10) << "the upload held the event loop";
+    ticks = 0;
+    std::vector<std::unique_ptr<zorhost::CParamRecord>> owned;
+    std::vector<IRWDataItem*> records;
+    for (const char* code : {"H02-08", "H02-09", "H02-10"}) {
+        auto& r = owned.emplace_back(std::make_unique<zorhost::CParamRecord>());
+        r->SetRecordAddress(Address(code));
+        r->SetRecordValue(Variant::UI2(100));
+        records.push_back(r.get());
+    }
+    EXPECT_TRUE(host.Transfer().DownloadRecords(nullptr, kKey, records));
+    EXPECT_GT(ticks, 1) << "the download held the event loop";
+}
