@@ -136,6 +136,7 @@ const TranslationPair kEnglish[] = {
     {"文件打开失败！", "Failed to open the file."},
     {"文件保存成功", "File saved"},
     {"ZXD文件打开失败", "Failed to open the ZXD file"},
+    {"参数上传失败,未导出ZXD文件", "The parameters could not be read from the drive; no ZXD file was exported"},
     {"模块'%s'不在线,是否继续执行保存操作？", "Module '%s' is offline. Save anyway?"},
     {"是否保存H00组和H01组？", "Save groups H00 and H01 as well?"},
     {"修改记录", "Change log"},

@@ -9,6 +9,8 @@
 #include "module/host/IVarObjEx.h"
 #include "values/ValueText.h"
 
+#include <charconv>
+#include <cstring>
 #include <vector>
 
 namespace {
@@ -21,10 +23,38 @@ bool IsCaseless(unsigned cp) {
            (cp >= 0xFF01 && cp <= 0xFF20);
 }
 
+// Appends `text` lower-cased as CString::MakeLower does, without the detour through a
+// wide string for the characters that have no case.
+void AppendLower(std::string& out, const CString& text) {
+    const std::string& bytes = text.str();
+    const size_t start = out.size();
+    for (size_t i = 0; i < bytes.size();) {
+        const unsigned char c = static_cast<unsigned char>(bytes[i]);
+        if (c < 0x80) {
+            out += c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : char(c);
+            ++i;
+            continue;
+        }
+        const size_t n = c >= 0xF0 ? 4 : c >= 0xE0 ? 3 : c >= 0xC0 ? 2 : 1;
+        unsigned cp = n == 1 ? c : c & (0x7Fu >> n);
+        for (size_t k = 1; k < n && i + k < bytes.size(); ++k)
+            cp = (cp << 6) | (static_cast<unsigned char>(bytes[i + k]) & 0x3Fu);
+        if (n == 1 || !IsCaseless(cp)) {
+            CString all = text;
+            all.MakeLower();
+            out.resize(start);
+            out += all.str();
+            return;
+        }
+        out.append(bytes, i, n);
+        i += n;
+    }
+}
+
 // Each field ends with '\0': a search text never holds one, so no match can run from one
 // field into the next.
 void AppendField(std::string& joined, const CString& field) {
-    joined += SearchLower(field);
+    AppendLower(joined, field);
     joined += '\0';
 }
 
@@ -79,35 +109,12 @@ void OptionNames(IValueInfo* info, std::vector<CString>& names) {
     }
 }
 
-bool Holds(const std::string& field, const std::string& text) {
-    return !field.empty() && field.find(text) != std::string::npos;
-}
-
 } // namespace
 
 std::string SearchLower(const CString& text) {
-    const std::string bytes = text.GetString();
     std::string lower;
-    lower.reserve(bytes.size());
-    for (size_t i = 0; i < bytes.size();) {
-        const unsigned char c = static_cast<unsigned char>(bytes[i]);
-        if (c < 0x80) {
-            lower += c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : char(c);
-            ++i;
-            continue;
-        }
-        const size_t n = c >= 0xF0 ? 4 : c >= 0xE0 ? 3 : c >= 0xC0 ? 2 : 1;
-        unsigned cp = n == 1 ? c : c & (0x7Fu >> n);
-        for (size_t k = 1; k < n && i + k < bytes.size(); ++k)
-            cp = (cp << 6) | (static_cast<unsigned char>(bytes[i + k]) & 0x3Fu);
-        if (n == 1 || !IsCaseless(cp)) {
-            CString all = text;
-            all.MakeLower();
-            return all.GetString();
-        }
-        lower.append(bytes, i, n);
-        i += n;
-    }
+    lower.reserve(text.str().size());
+    AppendLower(lower, text);
     return lower;
 }
 
@@ -121,6 +128,8 @@ void CSearchIndex::Validate(int accessLevel) {
     if (probe != m_languageProbe) {
         m_languageProbe = probe;
         m_shownTexts.clear();
+        for (Shared& shown : m_modifyShown)
+            shown.text.clear();
         ++m_language;
     }
 }
@@ -129,85 +138,195 @@ void CSearchIndex::Drop() {
     m_entries.clear();
     m_options.clear();
     m_shownTexts.clear();
+    m_values.clear();
+    m_numberIds.clear();
+    m_textIds.clear();
+    for (Shared& shown : m_modifyShown)
+        shown.text.clear();
     m_accessLevel = -1;
+    // A fresh search number, so that nothing learnt before counts.
+    ++m_search;
+}
+
+void CSearchIndex::BeginSearch(const std::string& lowerText, size_t baseSize) {
+    m_needle = lowerText;
+    m_util = theApp.GetVarUtil();
+    if (m_entries.size() < baseSize)
+        m_entries.reserve(baseSize);
+    ++m_search;
+    for (Shared& value : m_values)
+        value.holds = -1;
+    for (int mode = 0; mode < 3; ++mode) {
+        m_modify[mode].holds = -1;
+        m_modifyShown[mode].holds = -1;
+    }
+}
+
+bool CSearchIndex::Holds(Shared& shared) {
+    if (shared.holds < 0)
+        shared.holds = !shared.text.empty() && shared.text.find(m_needle) != std::string::npos;
+    return shared.holds != 0;
+}
+
+uint32_t CSearchIndex::ValueText(IHostVarUtil* util, const Variant& value, int decimals) {
+    // The payload that the tag makes meaningful; other tags are found by their text.
+    NumberKey key{0, value.vt, decimals};
+    bool number = true;
+    switch (value.vt) {
+    case VT_EMPTY:
+    case VT_NULL:
+        break;
+    case VT_I2:
+    case VT_BOOL:
+        key.bits = uint64_t(int64_t(value.iVal));
+        break;
+    case VT_I4:
+        key.bits = uint64_t(int64_t(value.lVal));
+        break;
+    case VT_UI4:
+        key.bits = value.ulVal;
+        break;
+    case VT_I1:
+        key.bits = uint64_t(int64_t(value.cVal));
+        break;
+    case VT_UI1:
+        key.bits = value.bVal;
+        break;
+    case VT_UI2:
+        key.bits = value.uiVal;
+        break;
+    case VT_R4: {
+        uint32_t bits = 0;
+        std::memcpy(&bits, &value.fltVal, sizeof bits);
+        key.bits = bits;
+        break;
+    }
+    case VT_R8:
+    case VT_DATE:
+        std::memcpy(&key.bits, &value.dblVal, sizeof key.bits);
+        break;
+    default:
+        number = false;
+    }
+    if (number) {
+        auto found = m_numberIds.find(key);
+        if (found != m_numberIds.end())
+            return found->second;
+    }
+    std::string text = SearchLower(FormatValue(util, value, decimals));
+    auto [at, added] = m_textIds.emplace(std::move(text), uint32_t(m_values.size()));
+    if (added)
+        m_values.push_back(Shared{at->first, -1});
+    if (number)
+        m_numberIds.emplace(key, at->second);
+    return at->second;
 }
 
 void CSearchIndex::Build(Entry& entry, IVarAttr* attr) {
-    IHostVarUtil* util = theApp.GetVarUtil();
+    IHostVarUtil* util = m_util != nullptr ? m_util : theApp.GetVarUtil();
     const int decimals = attr->GetDecimals();
-    std::string& joined = entry.common;
+    std::string& own = entry.own;
+    own.reserve(64);
     CString field;
     attr->GetCode(field);
-    AppendField(joined, field);
+    AppendField(own, field);
     attr->GetName(field);
-    AppendField(joined, field);
+    AppendField(own, field);
     attr->GetUnit(field);
-    AppendField(joined, field);
-    AppendField(joined, FormatValue(util, attr->GetMinValue(), decimals));
-    AppendField(joined, FormatValue(util, attr->GetMaxValue(), decimals));
-    AppendField(joined, VarText::ModifyModeText(attr));
-    field.Format("%d", int(attr->GetAddress()));
-    AppendField(joined, field);
-    AppendField(entry.factory, FormatValue(util, attr->GetFactoryValue(), decimals));
+    AppendField(own, field);
+    char address[16];
+    const auto end = std::to_chars(address, address + sizeof address, int(attr->GetAddress()));
+    own.append(address, size_t(end.ptr - address));
+    own += '\0';
+    entry.minText = ValueText(util, attr->GetMinValue(), decimals);
+    entry.maxText = ValueText(util, attr->GetMaxValue(), decimals);
+    entry.factoryText = ValueText(util, attr->GetFactoryValue(), decimals);
     entry.info = attr->GetValueInfo();
     entry.modifyMode = attr->GetModifyMode();
+    if (entry.modifyMode >= 0 && entry.modifyMode <= 2 && m_modify[entry.modifyMode].text.empty())
+        m_modify[entry.modifyMode].text = SearchLower(VarText::ModifyModeText(attr));
 }
 
-CSearchIndex::Options& CSearchIndex::OptionsOf(IValueInfo* info) {
-    auto found = m_options.find(info);
-    if (found != m_options.end())
-        return found->second;
-    Options& options = m_options[info];
-    std::vector<CString> names;
-    OptionNames(info, names);
-    for (const CString& name : names)
-        AppendField(options.stored, name);
-    return options;
-}
-
-const std::string& CSearchIndex::Shown(const CString& text) {
-    auto found = m_shownTexts.find(text.GetString());
-    if (found != m_shownTexts.end())
-        return found->second;
-    return m_shownTexts[text.GetString()] = SearchLower(VarText::Translate(text));
-}
-
-bool CSearchIndex::Matches(IVarAttr* attr, const std::string& lowerText, bool firstPage) {
-    auto it = m_entries.find(attr);
-    if (it == m_entries.end()) {
-        it = m_entries.emplace(attr, Entry()).first;
+CSearchIndex::Entry& CSearchIndex::EntryOf(IVarAttr* attr) {
+    auto [it, added] = m_entries.try_emplace(attr);
+    if (added)
         Build(it->second, attr);
-    }
-    Entry& entry = it->second;
-    if (Holds(entry.common, lowerText))
-        return true;
-    Options* options = entry.info != nullptr ? &OptionsOf(entry.info) : nullptr;
-    if (firstPage &&
-        (Holds(entry.factory, lowerText) || (options && Holds(options->stored, lowerText))))
-        return true;
-    // In the language the texts are stored in, the shown texts are the stored ones.
-    if (m_languageProbe == "任意修改")
-        return false;
+    return it->second;
+}
+
+void CSearchIndex::Prepare(IVarAttr* attr, bool firstPage) {
+    if (m_util == nullptr)
+        m_util = theApp.GetVarUtil();
+    Entry& entry = EntryOf(attr);
+    if (m_languageProbe != "任意修改")
+        Localize(entry, attr, firstPage);
+}
+
+void CSearchIndex::Localize(Entry& entry, IVarAttr* attr, bool firstPage) {
     if (entry.language != m_language) {
         CString name;
         attr->GetName(name);
         entry.shownName = SearchLower(VarText::Translate(name));
         entry.language = m_language;
     }
-    if (Holds(entry.shownName, lowerText))
-        return true;
-    CString modify = VarText::ModifyModeText(attr);
-    if (!modify.IsEmpty() && Holds(Shown(modify), lowerText))
-        return true;
-    if (!firstPage || options == nullptr)
-        return false;
-    if (options->language != m_language) {
+    const int mode = entry.modifyMode;
+    if (mode >= 0 && mode <= 2 && m_modifyShown[mode].text.empty())
+        m_modifyShown[mode].text = Shown(VarText::ModifyModeText(attr));
+    if (!firstPage || entry.info == nullptr)
+        return;
+    Options& options = OptionsOf(entry.info);
+    if (options.language != m_language) {
         std::vector<CString> names;
         OptionNames(entry.info, names);
-        options->shown.clear();
+        options.shown.text.clear();
         for (const CString& name : names)
-            options->shown += Shown(name) + '\0';
-        options->language = m_language;
+            options.shown.text += Shown(name) + '\0';
+        options.language = m_language;
+        options.shown.holds = -1;
     }
-    return Holds(options->shown, lowerText);
+}
+
+CSearchIndex::Options& CSearchIndex::OptionsOf(IValueInfo* info) {
+    auto [it, added] = m_options.try_emplace(info);
+    Options& options = it->second;
+    if (added) {
+        std::vector<CString> names;
+        OptionNames(info, names);
+        for (const CString& name : names)
+            AppendField(options.stored.text, name);
+    }
+    if (options.search != m_search) {
+        options.search = m_search;
+        options.stored.holds = -1;
+        options.shown.holds = -1;
+    }
+    return options;
+}
+
+const std::string& CSearchIndex::Shown(const CString& text) {
+    auto found = m_shownTexts.find(text.str());
+    if (found != m_shownTexts.end())
+        return found->second;
+    return m_shownTexts[text.str()] = SearchLower(VarText::Translate(text));
+}
+
+bool CSearchIndex::Matches(IVarAttr* attr, bool firstPage) {
+    Entry& entry = EntryOf(attr);
+    const int mode = entry.modifyMode;
+    const bool hasModify = mode >= 0 && mode <= 2;
+    if (entry.own.find(m_needle) != std::string::npos || Holds(m_values[entry.minText]) ||
+        Holds(m_values[entry.maxText]) || (hasModify && Holds(m_modify[mode])))
+        return true;
+    Options* options = entry.info != nullptr ? &OptionsOf(entry.info) : nullptr;
+    if (firstPage &&
+        (Holds(m_values[entry.factoryText]) || (options != nullptr && Holds(options->stored))))
+        return true;
+    // In the language the texts are stored in, the shown texts are the stored ones.
+    if (m_languageProbe == "任意修改")
+        return false;
+    Localize(entry, attr, firstPage);
+    if (entry.shownName.find(m_needle) != std::string::npos ||
+        (hasModify && Holds(m_modifyShown[mode])))
+        return true;
+    return firstPage && options != nullptr && Holds(options->shown);
 }

@@ -232,6 +232,7 @@ void CVarTablePageBase::FinishCollection(BOOL setTotal, BOOL postCount) {
     }
     if (postCount && m_pTable != nullptr)
         m_pTable->PostVarCount(setTotal, m_shownVars.GetCount());
+    PrepareSearchWhenIdle();
 }
 
 void CVarTablePageBase::CollectShown(std::vector<IVarObjEx*>& list) const {

@@ -99,6 +99,7 @@ public:
     // Shows the rows of the present selection that hold `text`.
     void SearchRows(const CString& text);
     void DropSearchCache() override { m_searchIndex.Drop(); }
+    void PrepareSearchWhenIdle() override;
     const CSearchIndex& GetSearchIndex() const { return m_searchIndex; }
 
     // ---- row commands
@@ -152,6 +153,7 @@ protected:
     BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
     BOOL PreTranslateMessage(MSG* pMsg) override;
     LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void OnTimer(UINT_PTR nIDEvent) override;
     BOOL OnCommand(WPARAM wParam, LPARAM lParam) override;
     // The compare and axis copy buttons; TRUE when `wParam` was one of them.
     BOOL OnSetsCommand(WPARAM wParam);
@@ -194,6 +196,8 @@ protected:
     BOOL m_bPropertySubscribed = FALSE;
     CImageList m_stateImages;
     CSearchIndex m_searchIndex;
+    // The next row of m_groupVars whose search texts the idle preparation makes.
+    size_t m_searchPrepared = 0;
 
 private:
     void Collect(IVarStore* varList, BOOL all);

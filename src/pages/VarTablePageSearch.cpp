@@ -5,6 +5,8 @@
 #include "pages/VarTablePageBase.h"
 #include "table/VarTable.h"
 
+#include <algorithm>
+
 void CVarTablePageBase::OnSearchEnter() {
     CSearcherComboBox* box = GetSearcher();
     if (box == nullptr || box->GetSafeHwnd() == nullptr)
@@ -45,19 +47,54 @@ void CVarTablePageBase::SearchRows(const CString& text) {
     const BOOL all = text.CompareNoCase("All") == 0 || (m_bFirstPage && text.IsEmpty());
     CString lower = text;
     lower.MakeLower();
-    const std::string needle = lower.GetString();
     const bool firstPage = m_bFirstPage != FALSE;
     const std::vector<IVarObjEx*>& base = m_groupVars.GetArray();
+    m_searchIndex.BeginSearch(lower.str(), base.size());
     for (IVarObjEx* var : base) {
         IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
         if (attr == nullptr)
             continue;
-        if (!all && !m_searchIndex.Matches(attr, needle, firstPage))
+        if (!all && !m_searchIndex.Matches(attr, firstPage))
             continue;
         if (m_pTable != nullptr && attr->GetAccessLevel() <= level && m_pTable->IsCatalogVar(var))
             m_shownVars.Add(var, var);
     }
     FinishCollection(FALSE, TRUE);
+}
+
+namespace {
+
+constexpr UINT_PTR TIMER_SEARCH_PREPARE = 2065;
+// Rows prepared per tick: about a millisecond, so that typing and painting stay smooth.
+constexpr size_t kPrepareSlice = 1000;
+
+} // namespace
+
+// A search formats the fields of every row it meets first; done here in slices while the
+// program waits for the user, the first Enter finds them ready.
+void CVarTablePageBase::PrepareSearchWhenIdle() {
+    m_searchPrepared = 0;
+    if (GetSafeHwnd() != nullptr && !m_groupVars.GetArray().empty())
+        SetTimer(TIMER_SEARCH_PREPARE, 1);
+}
+
+void CVarTablePageBase::OnTimer(UINT_PTR nIDEvent) {
+    if (nIDEvent != TIMER_SEARCH_PREPARE) {
+        CVarTablePage::OnTimer(nIDEvent);
+        return;
+    }
+    const std::vector<IVarObjEx*>& base = m_groupVars.GetArray();
+    if (theApp.GetVarUtil() == nullptr || m_searchPrepared >= base.size()) {
+        KillTimer(TIMER_SEARCH_PREPARE);
+        return;
+    }
+    m_searchIndex.Validate(m_pTable != nullptr ? m_pTable->GetAccessLevel() : 0);
+    const size_t end = std::min(base.size(), m_searchPrepared + kPrepareSlice);
+    for (; m_searchPrepared < end; ++m_searchPrepared) {
+        IVarObjEx* var = base[m_searchPrepared];
+        if (IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr)
+            m_searchIndex.Prepare(attr, m_bFirstPage != FALSE);
+    }
 }
 
 LRESULT CVarTablePageBase::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {

@@ -7,12 +7,51 @@
 #include "values/ValueText.h"
 
 #include <afx/afxdlgs.h>
+#include <afx/afxmt.h>
 
 #include <cstdio>
 
+namespace {
+
+constexpr DWORD kUploadPoll_ms = 50;
+
+enum class UploadOutcome { GoOn, Failed, FrameGone };
+
+// The upload-and-save flow of the frame reads the variables of the selection from the drive
+// first, so that the export holds the drive's values. Its questions and guards run as usual;
+// when they start no upload, the export goes on with the values as they stand. An upload that
+// started is waited for (the host shows its progress), and one that failed stops the export:
+// a file of half-read values would claim to be the drive's.
+UploadOutcome UploadBeforeExport(CVarTable* table) {
+    const int before = table->GetUploadsEnded();
+    // busyExporting keeps the end of the upload from starting a save.
+    const int busy = table->busyExporting;
+    table->busyExporting = 1;
+    table->UploadAndSave();
+    CEvent idle;
+    while (table->GetUploadsEnded() == before && table->IsUploadPending()) {
+        if (table->GetSafeHwnd() == nullptr)
+            return UploadOutcome::FrameGone;
+        AfxWaitPumping(idle, kUploadPoll_ms);
+    }
+    table->busyExporting = busy;
+    if (table->GetUploadsEnded() != before && !table->LastUploadSucceeded())
+        return UploadOutcome::Failed;
+    return UploadOutcome::GoOn;
+}
+
+} // namespace
+
 void CVarTablePageBase::ExportZxd() {
-    // NOT DONE: the upload before the export (and its wait) belongs to the upload-and-save
-    // flow, which the frame doesn't offer yet; the export writes the values as they stand.
+    const UploadOutcome upload =
+        m_pTable != nullptr ? UploadBeforeExport(m_pTable) : UploadOutcome::GoOn;
+    if (upload == UploadOutcome::FrameGone)
+        return;
+    if (upload == UploadOutcome::Failed) {
+        MessageBox(GetSafeHwnd(), VarText::Translate("参数上传失败,未导出ZXD文件").GetString(), "",
+                   MB_OK | MB_ICONWARNING);
+        return;
+    }
     SYSTEMTIME now{};
     GetLocalTime(&now);
     char name[1024];

@@ -44,6 +44,8 @@ public:
     virtual void PollAuthority() {}
     // Forgets what the page derived from the attributes (they were reloaded).
     virtual void DropSearchCache() {}
+    // Prepares the search texts of the rows on show while the program is idle.
+    virtual void PrepareSearchWhenIdle() {}
     // Writes the rows on show to a compressed export file.
     virtual void ExportZxd() {}
 

@@ -305,6 +305,10 @@ void CVarTable::OnLanguageChanged() {
     if (m_pTranslator != nullptr)
         m_pTranslator->Retranslate(0);
     RetranslateTree();
+    // The names as shown changed: the pages make their search texts again while idle.
+    for (CVarTablePage* page : {m_pPage1, m_pPage2})
+        if (page != nullptr)
+            page->PrepareSearchWhenIdle();
 }
 
 // ---------------------------------------------------------------- window

@@ -141,6 +141,11 @@ public:
     // Upload and save (commands 1987 and 1004) and the saves without upload.
     void UploadAndSave();
     void UploadCheckedAndSave();
+    // The ends of the uploads the two flows above started, counted, and whether the last
+    // one read every variable: a caller that needs fresh values waits for the count to move.
+    int GetUploadsEnded() const { return m_uploadsEnded; }
+    BOOL LastUploadSucceeded() const { return m_bLastUploadOk; }
+    BOOL IsUploadPending() const { return m_bSavePending; }
     void SaveCheckedAs();
     void SaveSelectionAs();
     void SaveCheckedVars(IVarStore* store, const CString& path);
@@ -346,6 +351,8 @@ private:
     // Set by the upload-and-save flows: only their uploads end in a save, not the
     // attribute sync, which ends through the same event.
     BOOL m_bSavePending = FALSE;
+    int m_uploadsEnded = 0;
+    BOOL m_bLastUploadOk = FALSE;
     BOOL m_bRefreshListening = FALSE;
     // Set while items are made or deleted in bulk: selection changes then show nothing.
     BOOL m_bRebuilding = FALSE;

@@ -185,6 +185,10 @@ void CVarTable::OnModuleUploaded(const CString& moduleKey, BOOL success) {
     CString key;
     if (m_pModule != nullptr)
         m_pModule->GetModuleKey(key);
+    if (pending && m_pModule != nullptr && moduleKey == key) {
+        ++m_uploadsEnded;
+        m_bLastUploadOk = success;
+    }
     if (!pending || !success || m_pModule == nullptr || moduleKey != key || busyExporting)
         return;
     if (saveAfterUpload == 1)

@@ -120,6 +120,29 @@ TEST_F(SearchTest, FindsTheTextsOfTheLanguageOnShow) {
     EXPECT_EQ(Page().GetShownCount(), 0);
 }
 
+// The texts made while the program is idle, after a selection and after a language change,
+// give the finds that texts made during the search give.
+TEST_F(SearchTest, TextsPreparedWhileIdle) {
+    OpenFrame("ZD3S");
+    ShowGroup("H03");
+    EXPECT_TRUE(AfxPumpMessagesUntil(
+        [&] { return Page().GetSearchIndex().GetCount() >= Page().GetGroupVars().GetCount(); },
+        2000));
+    SetEnglish(true);
+    Pump();
+    Page().SearchRows("di1 function");
+    EXPECT_TRUE(Shows(Page(), "H03-02"));
+    Page().SearchRows("servo on");
+    const int english = Page().GetShownCount();
+    EXPECT_GT(english, 0);
+    SetEnglish(false);
+    Pump();
+    Page().SearchRows("servo on");
+    EXPECT_EQ(Page().GetShownCount(), 0);
+    Page().SearchRows("伺服使能");
+    EXPECT_EQ(Page().GetShownCount(), english);
+}
+
 TEST_F(SearchTest, AccessLevelLimitsTheFinds) {
     OpenFrame("ZD3S");
     ShowGroup("H00");

@@ -159,5 +159,35 @@ TEST_F(ZxdFileTest, EmptyListAndTheFrameCommand) {
     EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "文件打开失败");
 }
 
+// The export reads the drive first: the records hold what the drive holds, the end of that
+// upload starts no save of its own, and a failed read leaves no file.
+TEST_F(ZxdFileTest, UploadBeforeTheExport) {
+    OpenFrame("ZD3S");
+    ShowGroup("H00");
+    const int row = 2;
+    IVarObjEx* var = Page().GetShownVar(row);
+    const UINT address = var->GetInstanceAddress();
+    double raw = 0;
+    ASSERT_TRUE(drive->PeekRaw(address, raw));
+    ASSERT_TRUE(drive->PokeRaw(address, raw + 1));
+    CAfxRecordingResponder prompts;
+    const std::filesystem::path fresh = dir / "fresh.zxd";
+    prompts.ChooseFiles({CString(fresh.string().c_str())});
+    ASSERT_TRUE(table->OnFrameCommand(ID_EXPORT_ZXD));
+    const std::string bytes = ReadAll(fresh);
+    CheckFile(bytes, uint32_t(Page().GetShownCount()));
+    EXPECT_EQ(Word(bytes, 256 + 16 * row + 8), uint32_t(raw + 1));
+    EXPECT_EQ(prompts.Count(AfxPrompt::FileDialog), 1u);
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "文件保存成功");
+
+    drive->SetFailure(zorhost::sim::FailureMode::FailReads, {address});
+    const std::filesystem::path failed = dir / "failed.zxd";
+    prompts.ChooseFiles({CString(failed.string().c_str())});
+    table->OnFrameCommand(ID_EXPORT_ZXD);
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "参数上传失败,未导出ZXD文件");
+    EXPECT_EQ(prompts.Count(AfxPrompt::FileDialog), 1u);
+    EXPECT_FALSE(std::filesystem::exists(failed));
+}
+
 } // namespace
 } // namespace pt

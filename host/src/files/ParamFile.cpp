@@ -206,9 +206,9 @@ const BYTE* CParamFileTable::GetElecLabel() {
     return m_label.empty() ? nullptr : m_label.data();
 }
 
-void CParamFileTable::Index(size_t i) {
+void CParamFileTable::Index(size_t i, std::string key) {
     IVarObjEx& var = *m_vars[i];
-    m_byKey.emplace(KeyOf(var), i);
+    m_byKey.emplace(std::move(key), i);
     if (IVarAttr* attr = var.GetAttr()) {
         CString code;
         attr->GetCode(code);
@@ -222,28 +222,41 @@ void CParamFileTable::Reindex() {
     m_byCode.clear();
     m_byAddress.clear();
     for (size_t i = 0; i < m_vars.size(); ++i)
-        Index(i);
+        Index(i, KeyOf(*m_vars[i]));
 }
 
 BOOL CParamFileTable::Adopt(std::unique_ptr<IVarObjEx> var, std::unique_ptr<IVarAttr> attr) {
-    if (!var || m_byKey.count(KeyOf(*var)) != 0)
+    if (!var)
         return 0;
-    if (attr)
-        m_attrs.push_back(std::move(attr));
-    m_vars.push_back(std::move(var));
-    Index(m_vars.size() - 1);
+    std::string key = KeyOf(*var);
+    if (m_byKey.count(key) != 0)
+        return 0;
+    Take(std::move(key), std::move(var), std::move(attr));
     return 1;
 }
 
+// The key is asked for once: a large file adds many thousand variables.
+void CParamFileTable::Take(std::string key, std::unique_ptr<IVarObjEx> var,
+                           std::unique_ptr<IVarAttr> attr) {
+    if (attr)
+        m_attrs.push_back(std::move(attr));
+    m_vars.push_back(std::move(var));
+    Index(m_vars.size() - 1, std::move(key));
+}
+
 BOOL CParamFileTable::AddVar(IVarObjEx* var) {
-    if (var == nullptr || m_byKey.count(KeyOf(*var)) != 0)
+    if (var == nullptr)
+        return 0;
+    std::string key = KeyOf(*var);
+    if (m_byKey.count(key) != 0)
         return 0;
     std::unique_ptr<IVarAttr> attr;
     if (IVarAttr* source = var->GetAttr()) {
         attr.reset(source->Clone());
         var->SetAttr(attr.get());
     }
-    return Adopt(std::unique_ptr<IVarObjEx>(var), std::move(attr));
+    Take(std::move(key), std::unique_ptr<IVarObjEx>(var), std::move(attr));
+    return 1;
 }
 
 void CParamFileTable::DropVar(const CString& key) {

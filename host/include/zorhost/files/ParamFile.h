@@ -142,7 +142,8 @@ public:
 private:
     void DropVar(const CString& key);
     void Reindex();
-    void Index(size_t i);
+    void Index(size_t i, std::string key);
+    void Take(std::string key, std::unique_ptr<IVarObjEx> var, std::unique_ptr<IVarAttr> attr);
 
     std::vector<std::unique_ptr<IVarObjEx>> m_vars;
     std::vector<std::unique_ptr<IVarAttr>> m_attrs;            // not by index: a clone may lack one
