@@ -12,7 +12,7 @@ packages=(
     libmodbus-dev
     libfreexl-dev libminizip-dev libexpat1-dev
     qt6-charts-dev libqt6opengl6-dev
-    clang libclang-rt-14-dev
+    clang libclang-rt-14-dev clang-format clang-tidy
     python3-pymodbus python3-openpyxl python3-xlwt mbpoll
     xvfb xdotool
 )

@@ -9,6 +9,8 @@
 #include "zorhost/model/ProjectModel.h"
 #include "zorhost/services/HostVarUtil.h"
 
+#include "FakeUiService.h"
+
 #include <benchmark/benchmark.h>
 
 #include <memory>
@@ -19,22 +21,10 @@ constexpr int kParameters = 20000;
 constexpr int kColumns = 13;
 
 // The translator as a pass-through: the bench prices the module's side.
-class PassThroughUi : public IHostUiService {
-public:
-    BOOL GetString(CString& text, HINSTANCE, UINT, int) override {
-        text.Empty();
-        return 0;
-    }
-    IHostWindowTranslator* CreateWindowTranslator() override { return nullptr; }
-    void RetranslateWindow(HWND) override {}
-    void TranslateText(CString& translated, const CString& text) override { translated = text; }
-    void TranslateMenu(HMENU) override {}
-    void ApplySkin(HWND, int, int) override {}
-};
 
 struct Host {
     zorhost::CHostVarUtil util;
-    PassThroughUi ui;
+    FakeUiService ui;
     zorhost::model::CProjectRoot root;
     zorhost::HostServices services;
     zorhost::model::CDeviceModule* module = nullptr;
@@ -48,6 +38,7 @@ struct Host {
             std::make_unique<zorhost::model::CDeviceModule>(loaded.device, CString("G1"), 1));
         root.Open(std::move(project));
         services.Register<IHostVarUtil>(&util);
+        ui.strings = FakeUiService::Strings::None;
         services.Register<IHostUiService>(&ui);
         services.Register<IHostProjectRoot>(&root);
         theApp.SetQueryInterfaceCallback(services.Context(), &zorhost::HostServices::Query);

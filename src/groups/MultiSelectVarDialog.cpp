@@ -144,7 +144,7 @@ BOOL CMultiSelectVarDialog::IsGroupShown(IGroupNode* group, IHostDeviceModule* m
         IVarObjEx* var = m_pStore->FindByCode(key);
         IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
         if (attr != nullptr && !attr->IsFixed() && attr->IsTransferable() &&
-            attr->GetAccessLevel() <= level && attr->GetModifyMode() != 3)
+            attr->GetAccessLevel() <= level && attr->GetModifyMode() != MODIFY_NOT_TRANSFERRED)
             return TRUE;
     }
     return FALSE;

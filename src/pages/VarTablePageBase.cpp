@@ -1,4 +1,5 @@
 #include "pages/VarTablePageBase.h"
+#include "module/host/VarAttrCodes.h"
 
 #include "module/ParmiraApp.h"
 #include "module/host/IGroupCategory.h"
@@ -169,7 +170,7 @@ void CVarTablePageBase::WalkGroup(IGroupNode* group, IVarStore* varList, int lev
         IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
         if (attr == nullptr || !attr->IsTransferable() || attr->GetAccessLevel() > level)
             continue;
-        if (m_bFirstPage && (attr->IsFixed() || attr->GetModifyMode() == 3))
+        if (m_bFirstPage && (attr->IsFixed() || attr->GetModifyMode() == MODIFY_NOT_TRANSFERRED))
             continue;
         if (!m_bFirstPage && level == 0 && attr->IsHiddenForUser() && m_pTable != nullptr &&
             m_pTable->IsProductLine13(m_pTable->GetModule())) {

@@ -154,7 +154,7 @@ CString CVarTablePageBase::GetCellText(int row, int column) {
         kind = multi ? KindAt(kKindsPage1Multi, column) : KindAt(kKindsPage1Single, column);
     else
         kind = multi ? KindAt(kKindsPage2Multi, column) : KindAt(kKindsPage2Single, column);
-    const BOOL hidden = attr->GetDisplayFormat() == 4;
+    const BOOL hidden = attr->GetDisplayFormat() == FORMAT_HIDDEN;
     CString text;
     switch (kind) {
     case CellRow:
@@ -182,7 +182,7 @@ CString CVarTablePageBase::GetCellText(int row, int column) {
         if (hidden)
             text = kHiddenText;
         else if (IsEmptyOrNull(var->GetSetValue()))
-            text = "---";
+            text = VarText::kNoValueText;
         else
             text = CGetVarInfo().SetValueText(var);
         break;
@@ -193,7 +193,7 @@ CString CVarTablePageBase::GetCellText(int row, int column) {
     case CellUnit:
         text = Translate(UnitText(var));
         if (text.IsEmpty())
-            text = "-";
+            text = VarText::kNoUnitText;
         break;
     case CellUnitPlain:
         text = Translate(UnitText(var));
@@ -274,7 +274,7 @@ COLORREF CVarTablePageBase::GetCellBackColor(int row, int column) {
             return rowColour;
         if (HasNoValue(var))
             return PAGE_NOT_READ;
-        return attr->GetModifyMode() != 2 ? RGB(255, 255, 255) : rowColour;
+        return attr->GetModifyMode() != MODIFY_NEVER ? RGB(255, 255, 255) : rowColour;
     }
     if (column == valueColumn + 1) {
         if (HasNoValue(var))
@@ -282,7 +282,7 @@ COLORREF CVarTablePageBase::GetCellBackColor(int row, int column) {
         return EqualsFactory(var) ? rowColour : PAGE_NOT_FACTORY_BACK;
     }
     if (column == valueColumn) {
-        if (attr->GetModifyMode() == 2)
+        if (attr->GetModifyMode() == MODIFY_NEVER)
             return PAGE_READ_ONLY_SET;
         IHostVarUtil* util = theApp.GetVarUtil();
         const Variant set = var->GetSetValue();
@@ -312,7 +312,7 @@ void CVarTablePageBase::GetCellEditorKind(int& kind, int row, int column) {
     // The host gives a plain number no value meaning at all: that is kind 0.
     IValueInfo* info = attr->GetValueInfo();
     if (m_bFirstPage && column == 9 && GetMultiAxisFlag() != 1) {
-        kind = attr->GetDisplayFormat() == 2 ? 2 : 0;
+        kind = attr->GetDisplayFormat() == FORMAT_PER_UNIT ? 2 : 0;
         return;
     }
     if (column != GetValueColumn()) {
@@ -320,13 +320,13 @@ void CVarTablePageBase::GetCellEditorKind(int& kind, int row, int column) {
         return;
     }
     const int k = info != nullptr ? info->GetKind() : 0;
-    const BOOL packed = k >= 2 && k <= 6;
+    const BOOL packed = k >= VALUE_INFO_BITS && k <= 6;
     switch (attr->GetModifyMode()) {
-    case 0:
-    case 1:
-        kind = k == 1 ? 2 : (packed ? 3 : 1);
+    case MODIFY_ANY_TIME:
+    case MODIFY_AT_STANDSTILL:
+        kind = k == VALUE_INFO_ENUM ? 2 : (packed ? 3 : 1);
         break;
-    case 2:
+    case MODIFY_NEVER:
         // The bit view opens, though it can't change the value.
         kind = packed ? 3 : 0;
         break;
@@ -343,9 +343,9 @@ void CVarTablePageBase::GetCellEditKind(int& kind, int row, int) {
         return;
     // A hexadecimal parameter with places shows a decimal figure, so it gets the numeric
     // edit with its places; the text edit would refuse the point.
-    if (attr->GetDisplayFormat() == 0)
+    if (attr->GetDisplayFormat() == FORMAT_DECIMAL)
         kind = 0;
-    else if (attr->GetDisplayFormat() == 1)
+    else if (attr->GetDisplayFormat() == FORMAT_HEX)
         kind = attr->GetDecimals() > 0 ? 0 : 1;
 }
 
@@ -354,7 +354,7 @@ void CVarTablePageBase::InitCellEdit(CItemEdit* edit, int row, int column) {
     IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
     if (attr == nullptr || column != GetValueColumn())
         return;
-    if (attr->GetDisplayFormat() == 4) {
+    if (attr->GetDisplayFormat() == FORMAT_HIDDEN) {
         edit->ModifyStyle(0, ES_PASSWORD);
         edit->SetPasswordChar('*');
         return;
@@ -367,7 +367,7 @@ void CVarTablePageBase::InitCellEdit(CItemEdit* edit, int row, int column) {
 void CVarTablePageBase::InitCellEditEx(CItemEditEx* edit, int row, int) {
     IVarObjEx* var = m_shownVars.GetAt(row);
     IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
-    if (attr != nullptr && attr->GetDisplayFormat() == 1)
+    if (attr != nullptr && attr->GetDisplayFormat() == FORMAT_HEX)
         // Digits, the hexadecimal letters and the prefix stay typable.
         edit->SetInvalidCharacters("~!@#$%^&*(){}[]|\\:;\"'<>,.?/"
                                    "qwrtyuiopsghjklzvnmQWRTYUIOPSGHJKLZVNM");
@@ -406,7 +406,7 @@ void CVarTablePageBase::InitCellCombo(CItemComBox* combo, int row, int column) {
     if (column != GetValueColumn())
         return;
     IValueInfo* info = attr->GetValueInfo();
-    IValueInfoList* list = info != nullptr && info->GetKind() == 1 ? info->GetEnumList() : nullptr;
+    IValueInfoList* list = info != nullptr && info->GetKind() == VALUE_INFO_ENUM ? info->GetEnumList() : nullptr;
     if (list == nullptr)
         return;
     const int count = list->GetCount();
@@ -490,7 +490,7 @@ void CVarTablePageBase::OnCellButtonClicked(CItemButton*, int row, int column, c
     IVarObjEx* var = m_shownVars.GetAt(row);
     IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
     IValueInfo* info = attr != nullptr ? attr->GetValueInfo() : nullptr;
-    if (info == nullptr || info->GetKind() < 2 || info->GetKind() > 6)
+    if (info == nullptr || info->GetKind() < VALUE_INFO_BITS || info->GetKind() > 6)
         return;
     CWriteVarDialog dialog(this);
     dialog.SetItem(var);
@@ -568,20 +568,20 @@ CString CVarTablePageBase::GetToolTipText(int row, int column) {
         tip.AppendFormat("%s  %s\n", Translate(name).GetString(), value.GetString());
     };
     const int k = info->GetKind();
-    IValueInfoList* list = k == 2   ? info->GetBitList()
-                           : k == 3 ? info->GetBitRangeList()
-                           : k == 4 ? info->GetDigitList()
-                                    : nullptr;
+    IValueInfoList* list = k == VALUE_INFO_BITS         ? info->GetBitList()
+                           : k == VALUE_INFO_BIT_RANGES ? info->GetBitRangeList()
+                           : k == VALUE_INFO_DIGITS     ? info->GetDigitList()
+                                                        : nullptr;
     const int count = list != nullptr ? list->GetCount() : 0;
-    const LONGLONG radix = attr->GetDisplayFormat() == 0 ? 10 : 16;
+    const LONGLONG radix = attr->GetDisplayFormat() == FORMAT_DECIMAL ? 10 : 16;
     for (int i = 0; i < count; ++i) {
         IValueInfoEntry* entry = list->GetAt(i);
         if (entry == nullptr)
             continue;
         const int bit = entry->GetBit();
-        if (k == 2) {
+        if (k == VALUE_INFO_BITS) {
             line(entry, util->GetBit(v, bit));
-        } else if (k == 3) {
+        } else if (k == VALUE_INFO_BIT_RANGES) {
             const int width = std::max(entry->GetWidth(), 1);
             line(entry, util->GetBitRange(v, bit, bit + width - 1));
         } else {

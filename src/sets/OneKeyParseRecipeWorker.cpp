@@ -168,7 +168,7 @@ void COneKeyParseRecipeDialog::RunRestore(IHostWorkerThread* worker) {
             break;
         IVarAttr* attr = var->GetAttr();
         // The drive would refuse these anyway; they are no failure of the restore.
-        if (attr == nullptr || attr->GetModifyMode() == 2)
+        if (attr == nullptr || attr->GetModifyMode() == MODIFY_NEVER)
             continue;
         const double value = util->VariantAsDouble(var->GetValue());
         if (!helper->WriteParameter(key, var->GetInstanceAddress(), value))

@@ -1,6 +1,7 @@
 // The frame's parameter files: what a file of a group holds, and the parameter tables of a
 // file's table or a group.
 #include "table/VarTable.h"
+#include "module/host/VarAttrCodes.h"
 
 #include "files/ParamTableWriter.h"
 #include "module/ParmiraApp.h"
@@ -278,7 +279,7 @@ void CVarTable::SaveCheckedVars(IVarStore* store, const CString& path) {
             IVarObjEx* var = store->GetAt(i);
             IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
             if (attr != nullptr && var->IsChecked() && !attr->IsFixed() &&
-                attr->GetModifyMode() != 3)
+                attr->GetModifyMode() != MODIFY_NOT_TRANSFERRED)
                 picked.push_back(var);
         }
     }

@@ -1,5 +1,6 @@
 // The group tree of the frame and the walks that turn groups into variable lists.
 #include "table/VarTable.h"
+#include "module/host/VarAttrCodes.h"
 
 #include "module/LocalResource.h"
 #include "module/ParmiraApp.h"
@@ -89,7 +90,7 @@ BOOL CVarTable::IsGroupShown(IGroupNode* group) {
         if (attr == nullptr)
             continue;
         if (!attr->IsFixed() && attr->IsTransferable() && attr->GetAccessLevel() <= level &&
-            attr->GetModifyMode() != 3)
+            attr->GetModifyMode() != MODIFY_NOT_TRANSFERRED)
             return TRUE;
     }
     return FALSE;
@@ -336,7 +337,7 @@ void CVarTable::CollectGroupVars(IGroupNode* group, std::vector<IVarObjEx*>& lis
     for (IVarObjEx* var : found.order) {
         IVarAttr* attr = var->GetAttr();
         if (attr != nullptr && attr->IsTransferable() && !attr->IsFixed() &&
-            attr->GetModifyMode() != 3)
+            attr->GetModifyMode() != MODIFY_NOT_TRANSFERRED)
             list.push_back(var);
     }
 }

@@ -61,8 +61,8 @@ CString CGetVarInfo::TextWithMeaning(IVarObjEx* item, const CString& hostText,
         return CString();
     // A per-unit parameter reads in the scale its row shows, like its limits and unit.
     CString text = hostText;
-    if (attr->GetDisplayFormat() == VarText::FORMAT_PER_UNIT &&
-        item->GetPerUnitMode() >= VarText::PER_UNIT_PERCENT) {
+    if (attr->GetDisplayFormat() == FORMAT_PER_UNIT &&
+        item->GetPerUnitMode() >= PER_UNIT_PERCENT) {
         text = VarText::PerUnitValueText(item, value);
         if (text.IsEmpty())
             return text;
@@ -98,7 +98,7 @@ CString CGetVarInfo::Meaning(IVarAttr* attr, const Variant& value) {
         return CString();
     IValueInfo* info = attr->GetValueInfo();
     // Bits, ranges and digits are shown by the write dialog; kinds 5 and 6 mean nothing.
-    if (info == nullptr || info->GetKind() != 1)
+    if (info == nullptr || info->GetKind() != VALUE_INFO_ENUM)
         return CString();
     const CString text =
         EnumText(attr, info->GetEnumList(), InOwnType(util, attr->GetDataType(), value));
@@ -135,8 +135,8 @@ CString CGetVarInfo::ValueTextWithMeaning(IVarObjEx* item, const Variant& value)
     const int decimals = attr->GetDecimals();
     CString text;
     switch (attr->GetDisplayFormat()) {
-    case VarText::FORMAT_DECIMAL:
-    case VarText::FORMAT_HEX: {
+    case FORMAT_DECIMAL:
+    case FORMAT_HEX: {
         // Integer raw figures in the parameter's unit; a figure with places is a double.
         const bool integer = value.vt != VT_R4 && value.vt != VT_R8 && value.vt != VT_BSTR;
         const double d =
@@ -144,10 +144,10 @@ CString CGetVarInfo::ValueTextWithMeaning(IVarObjEx* item, const Variant& value)
         Variant w = Variant::OfType(decimals > 0 ? VARTYPE(VT_R8) : VARTYPE(type));
         if (!util->DoubleToVariant(d, w))
             w = Variant::R8(d);
-        util->FormatVariant(text, w, decimals, attr->GetDisplayFormat() == VarText::FORMAT_HEX);
+        util->FormatVariant(text, w, decimals, attr->GetDisplayFormat() == FORMAT_HEX);
         break;
     }
-    case VarText::FORMAT_PER_UNIT: {
+    case FORMAT_PER_UNIT: {
         // Always a percentage here, whatever scale the list shows the row in.
         double d = util->VariantAsDouble(value);
         if (type == VT_I4 || type == VT_UI4)

@@ -595,11 +595,11 @@ CString ModifyModeText(IVarAttr* attr) {
     if (attr == nullptr)
         return CString();
     switch (attr->GetModifyMode()) {
-    case 0:
+    case MODIFY_ANY_TIME:
         return "任意修改";
-    case 1:
+    case MODIFY_AT_STANDSTILL:
         return "停机修改";
-    case 2:
+    case MODIFY_NEVER:
         return "不可修改";
     default:
         return CString();
@@ -610,11 +610,11 @@ CString EffectModeText(IVarAttr* attr) {
     if (attr == nullptr)
         return CString();
     switch (attr->GetEffectMode()) {
-    case 1:
+    case EFFECT_AT_ONCE:
         return "立即生效";
-    case 2:
+    case EFFECT_AFTER_POWER_CYCLE:
         return "再次通电";
-    case 3:
+    case EFFECT_AT_STANDSTILL:
         return "停机生效";
     default:
         return CString();
@@ -664,7 +664,7 @@ const char* const kConnectorNames[] = {"B连接器", "K连接器", "F连接器",
 
 BOOL IsConnectorVar(IVarAttr* attr) {
     IValueInfo* info = attr != nullptr ? attr->GetValueInfo() : nullptr;
-    if (info == nullptr || info->GetKind() != 1)
+    if (info == nullptr || info->GetKind() != VALUE_INFO_ENUM)
         return FALSE;
     IValueInfoList* list = info->GetEnumList();
     if (list == nullptr || list->GetCount() <= 0)

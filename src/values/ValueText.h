@@ -11,6 +11,8 @@
 // use; a missing service or attribute gives an empty text, 0, or does nothing.
 #pragma once
 
+#include "module/host/VarAttrCodes.h"
+
 #include "module/host/HostFwd.h"
 #include "module/host/Variant.h"
 
@@ -31,10 +33,6 @@ inline const char* const kDownloadFailedText = "参数下载失败.";
 // Caption of the box of a failed direct write.
 constexpr UINT IDS_WRITE_FAILED_CAPTION = 2037;
 
-// Display formats (IVarAttr::GetDisplayFormat).
-enum { FORMAT_DECIMAL = 0, FORMAT_HEX = 1, FORMAT_PER_UNIT = 2, FORMAT_RAW = 3, FORMAT_HIDDEN = 4 };
-// Per-unit modes: -1/0 raw figure, 1 percent, 2 and above the base of that entry.
-enum { PER_UNIT_RAW = 0, PER_UNIT_PERCENT = 1, PER_UNIT_FIRST_BASE = 2 };
 
 // ---- types and parsers
 // Data type code of a spreadsheet's type text; 0 when unknown.

@@ -1,4 +1,5 @@
 #include "values/WriteLinkerVarDialog.h"
+#include "module/host/VarAttrCodes.h"
 
 #include "module/ParmiraApp.h"
 #include "module/host/IConnectorGroup.h"
@@ -115,7 +116,7 @@ void CWriteLinkerVarDialog::DoDataExchange(CDataExchange* pDX) {
 
 ConnectorKind CWriteLinkerVarDialog::ConnectorKindOf() {
     IValueInfo* info = m_pAttr != nullptr ? m_pAttr->GetValueInfo() : nullptr;
-    if (info == nullptr || info->GetKind() != 1)
+    if (info == nullptr || info->GetKind() != VALUE_INFO_ENUM)
         return ConnectorNone;
     IValueInfoList* list = info->GetEnumList();
     const int count = list != nullptr ? list->GetCount() : 0;

@@ -1,4 +1,5 @@
 #include "values/WriteVarDialog.h"
+#include "module/host/VarAttrCodes.h"
 
 #include "module/ParmiraApp.h"
 #include "module/host/IHostUiService.h"
@@ -138,7 +139,7 @@ BOOL CWriteVarDialog::OnInitDialog() {
     m_pGrid->SetSortMarker(FALSE);
     m_pGrid->SetZoomRange(0.1, 4.0);
 
-    if (attr != nullptr && attr->GetModifyMode() == 2) {
+    if (attr != nullptr && attr->GetModifyMode() == MODIFY_NEVER) {
         // Read-only: the fields are shown, nothing can be taken.
         if (CWnd* edit = GetDlgItem(int(IDC_WRITE_VALUE)))
             edit->EnableWindow(FALSE);
@@ -147,7 +148,7 @@ BOOL CWriteVarDialog::OnInitDialog() {
     }
     IHostVarUtil* util = theApp.GetVarUtil();
     if (attr != nullptr && util != nullptr) {
-        m_hexFlag = attr->GetDisplayFormat() == 1 ? 1 : 0;
+        m_hexFlag = attr->GetDisplayFormat() == FORMAT_HEX ? 1 : 0;
         attr->GetCode(m_codeText);
         attr->GetName(m_nameText);
         m_nameText = Translated(m_nameText);

@@ -25,17 +25,6 @@ public:
 
 } // namespace
 
-// ---------------------------------------------------------------- helper
-std::vector<std::string> RecordingDeviceHelper::WriteLog() const {
-    std::vector<std::string> log;
-    for (const Write& w : writes) {
-        CString entry;
-        entry.Format("%s=%.0f", w.name.GetString(), w.value);
-        log.push_back(entry.str());
-    }
-    return log;
-}
-
 // ---------------------------------------------------------------- frame
 void RecordingFrame::ApplyAccessLevel(IHostDeviceModule* m, int level) {
     calls.push_back("apply " + std::to_string(level));

@@ -11,6 +11,9 @@
 #include "module/host/IHostWindowTranslator.h"
 #include "zorhost/ReferenceHost.h"
 
+#include "FakeDeviceHelper.h"
+#include "FakeUiService.h"
+
 #include <afx/afxtest.h>
 
 #include <gtest/gtest.h>
@@ -19,60 +22,6 @@
 #include <memory>
 #include <string>
 #include <vector>
-
-// The host's device helper with a record of the named writes on their way to the drive.
-class RecordingDeviceHelper : public IHostDeviceHelper {
-public:
-    explicit RecordingDeviceHelper(IHostDeviceHelper& inner) : m_inner(inner) {}
-    struct Write {
-        CString key, name;
-        double value;
-    };
-    std::vector<Write> writes;
-    // The writes in order, as "name=value".
-    std::vector<std::string> WriteLog() const;
-
-    int GetProtocolKind(IHostDeviceModule* module) override {
-        return m_inner.GetProtocolKind(module);
-    }
-    IVarObjEx* FindNamedVar(IHostDeviceModule* module, const CString& name) override {
-        return m_inner.FindNamedVar(module, name);
-    }
-    BOOL WriteNamedVar(const CString& moduleKey, const CString& name, double value) override {
-        writes.push_back({moduleKey, name, value});
-        return m_inner.WriteNamedVar(moduleKey, name, value);
-    }
-    IFunctionEntry* FindFunctionVar(IHostDeviceModule* module, const CString& name) override {
-        return m_inner.FindFunctionVar(module, name);
-    }
-    BOOL ReadCsvParamFile(const CString& path, IParamFile* file,
-                          IHostDeviceModule* module) override {
-        return m_inner.ReadCsvParamFile(path, file, module);
-    }
-    BOOL ReadParameter(const CString& key, UINT address, double& value) override {
-        return m_inner.ReadParameter(key, address, value);
-    }
-    BOOL WriteParameter(const CString& key, UINT address, double value) override {
-        return m_inner.WriteParameter(key, address, value);
-    }
-    BOOL WriteParameterAs(const CString& key, UINT address, int type, double value) override {
-        return m_inner.WriteParameterAs(key, address, type, value);
-    }
-    BOOL WriteVarDirect(const CString& key, UINT address, int type, const Variant& value,
-                        Variant& result, std::vector<CString>& errors, int mode, int timeout_ms,
-                        int tries) override {
-        return m_inner.WriteVarDirect(key, address, type, value, result, errors, mode, timeout_ms,
-                                      tries);
-    }
-    BOOL ReadVarDirect(const CString& key, UINT address, int type, Variant& value, int timeout_ms,
-                       int tries) override {
-        return m_inner.ReadVarDirect(key, address, type, value, timeout_ms, tries);
-    }
-    double GetUiScale() override { return m_inner.GetUiScale(); }
-
-private:
-    IHostDeviceHelper& m_inner;
-};
 
 // The table frame as the box sees it: applies a level to the shown module (or to every
 // module of the workspace) and records each call.
@@ -85,38 +34,6 @@ public:
     IHostDeviceModule* GetModule() override { return module; }
     void ApplyAccessLevel(IHostDeviceModule* m, int level) override;
     void ApplyAccessLevelToAll(int level) override;
-};
-
-// Counts what the login dialog does with its translator.
-class CountingTranslator : public IHostWindowTranslator {
-public:
-    explicit CountingTranslator(int* alive) : m_alive(alive) { ++*m_alive; }
-    ~CountingTranslator() override { --*m_alive; }
-    void Attach(HWND window) override { attached = window; }
-    void Retranslate(int) override { ++retranslations; }
-    HWND attached = nullptr;
-    int retranslations = 0;
-
-private:
-    int* m_alive;
-};
-
-class FakeUiService : public IHostUiService {
-public:
-    int translatorsAlive = 0;
-    CountingTranslator* lastTranslator = nullptr;
-    BOOL GetString(CString& text, HINSTANCE, UINT, int) override {
-        text.Empty();
-        return FALSE;
-    }
-    IHostWindowTranslator* CreateWindowTranslator() override {
-        lastTranslator = new CountingTranslator(&translatorsAlive);
-        return lastTranslator;
-    }
-    void RetranslateWindow(HWND) override {}
-    void TranslateText(CString& translated, const CString& text) override { translated = text; }
-    void TranslateMenu(HMENU) override {}
-    void ApplySkin(HWND, int, int) override {}
 };
 
 // Answers the login dialogs that open, in order: the text is typed into the password
@@ -183,7 +100,7 @@ protected:
     int SelectedData() const;
 
     zorhost::ReferenceHost host;
-    RecordingDeviceHelper helper{host.DeviceHelper()};
+    FakeDeviceHelper helper{host.DeviceHelper()}; // the host's, with a record of the writes
     RecordingFrame frame;
     BoxPage page;
     CAccessSelector selector{TRUE};

@@ -39,6 +39,8 @@ void Click(CDialog& dlg, int id) {
 class LoginDialogTest : public ::testing::Test {
 protected:
     void SetUp() override {
+        ui.strings = FakeUiService::Strings::None;
+        ui.makeTranslators = true;
         services.Register<IHostUiService>(&ui);
         theApp.SetQueryInterfaceCallback(services.Context(), &zorhost::HostServices::Query);
     }

@@ -93,7 +93,7 @@ TEST_F(AccessTest, ModelZeroOrdinaryUserReachesEveryModule) {
     EXPECT_EQ(frame.calls, Strings{"all 1"});
     EXPECT_EQ(Module("servo")->GetAccessLevel(), 1);
     EXPECT_EQ(answers.Shown(), 0);
-    EXPECT_TRUE(helper.writes.empty());
+    EXPECT_TRUE(helper.namedWrites.empty());
 }
 
 TEST_F(AccessTest, ModelZeroSuperAdministratorLogin) {
@@ -127,7 +127,7 @@ TEST_F(AccessTest, ModelZeroSuperAdministratorLogin) {
         EXPECT_EQ(frame.calls, Strings{"all 3"});
         EXPECT_EQ(Module("axis")->GetAccessLevel(), 3);
         EXPECT_EQ(answers.Shown(), 3);
-        EXPECT_TRUE(helper.writes.empty()); // model 0 never talks to the drive
+        EXPECT_TRUE(helper.namedWrites.empty()); // model 0 never talks to the drive
     }
 }
 
@@ -144,7 +144,7 @@ TEST_F(AccessTest, ModelOneBasicLevelsApplyAtOnce) {
         EXPECT_EQ(frame.calls, (Strings{"apply 0", "apply 1"}));
         EXPECT_EQ(answers.Shown(), 0);
     }
-    EXPECT_TRUE(helper.writes.empty());
+    EXPECT_TRUE(helper.namedWrites.empty());
 }
 
 // Online the stored code goes to the drive whatever was typed, and the level stays.
@@ -154,11 +154,11 @@ TEST_F(AccessTest, ModelOneOnlineLoginWritesStoredCode) {
     LoginAnswers answers;
     answers.Ok("anything");
     Choose(2);
-    EXPECT_EQ(helper.WriteLog(), Strings{"InputPassword=" + Code().str()});
-    EXPECT_EQ(helper.writes[0].key, "axis");
+    EXPECT_EQ(helper.NamedWriteLog(), Strings{"InputPassword=" + Code().str()});
+    EXPECT_EQ(helper.namedWrites[0].key, "axis");
     answers.Ok("");
     Choose(3);
-    EXPECT_EQ(helper.WriteLog(),
+    EXPECT_EQ(helper.NamedWriteLog(),
               (Strings{"InputPassword=" + Code().str(), "Factory=" + Code().str(),
                        "InputPassword=" + Code().str()}));
     EXPECT_EQ(Drive("axis")->Authority(), 3); // the drive took the code
@@ -172,7 +172,7 @@ TEST_F(AccessTest, ModelOneOnlineLoginWritesStoredCode) {
     Choose(3);
     answers.Cancel();
     Choose(2);
-    EXPECT_EQ(helper.writes.size(), 3u);
+    EXPECT_EQ(helper.namedWrites.size(), 3u);
     EXPECT_EQ(Selected(), 0);
 }
 
@@ -199,7 +199,7 @@ TEST_F(AccessTest, ModelOneOfflineLoginChecksPassword) {
     Choose(3);
     EXPECT_EQ(frame.calls, (Strings{"apply 2", "apply 3"}));
     EXPECT_EQ(Module("axis")->GetAccessLevel(), 3);
-    EXPECT_TRUE(helper.writes.empty());
+    EXPECT_TRUE(helper.namedWrites.empty());
 }
 
 // ---------------------------------------------------------------- model 2
@@ -214,7 +214,7 @@ TEST_F(AccessTest, ModelTwoLevelGrantedByDriveNeedsNoPassword) {
     EXPECT_EQ(frame.calls, (Strings{"apply 2", "apply 0"}));
     EXPECT_EQ(selector.m_relockPending, 0);
     EXPECT_EQ(answers.Shown(), 0);
-    EXPECT_TRUE(helper.writes.empty());
+    EXPECT_TRUE(helper.namedWrites.empty());
 }
 
 TEST_F(AccessTest, ModelTwoLoginOnlineAndOffline) {
@@ -228,26 +228,26 @@ TEST_F(AccessTest, ModelTwoLoginOnlineAndOffline) {
     answers.Cancel();
     Choose(3);
     EXPECT_EQ(Selected(), 3);
-    EXPECT_TRUE(helper.writes.empty());
+    EXPECT_TRUE(helper.namedWrites.empty());
     EXPECT_TRUE(frame.calls.empty());
     EXPECT_EQ(selector.m_relockPending, 0);
 
     // Online with the code: it goes to the drive and the level is set at once.
     answers.Ok(Code().GetString());
     Choose(2);
-    EXPECT_EQ(helper.WriteLog(), Strings{"InputPassword=" + Code().str()});
+    EXPECT_EQ(helper.NamedWriteLog(), Strings{"InputPassword=" + Code().str()});
     EXPECT_EQ(frame.calls, Strings{"apply 2"});
     EXPECT_EQ(servo->GetAccessLevel(), 2);
     EXPECT_EQ(selector.m_relockPending, 1);
 
     // Offline with the word: nothing goes out, the level is set.
     SetOnline(false);
-    helper.writes.clear();
+    helper.namedWrites.clear();
     frame.calls.clear();
     selector.m_relockPending = 0;
     answers.Ok(Word().GetString());
     Choose(3);
-    EXPECT_TRUE(helper.writes.empty());
+    EXPECT_TRUE(helper.namedWrites.empty());
     EXPECT_EQ(frame.calls, Strings{"apply 3"});
     EXPECT_EQ(selector.m_relockPending, 1);
 
@@ -260,7 +260,7 @@ TEST_F(AccessTest, ModelTwoLoginOnlineAndOffline) {
     EXPECT_EQ(Selected(), 0);
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u);
     EXPECT_TRUE(frame.calls.empty());
-    EXPECT_TRUE(helper.writes.empty());
+    EXPECT_TRUE(helper.namedWrites.empty());
     EXPECT_EQ(selector.m_relockPending, 0);
     EXPECT_EQ(servo->GetAccessLevel(), 1);
 }
@@ -275,7 +275,7 @@ TEST_F(AccessTest, ModelTwoPasswordReachesDriveAsDecimalNumber) {
         answers.Ok(text);
         Choose(3);
     }
-    EXPECT_EQ(helper.WriteLog(),
+    EXPECT_EQ(helper.NamedWriteLog(),
               (Strings{"InputPassword=0", "InputPassword=12", "InputPassword=77"}));
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 3u);
     EXPECT_EQ(selector.m_relockPending, 1);
@@ -294,11 +294,11 @@ TEST_F(AccessTest, ModelTwoLogOut) {
     ASSERT_EQ(Drive("servo")->Authority(), 3);
     ASSERT_EQ(Module("servo")->GetDeviceAuthority(), 3);
     frame.calls.clear();
-    helper.writes.clear();
+    helper.namedWrites.clear();
 
     // Online: the drive is told, and the tool follows on the next poll.
     Choose(4);
-    EXPECT_EQ(helper.WriteLog(), Strings{"InputPassword=65535"});
+    EXPECT_EQ(helper.NamedWriteLog(), Strings{"InputPassword=65535"});
     EXPECT_TRUE(frame.calls.empty());
     EXPECT_EQ(selector.m_relockPending, 1);
     ReadAuthority();
@@ -311,12 +311,12 @@ TEST_F(AccessTest, ModelTwoLogOut) {
     // Offline: straight to the basic level, nothing written.
     SetOnline(false);
     Module("servo")->SetAccessLevel(3);
-    helper.writes.clear();
+    helper.namedWrites.clear();
     frame.calls.clear();
     Choose(4);
     EXPECT_EQ(frame.calls, Strings{"apply 1"});
     EXPECT_EQ(Module("servo")->GetAccessLevel(), 1);
-    EXPECT_TRUE(helper.writes.empty());
+    EXPECT_TRUE(helper.namedWrites.empty());
     EXPECT_EQ(answers.Shown(), 1);
 }
 
@@ -356,7 +356,7 @@ TEST_F(AccessTest, RefusedCodeLeavesDriveGrant) {
     LoginAnswers answers;
     answers.Ok("1111");
     Choose(3);
-    EXPECT_EQ(helper.WriteLog(), Strings{"InputPassword=1111"});
+    EXPECT_EQ(helper.NamedWriteLog(), Strings{"InputPassword=1111"});
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u);
     EXPECT_EQ(Selected(), 0);
     EXPECT_EQ(selector.m_relockPending, 1);
@@ -510,7 +510,7 @@ TEST_F(AccessTest, RefusedAndCancelledLoginsAgreeWithTheDriveAfterOnePoll) {
         EXPECT_EQ(Selected(), 1);
         EXPECT_EQ(Module("servo")->GetAccessLevel(), 1);
         frame.calls.clear();
-        helper.writes.clear();
+        helper.namedWrites.clear();
     }
 }
 
@@ -562,11 +562,11 @@ TEST_F(AccessTest, FactoryAccessBeforeReadGoesToModelsVariable) {
     CAccessSelector::WriteFactoryAccessCode(nullptr);
     for (const char* key : {"inv", "axis", "servo"})
         CAccessSelector::WriteFactoryAccessCode(Module(key));
-    EXPECT_EQ(helper.WriteLog(), (Strings{"Factory=" + Code().str(), "Factory=" + Code().str(),
+    EXPECT_EQ(helper.NamedWriteLog(), (Strings{"Factory=" + Code().str(), "Factory=" + Code().str(),
                                           "TempAuthority=" + Code().str()}));
-    EXPECT_EQ(helper.writes[1].key, "axis");
+    EXPECT_EQ(helper.namedWrites[1].key, "axis");
     EXPECT_EQ(Drive("servo")->Authority(), 3); // the drives take the code
     host.Services().Withhold<IHostDeviceHelper>();
     CAccessSelector::WriteFactoryAccessCode(Module("inv"));
-    EXPECT_EQ(helper.writes.size(), 3u);
+    EXPECT_EQ(helper.namedWrites.size(), 3u);
 }

@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <ctime>
 #include <map>
+#include <string>
 
 TEST(TypesTest, GuidFromTextMatchesItsParts) {
     constexpr GUID a = GuidFromString("{6B29FC40-CA47-1067-B31D-00DD010662DA}");
@@ -45,14 +48,45 @@ TEST(TypesTest, RectanglesAndColours) {
     EXPECT_EQ(sizeof(LPARAM), sizeof(void*));
 }
 
-TEST(TypesTest, LocalTimeIsPlausible) {
+TEST(TypesTest, LocalTimeOfAPinnedMomentAndZone) {
+    // Pinned zone and moments: the test does not depend on when or where it runs.
+    const char* old = std::getenv("TZ");
+    const std::string saved = old ? old : "";
+    setenv("TZ", "UTC", 1);
+    tzset();
+    struct Case {
+        long long ms;
+        WORD year, month, day, dayOfWeek, hour, minute, second, milli;
+    };
+    const Case cases[] = {
+        {1772323199123LL, 2026, 2, 28, 6, 23, 59, 59, 123}, // a Saturday, last day of February
+        {-1LL, 1969, 12, 31, 3, 23, 59, 59, 999},           // just before 1970
+        {0LL, 1970, 1, 1, 4, 0, 0, 0, 0},
+    };
+    for (const Case& c : cases) {
+        SYSTEMTIME st{};
+        LocalTimeFromUnixMs(c.ms, &st);
+        EXPECT_EQ(st.wYear, c.year) << c.ms;
+        EXPECT_EQ(st.wMonth, c.month) << c.ms;
+        EXPECT_EQ(st.wDay, c.day) << c.ms;
+        EXPECT_EQ(st.wDayOfWeek, c.dayOfWeek) << c.ms;
+        EXPECT_EQ(st.wHour, c.hour) << c.ms;
+        EXPECT_EQ(st.wMinute, c.minute) << c.ms;
+        EXPECT_EQ(st.wSecond, c.second) << c.ms;
+        EXPECT_EQ(st.wMilliseconds, c.milli) << c.ms;
+    }
+    setenv("TZ", "CST-8", 1); // eight hours east, no summer time (a POSIX rule, no zone files)
+    tzset();
     SYSTEMTIME st{};
-    GetLocalTime(&st);
-    EXPECT_GE(st.wYear, 2024);
-    EXPECT_GE(st.wMonth, 1);
-    EXPECT_LE(st.wMonth, 12);
-    EXPECT_LE(st.wDayOfWeek, 6);
-    EXPECT_LT(st.wMilliseconds, 1000);
+    LocalTimeFromUnixMs(1772323199123LL, &st);
+    EXPECT_EQ(st.wDay, 1);
+    EXPECT_EQ(st.wMonth, 3);
+    EXPECT_EQ(st.wHour, 7);
+    if (old)
+        setenv("TZ", saved.c_str(), 1);
+    else
+        unsetenv("TZ");
+    tzset();
 }
 
 TEST(TypesTest, CollectionsKeepPositionsAndOrder) {

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
+#include <future>
 #include <thread>
 
 using zorhost::CHostWorkerThread;
@@ -16,7 +16,8 @@ struct Job {
     std::atomic<int> laps{0};
     std::atomic<bool> ended{false};
     std::atomic<bool> sawUserData{false};
-    int slowMs = 0; // keeps running this long after the stop request
+    int tailYields = 0; // work the function still does after the stop request
+    std::shared_future<void> gate; // HeldLoop holds until it is ready
 };
 
 UINT Loop(void* arg) {
@@ -24,16 +25,32 @@ UINT Loop(void* arg) {
     job->sawUserData = job->worker->GetUserData() == job;
     while (!job->worker->Wait(1))
         ++job->laps;
-    std::this_thread::sleep_for(std::chrono::milliseconds(job->slowMs));
+    for (int i = 0; i < job->tailYields; ++i)
+        std::this_thread::yield();
     job->ended = true;
     return 0;
 }
+
+UINT HeldLoop(void* arg) {
+    auto* job = static_cast<Job*>(arg);
+    while (!job->worker->Wait(1))
+        ++job->laps;
+    job->gate.wait();
+    job->ended = true;
+    return 0;
+}
+
+// Tells when the thread has deleted the object it was left.
+struct ObservedWorker : CHostWorkerThread {
+    std::promise<void>* freed = nullptr;
+    ~ObservedWorker() override { freed->set_value(); }
+};
 
 TEST(HostWorkerThread, ReleaseReturnsOnlyAfterTheFunctionEnded) {
     Job job;
     auto* w = new CHostWorkerThread;
     job.worker = w;
-    job.slowMs = 50;
+    job.tailYields = 10000;
     w->SetUserData(&job);
     ASSERT_TRUE(w->Start(&Loop, 0, &job));
     EXPECT_FALSE(w->Start(&Loop, 0, &job)) << "one start per object";
@@ -45,33 +62,29 @@ TEST(HostWorkerThread, ReleaseReturnsOnlyAfterTheFunctionEnded) {
     EXPECT_TRUE(job.sawUserData);
 }
 
-TEST(HostWorkerThread, WaitWakesEarlyOnStopAndTimeoutLeavesTheObjectToTheThread) {
+TEST(HostWorkerThread, WaitWakesOnStopAndTimeoutLeavesTheObjectToTheThread) {
     CHostWorkerThread probe;
-    auto t0 = std::chrono::steady_clock::now();
-    EXPECT_FALSE(probe.Wait(20));
-    EXPECT_GE(std::chrono::steady_clock::now() - t0, std::chrono::milliseconds(20));
-    std::thread stopper([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        probe.RequestStop(1);
-    });
-    t0 = std::chrono::steady_clock::now();
-    EXPECT_TRUE(probe.Wait(10000));
-    EXPECT_LT(std::chrono::steady_clock::now() - t0, std::chrono::seconds(5));
+    EXPECT_FALSE(probe.Wait(0));
+    // Without the wake-up this wait would last a minute and the suite's time limit fails it.
+    std::thread stopper([&] { probe.RequestStop(1); });
+    EXPECT_TRUE(probe.Wait(60000));
     stopper.join();
 
     // A worker that outlives the wait: Release returns, the thread finishes and frees it
     // (the sanitizer build would report a leak or a use after free otherwise).
+    std::promise<void> gate, freed;
     Job job;
-    auto* w = new CHostWorkerThread;
+    auto* w = new ObservedWorker;
+    w->freed = &freed;
     job.worker = w;
-    job.slowMs = 100;
-    w->SetWaitTimeout(5);
-    ASSERT_TRUE(w->Start(&Loop, 0, &job));
+    job.gate = gate.get_future().share();
+    w->SetWaitTimeout(0);
+    ASSERT_TRUE(w->Start(&HeldLoop, 0, &job));
     w->Release();
-    EXPECT_FALSE(job.ended);
-    while (!job.ended)
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_FALSE(job.ended) << "the function is still held";
+    gate.set_value();
+    freed.get_future().wait();
+    EXPECT_TRUE(job.ended);
 }
 
 } // namespace

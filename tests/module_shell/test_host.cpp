@@ -145,16 +145,6 @@ QWidget* FakeTabs::PanelOf(HWND parent) {
 }
 
 // ---------------------------------------------------------------- ui
-BOOL FakeUi::GetString(CString& text, HINSTANCE module, UINT id, int) {
-    text.Empty();
-    return AfxLoadStringFrom(module, id, text);
-}
-
-IHostWindowTranslator* FakeUi::CreateWindowTranslator() {
-    ++translatorsMade;
-    return new FakeTranslator(&retranslations);
-}
-
 // ---------------------------------------------------------------- project
 IHostDeviceModule* FakeModuleList::FindModule(const CString& moduleKey) {
     for (auto& m : modules)
@@ -170,7 +160,7 @@ IHostDeviceModule* FakeModuleList::GetModuleAt(int index) {
 }
 
 // ---------------------------------------------------------------- host
-TestHost::TestHost() = default;
+TestHost::TestHost() { ui.makeTranslators = true; }
 TestHost::~TestHost() = default;
 
 void TestHost::Query(uintptr_t context, const GUID* iid, void** out) {

@@ -2,6 +2,8 @@
 // callback that can withhold any of them, and the loaded module's four exports.
 #pragma once
 
+#include "FakeUiService.h"
+
 #include "module/host/HostContract.h"
 #include "module/host/ModuleExports.h"
 
@@ -74,31 +76,6 @@ public:
     std::vector<HWND> activated;
     bool failCreate = false;
     RECT rect{0, 0, 640, 480};
-};
-
-class FakeTranslator : public IHostWindowTranslator {
-public:
-    explicit FakeTranslator(int* retranslations) : m_count(retranslations) {}
-    void Attach(HWND window) override { attached = window; }
-    void Retranslate(int) override { ++*m_count; }
-    HWND attached = nullptr;
-
-private:
-    int* m_count;
-};
-
-class FakeUi : public IHostUiService {
-public:
-    BOOL GetString(CString& text, HINSTANCE module, UINT id, int reserved) override;
-    IHostWindowTranslator* CreateWindowTranslator() override;
-    void RetranslateWindow(HWND) override { ++windowRetranslations; }
-    void TranslateText(CString& translated, const CString& text) override { translated = text; }
-    void TranslateMenu(HMENU) override {}
-    void ApplySkin(HWND, int, int) override {}
-
-    int translatorsMade = 0;
-    int retranslations = 0;
-    int windowRetranslations = 0;
 };
 
 class FakeProductInfo : public IHostProductInfo {
@@ -185,7 +162,7 @@ public:
     FakeBus bus;
     FakeModuleManager manager;
     FakeTabs tabs;
-    FakeUi ui;
+    FakeUiService ui; // strings from the module, window translators made and counted
     FakeProjectRoot root;
     std::vector<GUID> withheld;
     std::vector<GUID> asked;

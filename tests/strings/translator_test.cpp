@@ -252,9 +252,14 @@ TEST_F(WindowTranslationTest, TranslatorOutlivingItsWindowDoesNothing) {
     translator->Retranslate(0); // not attached yet
     translator->Attach(dialog.GetSafeHwnd());
     dialog.DestroyWindow();
+    // A new window of the same dialog, which may get the old one's handle back, is not the
+    // translator's to touch.
+    ASSERT_TRUE(dialog.Create(IDD_TRANSLATED));
+    list = static_cast<CListCtrl*>(dialog.GetDlgItem(IDC_VAR_LIST));
     ui.SetLanguage(UiLanguage::English);
     translator->Retranslate(0);
-    SUCCEED();
+    EXPECT_EQ(dialog.GetWindowTextString(), "参数比较");
+    EXPECT_EQ(Text(IDC_NAME_LABEL), "参数名称");
 }
 
 TEST_F(WindowTranslationTest, SkinScalesFontsOnceFromTheirFirstSize) {

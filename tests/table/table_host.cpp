@@ -21,11 +21,6 @@ CVarTablePage* MakeTestPage(int style) {
     return page;
 }
 
-BOOL UiService::GetString(CString& text, HINSTANCE module, UINT id, int) {
-    text.Empty();
-    return AfxLoadStringFrom(module, id, text);
-}
-
 namespace {
 
 // The texts the frame shows, as the string table holds them.
@@ -67,6 +62,7 @@ TableHost::TableHost(bool testPages) {
 
     services.Register<IHostVarUtil>(&util);
     services.Register<IHostUiService>(&ui);
+    helper.acceptWrites = false;
     services.Register<IHostDeviceHelper>(&helper);
     services.Register<IHostProductDb>(&products);
     services.Register<IHostProjectRoot>(&project);

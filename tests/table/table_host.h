@@ -3,6 +3,9 @@
 // catalog, store) shaped freely by each test.
 #pragma once
 
+#include "FakeDeviceHelper.h"
+#include "FakeUiService.h"
+
 #include "module/host/HostContract.h"
 #include "table/StackedDialog.h"
 
@@ -361,37 +364,6 @@ struct Project : IHostProject, IHostWorkspace, IHostProjectRoot {
     IVarDatabase* GetDatabase(const BYTE*, UINT, const CString&) override { return nullptr; }
 };
 
-// Strings from the module's string table, translated as themselves.
-struct UiService : IHostUiService {
-    std::vector<CString> translated;
-    BOOL GetString(CString& text, HINSTANCE module, UINT id, int) override;
-    IHostWindowTranslator* CreateWindowTranslator() override { return nullptr; }
-    void RetranslateWindow(HWND) override {}
-    void TranslateText(CString& out, const CString& text) override {
-        translated.push_back(text);
-        out = text;
-    }
-    void TranslateMenu(HMENU) override {}
-    void ApplySkin(HWND, int, int) override {}
-};
-
-struct DeviceHelper : IHostDeviceHelper {
-    int GetProtocolKind(IHostDeviceModule*) override { return 0; }
-    IVarObjEx* FindNamedVar(IHostDeviceModule*, const CString&) override { return nullptr; }
-    BOOL WriteNamedVar(const CString&, const CString&, double) override { return 0; }
-    IFunctionEntry* FindFunctionVar(IHostDeviceModule*, const CString&) override { return nullptr; }
-    BOOL ReadCsvParamFile(const CString&, IParamFile*, IHostDeviceModule*) override { return 0; }
-    BOOL ReadParameter(const CString&, UINT, double&) override { return 0; }
-    BOOL WriteParameter(const CString&, UINT, double) override { return 0; }
-    BOOL WriteParameterAs(const CString&, UINT, int, double) override { return 0; }
-    BOOL WriteVarDirect(const CString&, UINT, int, const Variant&, Variant&, std::vector<CString>&,
-                        int, int, int) override {
-        return 0;
-    }
-    BOOL ReadVarDirect(const CString&, UINT, int, Variant&, int, int) override { return 0; }
-    double GetUiScale() override { return 1.0; }
-};
-
 // The reference host's value service with the install folder of the test.
 struct VarUtil : zorhost::CHostVarUtil {
     CString installDir;
@@ -473,8 +445,8 @@ public:
 
     zorhost::HostServices services;
     VarUtil util;
-    UiService ui;
-    DeviceHelper helper;
+    FakeUiService ui;
+    FakeDeviceHelper helper; // refuses every direct write
     ProductDb products;
     Project project;
     RefreshService refresh;

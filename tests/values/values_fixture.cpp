@@ -51,41 +51,9 @@ const char* ValuesDeviceJson() {
 })JSON";
 }
 
-BOOL ScriptedDeviceHelper::WriteVarDirect(const CString& moduleKey, UINT address, int dataType,
-                                          const Variant& value, Variant& result,
-                                          std::vector<CString>& errors, int mode, int timeout_ms,
-                                          int tries) {
-    writes.push_back({moduleKey, address, dataType, value, mode, timeout_ms, tries});
-    if (!acceptWrites) {
-        errors.insert(errors.end(), refusalTexts.begin(), refusalTexts.end());
-        return 0;
-    }
-    result = value;
-    return 1;
-}
-
-BOOL ScriptedDeviceHelper::ReadVarDirect(const CString&, UINT address, int dataType, Variant& value,
-                                         int, int) {
-    reads.push_back({address, dataType});
-    auto it = driveValues.find(address);
-    if (it == driveValues.end())
-        return 0;
-    value = it->second;
-    return 1;
-}
-
-BOOL TableUiService::GetString(CString& text, HINSTANCE, UINT id, int) {
-    stringsAsked.push_back(id);
-    text = id == 2037 ? "<2037>" : "";
-    return id == 2037;
-}
-
-void TableUiService::TranslateText(CString& translated, const CString& text) {
-    auto it = translations.find(text);
-    translated = it != translations.end() ? it->second : text;
-}
-
 void ValuesTest::SetUp() {
+    ui.strings = FakeUiService::Strings::None;
+    ui.stringOverrides[2037] = "<2037>";
     auto loaded = zorhost::device::ParseDeviceJson(ValuesDeviceJson(), "values_test.json");
     ASSERT_TRUE(loaded) << loaded.error.ToString();
     device = loaded.device;

@@ -4,12 +4,15 @@
 #include <cstdio>
 #include <ctime>
 
-void GetLocalTime(SYSTEMTIME* st) {
-    const auto now = std::chrono::system_clock::now();
-    const std::time_t t = std::chrono::system_clock::to_time_t(now);
-    const auto ms =
-        std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() %
-        1000;
+void LocalTimeFromUnixMs(long long msSinceEpoch, SYSTEMTIME* st) {
+    // Floor division, so that a moment before 1970 keeps its milliseconds positive.
+    long long secs = msSinceEpoch / 1000;
+    long long ms = msSinceEpoch % 1000;
+    if (ms < 0) {
+        ms += 1000;
+        --secs;
+    }
+    const std::time_t t = std::time_t(secs);
     std::tm tm{};
     localtime_r(&t, &tm);
     st->wYear = WORD(tm.tm_year + 1900);
@@ -19,7 +22,14 @@ void GetLocalTime(SYSTEMTIME* st) {
     st->wHour = WORD(tm.tm_hour);
     st->wMinute = WORD(tm.tm_min);
     st->wSecond = WORD(tm.tm_sec);
-    st->wMilliseconds = WORD(ms < 0 ? ms + 1000 : ms);
+    st->wMilliseconds = WORD(ms);
+}
+
+void GetLocalTime(SYSTEMTIME* st) {
+    LocalTimeFromUnixMs(std::chrono::duration_cast<std::chrono::milliseconds>(
+                            std::chrono::system_clock::now().time_since_epoch())
+                            .count(),
+                        st);
 }
 
 ULONGLONG GetTickCount64() {

@@ -244,6 +244,9 @@ struct SYSTEMTIME {
     WORD wMilliseconds;
 };
 void GetLocalTime(SYSTEMTIME* st);
+// The local time of a moment given in milliseconds since 1970-01-01 UTC (what GetLocalTime
+// does for now); the time zone is the process's (TZ).
+void LocalTimeFromUnixMs(long long msSinceEpoch, SYSTEMTIME* st);
 // Milliseconds since an arbitrary start, monotonic.
 DWORD GetTickCount();
 ULONGLONG GetTickCount64();
