@@ -19,10 +19,6 @@ namespace zorhost::files {
 
 namespace {
 
-QString Q(const CString& text) {
-    return QString::fromStdString(text.str());
-}
-
 // A deep copy: IGroupNode::Clone leaves the children out.
 model::CGroupNode* CloneTree(IGroupNode* group) {
     auto* copy = static_cast<model::CGroupNode*>(group->Clone());
