@@ -56,9 +56,9 @@ uint32_t Flags(IVarAttr* attr) {
         flags |= uint32_t(decimals);
     if (IsLongType(attr->GetDataType()))
         flags |= 0x80;
-    if (attr->GetModifyMode() == 1)
+    if (attr->GetModifyMode() == MODIFY_AT_STANDSTILL)
         flags |= 0x800;
-    if (attr->GetModifyMode() == 2)
+    if (attr->GetModifyMode() == MODIFY_NEVER)
         flags |= 0x1000;
     return flags;
 }

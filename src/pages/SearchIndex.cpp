@@ -76,16 +76,16 @@ void OptionNames(IValueInfo* info, std::vector<CString>& names) {
     const int kind = info->GetKind();
     IValueInfoList* list = nullptr;
     switch (kind) {
-    case 1:
+    case VALUE_INFO_ENUM:
         list = info->GetEnumList();
         break;
-    case 2:
+    case VALUE_INFO_BITS:
         list = info->GetBitList();
         break;
-    case 3:
+    case VALUE_INFO_BIT_RANGES:
         list = info->GetBitRangeList();
         break;
-    case 4:
+    case VALUE_INFO_DIGITS:
         list = info->GetDigitList();
         break;
     default:

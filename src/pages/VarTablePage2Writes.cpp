@@ -21,6 +21,7 @@
 #include "module/host/IVarAttr.h"
 #include "module/host/IVarObjEx.h"
 #include "module/host/IVarStore.h"
+#include "module/host/VarAttrCodes.h"
 #include "pages/PageText.h"
 #include "pages/VarTablePage2.h"
 #include "table/VarTable.h"
@@ -49,7 +50,7 @@ BOOL EndsWith(const CString& text, const char* tail) {
 
 BOOL CVarTablePage2::AddRecord(IVarObjEx* var, std::vector<IRWDataItem*>& records) {
     IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
-    if (attr == nullptr || attr->GetModifyMode() == 2)
+    if (attr == nullptr || attr->GetModifyMode() == MODIFY_NEVER)
         return FALSE;
     const Variant value = var->GetSetValue();
     if (IsEmptyValue(value))
@@ -209,7 +210,8 @@ void CVarTablePage2::OpenRecipe() {
     for (int i = 0; own != nullptr && table != nullptr && i < table->GetCount(); ++i) {
         IVarObjEx* fileVar = table->GetAt(i);
         IVarAttr* attr = fileVar != nullptr ? fileVar->GetAttr() : nullptr;
-        if (attr == nullptr || attr->GetModifyMode() == 2 || attr->GetDisplayFormat() == 4)
+        if (attr == nullptr || attr->GetModifyMode() == MODIFY_NEVER ||
+            attr->GetDisplayFormat() == FORMAT_HIDDEN)
             continue;
         if (IVarObjEx* var = own->FindByAddress(fileVar->GetInstanceAddress())) {
             var->SetSetValue(fileVar->GetValue());

@@ -1,4 +1,5 @@
 #include "sets/VarCompare.h"
+#include "module/host/VarAttrCodes.h"
 
 #include "module/host/IHostVarUtil.h"
 #include "module/host/IParamFile.h"
@@ -13,13 +14,6 @@
 #include <unordered_map>
 
 namespace {
-
-constexpr int kDisplayDecimal = 0;
-constexpr int kDisplayHex = 1;
-constexpr int kDisplayPerUnit = 2;
-constexpr int kDisplayHidden = 4;
-constexpr int kModifyNever = 2;
-constexpr int kValueInfoEnum = 1;
 
 // How many variables pass between two stop questions while set 2 is indexed.
 constexpr size_t kIndexStopStride = 1024;
@@ -98,13 +92,13 @@ void CVarCompare::ComparePair(IVarObjEx* var1, int source1, IVarObjEx* var2, int
     IVarAttr* attr1 = var1->GetAttr();
     IVarAttr* attr2 = var2->GetAttr();
     // Values shown as "******" are never compared.
-    if (attr1 != nullptr && attr1->GetDisplayFormat() == kDisplayHidden)
+    if (attr1 != nullptr && attr1->GetDisplayFormat() == FORMAT_HIDDEN)
         return;
     if (attr1 == nullptr || attr2 == nullptr || !attr1->IsTransferable() ||
         !attr2->IsTransferable())
         return;
     if (m_bHideReadOnly &&
-        (attr1->GetModifyMode() == kModifyNever || attr2->GetModifyMode() == kModifyNever))
+        (attr1->GetModifyMode() == MODIFY_NEVER || attr2->GetModifyMode() == MODIFY_NEVER))
         return;
     Variant value1 = SourceValue(var1, source1);
     Variant value2 = SourceValue(var2, source2);
@@ -158,15 +152,15 @@ CString CVarCompare::CompareNumberText(IHostVarUtil* util, IVarAttr* attr, const
     const int type = attr->GetDataType();
     const int decimals = attr->GetDecimals();
     switch (format) {
-    case kDisplayDecimal:
-    case kDisplayHex: {
+    case FORMAT_DECIMAL:
+    case FORMAT_HEX: {
         const double d = util->VariantToDouble(value, type, decimals);
         Variant shown = Variant::OfType(VARTYPE(decimals > 0 ? VT_R8 : type));
         util->DoubleToVariant(d, shown);
-        util->FormatVariant(text, shown, decimals, format == kDisplayHex ? 1 : 0);
+        util->FormatVariant(text, shown, decimals, format == FORMAT_HEX ? 1 : 0);
         break;
     }
-    case kDisplayPerUnit: {
+    case FORMAT_PER_UNIT: {
         // A per-unit figure is a fixed-point fraction: 28 bits for the 32-bit types, 12
         // for the others. It reads as a percentage here, whatever the list shows.
         double d = util->VariantToDouble(value, type, 1);
@@ -191,7 +185,7 @@ CString CVarCompare::CompareValueText(IHostVarUtil* util, IVarAttr* attr, const 
         return text;
     IValueInfo* info = attr->GetValueInfo();
     IValueInfoList* list =
-        info != nullptr && info->GetKind() == kValueInfoEnum ? info->GetEnumList() : nullptr;
+        info != nullptr && info->GetKind() == VALUE_INFO_ENUM ? info->GetEnumList() : nullptr;
     if (list == nullptr)
         return text;
     const int type = attr->GetDataType();
