@@ -406,7 +406,8 @@ void CVarTablePageBase::InitCellCombo(CItemComBox* combo, int row, int column) {
     if (column != GetValueColumn())
         return;
     IValueInfo* info = attr->GetValueInfo();
-    IValueInfoList* list = info != nullptr && info->GetKind() == VALUE_INFO_ENUM ? info->GetEnumList() : nullptr;
+    IValueInfoList* list =
+        info != nullptr && info->GetKind() == VALUE_INFO_ENUM ? info->GetEnumList() : nullptr;
     if (list == nullptr)
         return;
     const int count = list->GetCount();

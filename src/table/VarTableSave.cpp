@@ -1,7 +1,7 @@
 // The frame's parameter files: what a file of a group holds, and the parameter tables of a
 // file's table or a group.
-#include "table/VarTable.h"
 #include "module/host/VarAttrCodes.h"
+#include "table/VarTable.h"
 
 #include "files/ParamTableWriter.h"
 #include "module/ParmiraApp.h"

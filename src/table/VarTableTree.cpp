@@ -1,6 +1,6 @@
 // The group tree of the frame and the walks that turn groups into variable lists.
-#include "table/VarTable.h"
 #include "module/host/VarAttrCodes.h"
+#include "table/VarTable.h"
 
 #include "module/LocalResource.h"
 #include "module/ParmiraApp.h"

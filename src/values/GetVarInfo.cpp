@@ -61,8 +61,7 @@ CString CGetVarInfo::TextWithMeaning(IVarObjEx* item, const CString& hostText,
         return CString();
     // A per-unit parameter reads in the scale its row shows, like its limits and unit.
     CString text = hostText;
-    if (attr->GetDisplayFormat() == FORMAT_PER_UNIT &&
-        item->GetPerUnitMode() >= PER_UNIT_PERCENT) {
+    if (attr->GetDisplayFormat() == FORMAT_PER_UNIT && item->GetPerUnitMode() >= PER_UNIT_PERCENT) {
         text = VarText::PerUnitValueText(item, value);
         if (text.IsEmpty())
             return text;

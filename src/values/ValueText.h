@@ -33,7 +33,6 @@ inline const char* const kDownloadFailedText = "参数下载失败.";
 // Caption of the box of a failed direct write.
 constexpr UINT IDS_WRITE_FAILED_CAPTION = 2037;
 
-
 // ---- types and parsers
 // Data type code of a spreadsheet's type text; 0 when unknown.
 int DataTypeFromName(const CString& text);

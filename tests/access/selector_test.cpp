@@ -563,7 +563,7 @@ TEST_F(AccessTest, FactoryAccessBeforeReadGoesToModelsVariable) {
     for (const char* key : {"inv", "axis", "servo"})
         CAccessSelector::WriteFactoryAccessCode(Module(key));
     EXPECT_EQ(helper.NamedWriteLog(), (Strings{"Factory=" + Code().str(), "Factory=" + Code().str(),
-                                          "TempAuthority=" + Code().str()}));
+                                               "TempAuthority=" + Code().str()}));
     EXPECT_EQ(helper.namedWrites[1].key, "axis");
     EXPECT_EQ(Drive("servo")->Authority(), 3); // the drives take the code
     host.Services().Withhold<IHostDeviceHelper>();

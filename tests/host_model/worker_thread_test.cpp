@@ -16,7 +16,7 @@ struct Job {
     std::atomic<int> laps{0};
     std::atomic<bool> ended{false};
     std::atomic<bool> sawUserData{false};
-    int tailYields = 0; // work the function still does after the stop request
+    int tailYields = 0;            // work the function still does after the stop request
     std::shared_future<void> gate; // HeldLoop holds until it is ready
 };
 

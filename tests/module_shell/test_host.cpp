@@ -160,7 +160,9 @@ IHostDeviceModule* FakeModuleList::GetModuleAt(int index) {
 }
 
 // ---------------------------------------------------------------- host
-TestHost::TestHost() { ui.makeTranslators = true; }
+TestHost::TestHost() {
+    ui.makeTranslators = true;
+}
 TestHost::~TestHost() = default;
 
 void TestHost::Query(uintptr_t context, const GUID* iid, void** out) {

@@ -37,9 +37,12 @@ TEST(NumericCellEdit, TypedKeysKeepTheFirstPointAndEndAtThePlaces) {
     };
     const Row rows[] = {
         {0, TRUE, "12.5", "12."}, // the point ends the figure: never 125
-        {1, TRUE, "12.5", "12.5"},   {2, TRUE, "12.5", "12.5"},   {2, TRUE, "12.345", "12.34"},
-        {2, TRUE, "-12.5", "-12.5"}, {2, FALSE, "-12.5", "12.5"}, // the minus does nothing where
-                                                                  // negatives are refused
+        {1, TRUE, "12.5", "12.5"},
+        {2, TRUE, "12.5", "12.5"},
+        {2, TRUE, "12.345", "12.34"},
+        {2, TRUE, "-12.5", "-12.5"},
+        {2, FALSE, "-12.5", "12.5"}, // the minus does nothing where
+                                     // negatives are refused
         {2, FALSE, "7-", "7"},
     };
     CWnd parent;

@@ -33,7 +33,7 @@ protected:
 
     zorhost::CHostVarUtil util;
     FakeDeviceHelper helper; // direct reads and writes as the test scripts them
-    FakeUiService ui; // strings: only <2037>, as a translated caption
+    FakeUiService ui;        // strings: only <2037>, as a translated caption
     zorhost::model::CProjectRoot root;
     zorhost::HostServices services;
     std::shared_ptr<const zorhost::device::DeviceDescription> device;
