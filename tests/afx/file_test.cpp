@@ -1,3 +1,4 @@
+#include "TestFiles.h"
 // AfxReplaceFile: the rules of opening for writing (mode, links, refusal), the system's
 // own reason on failure with the old file kept, and temporaries of killed saves removed.
 #include <afx/afxfile.h>
@@ -18,13 +19,6 @@
 #include <unistd.h>
 
 namespace {
-
-std::string Slurp(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream all;
-    all << in.rdbuf();
-    return all.str();
-}
 
 mode_t ModeOf(const std::string& path) {
     struct stat st {};

@@ -11,13 +11,6 @@
 
 namespace ft {
 
-std::string Slurp(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream all;
-    all << in.rdbuf();
-    return all.str();
-}
-
 void FilesTest::SetUp() {
     std::string error;
     ASSERT_TRUE(host.LoadDemo(&error)) << error;

@@ -2,6 +2,8 @@
 // strings under a handle of the test.
 #pragma once
 
+#include "TestFiles.h"
+
 #include "zorhost/ReferenceHost.h"
 
 #include <gtest/gtest.h>
@@ -11,8 +13,6 @@
 #include <string>
 
 namespace ft {
-
-std::string Slurp(const std::string& path);
 
 class FilesTest : public ::testing::Test {
 protected:

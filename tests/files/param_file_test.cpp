@@ -1,5 +1,6 @@
 // The host's parameter file: .zorparam save and open, the table reader, refusals of
 // broken input, and the atomic replace.
+#include "TestFiles.h"
 #include "module/host/IGroupCategory.h"
 #include "module/host/IHostAxis.h"
 #include "module/host/IHostAxisList.h"
@@ -27,13 +28,6 @@ using namespace zorhost;
 using namespace zorhost::files;
 
 namespace {
-
-std::string Slurp(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream all;
-    all << in.rdbuf();
-    return all.str();
-}
 
 void Spit(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;

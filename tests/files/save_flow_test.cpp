@@ -139,7 +139,7 @@ TEST_F(SaveFlowTest, SaveCheckedAndSaveRowsFollowTheExtension) {
     prompts.ChooseFiles({CString(Path("checked.CSV"))});
     Page().SendMessage(WM_COMMAND, MAKEWPARAM(IDC_PAGE_SAVE_CHECKED, BN_CLICKED), 0);
     EXPECT_TRUE(drive->TakeRequests().empty());
-    const std::string csv = ft::Slurp(Path("checked.CSV"));
+    const std::string csv = Slurp(Path("checked.CSV"));
     EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 9);
     EXPECT_NE(csv.find("\nH02-03,输出脉冲相位,1,0,"), std::string::npos) << csv;
 
@@ -153,7 +153,7 @@ TEST_F(SaveFlowTest, SaveCheckedAndSaveRowsFollowTheExtension) {
     ShowGroup("H02");
     prompts.ChooseFiles({CString(Path("rows.csv"))});
     Page().SaveRowsAs();
-    const std::string rows = ft::Slurp(Path("rows.csv"));
+    const std::string rows = Slurp(Path("rows.csv"));
     EXPECT_EQ(size_t(std::count(rows.begin(), rows.end(), '\n')),
               7u + size_t(Page().GetShownCount()));
     EXPECT_NE(rows.find(",变量类型,Guid\n"), std::string::npos);

@@ -1,3 +1,4 @@
+#include "TestFiles.h"
 // Every file the program writes, killed mid-save: a saver writes two versions of a large
 // file over one path in turn and is killed with SIGKILL at random moments. After each kill
 // the file is one version whole, and at most the killed save's temporary lies beside it
@@ -24,13 +25,6 @@
 extern char** environ;
 
 namespace {
-
-std::string Slurp(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream all;
-    all << in.rdbuf();
-    return all.str();
-}
 
 // The server process of save_loop, spoken to through two pipes.
 class SaveServer {

@@ -1,6 +1,7 @@
 // The parameter table, byte for byte, and the windowless export that writes it.
 #include "frame_fixture.h"
 
+#include "TestFiles.h"
 #include "files/ParamTableWriter.h"
 #include "module/Implementation.h"
 #include "table/ParmiraDialog.h"
@@ -12,13 +13,6 @@
 using namespace tt;
 
 namespace {
-
-std::string ReadBytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream all;
-    all << in.rdbuf();
-    return all.str();
-}
 
 class ExportTest : public FrameTest {
 protected:
@@ -71,9 +65,7 @@ protected:
         a->modifyMode = 3; // never in a list or a file
         h02->members.push_back("H02-06");
     }
-    std::string Golden() {
-        return ReadBytes(PARMIRA_SOURCE_DIR "/tests/table/data/param_table.csv");
-    }
+    std::string Golden() { return Slurp(PARMIRA_SOURCE_DIR "/tests/table/data/param_table.csv"); }
     std::string Out(const char* name) { return host.tempDir + "/" + name; }
 };
 
@@ -85,14 +77,14 @@ TEST_F(ExportTest, TableMatchesTheExpectedBytes) {
     list.insert(list.begin() + 1, nullptr); // null entries give no line
     const SYSTEMTIME stamp{2026, 3, 1, 9, 7, 5, 4, 0};
     ASSERT_TRUE(WriteParamTableList(CString(Out("a.csv")), list, module, &stamp));
-    EXPECT_EQ(ReadBytes(Out("a.csv")), Golden());
+    EXPECT_EQ(Slurp(Out("a.csv")), Golden());
 }
 
 TEST_F(ExportTest, EmptyListAndEmptyLabelStillGiveTheWholeHead) {
     module->label.clear();
     const SYSTEMTIME stamp{2026, 12, 0, 31, 23, 59, 58, 0};
     ASSERT_TRUE(WriteParamTableList(CString(Out("e.csv")), {}, module, &stamp));
-    EXPECT_EQ(ReadBytes(Out("e.csv")),
+    EXPECT_EQ(Slurp(Out("e.csv")),
               "Sign,Time\nZorvanta,2026-12-31 23:59:58\n\nDriveName,BusID,Version,ElecData\n"
               "伺服A,3,V2.10,\n\n参数,参数名称,当前值,出厂值,单位,最小值,最大值,修改方式,"
               "通讯地址(Dec),变量类型\n");
@@ -108,7 +100,7 @@ TEST_F(ExportTest, ExportParametersWritesTheTableWithoutAnyWindow) {
     const std::string path = Out("new/drive.CSV"); // one missing level is made
     impl.ExportParameters(CString(path), "M1");
     ASSERT_TRUE(std::filesystem::exists(path));
-    std::string bytes = ReadBytes(path), golden = Golden();
+    std::string bytes = Slurp(path), golden = Golden();
     const size_t line2 = bytes.find('\n') + 1, golden2 = golden.find('\n') + 1;
     EXPECT_EQ(bytes.substr(line2, 9), "Zorvanta,");
     EXPECT_EQ(bytes.find('\n', line2) - line2, golden.find('\n', golden2) - golden2);
@@ -137,7 +129,7 @@ TEST_F(ExportTest, RefusedExportsLeaveNoFile) {
     panel.SetModule(module);
     std::ofstream(Out("old.csv")) << "old content that is longer than nothing";
     EXPECT_TRUE(panel.ExportAllToFile(CString(Out("old.csv"))));
-    EXPECT_EQ(ReadBytes(Out("old.csv")).rfind("Sign,Time\n", 0), 0u);
+    EXPECT_EQ(Slurp(Out("old.csv")).rfind("Sign,Time\n", 0), 0u);
 }
 
 } // namespace
