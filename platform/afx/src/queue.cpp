@@ -34,8 +34,13 @@ class QueuedCall {
 public:
     explicit QueuedCall(std::function<void()> call)
         : m_call(std::move(call)), m_ran(std::make_unique<char>()) {}
-    QueuedCall(QueuedCall&&) = default;
-    QueuedCall& operator=(QueuedCall&&) = default;
+    // Qt moves the call into an object of its own before it posts it: the post is told
+    // after each move, so that the run sees the moved call whole.
+    QueuedCall(QueuedCall&& other) noexcept
+        : m_call(std::move(other.m_call)), m_ran(std::move(other.m_ran)) {
+        AFX_RELEASE(&g_queueClock);
+    }
+    QueuedCall& operator=(QueuedCall&&) = delete;
     ~QueuedCall() {
         if (m_ran)
             AFX_ACQUIRE(m_ran.get());
