@@ -12,7 +12,7 @@
 #include <afx/afxwin.h>
 
 // What the box needs of the table frame: the module on show and the two ways of applying
-// a level. The frame offers these under the same names; TAccessLevelFrame adapts it.
+// a level. The frame offers these under the same names; the pages adapt it.
 class IAccessLevelFrame {
 public:
     virtual ~IAccessLevelFrame() = default;
@@ -20,27 +20,6 @@ public:
     virtual IHostDeviceModule* GetModule() = 0;
     virtual void ApplyAccessLevel(IHostDeviceModule* module, int level) = 0;
     virtual void ApplyAccessLevelToAll(int level) = 0;
-};
-
-template <class TFrame> class TAccessLevelFrame : public IAccessLevelFrame {
-public:
-    explicit TAccessLevelFrame(TFrame* frame = nullptr) : m_pFrame(frame) {}
-    void SetFrame(TFrame* frame) { m_pFrame = frame; }
-
-    IHostDeviceModule* GetModule() override {
-        return m_pFrame != nullptr ? m_pFrame->GetModule() : nullptr;
-    }
-    void ApplyAccessLevel(IHostDeviceModule* module, int level) override {
-        if (m_pFrame != nullptr)
-            m_pFrame->ApplyAccessLevel(module, level);
-    }
-    void ApplyAccessLevelToAll(int level) override {
-        if (m_pFrame != nullptr)
-            m_pFrame->ApplyAccessLevelToAll(level);
-    }
-
-private:
-    TFrame* m_pFrame;
 };
 
 // String ids of the box's entries.

@@ -5,6 +5,7 @@
 #include "controls/NoWheelComboBox.h"
 #include "groups/AccessSelector.h"
 #include "module/host/IMessage_LanguageChanged.h"
+#include "pages/PageAccessFrame.h"
 #include "pages/VarTableListCtrl.h"
 #include "pages/VarTablePageBase.h"
 
@@ -54,6 +55,6 @@ private:
     CSearcherComboBox m_search;
     CNoWheelComboBox m_access;
     CAccessSelector m_selector{TRUE};
-    TAccessLevelFrame<CVarTable> m_accessFrame;
+    CPageAccessFrame m_accessFrame;
     BOOL m_bLanguageListener = FALSE;
 };

@@ -6,6 +6,7 @@
 #include "controls/NoWheelComboBox.h"
 #include "files/RecipeWorkbook.h"
 #include "groups/AccessSelector.h"
+#include "pages/PageAccessFrame.h"
 #include "pages/VarTableListCtrl.h"
 #include "pages/VarTablePageBase.h"
 
@@ -100,5 +101,5 @@ private:
     CZorSkinPMenuButton m_filter;
     CButton m_selectAll;
     CAccessSelector m_selector{FALSE};
-    TAccessLevelFrame<CVarTable> m_accessFrame;
+    CPageAccessFrame m_accessFrame;
 };
