@@ -34,24 +34,14 @@ CString ListExportTitleLine(IHostUiService* ui) {
 }
 
 CString ListExportRow(IVarObjEx* var, IHostVarUtil* util) {
-    IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
-    if (attr == nullptr || util == nullptr)
+    VarRowTexts t;
+    if (!GetVarRowTexts(var, util, t))
         return CString();
-    CString code, name, unit, current, factory, minimum, maximum, type;
-    attr->GetCode(code);
-    attr->GetName(name);
-    attr->GetUnit(unit);
-    const int decimals = attr->GetDecimals();
-    util->FormatVariant(current, var->GetValue(), decimals, 0);
-    util->FormatVariant(factory, attr->GetFactoryValue(), decimals, 0);
-    util->FormatVariant(minimum, attr->GetMinValue(), decimals, 0);
-    util->FormatVariant(maximum, attr->GetMaxValue(), decimals, 0);
-    util->DataTypeName(type, attr->GetDataType());
     CString row;
-    row.Format("%s,%s,%s,%s,%s,%s,%s,%s,%d,%s\n", code.GetString(), name.GetString(),
-               current.GetString(), unit.GetString(), minimum.GetString(), maximum.GetString(),
-               factory.GetString(), VarText::ModifyModeText(attr).GetString(),
-               int(attr->GetAddress()), type.GetString());
+    row.Format("%s,%s,%s,%s,%s,%s,%s,%s,%d,%s\n", t.code.GetString(), t.name.GetString(),
+               t.current.GetString(), t.unit.GetString(), t.minimum.GetString(),
+               t.maximum.GetString(), t.factory.GetString(), t.modify.GetString(), t.address,
+               t.type.GetString());
     return row;
 }
 

@@ -52,26 +52,34 @@ CString ParamTableTitleLine(IHostUiService* ui, BOOL withGuid) {
     return line;
 }
 
-CString ParamTableRow(IVarObjEx* var, IHostVarUtil* util, BOOL withGuid) {
+BOOL GetVarRowTexts(IVarObjEx* var, IHostVarUtil* util, VarRowTexts& t) {
     IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
     if (attr == nullptr || util == nullptr)
-        return CString();
-    CString code, name, unit, current, factory, minimum, maximum, type;
-    attr->GetCode(code);
-    attr->GetName(name);
-    attr->GetUnit(unit);
+        return FALSE;
+    attr->GetCode(t.code);
+    attr->GetName(t.name);
+    attr->GetUnit(t.unit);
     const int decimals = attr->GetDecimals();
     // Numbers in files are decimal whatever the display format.
-    util->FormatVariant(current, var->GetValue(), decimals, 0);
-    util->FormatVariant(factory, attr->GetFactoryValue(), decimals, 0);
-    util->FormatVariant(minimum, attr->GetMinValue(), decimals, 0);
-    util->FormatVariant(maximum, attr->GetMaxValue(), decimals, 0);
-    util->DataTypeName(type, attr->GetDataType());
+    util->FormatVariant(t.current, var->GetValue(), decimals, 0);
+    util->FormatVariant(t.factory, attr->GetFactoryValue(), decimals, 0);
+    util->FormatVariant(t.minimum, attr->GetMinValue(), decimals, 0);
+    util->FormatVariant(t.maximum, attr->GetMaxValue(), decimals, 0);
+    util->DataTypeName(t.type, attr->GetDataType());
+    t.modify = VarText::ModifyModeText(attr);
+    t.address = int(attr->GetAddress());
+    return TRUE;
+}
+
+CString ParamTableRow(IVarObjEx* var, IHostVarUtil* util, BOOL withGuid) {
+    VarRowTexts t;
+    if (!GetVarRowTexts(var, util, t))
+        return CString();
     CString row;
-    row.Format("%s,%s,%s,%s,%s,%s,%s,%s,%d,%s\n", code.GetString(), name.GetString(),
-               current.GetString(), factory.GetString(), unit.GetString(), minimum.GetString(),
-               maximum.GetString(), VarText::ModifyModeText(attr).GetString(),
-               int(attr->GetAddress()), type.GetString());
+    row.Format("%s,%s,%s,%s,%s,%s,%s,%s,%d,%s\n", t.code.GetString(), t.name.GetString(),
+               t.current.GetString(), t.factory.GetString(), t.unit.GetString(),
+               t.minimum.GetString(), t.maximum.GetString(), t.modify.GetString(), t.address,
+               t.type.GetString());
     if (withGuid) {
         CString key;
         var->GetInstanceGuid(key);

@@ -33,6 +33,14 @@ CString ParamTableTitleLine(IHostUiService* ui, BOOL withGuid = FALSE);
 // variable or one without attribute.
 CString ParamTableRow(IVarObjEx* var, IHostVarUtil* util, BOOL withGuid = FALSE);
 
+// The texts of a parameter that the file rows hold; numbers decimal whatever the display
+// format. FALSE without an attribute or a value service.
+struct VarRowTexts {
+    CString code, name, unit, current, factory, minimum, maximum, modify, type;
+    int address = 0;
+};
+BOOL GetVarRowTexts(IVarObjEx* var, IHostVarUtil* util, VarRowTexts& texts);
+
 // Writes the 10-column table of `list` for `module` to `path`, replacing the file in one
 // step (temporary file, then rename). 1 on success; 0 without the value service or the
 // module, with an empty path, or when the file can't be written (nothing is left then).
