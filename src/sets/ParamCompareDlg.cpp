@@ -1,4 +1,5 @@
 #include "sets/ParamCompareDlg.h"
+#include "values/ValueText.h"
 
 #include "files/ParamTableWriter.h"
 #include "module/ParmiraApp.h"
@@ -28,17 +29,6 @@ const char* const kChooseFile = "选择参数文件";
 const char* const kCurrentValue = "当前值";
 const char* const kFactoryValue = "出厂值";
 const char* const kCompareFinished = "比较结束";
-
-CString Translated(const char* text) {
-    CString out(text);
-    if (IHostUiService* ui = theApp.GetUiService()) {
-        CString t;
-        ui->TranslateText(t, out);
-        if (!t.IsEmpty())
-            out = t;
-    }
-    return out;
-}
 
 CString ModuleKey(IHostDeviceModule* module) {
     CString key;
@@ -143,7 +133,7 @@ BOOL CParamCompareDlg::OnInitDialog() {
                               {"参数", "2", 80},      {"参数名称", "2", 150}, {"比较值", "2", 200}};
     int index = 0;
     for (const Column& c : columns) {
-        CString title = Translated(c.title);
+        CString title = VarText::Translate(c.title);
         title += c.side;
         m_list.InsertColumn(index++, title.GetString(), LVCFMT_LEFT, c.width);
     }
@@ -187,16 +177,16 @@ void CParamCompareDlg::FillSourceList(CComboBox& box) {
                 selected = at;
         }
     }
-    const int file = box.AddString(Translated(kChooseFile).GetString());
+    const int file = box.AddString(VarText::Translate(kChooseFile).GetString());
     box.SetItemData(file, 0);
     box.SetCurSel(selected);
 }
 
 void CParamCompareDlg::FillKindList(CComboBox& box, int selectedSource) {
     box.ResetContent();
-    const int current = box.AddString(Translated(kCurrentValue).GetString());
+    const int current = box.AddString(VarText::Translate(kCurrentValue).GetString());
     box.SetItemData(current, VarSourceCurrent);
-    const int factory = box.AddString(Translated(kFactoryValue).GetString());
+    const int factory = box.AddString(VarText::Translate(kFactoryValue).GetString());
     box.SetItemData(factory, VarSourceFactory);
     box.SetCurSel(selectedSource == VarSourceFactory ? factory : current);
 }
@@ -530,7 +520,7 @@ void CParamCompareDlg::OnCompareDone(WPARAM serial) {
     m_bDone = TRUE;
     ShowSelectedList();
     EnableControls(TRUE);
-    MessageBox(GetSafeHwnd(), Translated(kCompareFinished).GetString(), "",
+    MessageBox(GetSafeHwnd(), VarText::Translate(kCompareFinished).GetString(), "",
                MB_OK | MB_ICONINFORMATION);
 }
 

@@ -1,4 +1,5 @@
 #include "sets/ShaftCopyDialog.h"
+#include "values/ValueText.h"
 
 #include "module/ParmiraApp.h"
 #include "module/host/IGroupNode.h"
@@ -36,17 +37,6 @@ constexpr DWORD kUploadPoll_ms = 50;
 
 const char* const kOtherSeries = "不同设备之间不能进行轴拷贝！";
 const char* const kSameAxis = "不能选择相同的轴,请重新选择.";
-
-CString Translated(const char* text) {
-    CString out(text);
-    if (IHostUiService* ui = theApp.GetUiService()) {
-        CString t;
-        ui->TranslateText(t, out);
-        if (!t.IsEmpty())
-            out = t;
-    }
-    return out;
-}
 
 CString KeyOf(IHostDeviceModule* module) {
     CString key;
@@ -199,7 +189,7 @@ BOOL CShaftCopyDialog::OnInitDialog() {
         {"行号", 50}, {"参数", 150}, {"参数名称", 150}, {"当前值", 100}, {"目标值", 100}};
     int index = 0;
     for (const auto& c : columns)
-        m_list.InsertColumn(index++, Translated(c.title).GetString(), LVCFMT_LEFT, c.width);
+        m_list.InsertColumn(index++, VarText::Translate(c.title).GetString(), LVCFMT_LEFT, c.width);
 
     if (IHostMessageBus* bus = theApp.GetMessageBus())
         m_bSubscribed = bus->Subscribe(IID_IMessage_ModuleUploadEvent,
@@ -278,13 +268,13 @@ void CShaftCopyDialog::Compare() {
     if (source == nullptr || target == nullptr)
         return;
     if (!IsSameDeviceSeries(source, target)) {
-        Warn(Translated(kOtherSeries));
+        Warn(VarText::Translate(kOtherSeries));
         return;
     }
     IHostAxis* sourceAxis = GetSourceAxis();
     IHostAxis* targetAxis = GetTargetAxis();
     if (sourceAxis == targetAxis) {
-        Warn(Translated(kSameAxis));
+        Warn(VarText::Translate(kSameAxis));
         return;
     }
     if (m_nUploadFirst != 0) {
@@ -447,7 +437,7 @@ void CShaftCopyDialog::OnOK() {
     IHostAxis* sourceAxis = GetSourceAxis();
     IHostAxis* targetAxis = GetTargetAxis();
     if (sourceAxis == targetAxis) {
-        Warn(Translated(kSameAxis));
+        Warn(VarText::Translate(kSameAxis));
         return;
     }
     IHostDeviceModule* target = GetTargetDevice();

@@ -846,7 +846,7 @@ CString Translate(const CString& text) {
         return text;
     CString translated;
     ui->TranslateText(translated, text);
-    return translated;
+    return translated.IsEmpty() ? text : translated;
 }
 
 } // namespace VarText

@@ -117,7 +117,7 @@ enum CommitResult {
 // stages a set value).
 CommitResult CommitCellText(IVarObjEx* item, const CString& text, int page, int listStyle);
 
-// A text in the user's language; `text` itself without the translator.
+// A text in the user's language; `text` itself without the translator or a translation.
 CString Translate(const CString& text);
 
 } // namespace VarText

@@ -1,5 +1,6 @@
 #include "values/WriteVarDialog.h"
 #include "module/host/VarAttrCodes.h"
+#include "values/ValueText.h"
 
 #include "module/ParmiraApp.h"
 #include "module/host/IHostUiService.h"
@@ -72,15 +73,6 @@ LONGLONG LeadingHex(const CString& text) {
     return LONGLONG(value);
 }
 
-CString Translated(const CString& text) {
-    IHostUiService* ui = theApp.GetUiService();
-    if (ui == nullptr || text.IsEmpty())
-        return text;
-    CString out;
-    ui->TranslateText(out, text);
-    return out;
-}
-
 CString StringById(UINT id) {
     return theApp.LoadText(id);
 }
@@ -151,7 +143,7 @@ BOOL CWriteVarDialog::OnInitDialog() {
         m_hexFlag = attr->GetDisplayFormat() == FORMAT_HEX ? 1 : 0;
         attr->GetCode(m_codeText);
         attr->GetName(m_nameText);
-        m_nameText = Translated(m_nameText);
+        m_nameText = VarText::Translate(m_nameText);
         const LONGLONG v = LONGLONG(util->VariantAsDouble(m_pItem->GetValue()));
         if (m_hexFlag)
             m_valueText.Format("0x%04X", unsigned(v));
@@ -185,7 +177,7 @@ void CWriteVarDialog::FillBits(IValueInfo* info, LONGLONG v) {
         CString text;
         entry->GetText(text);
         m_pGrid->SetCellText(row, 0, head.GetString());
-        m_pGrid->SetCellText(row, 1, Translated(text).GetString());
+        m_pGrid->SetCellText(row, 1, VarText::Translate(text).GetString());
         auto* item = new CGridItem(this);
         item->AddOption("0");
         item->AddOption("1");
@@ -216,7 +208,7 @@ void CWriteVarDialog::FillRanges(IValueInfo* info, LONGLONG v) {
         CString text;
         entry->GetText(text);
         m_pGrid->SetCellText(row, 0, head.GetString());
-        m_pGrid->SetCellText(row, 1, Translated(text).GetString());
+        m_pGrid->SetCellText(row, 1, VarText::Translate(text).GetString());
         auto* item = new CGridItem(this);
         const LONGLONG r = util->GetBitRange(v, f, f + std::max(w, 1) - 1);
         CString current;
@@ -229,7 +221,7 @@ void CWriteVarDialog::FillRanges(IValueInfo* info, LONGLONG v) {
             CString optionText;
             option->GetText(optionText);
             CString shown;
-            shown.Format("%s[%s]", figure.GetString(), Translated(optionText).GetString());
+            shown.Format("%s[%s]", figure.GetString(), VarText::Translate(optionText).GetString());
             item->AddOption(shown.GetString());
             if (current.IsEmpty() && LONGLONG(util->VariantAsDouble(option->GetValue())) == r)
                 current = shown;
@@ -260,7 +252,7 @@ void CWriteVarDialog::FillDigits(IValueInfo* info, LONGLONG v) {
             m_pGrid->SetCellText(row, 0, kHexHeads[d]);
         CString text;
         entry->GetText(text);
-        m_pGrid->SetCellText(row, 1, Translated(text).GetString());
+        m_pGrid->SetCellText(row, 1, VarText::Translate(text).GetString());
         LONGLONG digit = 0;
         if (m_hexFlag) {
             LONGLONG power = 1;
@@ -283,7 +275,7 @@ void CWriteVarDialog::FillDigits(IValueInfo* info, LONGLONG v) {
             CString optionText;
             option->GetText(optionText);
             CString shown;
-            shown.Format("%s[%s]", figure.GetString(), Translated(optionText).GetString());
+            shown.Format("%s[%s]", figure.GetString(), VarText::Translate(optionText).GetString());
             item->AddOption(shown.GetString());
             if (current.IsEmpty() && LONGLONG(util->VariantAsDouble(option->GetValue())) == digit)
                 current = shown;
