@@ -15,6 +15,16 @@
 
 namespace {
 
+constexpr uint32_t kFreeSlot = UINT32_MAX;
+
+size_t SlotOf(const void* key, size_t mask) {
+    uint64_t x = reinterpret_cast<uintptr_t>(key);
+    x ^= x >> 33;
+    x *= 0xFF51AFD7ED558CCDull;
+    x ^= x >> 33;
+    return size_t(x) & mask;
+}
+
 // Code points without case that names and units hold; everything else goes through the
 // full Unicode casing.
 bool IsCaseless(unsigned cp) {
@@ -25,7 +35,7 @@ bool IsCaseless(unsigned cp) {
 
 // Appends `text` lower-cased as CString::MakeLower does, without the detour through a
 // wide string for the characters that have no case.
-void AppendLower(std::string& out, const CString& text) {
+void LowerInto(std::string& out, const CString& text) {
     const std::string& bytes = text.str();
     const size_t start = out.size();
     for (size_t i = 0; i < bytes.size();) {
@@ -49,13 +59,6 @@ void AppendLower(std::string& out, const CString& text) {
         out.append(bytes, i, n);
         i += n;
     }
-}
-
-// Each field ends with '\0': a search text never holds one, so no match can run from one
-// field into the next.
-void AppendField(std::string& joined, const CString& field) {
-    AppendLower(joined, field);
-    joined += '\0';
 }
 
 CString FormatValue(IHostVarUtil* util, const Variant& value, int decimals) {
@@ -114,7 +117,7 @@ void OptionNames(IValueInfo* info, std::vector<CString>& names) {
 std::string SearchLower(const CString& text) {
     std::string lower;
     lower.reserve(text.str().size());
-    AppendLower(lower, text);
+    LowerInto(lower, text);
     return lower;
 }
 
@@ -128,6 +131,7 @@ void CSearchIndex::Validate(int accessLevel) {
     if (probe != m_languageProbe) {
         m_languageProbe = probe;
         m_shownTexts.clear();
+        m_shownText.clear();
         for (Shared& shown : m_modifyShown)
             shown.text.clear();
         ++m_language;
@@ -136,11 +140,18 @@ void CSearchIndex::Validate(int accessLevel) {
 
 void CSearchIndex::Drop() {
     m_entries.clear();
+    m_rowEntries.clear();
+    m_slots.assign(m_slots.size(), kFreeSlot);
+    m_text.clear();
+    m_shownText.clear();
+    m_complete = 0;
     m_options.clear();
     m_shownTexts.clear();
     m_values.clear();
     m_numberIds.clear();
     m_textIds.clear();
+    for (NumberKey& key : m_recentKey)
+        key.tag = 0xFFFFFFFFu;
     for (Shared& shown : m_modifyShown)
         shown.text.clear();
     m_accessLevel = -1;
@@ -151,8 +162,11 @@ void CSearchIndex::Drop() {
 void CSearchIndex::BeginSearch(const std::string& lowerText, size_t baseSize) {
     m_needle = lowerText;
     m_util = theApp.GetVarUtil();
-    if (m_entries.size() < baseSize)
+    if (m_entries.capacity() < baseSize) {
         m_entries.reserve(baseSize);
+        // Room for about a code, a name and a unit each, so that the buffer rarely moves.
+        m_text.reserve(baseSize * 48);
+    }
     ++m_search;
     for (Shared& value : m_values)
         value.holds = -1;
@@ -168,7 +182,7 @@ bool CSearchIndex::Holds(Shared& shared) {
     return shared.holds != 0;
 }
 
-uint32_t CSearchIndex::ValueText(IHostVarUtil* util, const Variant& value, int decimals) {
+uint32_t CSearchIndex::ValueText(const Variant& value, int decimals) {
     // The payload that the tag makes meaningful; other tags are found by their text.
     NumberKey key{0, value.vt, decimals};
     bool number = true;
@@ -209,69 +223,161 @@ uint32_t CSearchIndex::ValueText(IHostVarUtil* util, const Variant& value, int d
         number = false;
     }
     if (number) {
+        for (int i = 0; i < 2; ++i)
+            if (m_recentKey[i] == key)
+                return m_recentId[i];
         auto found = m_numberIds.find(key);
-        if (found != m_numberIds.end())
-            return found->second;
+        uint32_t id = 0;
+        if (found != m_numberIds.end()) {
+            id = found->second;
+        } else {
+            id = ValueTextId(value, decimals);
+            m_numberIds.emplace(key, id);
+        }
+        m_recentKey[1] = m_recentKey[0];
+        m_recentId[1] = m_recentId[0];
+        m_recentKey[0] = key;
+        m_recentId[0] = id;
+        return id;
     }
-    std::string text = SearchLower(FormatValue(util, value, decimals));
-    auto [at, added] = m_textIds.emplace(std::move(text), uint32_t(m_values.size()));
-    if (added)
-        m_values.push_back(Shared{at->first, -1});
-    if (number)
-        m_numberIds.emplace(key, at->second);
-    return at->second;
+    return ValueTextId(value, decimals);
 }
 
-void CSearchIndex::Build(Entry& entry, IVarAttr* attr) {
+uint32_t CSearchIndex::ValueTextId(const Variant& value, int decimals) {
     IHostVarUtil* util = m_util != nullptr ? m_util : theApp.GetVarUtil();
-    const int decimals = attr->GetDecimals();
-    std::string& own = entry.own;
-    own.reserve(64);
+    std::string text = SearchLower(FormatValue(util, value, decimals));
+    auto found = m_textIds.find(text);
+    if (found != m_textIds.end())
+        return found->second;
+    const uint32_t id = uint32_t(m_values.size());
+    m_values.push_back(Shared{text, -1});
+    m_textIds.emplace(std::move(text), id);
+    return id;
+}
+
+CSearchIndex::Span CSearchIndex::AppendLower(const CString& text) {
+    Span span{uint32_t(m_text.size()), 0};
+    LowerInto(m_text, text);
+    span.size = uint32_t(m_text.size() - span.at);
+    return span;
+}
+
+void CSearchIndex::BuildTo(Entry& entry, uint8_t stage) {
+    if (entry.stage >= stage)
+        return;
+    IVarAttr* attr = entry.attr;
     CString field;
-    attr->GetCode(field);
-    AppendField(own, field);
-    attr->GetName(field);
-    AppendField(own, field);
-    attr->GetUnit(field);
-    AppendField(own, field);
-    char address[16];
-    const auto end = std::to_chars(address, address + sizeof address, int(attr->GetAddress()));
-    own.append(address, size_t(end.ptr - address));
-    own += '\0';
-    entry.minText = ValueText(util, attr->GetMinValue(), decimals);
-    entry.maxText = ValueText(util, attr->GetMaxValue(), decimals);
-    entry.factoryText = ValueText(util, attr->GetFactoryValue(), decimals);
-    entry.info = attr->GetValueInfo();
-    entry.modifyMode = attr->GetModifyMode();
-    if (entry.modifyMode >= 0 && entry.modifyMode <= 2 && m_modify[entry.modifyMode].text.empty())
-        m_modify[entry.modifyMode].text = SearchLower(VarText::ModifyModeText(attr));
-}
-
-CSearchIndex::Entry& CSearchIndex::EntryOf(IVarAttr* attr) {
-    auto [it, added] = m_entries.try_emplace(attr);
-    if (added)
-        Build(it->second, attr);
-    return it->second;
-}
-
-void CSearchIndex::Prepare(IVarAttr* attr, bool firstPage) {
-    if (m_util == nullptr)
-        m_util = theApp.GetVarUtil();
-    Entry& entry = EntryOf(attr);
-    if (m_languageProbe != "任意修改")
-        Localize(entry, attr, firstPage);
-}
-
-void CSearchIndex::Localize(Entry& entry, IVarAttr* attr, bool firstPage) {
-    if (entry.language != m_language) {
+    if (entry.stage < STAGE_CODE) {
+        attr->GetCode(field);
+        entry.own = AppendLower(field);
+        m_text += '\0';
+        ++entry.own.size;
+        entry.stage = STAGE_CODE;
+    }
+    if (stage >= STAGE_NAME && entry.stage < STAGE_NAME) {
+        // The code moves to the end when other texts came behind it meanwhile.
+        if (entry.own.at + entry.own.size != m_text.size()) {
+            const Span code = entry.own;
+            entry.own.at = uint32_t(m_text.size());
+            m_text.append(m_text, code.at, code.size);
+        }
         CString name;
         attr->GetName(name);
-        entry.shownName = SearchLower(VarText::Translate(name));
+        const Span lowerName = AppendLower(name);
+        m_text += '\0';
+        attr->GetUnit(field);
+        AppendLower(field);
+        m_text += '\0';
+        char address[16];
+        const auto end = std::to_chars(address, address + sizeof address, int(attr->GetAddress()));
+        m_text.append(address, size_t(end.ptr - address));
+        m_text += '\0';
+        entry.own.size = uint32_t(m_text.size() - entry.own.at);
+        // The translator knows a name as stored; keep that too where lower-casing changed it.
+        entry.rawName = lowerName;
+        if (std::string_view(m_text.data() + lowerName.at, lowerName.size) != name.str()) {
+            entry.rawName.at = uint32_t(m_text.size());
+            entry.rawName.size = uint32_t(name.str().size());
+            m_text += name.str();
+        }
+        entry.stage = STAGE_NAME;
+    }
+    if (stage >= STAGE_LIMITS && entry.stage < STAGE_LIMITS) {
+        const int decimals = attr->GetDecimals();
+        entry.minText = ValueText(attr->GetMinValue(), decimals);
+        entry.maxText = ValueText(attr->GetMaxValue(), decimals);
+        const int mode = attr->GetModifyMode();
+        entry.modifyMode = int8_t(mode >= 0 && mode <= 2 ? mode : -1);
+        if (entry.modifyMode >= 0 && m_modify[mode].text.empty())
+            m_modify[mode].text = SearchLower(VarText::ModifyModeText(attr));
+        entry.stage = STAGE_LIMITS;
+    }
+    if (stage >= STAGE_ALL && entry.stage < STAGE_ALL) {
+        entry.factoryText = ValueText(attr->GetFactoryValue(), attr->GetDecimals());
+        entry.info = attr->GetValueInfo();
+        entry.stage = STAGE_ALL;
+        ++m_complete;
+    }
+}
+
+CSearchIndex::Entry& CSearchIndex::EntryOf(size_t row, IVarAttr* attr) {
+    if (row >= m_rowEntries.size())
+        m_rowEntries.resize(row + 1, kFreeSlot);
+    uint32_t& known = m_rowEntries[row];
+    if (known < m_entries.size() && m_entries[known].attr == attr)
+        return m_entries[known];
+    Entry& entry = FindOrAdd(attr);
+    known = uint32_t(&entry - m_entries.data());
+    return entry;
+}
+
+CSearchIndex::Entry& CSearchIndex::FindOrAdd(IVarAttr* attr) {
+    // At most half the slots taken, so that a probe ends soon.
+    if ((m_entries.size() + 1) * 2 > m_slots.size()) {
+        size_t size = 1024;
+        while (size < (m_entries.size() + 1) * 3)
+            size *= 2;
+        m_slots.assign(size, kFreeSlot);
+        for (uint32_t index = 0; index < m_entries.size(); ++index) {
+            size_t i = SlotOf(m_entries[index].attr, size - 1);
+            while (m_slots[i] != kFreeSlot)
+                i = (i + 1) & (size - 1);
+            m_slots[i] = index;
+        }
+    }
+    const size_t mask = m_slots.size() - 1;
+    for (size_t i = SlotOf(attr, mask);; i = (i + 1) & mask) {
+        const uint32_t index = m_slots[i];
+        if (index == kFreeSlot) {
+            m_slots[i] = uint32_t(m_entries.size());
+            m_entries.emplace_back().attr = attr;
+            return m_entries.back();
+        }
+        if (m_entries[index].attr == attr)
+            return m_entries[index];
+    }
+}
+
+void CSearchIndex::Prepare(size_t row, IVarAttr* attr, bool firstPage) {
+    if (m_util == nullptr)
+        m_util = theApp.GetVarUtil();
+    Entry& entry = EntryOf(row, attr);
+    BuildTo(entry, STAGE_ALL);
+    if (!IsStoredLanguage())
+        Localize(entry, firstPage);
+}
+
+void CSearchIndex::Localize(Entry& entry, bool firstPage) {
+    if (entry.language != m_language) {
+        const CString name(std::string(m_text, entry.rawName.at, entry.rawName.size));
+        entry.shownName.at = uint32_t(m_shownText.size());
+        LowerInto(m_shownText, VarText::Translate(name));
+        entry.shownName.size = uint32_t(m_shownText.size() - entry.shownName.at);
         entry.language = m_language;
     }
     const int mode = entry.modifyMode;
-    if (mode >= 0 && mode <= 2 && m_modifyShown[mode].text.empty())
-        m_modifyShown[mode].text = Shown(VarText::ModifyModeText(attr));
+    if (mode >= 0 && m_modifyShown[mode].text.empty())
+        m_modifyShown[mode].text = Shown(VarText::ModifyModeText(entry.attr));
     if (!firstPage || entry.info == nullptr)
         return;
     Options& options = OptionsOf(entry.info);
@@ -292,8 +398,12 @@ CSearchIndex::Options& CSearchIndex::OptionsOf(IValueInfo* info) {
     if (added) {
         std::vector<CString> names;
         OptionNames(info, names);
-        for (const CString& name : names)
-            AppendField(options.stored.text, name);
+        // Each name ends with '\0': a search text never holds one, so no match can run from
+        // one name into the next.
+        for (const CString& name : names) {
+            LowerInto(options.stored.text, name);
+            options.stored.text += '\0';
+        }
     }
     if (options.search != m_search) {
         options.search = m_search;
@@ -310,23 +420,33 @@ const std::string& CSearchIndex::Shown(const CString& text) {
     return m_shownTexts[text.str()] = SearchLower(VarText::Translate(text));
 }
 
-bool CSearchIndex::Matches(IVarAttr* attr, bool firstPage) {
-    Entry& entry = EntryOf(attr);
+bool CSearchIndex::Matches(size_t row, IVarAttr* attr, bool firstPage) {
+    Entry& entry = EntryOf(row, attr);
+    // The fields in the order of the comparison, each fetched only when the former failed.
+    BuildTo(entry, STAGE_CODE);
+    if (Holds(m_text, entry.own))
+        return true;
+    if (entry.stage < STAGE_NAME) {
+        BuildTo(entry, STAGE_NAME);
+        if (Holds(m_text, entry.own))
+            return true;
+    }
+    BuildTo(entry, STAGE_LIMITS);
     const int mode = entry.modifyMode;
-    const bool hasModify = mode >= 0 && mode <= 2;
-    if (entry.own.find(m_needle) != std::string::npos || Holds(m_values[entry.minText]) ||
-        Holds(m_values[entry.maxText]) || (hasModify && Holds(m_modify[mode])))
+    if (Holds(m_values[entry.minText]) || Holds(m_values[entry.maxText]) ||
+        (mode >= 0 && Holds(m_modify[mode])))
         return true;
-    Options* options = entry.info != nullptr ? &OptionsOf(entry.info) : nullptr;
-    if (firstPage &&
-        (Holds(m_values[entry.factoryText]) || (options != nullptr && Holds(options->stored))))
-        return true;
+    if (firstPage) {
+        BuildTo(entry, STAGE_ALL);
+        if (Holds(m_values[entry.factoryText]) ||
+            (entry.info != nullptr && Holds(OptionsOf(entry.info).stored)))
+            return true;
+    }
     // In the language the texts are stored in, the shown texts are the stored ones.
-    if (m_languageProbe == "任意修改")
+    if (IsStoredLanguage())
         return false;
-    Localize(entry, attr, firstPage);
-    if (entry.shownName.find(m_needle) != std::string::npos ||
-        (hasModify && Holds(m_modifyShown[mode])))
+    Localize(entry, firstPage);
+    if (Holds(m_shownText, entry.shownName) || (mode >= 0 && Holds(m_modifyShown[mode])))
         return true;
-    return firstPage && options != nullptr && Holds(options->shown);
+    return firstPage && entry.info != nullptr && Holds(OptionsOf(entry.info).shown);
 }

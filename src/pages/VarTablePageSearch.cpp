@@ -50,11 +50,12 @@ void CVarTablePageBase::SearchRows(const CString& text) {
     const bool firstPage = m_bFirstPage != FALSE;
     const std::vector<IVarObjEx*>& base = m_groupVars.GetArray();
     m_searchIndex.BeginSearch(lower.str(), base.size());
-    for (IVarObjEx* var : base) {
+    for (size_t row = 0; row < base.size(); ++row) {
+        IVarObjEx* var = base[row];
         IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
         if (attr == nullptr)
             continue;
-        if (!all && !m_searchIndex.Matches(attr, firstPage))
+        if (!all && !m_searchIndex.Matches(row, attr, firstPage))
             continue;
         if (m_pTable != nullptr && attr->GetAccessLevel() <= level && m_pTable->IsCatalogVar(var))
             m_shownVars.Add(var, var);
@@ -93,7 +94,7 @@ void CVarTablePageBase::OnTimer(UINT_PTR nIDEvent) {
     for (; m_searchPrepared < end; ++m_searchPrepared) {
         IVarObjEx* var = base[m_searchPrepared];
         if (IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr)
-            m_searchIndex.Prepare(attr, m_bFirstPage != FALSE);
+            m_searchIndex.Prepare(m_searchPrepared, attr, m_bFirstPage != FALSE);
     }
 }
 

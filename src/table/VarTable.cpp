@@ -271,8 +271,17 @@ void CVarTable::SelectListPage(int index) {
 
 void CVarTable::SetModuleAccessLevel(const CString& moduleKey, int level) {
     IHostDeviceModule* module = theApp.FindModule(moduleKey);
-    if (module == nullptr || module->GetAccessLevel() == level)
+    if (module == nullptr)
         return;
+    if (module->GetAccessLevel() == level) {
+        // The host may have set the level on the module itself before telling the panel:
+        // the pages make their search texts for it while idle.
+        if (module == m_pModule)
+            for (CVarTablePage* page : {m_pPage1, m_pPage2})
+                if (page != nullptr)
+                    page->PrepareSearchWhenIdle();
+        return;
+    }
     module->SetAccessLevel(level);
     StopRefresh();
     m_pModule = module;
