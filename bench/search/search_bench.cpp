@@ -2,7 +2,7 @@
 // parameters selected:
 // - a text that matches few rows and one that matches every row, with the search texts
 //   already prepared (the usual case) and on a cold base (nothing prepared yet);
-// - the first search after a language change;
+// - the first search after a language change, and after an access level change;
 // - the first search after the list stood idle long enough to prepare its texts.
 #include "files/ZxdExport.h"
 #include "module/ModuleResources.h"
@@ -112,9 +112,11 @@ std::unique_ptr<Scene> OpenLarge() {
 }
 
 // Prepared: searched before. Cold: nothing prepared, Enter at once. LanguageChanged: the
-// language moved just before the Enter. AfterIdle: nothing prepared, then the list stood
-// idle until the page had prepared its texts in slices, as when a user moves to the box.
-enum class Start { Prepared, Cold, LanguageChanged, AfterIdle };
+// language moved just before the Enter. LevelChanged: the user chose another access level
+// and back, searching in between, then showed all parameters again and pressed Enter at
+// once. AfterIdle: nothing prepared, then the list stood idle until the page had prepared
+// its texts in slices, as when a user moves to the box.
+enum class Start { Prepared, Cold, LanguageChanged, LevelChanged, AfterIdle };
 
 // "h4e-0" matches a few dozen codes; "h" matches every code.
 void Search(benchmark::State& state, const char* text, Start start) {
@@ -145,6 +147,12 @@ void Search(benchmark::State& state, const char* text, Start start) {
             english = !english;
             scene->SetEnglish(english);
         }
+        if (start == Start::LevelChanged) {
+            scene->table->ApplyAccessLevel(scene->table->GetModule(), 2);
+            page.SearchRows(text);
+            scene->table->ApplyAccessLevel(scene->table->GetModule(), 3);
+            page.ShowAllParameters(scene->table->GetVarList());
+        }
         state.ResumeTiming();
         page.SearchRows(text);
     }
@@ -172,6 +180,12 @@ void BM_SearchFewAfterLanguageChange(benchmark::State& s) {
 void BM_SearchEveryAfterLanguageChange(benchmark::State& s) {
     Search(s, "h", Start::LanguageChanged);
 }
+void BM_SearchFewAfterLevelChange(benchmark::State& s) {
+    Search(s, "h4e-0", Start::LevelChanged);
+}
+void BM_SearchEveryAfterLevelChange(benchmark::State& s) {
+    Search(s, "h", Start::LevelChanged);
+}
 void BM_SearchFewAfterIdle(benchmark::State& s) {
     Search(s, "h4e-0", Start::AfterIdle);
 }
@@ -182,6 +196,8 @@ BENCHMARK(BM_SearchEveryCold)->Unit(benchmark::kMillisecond)->Iterations(5);
 BENCHMARK(BM_SearchFewAfterIdle)->Unit(benchmark::kMillisecond)->Iterations(5);
 BENCHMARK(BM_SearchFewAfterLanguageChange)->Unit(benchmark::kMillisecond)->Iterations(6);
 BENCHMARK(BM_SearchEveryAfterLanguageChange)->Unit(benchmark::kMillisecond)->Iterations(6);
+BENCHMARK(BM_SearchFewAfterLevelChange)->Unit(benchmark::kMillisecond)->Iterations(5);
+BENCHMARK(BM_SearchEveryAfterLevelChange)->Unit(benchmark::kMillisecond)->Iterations(5);
 
 // The compressed export of all 20 000 rows: records and the zlib image of the file.
 void BM_ZxdExport20000(benchmark::State& state) {
