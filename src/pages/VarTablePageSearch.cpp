@@ -41,7 +41,6 @@ void CVarTablePageBase::OnSearchPicked() {
 void CVarTablePageBase::SearchRows(const CString& text) {
     if (theApp.GetUiService() == nullptr || theApp.GetVarUtil() == nullptr)
         return;
-    m_shownVars.RemoveAll();
     const int level = m_pTable != nullptr ? m_pTable->GetAccessLevel() : 0;
     m_searchIndex.Validate(level);
     const BOOL all = text.CompareNoCase("All") == 0 || (m_bFirstPage && text.IsEmpty());
@@ -50,6 +49,9 @@ void CVarTablePageBase::SearchRows(const CString& text) {
     const bool firstPage = m_bFirstPage != FALSE;
     const std::vector<IVarObjEx*>& base = m_groupVars.GetArray();
     m_searchIndex.BeginSearch(lower.str(), base.size());
+    // The base holds each variable once, so the finds go into the list in one step.
+    std::vector<IVarObjEx*> found;
+    found.reserve(base.size());
     for (size_t row = 0; row < base.size(); ++row) {
         IVarObjEx* var = base[row];
         IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
@@ -58,8 +60,9 @@ void CVarTablePageBase::SearchRows(const CString& text) {
         if (!all && !m_searchIndex.Matches(row, attr, firstPage))
             continue;
         if (m_pTable != nullptr && attr->GetAccessLevel() <= level && m_pTable->IsCatalogVar(var))
-            m_shownVars.Add(var, var);
+            found.push_back(var);
     }
+    m_shownVars.AssignDistinct(found);
     FinishCollection(FALSE, TRUE);
 }
 
