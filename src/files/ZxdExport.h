@@ -42,9 +42,6 @@ enum class ZxdResult { Written, OpenFailed, AppendFailed };
 // when the host offers no parameter file or memory stream.
 ZxdResult WriteZxdFile(const std::string& path, IHostDeviceModule* module,
                        const std::vector<IVarObjEx*>& rows);
-// Appends the two sizes and the zlib image of a parameter file of `rows` to `out`.
-BOOL AppendCompressedImage(std::string& out, IHostDeviceModule* module,
-                           const std::vector<IVarObjEx*>& rows);
 // The parameter file of `rows` as the host serialises it; empty without the host's objects.
 std::string SerializeRowsAsParamFile(IHostDeviceModule* module,
                                      const std::vector<IVarObjEx*>& rows);
