@@ -4,10 +4,16 @@
 
 namespace zorhost::device {
 
-std::string_view DeviceDescription::Text(TextRef ref) const {
-    if (ref.size == 0 || std::size_t(ref.offset) + ref.size > textPool.size())
-        return {};
-    return std::string_view(textPool).substr(ref.offset, ref.size);
+std::string_view DeviceDescription::TextAt(std::string_view pool, TextRef ref) {
+    // The length is written seven bits to a byte, the lowest first.
+    std::size_t at = ref.offset, size = 0;
+    for (int shift = 0; at < pool.size() && shift < 35; shift += 7) {
+        const auto b = static_cast<unsigned char>(pool[at++]);
+        size |= std::size_t(b & 0x7F) << shift;
+        if (b < 0x80)
+            return size <= pool.size() - at ? pool.substr(at, size) : std::string_view();
+    }
+    return {};
 }
 
 const ValueInfo* DeviceDescription::ValueInfoOf(const ParameterDef& p) const {
@@ -15,9 +21,10 @@ const ValueInfo* DeviceDescription::ValueInfoOf(const ParameterDef& p) const {
 }
 
 std::uint32_t DeviceDescription::FindByAddress(std::uint32_t address) const {
-    auto it = std::lower_bound(addressIndex.begin(), addressIndex.end(), address,
-                               [](const auto& entry, std::uint32_t a) { return entry.first < a; });
-    return it != addressIndex.end() && it->first == address ? it->second : kNoIndex;
+    auto it = std::lower_bound(
+        addressIndex.begin(), addressIndex.end(), address,
+        [&](std::uint32_t index, std::uint32_t a) { return parameters[index].address < a; });
+    return it != addressIndex.end() && parameters[*it].address == address ? *it : kNoIndex;
 }
 
 std::uint32_t DeviceDescription::FindByCode(std::string_view code, int scope) const {
@@ -125,7 +132,7 @@ std::size_t DeviceDescription::HeapBytes() const {
         functions.capacity() * sizeof(NamedVariable) +
         connectors.capacity() * sizeof(ConnectorGroupDef) +
         perUnitTables.capacity() * sizeof(PerUnitTable) +
-        addressIndex.capacity() * sizeof(addressIndex[0]) +
+        addressIndex.capacity() * sizeof(std::uint32_t) +
         codeIndex.capacity() * sizeof(std::uint32_t);
     for (const ValueInfo& v : valueInfos) {
         n += options(v.enumeration) + v.bits.capacity() * sizeof(BitEntry) +

@@ -74,11 +74,11 @@ enum class ConnectorKind : std::uint8_t { None = 0, B = 1, K = 2, F = 3, KF = 4,
 // and in model 2 the tool follows the drive's "Authority".
 enum class AccessModel : std::uint8_t { ToolOnly = 0, DrivePassword = 1, DriveAuthority = 2 };
 
-// Texts are stored once in the description's pool; a TextRef is an offset and length.
+// Texts are stored once in the description's pool, each behind its length; a TextRef is
+// the offset of that length. Offset 0 is the empty text.
 struct TextRef {
     std::uint32_t offset = 0;
-    std::uint32_t size = 0;
-    bool empty() const { return size == 0; }
+    bool empty() const { return offset == 0; }
 };
 
 struct ValueOption {
@@ -252,7 +252,8 @@ public:
     std::vector<ConnectorGroupDef> connectors;
     std::vector<PerUnitTable> perUnitTables;
 
-    std::string_view Text(TextRef ref) const;
+    std::string_view Text(TextRef ref) const { return TextAt(textPool, ref); }
+    static std::string_view TextAt(std::string_view pool, TextRef ref);
     std::string_view Code(const ParameterDef& p) const { return Text(p.code); }
 
     bool IsMultiAxis() const { return !axes.empty(); }
@@ -277,9 +278,9 @@ public:
     std::size_t HeapBytes() const;
 
     // Filled by the loader.
-    std::string textPool;
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> addressIndex; // (address, parameter)
-    std::vector<std::uint32_t> codeIndex; // parameters ordered by (axis, code)
+    std::string textPool;                    // see TextRef
+    std::vector<std::uint32_t> addressIndex; // parameters ordered by address
+    std::vector<std::uint32_t> codeIndex;    // parameters ordered by (axis, code)
 };
 
 const char* DataTypeName(DataType type); // "u16", "i32", ... as written in device files
