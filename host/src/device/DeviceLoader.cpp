@@ -83,7 +83,8 @@ LoadResult ParseDeviceJson(std::string_view json, const std::string& sourceName)
     // Texts take up a fraction of the file; reserving that much spares most regrowth.
     device->textPool.reserve(json.size() / 4);
     try {
-        Loader(*device).Load(tree.Root());
+        // A description holds a distinct text for about every 64 bytes.
+        Loader(*device, json.size() / 64).Load(tree.Root());
     } catch (const Refusal& r) {
         result.error = {sourceName, r.place, r.message};
         return result;

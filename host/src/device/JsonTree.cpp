@@ -24,11 +24,21 @@ Array Value::ToArray() const {
     return Array(tree_, tree_->At(node_->first), node_->count);
 }
 
+namespace {
+
+// Keys are short and most differ in length or first letter: look at those before a call.
+bool SameKey(const Node& k, std::string_view key) {
+    return k.count == key.size() &&
+           (key.empty() ||
+            (k.text[0] == key[0] && std::memcmp(k.text, key.data(), key.size()) == 0));
+}
+
+} // namespace
+
 // Objects of a description hold a few dozen keys at most: a scan beats any index.
 Value Object::Find(std::string_view key) const {
     for (std::uint32_t i = 0; i < count_; ++i) {
-        const Node& k = members_[2 * i];
-        if (k.count == key.size() && std::memcmp(k.text, key.data(), key.size()) == 0)
+        if (SameKey(members_[2 * i], key))
             return Value(tree_, &members_[2 * i + 1]);
     }
     return {};
@@ -214,7 +224,7 @@ private:
         if (object.count <= 32) {
             for (std::uint32_t i = 1; i < object.count; ++i)
                 for (std::uint32_t j = 0; j < i; ++j)
-                    if (key(i) == key(j))
+                    if (SameKey(members[2 * j], key(i)))
                         return false;
             return true;
         }

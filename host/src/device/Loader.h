@@ -42,7 +42,8 @@ std::string Hex(std::uint32_t v);             // "0x0229"
 
 class Loader {
 public:
-    explicit Loader(DeviceDescription& d) : d_(d), pool_(d.textPool) {}
+    Loader(DeviceDescription& d, std::size_t expectedTexts)
+        : d_(d), pool_(d.textPool, expectedTexts) {}
 
     void Load(const json::Object& root);
 

@@ -100,7 +100,10 @@ void Loader::Keys(const Object& o, const std::string& place,
     bool found = false;
     for (std::uint32_t i = 0; i < o.Size(); ++i) {
         const std::string_view key = o.KeyAt(i);
-        if (std::find(allowed.begin(), allowed.end(), key) != allowed.end())
+        const bool known = std::any_of(allowed.begin(), allowed.end(), [&](std::string_view a) {
+            return a.size() == key.size() && a[0] == key[0] && a == key;
+        });
+        if (known)
             continue;
         if (!found || key < unknown)
             unknown = key;

@@ -1,19 +1,26 @@
 #include "TextPoolBuilder.h"
 
+#include <functional>
+
 namespace zorhost::device {
 
 namespace {
 
 std::uint32_t HashOf(std::string_view s) {
-    std::uint32_t h = 2166136261u; // FNV-1a
-    for (char c : s)
-        h = (h ^ static_cast<unsigned char>(c)) * 16777619u;
-    return h;
+    return std::uint32_t(std::hash<std::string_view>()(s));
+}
+
+std::size_t SlotsFor(std::size_t expected) {
+    std::size_t n = 1024;
+    while (n < 2 * expected)
+        n *= 2;
+    return n;
 }
 
 } // namespace
 
-TextPoolBuilder::TextPoolBuilder(std::string& pool) : pool_(pool), slots_(1024) {
+TextPoolBuilder::TextPoolBuilder(std::string& pool, std::size_t expected)
+    : pool_(pool), slots_(SlotsFor(expected)) {
     if (pool_.empty())
         pool_.push_back('\0'); // offset 0: the empty text
 }

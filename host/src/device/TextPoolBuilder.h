@@ -11,7 +11,8 @@ namespace zorhost::device {
 
 class TextPoolBuilder {
 public:
-    explicit TextPoolBuilder(std::string& pool);
+    // expected: about how many distinct texts will come; sizes the table, limits nothing.
+    TextPoolBuilder(std::string& pool, std::size_t expected);
 
     // The text's place in the pool, shared with every equal text added before.
     TextRef Intern(std::string_view text);
