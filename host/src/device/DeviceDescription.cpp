@@ -20,26 +20,41 @@ const ValueInfo* DeviceDescription::ValueInfoOf(const ParameterDef& p) const {
     return p.valueInfo < valueInfos.size() ? &valueInfos[p.valueInfo] : nullptr;
 }
 
-std::uint32_t DeviceDescription::FindByAddress(std::uint32_t address) const {
+ParameterInfo DeviceDescription::InfoOf(std::uint32_t parameter) const {
     auto it = std::lower_bound(
-        addressIndex.begin(), addressIndex.end(), address,
-        [&](std::uint32_t index, std::uint32_t a) { return parameters[index].address < a; });
-    return it != addressIndex.end() && parameters[*it].address == address ? *it : kNoIndex;
+        parameterInfos.begin(), parameterInfos.end(), parameter,
+        [](const ParameterInfo& info, std::uint32_t p) { return info.parameter < p; });
+    return it != parameterInfos.end() && it->parameter == parameter ? *it : ParameterInfo{};
+}
+
+// Binary searches over the positions 0 .. n-1 of an order.
+std::uint32_t DeviceDescription::FindByAddress(std::uint32_t address) const {
+    std::size_t lo = 0, hi = parameters.size();
+    while (lo < hi) {
+        const std::size_t mid = lo + (hi - lo) / 2;
+        if (parameters[ByAddress(mid)].address < address)
+            lo = mid + 1;
+        else
+            hi = mid;
+    }
+    return lo < parameters.size() && parameters[ByAddress(lo)].address == address ? ByAddress(lo)
+                                                                                  : kNoIndex;
 }
 
 std::uint32_t DeviceDescription::FindByCode(std::string_view code, int scope) const {
-    auto less = [&](std::uint32_t index, std::pair<int, std::string_view> key) {
-        const ParameterDef& p = parameters[index];
-        if (p.axis != key.first)
-            return p.axis < key.first;
-        return Text(p.code) < key.second;
-    };
-    auto key = std::make_pair(scope, code);
-    auto it = std::lower_bound(codeIndex.begin(), codeIndex.end(), key, less);
-    if (it == codeIndex.end())
+    std::size_t lo = 0, hi = parameters.size();
+    while (lo < hi) {
+        const std::size_t mid = lo + (hi - lo) / 2;
+        const ParameterDef& p = parameters[ByCode(mid)];
+        if (p.axis != scope ? p.axis < scope : Text(p.code) < code)
+            lo = mid + 1;
+        else
+            hi = mid;
+    }
+    if (lo == parameters.size())
         return kNoIndex;
-    const ParameterDef& p = parameters[*it];
-    return p.axis == scope && Text(p.code) == code ? *it : kNoIndex;
+    const ParameterDef& p = parameters[ByCode(lo)];
+    return p.axis == scope && Text(p.code) == code ? ByCode(lo) : kNoIndex;
 }
 
 std::uint32_t DeviceDescription::FindGroup(std::string_view name, int scope) const {
@@ -132,6 +147,7 @@ std::size_t DeviceDescription::HeapBytes() const {
         functions.capacity() * sizeof(NamedVariable) +
         connectors.capacity() * sizeof(ConnectorGroupDef) +
         perUnitTables.capacity() * sizeof(PerUnitTable) +
+        parameterInfos.capacity() * sizeof(ParameterInfo) +
         addressIndex.capacity() * sizeof(std::uint32_t) +
         codeIndex.capacity() * sizeof(std::uint32_t);
     for (const ValueInfo& v : valueInfos) {

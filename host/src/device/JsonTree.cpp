@@ -38,7 +38,7 @@ bool SameKey(const Node& k, std::string_view key) {
 // Objects of a description hold a few dozen keys at most: a scan beats any index.
 Value Object::Find(std::string_view key) const {
     for (std::uint32_t i = 0; i < count_; ++i) {
-        if (SameKey(members_[2 * i], key))
+        if (SameKey(members_[2 * i], key) && !members_[2 * i].unreachable)
             return Value(tree_, &members_[2 * i + 1]);
     }
     return {};
@@ -81,7 +81,8 @@ void PutUtf8(std::string& out, std::uint32_t cp) {
     }
 }
 
-// Length of the well-formed UTF-8 sequence at p (its lead byte >= 0x80), or 0.
+// Length of the well-formed UTF-8 sequence at p (its lead byte >= 0x80), or 0. A byte order
+// mark counts as malformed: Qt's parser drops one that opens a string, so it decides those.
 std::size_t Utf8Length(const unsigned char* p, const unsigned char* end) {
     auto cont = [&](std::size_t i) { return p + i < end && (p[i] & 0xC0) == 0x80; };
     const unsigned char b = p[0];
@@ -92,6 +93,8 @@ std::size_t Utf8Length(const unsigned char* p, const unsigned char* end) {
             return 0;
         if ((b == 0xE0 && p[1] < 0xA0) || (b == 0xED && p[1] >= 0xA0))
             return 0; // overlong, or a surrogate
+        if (b == 0xEF && p[1] == 0xBB && p[2] == 0xBF)
+            return 0;
         return 3;
     }
     if (b >= 0xF0 && b <= 0xF4) {
@@ -460,6 +463,7 @@ public:
         for (auto it = o.begin(); it != o.end(); ++it) {
             Node key, value;
             Text(key, it.key());
+            key.unreachable = !o.contains(it.key());
             Value(value, it.value());
             members.push_back(key);
             members.push_back(value);

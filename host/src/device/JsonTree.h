@@ -19,6 +19,9 @@ enum class Kind : std::uint8_t { Null, False, True, Number, String, Array, Objec
 
 struct Node {
     Kind kind = Kind::Null;
+    // A key Qt's document lists but can't look up (one that opened with a byte order mark):
+    // it counts among the keys of its object, yet no look-up finds it.
+    bool unreachable = false;
     std::uint32_t count = 0; // bytes of a string, items of an array, members of an object
     union {
         double number;

@@ -30,9 +30,12 @@ struct Origin {
     std::string Where(const char* field = "") const;
 };
 
+// What a parameter's entry holds beyond its ParameterDef, until it has a place.
 struct PendingLinks {
     std::string minLink;
     std::string maxLink;
+    TextRef info;
+    TextRef infoEn;
 };
 
 bool IsIntegerType(DataType t);

@@ -91,8 +91,8 @@ ParameterDef Loader::LoadParameter(const Object& o, const std::string& arrayPlac
     p.name = OneLineText(o, "name", place, true);
     p.nameEn = OneLineText(o, "nameEn", place);
     p.unit = OneLineText(o, "unit", place);
-    p.info = Text(o, "info", place);
-    p.infoEn = Text(o, "infoEn", place);
+    links.info = Text(o, "info", place);
+    links.infoEn = Text(o, "infoEn", place);
 
     const std::string_view type = String(o, "type", place, true);
     p.dataType = TypeFromName(type);
@@ -224,6 +224,11 @@ void Loader::LoadParameters(const Object& root) {
     }
     if (d_.axes.size() > 64)
         Refuse("axes", "more than 64 axes");
+    for (std::uint32_t i = 0; i < links_.size(); ++i) {
+        if (!links_[i].info.empty() || !links_[i].infoEn.empty())
+            d_.parameterInfos.push_back({i, links_[i].info, links_[i].infoEn});
+    }
+    d_.parameterInfos.shrink_to_fit();
 }
 
 void Loader::LoadAxis(const Object& ax, const std::string& place, std::uint32_t a,
@@ -280,6 +285,14 @@ void Loader::BuildIndexes() {
             Refuse(origins_[d_.addressIndex[i]].Where(),
                    "duplicate address " + Hex(address(d_.addressIndex[i])) + ", also used by " +
                        origins_[d_.addressIndex[i - 1]].Where());
+    }
+    // An index that lists the parameters as they stand says nothing.
+    for (std::vector<std::uint32_t>* index : {&d_.addressIndex, &d_.codeIndex}) {
+        bool identity = true;
+        for (std::uint32_t i = 0; identity && i < n; ++i)
+            identity = (*index)[i] == i;
+        if (identity)
+            std::vector<std::uint32_t>().swap(*index);
     }
 }
 

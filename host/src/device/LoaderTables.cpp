@@ -39,17 +39,21 @@ void Loader::LoadMembers(const Object& o, const std::string& place, int scope, G
         // Every parameter of the scope whose code begins with the group's name and a dash.
         // The code index is sorted by scope and code, so the matches are one run of it.
         const std::string prefix = std::string(d_.Text(g.name)) + "-";
-        auto it =
-            std::lower_bound(d_.codeIndex.begin(), d_.codeIndex.end(), prefix,
-                             [&](std::uint32_t i, const std::string& p) {
-                                 const ParameterDef& def = d_.parameters[i];
-                                 return def.axis != scope ? def.axis < scope : d_.Code(def) < p;
-                             });
-        for (; it != d_.codeIndex.end(); ++it) {
-            const ParameterDef& def = d_.parameters[*it];
+        const std::size_t n = d_.parameters.size();
+        std::size_t lo = 0, hi = n;
+        while (lo < hi) {
+            const std::size_t mid = lo + (hi - lo) / 2;
+            const ParameterDef& def = d_.parameters[d_.ByCode(mid)];
+            if (def.axis != scope ? def.axis < scope : d_.Code(def) < prefix)
+                lo = mid + 1;
+            else
+                hi = mid;
+        }
+        for (; lo < n; ++lo) {
+            const ParameterDef& def = d_.parameters[d_.ByCode(lo)];
             if (def.axis != scope || !d_.Code(def).starts_with(prefix))
                 break;
-            g.members.push_back(*it);
+            g.members.push_back(d_.ByCode(lo));
         }
         std::sort(g.members.begin(), g.members.end()); // file order
         if (g.members.empty())

@@ -129,8 +129,6 @@ struct ParameterDef {
     TextRef name;
     TextRef nameEn;
     TextRef unit;
-    TextRef info;
-    TextRef infoEn;
     // Raw values as the drive holds them: an integer parameter with 1 decimal stores 15.0 as 150.
     double factoryValue = 0;
     double minValue = 0;
@@ -155,6 +153,13 @@ struct ParameterDef {
     bool IsTransferable() const { return (flags & kTransferable) != 0; }
     bool IsFixed() const { return (flags & kFixed) != 0; }
     bool IsChangeTracked() const { return (flags & kChangeTracked) != 0; }
+};
+
+// The help text of a parameter; few have one, so they are kept apart (DeviceDescription::InfoOf).
+struct ParameterInfo {
+    std::uint32_t parameter = kNoIndex;
+    TextRef text;
+    TextRef textEn;
 };
 
 struct GroupDef {
@@ -251,6 +256,7 @@ public:
     std::vector<NamedVariable> functions;
     std::vector<ConnectorGroupDef> connectors;
     std::vector<PerUnitTable> perUnitTables;
+    std::vector<ParameterInfo> parameterInfos; // in parameter order; none for most parameters
 
     std::string_view Text(TextRef ref) const { return TextAt(textPool, ref); }
     static std::string_view TextAt(std::string_view pool, TextRef ref);
@@ -258,6 +264,7 @@ public:
 
     bool IsMultiAxis() const { return !axes.empty(); }
     const ValueInfo* ValueInfoOf(const ParameterDef& p) const;
+    ParameterInfo InfoOf(std::uint32_t parameter) const; // empty texts where there is none
 
     // Lookups, all by binary search over indexes built at load time.
     std::uint32_t FindByAddress(std::uint32_t address) const;
@@ -277,10 +284,18 @@ public:
     // Heap bytes held by this description (vectors, pool, indexes), for budgeting.
     std::size_t HeapBytes() const;
 
-    // Filled by the loader.
-    std::string textPool;                    // see TextRef
-    std::vector<std::uint32_t> addressIndex; // parameters ordered by address
-    std::vector<std::uint32_t> codeIndex;    // parameters ordered by (axis, code)
+    // Filled by the loader. Parameters ordered by address and by (axis, code). Descriptions mostly
+    // list them in that order already; an index is then left empty and the order is the parameters'
+    // own.
+    std::string textPool; // see TextRef
+    std::vector<std::uint32_t> addressIndex;
+    std::vector<std::uint32_t> codeIndex;
+    std::uint32_t ByAddress(std::size_t i) const {
+        return addressIndex.empty() ? std::uint32_t(i) : addressIndex[i];
+    }
+    std::uint32_t ByCode(std::size_t i) const {
+        return codeIndex.empty() ? std::uint32_t(i) : codeIndex[i];
+    }
 };
 
 const char* DataTypeName(DataType type); // "u16", "i32", ... as written in device files
