@@ -407,8 +407,8 @@ private:
 bool Tree::Read(std::string_view json) {
     nodes_.clear();
     decoded_.clear();
-    // About one node for every 8 bytes of a typical description; a guess, not a limit.
-    nodes_.reserve(json.size() / 8 + 16);
+    // About one node for every 7 or 8 bytes of a description; a guess, not a limit.
+    nodes_.reserve(json.size() / 6 + 16);
     return Reader(*this, json).Document();
 }
 
