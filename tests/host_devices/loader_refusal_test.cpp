@@ -217,6 +217,20 @@ INSTANTIATE_TEST_SUITE_P(
                                         "max": 10, "max": 20})",
                    kGroup),
                "line 5, column 52", "duplicate key \"max\""},
+        // Forms a strict JSON reader doesn't take read as they always have.
+        Broken{"duplicate key written with an escape",
+               Doc(R"({"code": "H02-00", "name": "a", "type": "u16", "max": 1, "m\u0061x": 2})",
+                   kGroup),
+               "line 4, column", "duplicate key \"max\""},
+        Broken{"unknown key after a byte order mark",
+               Doc("{\"code\": \"H02-00\", \"name\": \"a\", \"type\": \"u16\", "
+                   "\"\xEF\xBB\xBF"
+                   "bogus\": 1}",
+                   kGroup),
+               "parameters[0] \"H02-00\"", "unknown key \"bogus\""},
+        Broken{"number with a bare point",
+               Doc(R"({"code": "H02-00", "name": "a", "type": "u16", "max": 70000.})", kGroup),
+               "parameters[0] \"H02-00\".max", "max does not fit type u16"},
         Broken{"doubled comma", Doc(kTwoParams + ",, " + kGroup.substr(0, 0), kGroup),
                "line 5, column 87", "two commas in a row"},
         Broken{"comma before a closing bracket",

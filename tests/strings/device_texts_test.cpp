@@ -71,10 +71,10 @@ TEST(DeviceTexts, EveryShippedDeviceTextHasEnglish) {
                 HasChineseText(English(ui, written).GetString()))
                 missing += "\n  " + std::string(written);
         };
-        for (const device::ParameterDef& p : dev->parameters) {
+        for (const device::ParameterDef& p : dev->parameters)
             check(p.name);
-            check(p.info);
-        }
+        for (const device::ParameterInfo& info : dev->parameterInfos)
+            check(info.text);
         for (const device::ValueInfo& info : dev->valueInfos) {
             for (const auto& option : info.enumeration)
                 check(option.text);

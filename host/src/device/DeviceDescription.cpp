@@ -4,35 +4,57 @@
 
 namespace zorhost::device {
 
-std::string_view DeviceDescription::Text(TextRef ref) const {
-    if (ref.size == 0 || std::size_t(ref.offset) + ref.size > textPool.size())
-        return {};
-    return std::string_view(textPool).substr(ref.offset, ref.size);
+std::string_view DeviceDescription::TextAt(std::string_view pool, TextRef ref) {
+    // The length is written seven bits to a byte, the lowest first.
+    std::size_t at = ref.offset, size = 0;
+    for (int shift = 0; at < pool.size() && shift < 35; shift += 7) {
+        const auto b = static_cast<unsigned char>(pool[at++]);
+        size |= std::size_t(b & 0x7F) << shift;
+        if (b < 0x80)
+            return size <= pool.size() - at ? pool.substr(at, size) : std::string_view();
+    }
+    return {};
 }
 
 const ValueInfo* DeviceDescription::ValueInfoOf(const ParameterDef& p) const {
     return p.valueInfo < valueInfos.size() ? &valueInfos[p.valueInfo] : nullptr;
 }
 
+ParameterInfo DeviceDescription::InfoOf(std::uint32_t parameter) const {
+    auto it = std::lower_bound(
+        parameterInfos.begin(), parameterInfos.end(), parameter,
+        [](const ParameterInfo& info, std::uint32_t p) { return info.parameter < p; });
+    return it != parameterInfos.end() && it->parameter == parameter ? *it : ParameterInfo{};
+}
+
+// Binary searches over the positions 0 .. n-1 of an order.
 std::uint32_t DeviceDescription::FindByAddress(std::uint32_t address) const {
-    auto it = std::lower_bound(addressIndex.begin(), addressIndex.end(), address,
-                               [](const auto& entry, std::uint32_t a) { return entry.first < a; });
-    return it != addressIndex.end() && it->first == address ? it->second : kNoIndex;
+    std::size_t lo = 0, hi = parameters.size();
+    while (lo < hi) {
+        const std::size_t mid = lo + (hi - lo) / 2;
+        if (parameters[ByAddress(mid)].address < address)
+            lo = mid + 1;
+        else
+            hi = mid;
+    }
+    return lo < parameters.size() && parameters[ByAddress(lo)].address == address ? ByAddress(lo)
+                                                                                  : kNoIndex;
 }
 
 std::uint32_t DeviceDescription::FindByCode(std::string_view code, int scope) const {
-    auto less = [&](std::uint32_t index, std::pair<int, std::string_view> key) {
-        const ParameterDef& p = parameters[index];
-        if (p.axis != key.first)
-            return p.axis < key.first;
-        return Text(p.code) < key.second;
-    };
-    auto key = std::make_pair(scope, code);
-    auto it = std::lower_bound(codeIndex.begin(), codeIndex.end(), key, less);
-    if (it == codeIndex.end())
+    std::size_t lo = 0, hi = parameters.size();
+    while (lo < hi) {
+        const std::size_t mid = lo + (hi - lo) / 2;
+        const ParameterDef& p = parameters[ByCode(mid)];
+        if (p.axis != scope ? p.axis < scope : Text(p.code) < code)
+            lo = mid + 1;
+        else
+            hi = mid;
+    }
+    if (lo == parameters.size())
         return kNoIndex;
-    const ParameterDef& p = parameters[*it];
-    return p.axis == scope && Text(p.code) == code ? *it : kNoIndex;
+    const ParameterDef& p = parameters[ByCode(lo)];
+    return p.axis == scope && Text(p.code) == code ? ByCode(lo) : kNoIndex;
 }
 
 std::uint32_t DeviceDescription::FindGroup(std::string_view name, int scope) const {
@@ -125,7 +147,8 @@ std::size_t DeviceDescription::HeapBytes() const {
         functions.capacity() * sizeof(NamedVariable) +
         connectors.capacity() * sizeof(ConnectorGroupDef) +
         perUnitTables.capacity() * sizeof(PerUnitTable) +
-        addressIndex.capacity() * sizeof(addressIndex[0]) +
+        parameterInfos.capacity() * sizeof(ParameterInfo) +
+        addressIndex.capacity() * sizeof(std::uint32_t) +
         codeIndex.capacity() * sizeof(std::uint32_t);
     for (const ValueInfo& v : valueInfos) {
         n += options(v.enumeration) + v.bits.capacity() * sizeof(BitEntry) +

@@ -129,7 +129,7 @@ void CVarAttr::GetGroupText(CString& text) {
 }
 
 void CVarAttr::GetInfoText(CString& text) {
-    text = Txt(m_device, Def().info);
+    text = Txt(m_device, m_device->InfoOf(m_parameter).text);
 }
 
 IVarCatalog* CVarAttr::GetOwnerCatalog() {

@@ -40,9 +40,10 @@ private:
 int AddDeviceTranslations(CHostUiService& service, const device::DeviceDescription& device) {
     Feeder feed(service, device);
     feed.Add(device.product.name, device.product.nameEn);
-    for (const device::ParameterDef& p : device.parameters) {
-        feed.Add(p.name, p.nameEn);
-        feed.Add(p.info, p.infoEn);
+    for (std::uint32_t i = 0; i < device.parameters.size(); ++i) {
+        feed.Add(device.parameters[i].name, device.parameters[i].nameEn);
+        const device::ParameterInfo info = device.InfoOf(i);
+        feed.Add(info.text, info.textEn);
     }
     for (const device::ValueInfo& info : device.valueInfos) {
         feed.Add(info.enumeration);

@@ -74,11 +74,11 @@ enum class ConnectorKind : std::uint8_t { None = 0, B = 1, K = 2, F = 3, KF = 4,
 // and in model 2 the tool follows the drive's "Authority".
 enum class AccessModel : std::uint8_t { ToolOnly = 0, DrivePassword = 1, DriveAuthority = 2 };
 
-// Texts are stored once in the description's pool; a TextRef is an offset and length.
+// Texts are stored once in the description's pool, each behind its length; a TextRef is
+// the offset of that length. Offset 0 is the empty text.
 struct TextRef {
     std::uint32_t offset = 0;
-    std::uint32_t size = 0;
-    bool empty() const { return size == 0; }
+    bool empty() const { return offset == 0; }
 };
 
 struct ValueOption {
@@ -129,8 +129,6 @@ struct ParameterDef {
     TextRef name;
     TextRef nameEn;
     TextRef unit;
-    TextRef info;
-    TextRef infoEn;
     // Raw values as the drive holds them: an integer parameter with 1 decimal stores 15.0 as 150.
     double factoryValue = 0;
     double minValue = 0;
@@ -155,6 +153,13 @@ struct ParameterDef {
     bool IsTransferable() const { return (flags & kTransferable) != 0; }
     bool IsFixed() const { return (flags & kFixed) != 0; }
     bool IsChangeTracked() const { return (flags & kChangeTracked) != 0; }
+};
+
+// The help text of a parameter; few have one, so they are kept apart (DeviceDescription::InfoOf).
+struct ParameterInfo {
+    std::uint32_t parameter = kNoIndex;
+    TextRef text;
+    TextRef textEn;
 };
 
 struct GroupDef {
@@ -251,12 +256,15 @@ public:
     std::vector<NamedVariable> functions;
     std::vector<ConnectorGroupDef> connectors;
     std::vector<PerUnitTable> perUnitTables;
+    std::vector<ParameterInfo> parameterInfos; // in parameter order; none for most parameters
 
-    std::string_view Text(TextRef ref) const;
+    std::string_view Text(TextRef ref) const { return TextAt(textPool, ref); }
+    static std::string_view TextAt(std::string_view pool, TextRef ref);
     std::string_view Code(const ParameterDef& p) const { return Text(p.code); }
 
     bool IsMultiAxis() const { return !axes.empty(); }
     const ValueInfo* ValueInfoOf(const ParameterDef& p) const;
+    ParameterInfo InfoOf(std::uint32_t parameter) const; // empty texts where there is none
 
     // Lookups, all by binary search over indexes built at load time.
     std::uint32_t FindByAddress(std::uint32_t address) const;
@@ -276,10 +284,18 @@ public:
     // Heap bytes held by this description (vectors, pool, indexes), for budgeting.
     std::size_t HeapBytes() const;
 
-    // Filled by the loader.
-    std::string textPool;
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> addressIndex; // (address, parameter)
-    std::vector<std::uint32_t> codeIndex; // parameters ordered by (axis, code)
+    // Filled by the loader. Parameters ordered by address and by (axis, code). Descriptions mostly
+    // list them in that order already; an index is then left empty and the order is the parameters'
+    // own.
+    std::string textPool; // see TextRef
+    std::vector<std::uint32_t> addressIndex;
+    std::vector<std::uint32_t> codeIndex;
+    std::uint32_t ByAddress(std::size_t i) const {
+        return addressIndex.empty() ? std::uint32_t(i) : addressIndex[i];
+    }
+    std::uint32_t ByCode(std::size_t i) const {
+        return codeIndex.empty() ? std::uint32_t(i) : codeIndex[i];
+    }
 };
 
 const char* DataTypeName(DataType type); // "u16", "i32", ... as written in device files
