@@ -575,66 +575,82 @@ CDialog* DialogOf(HWND h) {
     return d ? dynamic_cast<CDialog*>(d->wnd) : nullptr;
 }
 
+namespace {
+
+// The registered windows whose nearest registered ancestor widget is `parent`: its child
+// windows, and the windows it owns as a Qt parent (popups, modeless dialogs).
+std::vector<HWND> WindowsDirectlyInside(HWND parent, QWidget* w) {
+    std::vector<HWND> out;
+    for (QWidget* c : w->findChildren<QWidget*>()) {
+        const QVariant v = c->property(kHandleProp);
+        if (!v.isValid())
+            continue;
+        const HWND h = reinterpret_cast<HWND>(v.value<qulonglong>());
+        if (!Lookup(h))
+            continue;
+        HWND above = nullptr;
+        for (QWidget* p = c->parentWidget(); p && !above; p = p->parentWidget()) {
+            const QVariant pv = p->property(kHandleProp);
+            if (pv.isValid() && Lookup(reinterpret_cast<HWND>(pv.value<qulonglong>())))
+                above = reinterpret_cast<HWND>(pv.value<qulonglong>());
+        }
+        if (above == parent)
+            out.push_back(h);
+    }
+    return out;
+}
+
+// Destroys one window and, after its OnDestroy, the windows still inside it: WM_DESTROY
+// goes parent first, PostNcDestroy children first, as the home platform orders them. A
+// window its parent's OnDestroy destroys or deletes goes through here at that moment, so
+// its own OnDestroy runs while its object is whole. `outermost` is the window destruction
+// started at; only its widget is taken off, the others go with it.
+void DestroyOne(HWND h, bool outermost) {
+    WindowData* d = Lookup(h);
+    if (!d || d->destroying)
+        return;
+    d->destroying = true;
+    const QPointer<QWidget> widget = d->widget;
+    Send(h, WM_DESTROY, 0, 0);
+    if (widget)
+        for (HWND child : WindowsDirectlyInside(h, widget))
+            DestroyOne(child, false);
+    {
+        std::lock_guard<std::mutex> lock(g_regMutex);
+        g_windows.erase(reinterpret_cast<uintptr_t>(h));
+    }
+    for (auto& [id, timer] : d->timers)
+        delete timer;
+    d->timers.clear();
+    CWnd* attached = d->wnd;
+    if (attached)
+        attached->m_hWnd = nullptr;
+    delete d;
+    if (outermost && widget) {
+        widget->hide();
+        widget->setParent(nullptr);
+        widget->deleteLater();
+    }
+    struct Access : CWnd {
+        static void Post(CWnd* w) { (w->*(&Access::PostNcDestroy))(); }
+    };
+    if (attached)
+        Access::Post(attached);
+}
+
+} // namespace
+
 void DestroyTree(HWND root) {
     WindowData* rd = Lookup(root);
     if (!rd || rd->destroying)
         return;
-    QWidget* rw = rd->widget.data();
-    // Parent first, then the children, as the home platform does.
-    std::vector<HWND> all{root};
-    if (rw) {
-        for (QWidget* c : rw->findChildren<QWidget*>()) {
-            const QVariant v = c->property(kHandleProp);
-            if (v.isValid() && Lookup(reinterpret_cast<HWND>(v.value<qulonglong>())))
-                all.push_back(reinterpret_cast<HWND>(v.value<qulonglong>()));
-        }
-        // A focused window in the tree loses its focus before it is destroyed.
+    // A focused window in the tree loses its focus before it is destroyed.
+    if (QWidget* rw = rd->widget.data()) {
         QWidget* focus = QApplication::focusWidget();
         if (focus && (focus == rw || rw->isAncestorOf(focus)))
             focus->clearFocus();
     }
-    rd = Lookup(root);
-    if (!rd || rd->destroying)
-        return;
-    for (HWND h : all)
-        if (WindowData* d = Lookup(h))
-            d->destroying = true;
-    for (HWND h : all)
-        if (Lookup(h))
-            Send(h, WM_DESTROY, 0, 0);
-    std::vector<WindowData*> dead;
-    {
-        std::lock_guard<std::mutex> lock(g_regMutex);
-        for (HWND h : all) {
-            const auto it = g_windows.find(reinterpret_cast<uintptr_t>(h));
-            if (it != g_windows.end()) {
-                dead.push_back(it->second);
-                g_windows.erase(it);
-            }
-        }
-    }
-    std::vector<CWnd*> attached;
-    for (WindowData* d : dead) {
-        for (auto& [id, timer] : d->timers)
-            delete timer;
-        d->timers.clear();
-        if (d->wnd) {
-            d->wnd->m_hWnd = nullptr;
-            attached.push_back(d->wnd);
-        }
-    }
-    if (rw) {
-        rw->hide();
-        rw->setParent(nullptr);
-        rw->deleteLater();
-    }
-    for (WindowData* d : dead)
-        delete d;
-    struct Access : CWnd {
-        static void Post(CWnd* w) { (w->*(&Access::PostNcDestroy))(); }
-    };
-    for (CWnd* w : attached)
-        Access::Post(w);
+    DestroyOne(root, true);
 }
 
 void PostTo(HWND h, UINT msg, WPARAM wp, LPARAM lp) {
