@@ -7,6 +7,8 @@
 #include <QScreen>
 #include <QTimer>
 
+#include <cmath>
+
 using namespace afxi;
 
 // ---------------------------------------------------------------- CFont
@@ -21,7 +23,7 @@ CString CFont::GetFaceName() const {
     return C(m_impl->font.family());
 }
 int CFont::GetPointSize() const {
-    return int(m_impl->font.pointSizeF() * 10 + 0.5);
+    return int(std::lround(m_impl->font.pointSizeF() * 10));
 }
 void CFont::SetBold(BOOL bold) {
     m_impl->font.setBold(bold);
