@@ -1,15 +1,15 @@
-// --compare: two parameter sets side by side, for scripts. The matching is the compare
-// dialog's own, so a script sees the rows an engineer sees.
+// --compare: two parameter sets side by side, for scripts. The rows are the compare
+// dialog's, so a script sees the rows an engineer sees.
 #include "CommandLine.h"
 
 #include "HostProject.h"
 
 #include <zorhost/ReferenceHost.h>
+#include <zorhost/files/ParamSetCompare.h>
 
 #include "module/host/IHostDeviceModule.h"
 #include "module/host/IMessage_ModuleUploadEvent.h"
 #include "module/host/IParamFile.h"
-#include "sets/VarCompare.h"
 
 #include <afx/afxfile.h>
 #include <afx/afxqt.h>
@@ -17,6 +17,7 @@
 #include <QFileInfo>
 
 #include <cstdio>
+#include <memory>
 
 namespace zordrivebench {
 
@@ -31,13 +32,14 @@ int Fail(int code, const QString& message) {
 // One side of the compare: a module's current or factory values, or a file's variables.
 struct Side {
     QString arg;
-    int source = VarSourceCurrent;
+    zorhost::CompareSource source = zorhost::CompareSource::Current;
     CString key;  // of the module, for a module side
     QString path; // of the file, for a file side
-    std::vector<IVarObjEx*> vars;
-    ~Side() {
-        if (source == VarSourceFile)
-            CVarCompare::FreeFileVars(vars);
+    std::vector<IVarObjEx*> moduleVars;
+    std::unique_ptr<zorhost::DetachedFileVars> fileVars;
+
+    const std::vector<IVarObjEx*>& vars() const {
+        return fileVars != nullptr ? fileVars->vars() : moduleVars;
     }
 };
 
@@ -124,7 +126,7 @@ int LoadFileSide(zorhost::ReferenceHost& host, const Options& options, Side& sid
     if (file == nullptr)
         return Fail(kExitBadFile,
                     QStringLiteral("%1: not a readable parameter file").arg(side.path));
-    CVarCompare::CloneFileVars(file, side.vars);
+    side.fileVars = std::make_unique<zorhost::DetachedFileVars>(file);
     file->Release();
     return kExitOk;
 }
@@ -133,7 +135,7 @@ int LoadFileSide(zorhost::ReferenceHost& host, const Options& options, Side& sid
 // values are asked for.
 int LoadSide(zorhost::ReferenceHost& host, const Options& options, Side& side) {
     if (IsParamFileName(side.arg) || QFileInfo(side.arg).isFile()) {
-        side.source = VarSourceFile;
+        side.source = zorhost::CompareSource::File;
         side.path = side.arg;
         if (!QFileInfo(side.path).isFile())
             return Fail(kExitBadFile, QStringLiteral("%1: no such file").arg(side.path));
@@ -142,13 +144,13 @@ int LoadSide(zorhost::ReferenceHost& host, const Options& options, Side& side) {
     QString key = side.arg;
     if (key.endsWith(QLatin1String(":factory"), Qt::CaseInsensitive)) {
         key.chop(int(sizeof(":factory")) - 1);
-        side.source = VarSourceFactory;
+        side.source = zorhost::CompareSource::Factory;
     }
     side.key = AfxFromQString(key);
     IHostDeviceModule* module = host.Module(side.key);
     if (module == nullptr)
         return Fail(kExitUnknownModule, QStringLiteral("no module with the key \"%1\"").arg(key));
-    if (side.source == VarSourceCurrent) {
+    if (side.source == zorhost::CompareSource::Current) {
         if (!module->IsOnline())
             return Fail(kExitOffline,
                         QStringLiteral("module \"%1\" is offline: its current values can't be read")
@@ -164,7 +166,7 @@ int LoadSide(zorhost::ReferenceHost& host, const Options& options, Side& side) {
                 kExitOffline,
                 QStringLiteral("the drive of module \"%1\" did not answer every read").arg(key));
     }
-    host.Transfer().GetModuleVars(side.key, side.vars);
+    host.Transfer().GetModuleVars(side.key, side.moduleVars);
     return kExitOk;
 }
 
@@ -185,16 +187,13 @@ int RunCompare(const Options& options) {
         if (const int code = LoadSide(host, options, *side); code != kExitOk)
             return code;
 
-    CVarCompare compare(&host.VarUtil());
-    CVarCompareRstList same, diff;
-    compare.Run(a.vars, a.source, b.vars, b.source, same, diff);
+    const zorhost::CompareResult pairs =
+        zorhost::CompareParamSets(host.VarUtil(), a.vars(), a.source, b.vars(), b.source);
     SYSTEMTIME now{};
     GetLocalTime(&now);
     const std::string text =
-        CVarCompare::CsvText(&host.VarUtil(), options.compareSame ? same : diff, now);
-    const int result = diff.GetCount() > 0 ? kExitDiffers : kExitOk;
-    same.DeleteAll();
-    diff.DeleteAll();
+        zorhost::CompareCsv(host.VarUtil(), options.compareSame ? pairs.agree : pairs.differ, now);
+    const int result = pairs.differ.empty() ? kExitOk : kExitDiffers;
 
     if (options.compareOut.isEmpty()) {
         std::fwrite(text.data(), 1, text.size(), stdout);

@@ -205,7 +205,7 @@ int main(int argc, char** argv) {
         }
         if (!interactive)
             ScheduleScreenshot(window, options.screenshot);
-        code = app.exec();
+        code = QApplication::exec();
         host.StopTimer();
         if (interactive)
             SaveWindowSettings(settings, window);

@@ -28,10 +28,6 @@ CVarTablePageBase::CVarTablePageBase(UINT nIDTemplate, BOOL firstPage)
     : CVarTablePage(nIDTemplate), m_bFirstPage(firstPage) {}
 
 CVarTablePageBase::~CVarTablePageBase() {
-    UnsubscribeUpload();
-    if (m_bPropertySubscribed)
-        Unsubscribe(IMessage_ModulePropertyUpdateEvent::kIID,
-                    AsSink<IMessage_ModulePropertyUpdateEvent>(this));
     delete m_pTranslator;
     m_pTranslator = nullptr;
     m_searchHistory.DeleteAll();

@@ -37,6 +37,41 @@ CString ModuleKey(IHostDeviceModule* module) {
     return key;
 }
 
+// What a side's two boxes ask for: a VarSource, or 0 when nothing (the file entry
+// without a file chosen).
+int SourceKind(CComboBox& source, CComboBox& kind, const CString& path) {
+    const int sel = source.GetCurSel();
+    if (sel >= 0 && sel == source.GetCount() - 1)
+        return path.IsEmpty() ? 0 : int(VarSourceFile);
+    const int k = kind.GetCurSel();
+    return k >= 0 ? int(kind.GetItemData(k)) : 0;
+}
+
+enum class SidePick { Ok, NoModule, Offline };
+
+// The module of a side that reads one, with its upload added to `uploads` when its current
+// values are to be read: one module is read once, and one end is awaited for it.
+SidePick PickModuleSide(CComboBox& source, int kind, int upload, std::vector<CString>& uploads,
+                        IHostDeviceModule*& module) {
+    module = nullptr;
+    if (kind == VarSourceFile)
+        return SidePick::Ok;
+    const int sel = source.GetCurSel();
+    module = sel >= 0 ? static_cast<IHostDeviceModule*>(source.GetItemDataPtr(sel)) : nullptr;
+    if (module == nullptr)
+        return SidePick::NoModule;
+    if (kind != VarSourceCurrent || upload == 0)
+        return SidePick::Ok;
+    if (!module->IsOnline())
+        return SidePick::Offline;
+    const CString key = ModuleKey(module);
+    for (const CString& k : uploads)
+        if (k.CompareNoCase(key) == 0)
+            return SidePick::Ok;
+    uploads.push_back(key);
+    return SidePick::Ok;
+}
+
 } // namespace
 
 void RegisterParamCompareResources(HINSTANCE module) {
@@ -83,7 +118,6 @@ CParamCompareDlg::~CParamCompareDlg() {
     theApp.RemoveLanguageListener(this);
     EndWorker();
     ClearResults();
-    Unsubscribe();
     delete m_pTranslator;
     m_pTranslator = nullptr;
 }
@@ -301,15 +335,8 @@ void CParamCompareDlg::StartCompare() {
     m_pModule1 = nullptr;
     m_pModule2 = nullptr;
 
-    auto sourceKind = [](CComboBox& source, CComboBox& kind, const CString& path) {
-        const int sel = source.GetCurSel();
-        if (sel >= 0 && sel == source.GetCount() - 1)
-            return path.IsEmpty() ? 0 : int(VarSourceFile);
-        const int k = kind.GetCurSel();
-        return k >= 0 ? int(kind.GetItemData(k)) : 0;
-    };
-    const int kind1 = sourceKind(m_source1, m_kind1, m_strPath1);
-    const int kind2 = sourceKind(m_source2, m_kind2, m_strPath2);
+    const int kind1 = SourceKind(m_source1, m_kind1, m_strPath1);
+    const int kind2 = SourceKind(m_source2, m_kind2, m_strPath2);
     if (kind1 == 0 || kind2 == 0)
         return;
     m_nSource1 = kind1;
@@ -319,47 +346,16 @@ void CParamCompareDlg::StartCompare() {
     // Decide everything first and ask for the uploads last: a host may end an upload
     // inside the call, and the end must find both modules chosen.
     std::vector<CString> uploads;
-    CString key1;
     IHostDeviceModule* module1 = nullptr;
     IHostDeviceModule* module2 = nullptr;
-    if (kind1 != VarSourceFile) {
-        const int sel = m_source1.GetCurSel();
-        module1 =
-            sel >= 0 ? static_cast<IHostDeviceModule*>(m_source1.GetItemDataPtr(sel)) : nullptr;
-        if (module1 == nullptr) {
-            Unsubscribe();
-            return;
-        }
-        key1 = ModuleKey(module1);
-        if (kind1 == VarSourceCurrent && m_nUpload1 != 0) {
-            if (!module1->IsOnline()) {
-                Unsubscribe();
-                Warn(theApp.LoadText(IDS_DEVICE_OFFLINE));
-                return;
-            }
-            uploads.push_back(key1);
-        }
-    }
-    if (kind2 != VarSourceFile) {
-        const int sel = m_source2.GetCurSel();
-        module2 =
-            sel >= 0 ? static_cast<IHostDeviceModule*>(m_source2.GetItemDataPtr(sel)) : nullptr;
-        if (module2 == nullptr) {
-            Unsubscribe();
-            return;
-        }
-        const CString key2 = ModuleKey(module2);
-        if (kind2 == VarSourceCurrent && m_nUpload2 != 0) {
-            if (!module2->IsOnline()) {
-                Unsubscribe();
-                Warn(theApp.LoadText(IDS_DEVICE_OFFLINE));
-                return;
-            }
-            // One module is read once, and one end is awaited for it.
-            const bool sameModule = !uploads.empty() && key2.CompareNoCase(key1) == 0;
-            if (!sameModule)
-                uploads.push_back(key2);
-        }
+    SidePick pick = PickModuleSide(m_source1, kind1, m_nUpload1, uploads, module1);
+    if (pick == SidePick::Ok)
+        pick = PickModuleSide(m_source2, kind2, m_nUpload2, uploads, module2);
+    if (pick != SidePick::Ok) {
+        Unsubscribe();
+        if (pick == SidePick::Offline)
+            Warn(theApp.LoadText(IDS_DEVICE_OFFLINE));
+        return;
     }
     m_pModule1 = module1;
     m_pModule2 = module2;

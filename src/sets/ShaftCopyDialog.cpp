@@ -129,12 +129,6 @@ INT_PTR CShaftCopyDialog::DoModal() {
 
 CShaftCopyDialog::~CShaftCopyDialog() {
     theApp.RemoveLanguageListener(this);
-    if (m_bSubscribed) {
-        m_bSubscribed = FALSE;
-        if (IHostMessageBus* bus = theApp.GetMessageBus())
-            bus->Unsubscribe(IID_IMessage_ModuleUploadEvent,
-                             AsSink<IMessage_ModuleUploadEvent>(this));
-    }
     m_rows.DeleteAll();
     delete m_pUploadEvent;
     m_pUploadEvent = nullptr;

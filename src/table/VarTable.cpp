@@ -33,12 +33,6 @@ CVarTable::CVarTable() : CZorSkinPDialog(IDD_VAR_TABLE) {
 
 CVarTable::~CVarTable() {
     theApp.RemoveLanguageListener(this);
-    // A window destroyed together with its parent may never have seen OnDestroy; the
-    // host must not keep a listener or a subscription that points here.
-    RemoveRefreshListener();
-    if (m_uploadSubscribed)
-        UnsubscribeUpload();
-    StopRefresh();
     delete oldProtocolDevices;
     oldProtocolDevices = nullptr;
     delete halfDuplexDevices;
@@ -294,14 +288,11 @@ void CVarTable::SetModuleAccessLevel(const CString& moduleKey, int level) {
 // ---------------------------------------------------------------- upload events
 
 void CVarTable::SubscribeUpload() {
-    if (IHostMessageBus* bus = theApp.GetMessageBus()) {
+    if (IHostMessageBus* bus = theApp.GetMessageBus())
         bus->Subscribe(IID_IMessage_ModuleUploadEvent, AsSink<IMessage_ModuleUploadEvent>(this));
-        m_uploadSubscribed = TRUE;
-    }
 }
 
 void CVarTable::UnsubscribeUpload() {
-    m_uploadSubscribed = FALSE;
     if (IHostMessageBus* bus = theApp.GetMessageBus())
         bus->Unsubscribe(IID_IMessage_ModuleUploadEvent, AsSink<IMessage_ModuleUploadEvent>(this));
 }

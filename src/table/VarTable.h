@@ -347,7 +347,6 @@ private:
     // The frame's window handle as the worker reads it.
     std::atomic<HWND> m_hWndForWorker{nullptr};
     std::map<CString, TreeState> m_treeState;
-    BOOL m_uploadSubscribed = FALSE;
     // Set by the upload-and-save flows: only their uploads end in a save, not the
     // attribute sync, which ends through the same event.
     BOOL m_bSavePending = FALSE;

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -145,6 +146,55 @@ TEST(WindowTest, HostWidgetReleaseDestroysTheWindowsInside) {
     EXPECT_EQ(inner.GetSafeHwnd(), nullptr);
     EXPECT_FALSE(IsWindow(host));
     tab.reset();
+}
+
+namespace {
+// Logs its destruction; destroys and deletes a window it made in its own OnDestroy, as a
+// panel does with the frame inside it.
+class LoggingWnd : public CWnd {
+public:
+    LoggingWnd(std::vector<CString>* log, const char* name) : m_log(log), m_name(name) {}
+    LoggingWnd* made = nullptr;
+
+    BOOL MakeIn(CWnd* parent) {
+        const DWORD style = parent ? WS_CHILD | WS_VISIBLE : WS_POPUP;
+        return Create(nullptr, m_name.GetString(), style, CRect(0, 0, 40, 40), parent, 0);
+    }
+
+protected:
+    void OnDestroy() override {
+        m_log->push_back(m_name + " destroy");
+        if (made) {
+            made->DestroyWindow();
+            delete made;
+            made = nullptr;
+        }
+    }
+    void PostNcDestroy() override { m_log->push_back(m_name + " nc"); }
+
+private:
+    std::vector<CString>* m_log;
+    CString m_name;
+};
+} // namespace
+
+TEST(WindowTest, ChildrenHearOnDestroyOnceWhenTheirParentGoes) {
+    std::vector<CString> log;
+    LoggingWnd top(&log, "top");
+    ASSERT_TRUE(top.MakeIn(nullptr));
+    auto* frame = new LoggingWnd(&log, "frame");
+    ASSERT_TRUE(frame->MakeIn(&top));
+    top.made = frame;
+    LoggingWnd page(&log, "page");
+    ASSERT_TRUE(page.MakeIn(frame));
+    LoggingWnd side(&log, "side");
+    ASSERT_TRUE(side.MakeIn(&top));
+    EXPECT_TRUE(top.DestroyWindow());
+    const std::vector<CString> expected{"top destroy", "frame destroy", "page destroy", "page nc",
+                                        "frame nc",    "side destroy",  "side nc",      "top nc"};
+    EXPECT_EQ(log, expected);
+    EXPECT_EQ(page.GetSafeHwnd(), nullptr);
+    EXPECT_FALSE(side.DestroyWindow());
 }
 
 TEST(WindowTest, AWindowDeletedByItsOwnerDetachesItsObject) {

@@ -20,6 +20,7 @@
 #include "table/VarTable.h"
 
 #include <afx/afxres.h>
+#include <zorhost/files/ParamSetCompare.h>
 
 #include <fstream>
 #include <set>
@@ -264,7 +265,7 @@ TEST_F(CompareTest, AFileAgainstItsDriveDiffersWhereTheDriveChangedSince) {
 }
 
 // The index finds what the walk from the start finds, duplicate addresses included: the
-// first variable of an address in set 2 is the partner.
+// first variable of an address in set 2 is the partner. The command line agrees.
 TEST_F(CompareTest, TheIndexMatchesAsTheWalkDoesAndTakesTheFirstOfDuplicateAddresses) {
     std::vector<IVarObjEx*> set1 = ModuleVars(host, "ZD3S");
     std::vector<IVarObjEx*> set2(set1.rbegin(), set1.rend());
@@ -298,6 +299,18 @@ TEST_F(CompareTest, TheIndexMatchesAsTheWalkDoesAndTakesTheFirstOfDuplicateAddre
     EXPECT_EQ(text(diff[0]), text(diff[1]));
     EXPECT_NE(text(diff[0]).find("H00-08=3000/H00-08=1234;"), std::string::npos);
     EXPECT_GT(same[0].GetCount(), 100);
+    // The command line's own matching gives the dialog's table, byte for byte.
+    SYSTEMTIME at{};
+    at.wYear = 2024;
+    at.wMonth = 5;
+    at.wDay = 6;
+    const zorhost::CompareResult pairs =
+        zorhost::CompareParamSets(host.VarUtil(), set1, zorhost::CompareSource::Factory, set2,
+                                  zorhost::CompareSource::Current);
+    EXPECT_EQ(zorhost::CompareCsv(host.VarUtil(), pairs.agree, at),
+              CVarCompare::CsvText(&host.VarUtil(), same[0], at));
+    EXPECT_EQ(zorhost::CompareCsv(host.VarUtil(), pairs.differ, at),
+              CVarCompare::CsvText(&host.VarUtil(), diff[0], at));
     for (int i = 0; i < 2; ++i) {
         same[i].DeleteAll();
         diff[i].DeleteAll();

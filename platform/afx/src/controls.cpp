@@ -52,6 +52,31 @@ void AfxCombo::hidePopup() {
     });
 }
 
+namespace {
+
+// A single-line edit, or a plain-text editor for ES_MULTILINE (no wrapping with WS_HSCROLL).
+QWidget* MakeEditWidget(DWORD style, const QString& t, QWidget* parent) {
+    if (style & ES_MULTILINE) {
+        auto* e = new QPlainTextEdit(parent);
+        e->setPlainText(QString(t).replace("\r\n", "\n"));
+        e->setReadOnly(style & ES_READONLY);
+        e->setLineWrapMode((style & WS_HSCROLL) ? QPlainTextEdit::NoWrap
+                                                : QPlainTextEdit::WidgetWidth);
+        return e;
+    }
+    auto* e = new QLineEdit(t, parent);
+    e->setReadOnly(style & ES_READONLY);
+    if (style & ES_PASSWORD)
+        e->setEchoMode(QLineEdit::Password);
+    if (style & ES_CENTER)
+        e->setAlignment(Qt::AlignCenter);
+    else if (style & ES_RIGHT)
+        e->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    return e;
+}
+
+} // namespace
+
 QWidget* MakeWidget(int kind, DWORD style, const char* text, QWidget* parent) {
     const QString t = Q(text);
     QWidget* w = nullptr;
@@ -86,24 +111,7 @@ QWidget* MakeWidget(int kind, DWORD style, const char* text, QWidget* parent) {
         w->lower();
         break;
     case KEdit:
-        if (style & ES_MULTILINE) {
-            auto* e = new QPlainTextEdit(parent);
-            e->setPlainText(QString(t).replace("\r\n", "\n"));
-            e->setReadOnly(style & ES_READONLY);
-            e->setLineWrapMode((style & WS_HSCROLL) ? QPlainTextEdit::NoWrap
-                                                    : QPlainTextEdit::WidgetWidth);
-            w = e;
-        } else {
-            auto* e = new QLineEdit(t, parent);
-            e->setReadOnly(style & ES_READONLY);
-            if (style & ES_PASSWORD)
-                e->setEchoMode(QLineEdit::Password);
-            if (style & ES_CENTER)
-                e->setAlignment(Qt::AlignCenter);
-            else if (style & ES_RIGHT)
-                e->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-            w = e;
-        }
+        w = MakeEditWidget(style, t, parent);
         break;
     case KStatic: {
         auto* l = new QLabel(t, parent);

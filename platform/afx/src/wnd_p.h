@@ -63,6 +63,9 @@ inline CString C(const QString& s) {
     return CString(s.toStdString());
 }
 
+// The widget property that holds a registered widget's handle.
+inline constexpr const char* kHandleProp = "afx_hwnd";
+
 void InitUi();
 WindowData* Lookup(HWND h);
 HWND Register(QWidget* w, int kind, UINT ctrlId, DWORD style);
@@ -76,6 +79,8 @@ template <class T> T* WidgetAs(HWND h) {
 HWND ParentOf(HWND h);
 // The attached object, or the stand-in.
 CWnd* WndOf(HWND h);
+// Queues a message for `h` on the user-interface thread; safe from any thread.
+void PostTo(HWND h, UINT msg, WPARAM wp, LPARAM lp);
 // Destroys a window and its descendants (OnDestroy, PostNcDestroy, timers, widget).
 void DestroyTree(HWND h);
 
@@ -93,6 +98,8 @@ struct Frame {
     bool delivered = false;
 };
 void DeliverNow(Frame& f);
+// The application-wide filter that turns Qt's input and window events into messages.
+QObject* NewEventHook();
 Frame* CurrentFrame();
 LRESULT Send(HWND h, UINT msg, WPARAM wp, LPARAM lp, Frame* frame = nullptr);
 void NotifyCommand(HWND ctl, UINT code);

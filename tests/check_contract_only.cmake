@@ -1,0 +1,26 @@
+# Fails when a file under ROOTS includes a header of SRC other than the host contract in
+# SRC/module/host: by its path from SRC ("table/VarTable.h") or by a path into SRC.
+# ROOTS is a comma-separated list of folders.
+string(REPLACE "," ";" roots "${ROOTS}")
+set(bad "")
+foreach(root ${roots})
+    file(GLOB_RECURSE sources ${root}/*.h ${root}/*.hpp ${root}/*.cpp ${root}/*.cc)
+    foreach(f ${sources})
+        file(STRINGS ${f} lines REGEX "^[ \t]*#[ \t]*include[ \t]*[<\"][^>\"]+[>\"]")
+        foreach(line ${lines})
+            string(REGEX REPLACE "^[ \t]*#[ \t]*include[ \t]*[<\"]([^>\"]+)[>\"].*" "\\1" path
+                "${line}")
+            if(path MATCHES "^module/host/")
+                continue()
+            endif()
+            if(path MATCHES "(^|/)src/" OR EXISTS ${SRC}/${path})
+                list(APPEND bad "${f}: ${path}")
+            endif()
+        endforeach()
+    endforeach()
+endforeach()
+if(bad)
+    string(REPLACE ";" "\n" bad "${bad}")
+    message(FATAL_ERROR "module headers outside src/module/host included:\n${bad}")
+endif()
+message(STATUS "host and programs include the host contract only")
