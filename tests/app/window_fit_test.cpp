@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
+#include <QFile>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -129,6 +130,65 @@ private:
     }
 };
 
+// Takes a popup menu's entry by the text it shows (the last part of a submenu's path) and
+// keeps every prompt, so that menus and message boxes can be checked for their language.
+class MenuByText : public CAfxRecordingResponder {
+public:
+    QString take;
+    UINT OnPopupMenu(const AfxPrompt& prompt) override {
+        CAfxRecordingResponder::OnPopupMenu(prompt);
+        for (int i = 0; i < prompt.menuItems.GetSize(); ++i) {
+            const QString item = AfxToQString(prompt.menuItems[i]);
+            const int colon = item.indexOf(QLatin1Char(':'));
+            if (!take.isEmpty() && !item.startsWith(QLatin1Char('-')) &&
+                item.mid(colon + 1).section(QLatin1Char('>'), -1) == take)
+                return item.left(colon).toUInt();
+        }
+        return 0;
+    }
+    // The Chinese left in what the prompts showed.
+    QStringList Chinese() const {
+        QStringList out;
+        for (const AfxPrompt& p : prompts) {
+            QStringList texts{AfxToQString(p.text), AfxToQString(p.caption)};
+            for (int i = 0; i < p.menuItems.GetSize(); ++i)
+                texts << AfxToQString(p.menuItems[i]);
+            for (const QString& t : texts)
+                if (HasCjk(t) && !out.contains(t))
+                    out << t;
+        }
+        return out;
+    }
+};
+
+// Walks every window as it is shown (progress boxes come and go inside one call).
+class WindowsShown : public QObject {
+public:
+    WindowsShown(QStringList names, QWidget* mainWindow)
+        : texts(std::move(names)), m_main(mainWindow) {
+        qApp->installEventFilter(this);
+    }
+    ~WindowsShown() override { qApp->removeEventFilter(this); }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        auto* w = qobject_cast<QWidget*>(watched);
+        if (event->type() == QEvent::Show && w != nullptr && w->isWindow() && w != m_main &&
+            english) {
+            ShownTexts shown = texts;
+            shown.Walk(w);
+            for (const QString& t : shown.chinese)
+                if (!chinese.contains(t))
+                    chinese << t;
+        }
+        return false;
+    }
+    ShownTexts texts;
+    QStringList chinese;
+    bool english = false;
+
+private:
+    QWidget* m_main;
+};
+
 class WindowFit : public ::testing::Test {
 protected:
     static void SetUpTestSuite() { bench = new Bench; }
@@ -190,7 +250,9 @@ protected:
     }
     QString Lang() const { return english ? QStringLiteral("en") : QStringLiteral("zh"); }
     // Runs `open`, which brings up one modal dialog of the module, and checks its texts.
-    void CheckModal(const QString& name, const std::function<void()>& open) {
+    // `act`, when given, then does what a user does in the dialog before it is cancelled.
+    void CheckModal(const QString& name, const std::function<void()>& open,
+                    const std::function<void(QWidget*)>& act = {}) {
         CAfxModalDriver driver([&](CDialog& dialog) {
             QWidget* w = AfxWidgetFromHandle(dialog.GetSafeHwnd());
             ASSERT_NE(w, nullptr);
@@ -203,10 +265,84 @@ protected:
             }
             ExpectControlsWhole(w, name);
             Shot(w, name + QLatin1Char('_') + Lang());
+            if (act)
+                act(w);
             dialog.EndDialog(IDCANCEL);
         });
         open();
         EXPECT_EQ(driver.runs, 1) << name.toStdString() << " did not come up";
+    }
+    // Checks a window of the module that stays open beside the panel: the one `open` shows.
+    void CheckModeless(const QString& name, const std::function<void()>& open) {
+        QWidgetList before;
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (w->isVisible())
+                before << w;
+        open();
+        QWidget* shown = nullptr;
+        WaitFor([&] {
+            for (QWidget* w : QApplication::topLevelWidgets())
+                if (w->isVisible() && w != &window && !before.contains(w))
+                    shown = w;
+            return shown != nullptr;
+        });
+        ASSERT_NE(shown, nullptr) << name.toStdString() << " did not come up";
+        Settle();
+        ShownTexts texts(ModuleNames());
+        texts.Walk(shown);
+        if (english) {
+            EXPECT_TRUE(texts.chinese.isEmpty())
+                << name.toStdString() << ": " << texts.chinese.join(" | ").toStdString();
+        }
+        ExpectControlsWhole(shown, name);
+        Shot(shown, name + QLatin1Char('_') + Lang());
+        shown->close();
+        Settle();
+    }
+    void PanelButton(const char* zh, const char* en) {
+        PressButton(tabs->currentWidget(), QString::fromUtf8(english ? en : zh));
+    }
+    // Clicks the visible button of `dialog` that reads `text`.
+    static void PressButton(QWidget* dialog, const QString& text) {
+        for (QAbstractButton* b : dialog->findChildren<QAbstractButton*>())
+            if (b->isVisible() && b->text() == text) {
+                b->click();
+                return;
+            }
+        ADD_FAILURE() << "no button " << text.toStdString();
+    }
+    // A user's click on `at` of `view`, the cursor moved there first (menus open at it).
+    void Click(QAbstractItemView* view, QPoint at, Qt::MouseButton button) {
+        QCursor::setPos(view->viewport()->mapToGlobal(at));
+        for (QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+            QMouseEvent click(type, at, view->viewport()->mapToGlobal(at), button,
+                              type == QEvent::MouseButtonPress ? button : Qt::NoButton,
+                              Qt::NoModifier);
+            QCoreApplication::sendEvent(view->viewport(), &click);
+        }
+    }
+    // The group tree's item that reads `text`, clicked.
+    void ClickGroup(const QString& text, Qt::MouseButton button) {
+        for (QTreeWidget* tree : tabs->currentWidget()->findChildren<QTreeWidget*>())
+            for (QTreeWidgetItemIterator it(tree); *it != nullptr; ++it)
+                if ((*it)->text(0) == text) {
+                    Click(tree, tree->visualItemRect(*it).center(), button);
+                    return;
+                }
+        ADD_FAILURE() << "no group " << text.toStdString();
+    }
+    void RightClickGroup(const QString& text) { ClickGroup(text, Qt::RightButton); }
+    void SelectGroup(const QString& text) {
+        ClickGroup(text, Qt::LeftButton);
+        Settle();
+    }
+    // The first row of the list selected and right-clicked.
+    void RightClickRow() {
+        QTableView* list = List();
+        ASSERT_NE(list, nullptr);
+        const QPoint at = list->visualRect(list->model()->index(0, 1)).center();
+        Click(list, at, Qt::LeftButton);
+        Click(list, at, Qt::RightButton);
     }
     // Buttons and labels as wide as their texts need, inside `root`.
     void ExpectControlsWhole(QWidget* root, const QString& where) {
@@ -320,8 +456,14 @@ TEST_F(WindowFit, EveryControlIsWholeAndTheMainColumnsShowAtCommonSizes) {
 // Walked in both languages, so that the pictures show both; only English is checked.
 TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
     ASSERT_TRUE(Open("ZD3S"));
+    ASSERT_TRUE(Open("ZD4M"));
+    tabs->setCurrentIndex(0);
+    ASSERT_EQ(tabs->count(), 2);
+    MenuByText menus;
+    WindowsShown shownWindows(ModuleNames(), &window);
     for (bool inEnglish : {false, true}) {
         english = inEnglish;
+        shownWindows.english = english;
         SetEnglish(english);
         auto text = [&](const char* zh, const char* en) {
             return english ? QString::fromUtf8(en) : QString::fromUtf8(zh);
@@ -383,6 +525,97 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
             ASSERT_NE(cellButton, nullptr) << "no packed value opens its dialog";
             cellButton->click();
         });
+        // The other dialogs of the module, each opened as a user opens it; the menus on the
+        // way, the message boxes and the windows that show meanwhile are checked as well.
+        const QString exported = QDir::temp().filePath(QStringLiteral("walk_%1.csv").arg(Lang()));
+        struct Dialog {
+            const char* name;
+            ListStyle style;
+            std::function<void()> open;
+            std::function<void(QWidget*)> act; // in a modal dialog, before Cancel
+            bool modeless;
+        };
+        const Dialog dialogs[] = {
+            {"compare", ListStyle::Live, [&] { PanelButton("比较", "Compare"); }, {}, true},
+            {"axis_copy", ListStyle::Live,
+             [&] {
+                 tabs->setCurrentIndex(1); // a drive of more than one axis
+                 Settle();
+                 PanelButton("轴拷贝", "Axis copy");
+             },
+             // The same axis on both sides is refused with a message.
+             [&](QWidget* w) { PressButton(w, text("确定", "OK")); }, false},
+            {"columns",
+             ListStyle::Live,
+             [&] {
+                 menus.take = text("筛选列", "Filter columns");
+                 RightClickRow();
+             },
+             {},
+             false},
+            {"staging_columns",
+             ListStyle::Staging,
+             [&] {
+                 menus.take = text("筛选列", "Filter columns");
+                 RightClickRow();
+             },
+             {},
+             false},
+            {"staging_compare",
+             ListStyle::Staging,
+             [&] { PanelButton("参数比较", "Parameter compare"); },
+             {},
+             true},
+            // Last: the right click leaves the custom branch selected.
+            {"group", ListStyle::Live,
+             [&] {
+                 menus.take = text("新建自定义组", "New custom group");
+                 RightClickGroup(text("自定义", "Custom"));
+             },
+             // A group without a name is refused with a message.
+             [&](QWidget* w) {
+                 QLineEdit* name = w->findChild<QLineEdit*>();
+                 ASSERT_NE(name, nullptr);
+                 name->clear();
+                 PressButton(w, text("确定", "OK"));
+             },
+             false},
+        };
+        for (const Dialog& d : dialogs) {
+            window.SetListStyle(d.style);
+            Settle();
+            const QString name = QString::fromUtf8(d.name);
+            if (d.modeless)
+                CheckModeless(name, d.open);
+            else
+                CheckModal(name, d.open, d.act);
+            menus.take.clear();
+            tabs->setCurrentIndex(0);
+        }
+        // The list export, with its progress box and its closing message.
+        window.SetListStyle(ListStyle::Live);
+        SelectGroup(text("所有参数", "All parameters"));
+        QFile::remove(exported);
+        menus.take = text("导出", "Export");
+        menus.ChooseFiles({AfxFromQString(exported)});
+        RightClickRow();
+        EXPECT_TRUE(WaitFor([&] { return QFile::exists(exported); }));
+        menus.take.clear();
+        // The staging list's filter menu.
+        window.SetListStyle(ListStyle::Staging);
+        Settle();
+        PanelButton("筛选", "Filter");
+        Settle();
+        QFile::remove(exported);
+        if (english) {
+            EXPECT_TRUE(menus.Chinese().isEmpty()) << menus.Chinese().join(" | ").toStdString();
+            EXPECT_TRUE(shownWindows.chinese.isEmpty())
+                << shownWindows.chinese.join(" | ").toStdString();
+        }
+        EXPECT_GE(menus.Count(AfxPrompt::MessageBox), 3u);
+        EXPECT_GE(menus.Count(AfxPrompt::PopupMenu), 5u);
+        menus.prompts.clear();
+        shownWindows.chinese.clear();
     }
 }
 
