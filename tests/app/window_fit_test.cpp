@@ -250,12 +250,14 @@ protected:
     }
     QString Lang() const { return english ? QStringLiteral("en") : QStringLiteral("zh"); }
     // Runs `open`, which brings up one modal dialog of the module, and checks its texts.
-    // `act`, when given, then does what a user does in the dialog before it is cancelled.
+    // `act`, when given, first does what a user does in the dialog; Cancel ends it.
     void CheckModal(const QString& name, const std::function<void()>& open,
                     const std::function<void(QWidget*)>& act = {}) {
         CAfxModalDriver driver([&](CDialog& dialog) {
             QWidget* w = AfxWidgetFromHandle(dialog.GetSafeHwnd());
             ASSERT_NE(w, nullptr);
+            if (act)
+                act(w);
             Settle();
             ShownTexts texts(ModuleNames());
             texts.Walk(w);
@@ -265,8 +267,6 @@ protected:
             }
             ExpectControlsWhole(w, name);
             Shot(w, name + QLatin1Char('_') + Lang());
-            if (act)
-                act(w);
             dialog.EndDialog(IDCANCEL);
         });
         open();
@@ -325,16 +325,50 @@ protected:
     void ClickGroup(const QString& text, Qt::MouseButton button) {
         for (QTreeWidget* tree : tabs->currentWidget()->findChildren<QTreeWidget*>())
             for (QTreeWidgetItemIterator it(tree); *it != nullptr; ++it)
-                if ((*it)->text(0) == text) {
+                if ((*it)->text(0) == text || (*it)->text(0).startsWith(text + QLatin1Char('['))) {
+                    tree->scrollToItem(*it);
                     Click(tree, tree->visualItemRect(*it).center(), button);
                     return;
                 }
         ADD_FAILURE() << "no group " << text.toStdString();
     }
+    bool HasGroup(const QString& code) {
+        for (QTreeWidget* tree : tabs->currentWidget()->findChildren<QTreeWidget*>())
+            for (QTreeWidgetItemIterator it(tree); *it != nullptr; ++it)
+                if ((*it)->text(0).startsWith(code + QLatin1Char('[')))
+                    return true;
+        return false;
+    }
     void RightClickGroup(const QString& text) { ClickGroup(text, Qt::RightButton); }
     void SelectGroup(const QString& text) {
         ClickGroup(text, Qt::LeftButton);
         Settle();
+    }
+    // Opens the dialog of the first row `opens` takes from the editor of its value cell: its
+    // button, or the last entry of its list (a free connector).
+    void OpenFromValueCell(const std::function<bool(const QAbstractItemModel*, int)>& opens) {
+        QTableView* list = List();
+        ASSERT_NE(list, nullptr);
+        for (int row = 0; row < list->model()->rowCount(); ++row) {
+            if (!opens(list->model(), row))
+                continue;
+            const QModelIndex cell = list->model()->index(row, 3);
+            list->scrollTo(cell);
+            Click(list, list->visualRect(cell).center(), Qt::LeftButton);
+            Settle();
+            for (QPushButton* b : list->findChildren<QPushButton*>())
+                if (b->isVisible()) {
+                    b->click();
+                    return;
+                }
+            for (QComboBox* box : list->findChildren<QComboBox*>())
+                if (box->isVisible()) {
+                    box->setCurrentIndex(box->count() - 1);
+                    emit box->activated(box->count() - 1);
+                    return;
+                }
+        }
+        ADD_FAILURE() << "no value cell opens its dialog";
     }
     // The first row of the list selected and right-clicked.
     void RightClickRow() {
@@ -488,7 +522,7 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
         });
         window.SetListStyle(ListStyle::Live);
         Settle();
-        CheckModal(QStringLiteral("login"), [&] {
+        auto pickFactoryLevel = [&] {
             QComboBox* access = nullptr;
             for (QComboBox* box : tabs->currentWidget()->findChildren<QComboBox*>())
                 if (box->isVisible() && !box->isEditable())
@@ -498,32 +532,13 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
             ASSERT_GE(factory, 0);
             access->setCurrentIndex(factory);
             emit access->activated(factory);
-        });
+        };
+        CheckModal(QStringLiteral("login"), pickFactoryLevel);
         // The packed-value dialog, from the button of a value cell as a user opens it.
         CheckModal(QStringLiteral("bits"), [&] {
-            QTableView* list = List();
-            ASSERT_NE(list, nullptr);
-            QPushButton* cellButton = nullptr;
-            for (int row = 0; row < list->model()->rowCount() && cellButton == nullptr; ++row) {
-                const QModelIndex cell = list->model()->index(row, 3);
-                if (!list->model()->data(cell).toString().startsWith(QStringLiteral("0x")))
-                    continue;
-                list->scrollTo(cell);
-                const QPoint at = list->visualRect(cell).center();
-                for (QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
-                    QMouseEvent click(type, at, list->viewport()->mapToGlobal(at), Qt::LeftButton,
-                                      type == QEvent::MouseButtonPress ? Qt::LeftButton
-                                                                       : Qt::NoButton,
-                                      Qt::NoModifier);
-                    QCoreApplication::sendEvent(list->viewport(), &click);
-                }
-                Settle();
-                for (QPushButton* b : list->findChildren<QPushButton*>())
-                    if (b->isVisible())
-                        cellButton = b;
-            }
-            ASSERT_NE(cellButton, nullptr) << "no packed value opens its dialog";
-            cellButton->click();
+            OpenFromValueCell([](const QAbstractItemModel* m, int row) {
+                return m->data(m->index(row, 3)).toString().startsWith(QStringLiteral("0x"));
+            });
         });
         // The other dialogs of the module, each opened as a user opens it; the menus on the
         // way, the message boxes and the windows that show meanwhile are checked as well.
@@ -552,6 +567,31 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
                  RightClickRow();
              },
              {},
+             false},
+            // Connectors are wired above the lowest access level.
+            {"connector", ListStyle::Live,
+             [&] {
+                 if (!HasGroup(QStringLiteral("H18"))) {
+                     CAfxModalDriver login([&](CDialog& dialog) {
+                         QWidget* w = AfxWidgetFromHandle(dialog.GetSafeHwnd());
+                         w->findChild<QLineEdit*>()->setText(QStringLiteral("2468"));
+                         PressButton(w, text("确定", "OK"));
+                     });
+                     pickFactoryLevel();
+                 }
+                 ASSERT_TRUE(WaitFor([&] { return HasGroup(QStringLiteral("H18")); }));
+                 SelectGroup(QStringLiteral("H18"));
+                 OpenFromValueCell([](const QAbstractItemModel* m, int row) {
+                     return m->data(m->index(row, 1)).toString() == QStringLiteral("H18-00");
+                 });
+             },
+             // The signals of the first connector group listed.
+             [&](QWidget* w) {
+                 auto* tree = w->findChild<QTreeWidget*>();
+                 ASSERT_NE(tree, nullptr);
+                 ASSERT_GT(tree->topLevelItem(0)->childCount(), 0) << "no connector group";
+                 tree->setCurrentItem(tree->topLevelItem(0)->child(0));
+             },
              false},
             {"staging_columns",
              ListStyle::Staging,
