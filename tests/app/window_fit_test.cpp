@@ -23,6 +23,7 @@
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTableView>
@@ -171,6 +172,8 @@ public:
     ~WindowsShown() override { qApp->removeEventFilter(this); }
     bool eventFilter(QObject* watched, QEvent* event) override {
         auto* w = qobject_cast<QWidget*>(watched);
+        if (event->type() == QEvent::Show && w != nullptr && w->isWindow() && w != m_main)
+            progressBoxes += qobject_cast<QProgressDialog*>(w) != nullptr ? 1 : 0;
         if (event->type() == QEvent::Show && w != nullptr && w->isWindow() && w != m_main &&
             english) {
             ShownTexts shown = texts;
@@ -184,6 +187,7 @@ public:
     ShownTexts texts;
     QStringList chinese;
     bool english = false;
+    int progressBoxes = 0;
 
 private:
     QWidget* m_main;
@@ -250,6 +254,18 @@ protected:
     }
     QString Lang() const { return english ? QStringLiteral("en") : QStringLiteral("zh"); }
     // Runs `open`, which brings up one modal dialog of the module, and checks its texts.
+    // A window of the module: in English no Chinese, and its controls whole.
+    void CheckShown(QWidget* w, const QString& name) {
+        Settle();
+        ShownTexts texts(ModuleNames());
+        texts.Walk(w);
+        if (english) {
+            EXPECT_TRUE(texts.chinese.isEmpty())
+                << name.toStdString() << ": " << texts.chinese.join(" | ").toStdString();
+        }
+        ExpectControlsWhole(w, name);
+        Shot(w, name + QLatin1Char('_') + Lang());
+    }
     // `act`, when given, first does what a user does in the dialog; Cancel ends it.
     void CheckModal(const QString& name, const std::function<void()>& open,
                     const std::function<void(QWidget*)>& act = {}) {
@@ -258,15 +274,7 @@ protected:
             ASSERT_NE(w, nullptr);
             if (act)
                 act(w);
-            Settle();
-            ShownTexts texts(ModuleNames());
-            texts.Walk(w);
-            if (english) {
-                EXPECT_TRUE(texts.chinese.isEmpty())
-                    << name.toStdString() << ": " << texts.chinese.join(" | ").toStdString();
-            }
-            ExpectControlsWhole(w, name);
-            Shot(w, name + QLatin1Char('_') + Lang());
+            CheckShown(w, name);
             dialog.EndDialog(IDCANCEL);
         });
         open();
@@ -287,15 +295,7 @@ protected:
             return shown != nullptr;
         });
         ASSERT_NE(shown, nullptr) << name.toStdString() << " did not come up";
-        Settle();
-        ShownTexts texts(ModuleNames());
-        texts.Walk(shown);
-        if (english) {
-            EXPECT_TRUE(texts.chinese.isEmpty())
-                << name.toStdString() << ": " << texts.chinese.join(" | ").toStdString();
-        }
-        ExpectControlsWhole(shown, name);
-        Shot(shown, name + QLatin1Char('_') + Lang());
+        CheckShown(shown, name);
         shown->close();
         Settle();
     }
@@ -640,6 +640,7 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
         menus.ChooseFiles({AfxFromQString(exported)});
         RightClickRow();
         EXPECT_TRUE(WaitFor([&] { return QFile::exists(exported); }));
+        EXPECT_GE(shownWindows.progressBoxes, 1) << "the export showed no progress";
         menus.take.clear();
         // The staging list's filter menu.
         window.SetListStyle(ListStyle::Staging);
