@@ -581,6 +581,11 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
                  }
                  ASSERT_TRUE(WaitFor([&] { return HasGroup(QStringLiteral("H18")); }));
                  SelectGroup(QStringLiteral("H18"));
+                 ASSERT_TRUE(WaitFor([&] {
+                     const QAbstractItemModel* m = List()->model();
+                     return m->rowCount() > 0 &&
+                            m->data(m->index(0, 1)).toString().startsWith(QStringLiteral("H18"));
+                 }));
                  OpenFromValueCell([](const QAbstractItemModel* m, int row) {
                      return m->data(m->index(row, 1)).toString() == QStringLiteral("H18-00");
                  });
