@@ -18,31 +18,33 @@
 void RegisterGroupDialogResources(HINSTANCE module) {
     if (module == nullptr)
         return;
-    DlgTemplate picker{IDD_MULTI_SELECT_VAR, "", 860, 420, {}, WS_CHILD};
+    // The group tree is wide enough for its labels in English too.
+    DlgTemplate picker{IDD_MULTI_SELECT_VAR, "", 940, 420, {}, WS_CHILD};
     picker.controls = {
-        {IDC_MSV_TREE, DlgCtl::Tree, "", 0, 0, 190, 390,
+        {IDC_MSV_TREE, DlgCtl::Tree, "", 0, 0, 280, 390,
          TVS_HASLINES | TVS_HASBUTTONS | TVS_LINESATROOT | TVS_SHOWSELALWAYS},
-        {IDC_MSV_LEFT_LIST, DlgCtl::List, "", 196, 0, 360, 390,
+        {IDC_MSV_LEFT_LIST, DlgCtl::List, "", 286, 0, 350, 390,
          LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS},
-        {IDC_MSV_ADD, DlgCtl::Button, ">>", 562, 150, 44, 26},
-        {IDC_MSV_REMOVE, DlgCtl::Button, "<<", 562, 190, 44, 26},
-        {IDC_MSV_RIGHT_LIST, DlgCtl::List, "", 612, 0, 248, 356,
+        {IDC_MSV_ADD, DlgCtl::Button, ">>", 642, 150, 44, 26},
+        {IDC_MSV_REMOVE, DlgCtl::Button, "<<", 642, 190, 44, 26},
+        {IDC_MSV_RIGHT_LIST, DlgCtl::List, "", 692, 0, 248, 356,
          LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS},
-        {IDC_MSV_UP, DlgCtl::Button, "上移", 612, 362, 80, 26},
-        {IDC_MSV_DOWN, DlgCtl::Button, "下移", 700, 362, 80, 26},
+        {IDC_MSV_UP, DlgCtl::Button, "上移", 692, 362, 110, 26},
+        {IDC_MSV_DOWN, DlgCtl::Button, "下移", 808, 362, 110, 26},
         {UINT(IDC_STATIC), DlgCtl::Static, "按住CTRL或SHIFT选中多项", 0, 396, 400, 20},
     };
     AfxRegisterDialog(module, picker);
 
-    DlgTemplate group{IDD_GROUP_DIALOG, "参数组属性", 880, 520};
+    DlgTemplate group{IDD_GROUP_DIALOG, "参数组属性", 960, 520};
     group.controls = {
-        {UINT(IDC_STATIC), DlgCtl::Static, "名称", 10, 14, 40, 20},
-        {IDC_GROUP_NAME, DlgCtl::Edit, "", 54, 10, 280, 24, ES_AUTOHSCROLL},
-        {UINT(IDC_STATIC), DlgCtl::Static, "描述", 350, 14, 40, 20},
-        {IDC_GROUP_DESCRIPTION, DlgCtl::Edit, "", 394, 10, 476, 24, ES_AUTOHSCROLL},
-        {IDC_GROUP_PICKER_FRAME, DlgCtl::Custom, "", 10, 44, 860, 420},
-        {UINT(IDOK), DlgCtl::Button, "确定", 690, 478, 84, 28, BS_DEFPUSHBUTTON},
-        {UINT(IDCANCEL), DlgCtl::Button, "取消", 786, 478, 84, 28},
+        // Labels leave room for their English.
+        {UINT(IDC_STATIC), DlgCtl::Static, "名称", 10, 14, 70, 20},
+        {IDC_GROUP_NAME, DlgCtl::Edit, "", 84, 10, 250, 24, ES_AUTOHSCROLL},
+        {UINT(IDC_STATIC), DlgCtl::Static, "描述", 350, 14, 90, 20},
+        {IDC_GROUP_DESCRIPTION, DlgCtl::Edit, "", 444, 10, 506, 24, ES_AUTOHSCROLL},
+        {IDC_GROUP_PICKER_FRAME, DlgCtl::Custom, "", 10, 44, 940, 420},
+        {UINT(IDOK), DlgCtl::Button, "确定", 770, 478, 84, 28, BS_DEFPUSHBUTTON},
+        {UINT(IDCANCEL), DlgCtl::Button, "取消", 866, 478, 84, 28},
     };
     AfxRegisterDialog(module, group);
 }

@@ -33,8 +33,10 @@ template <class T> CString NodeLabel(T* node) {
     node->GetDescription(description);
     if (description.IsEmpty())
         return name;
+    // Descriptions are written in Chinese; shown in the user's language, as the frame's
+    // tree shows them.
     CString label;
-    label.Format("%s[%s]", name.GetString(), description.GetString());
+    label.Format("%s[%s]", name.GetString(), VarText::Translate(description).GetString());
     return label;
 }
 
@@ -68,7 +70,7 @@ struct ColumnDef {
 const ColumnDef kLeftColumns[] = {{2011, 50}, {2013, 80}, {2014, 250}, {2016, 80},
                                   {2017, 80}, {2018, 80}, {2019, 50},  {2020, 80},
                                   {2021, 80}, {2022, 50}, {2023, 180}, {2024, 80}};
-const ColumnDef kRightColumns[] = {{2011, 40}, {2013, 55}, {2141, 130}};
+const ColumnDef kRightColumns[] = {{2011, 40}, {2013, 75}, {2141, 125}};
 
 } // namespace
 

@@ -77,12 +77,17 @@ BOOL CVarTablePage2::OnInitDialog() {
         CLocalResource resource(theApp.m_hResource);
         m_filter.SetMenu(IDR_PAGE2_FILTER_MENU);
     }
-    if (CMenu* menu = m_filter.GetMenu())
-        if (IHostUiService* ui = theApp.GetUiService())
-            ui->TranslateMenu(menu->GetSafeHmenu());
+    TranslateHeldMenus();
     ShowFilterState();
     FinishInit();
     return TRUE;
+}
+
+void CVarTablePage2::TranslateHeldMenus() {
+    // The host's translator knows a text in either language, so this also goes back.
+    if (CMenu* menu = m_filter.GetMenu())
+        if (IHostUiService* ui = theApp.GetUiService())
+            ui->TranslateMenu(menu->GetSafeHmenu());
 }
 
 int CVarTablePage2::GetListTop() const {

@@ -74,6 +74,7 @@ public:
     void ClearAllSetValues();
     CSearcherComboBox* GetSearcher() override { return &m_search; }
     CAccessSelector* GetAccessSelector() override { return &m_selector; }
+    void TranslateHeldMenus() override;
 
     void OnModuleUploaded(const CString& moduleKey, BOOL success) override;
     void OnModuleDownloaded(const CString& moduleKey, BOOL success) override;

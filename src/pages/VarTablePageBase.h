@@ -94,6 +94,8 @@ public:
     void Relayout();
     // After a change of language: the access box's entries anew, then the layout.
     void ShowInLanguage();
+    // After a change of language: menus the page holds on to, in the new language.
+    virtual void TranslateHeldMenus() {}
     void OnSearchEnter();
     void OnSearchPicked();
     // Shows the rows of the present selection that hold `text`.

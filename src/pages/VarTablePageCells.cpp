@@ -421,7 +421,7 @@ void CVarTablePageBase::InitCellCombo(CItemComBox* combo, int row, int column) {
         CString text;
         if (i == count - 1 && IsConnectorName(name)) {
             // The last entry stands for a free connector.
-            text.Format("%s[%s]", Translate("其他").GetString(), name.GetString());
+            text.Format("%s[%s]", Translate("其他").GetString(), Translate(name).GetString());
         } else {
             // The entry reads as the cell does for that value ("0x000A[...]" on a
             // hexadecimal parameter, "1.0[...]" with one place), so the cell's own entry
@@ -451,12 +451,17 @@ void CVarTablePageBase::OnCellComboSelected(CItemComBox* combo, int row, int col
     }
     if (column != GetValueColumn())
         return;
-    if (HasConnectorName(text)) {
+    const int sel = combo->GetCurSel();
+    auto* entry = sel >= 0 ? static_cast<IValueInfoEntry*>(combo->GetItemDataPtr(sel)) : nullptr;
+    // The free connector's entry shows its name in the user's language, so it is known by
+    // the entry behind it as well as by the text as written.
+    CString entryName;
+    if (entry != nullptr)
+        entry->GetText(entryName);
+    if (HasConnectorName(text) || (sel == combo->GetCount() - 1 && IsConnectorName(entryName))) {
         OpenConnectorDialog(row, column);
         return;
     }
-    const int sel = combo->GetCurSel();
-    auto* entry = sel >= 0 ? static_cast<IValueInfoEntry*>(combo->GetItemDataPtr(sel)) : nullptr;
     if (entry == nullptr)
         return;
     // The commit gets the entry's figure in the cell's form, which it reads back to the

@@ -72,5 +72,6 @@ void CVarTablePageBase::ShowInLanguage() {
     CAccessSelector* selector = GetAccessSelector();
     if (selector != nullptr && m_pTable != nullptr && m_pTable->GetModule() != nullptr)
         selector->FillAccessBox();
+    TranslateHeldMenus();
     Relayout();
 }

@@ -28,6 +28,7 @@
 
 #include <afx/afxdlgs.h>
 #include <afx/afxres.h>
+#include <skin/ZorSkinLayout.h>
 
 #include <algorithm>
 #include <memory>
@@ -129,6 +130,13 @@ BOOL COneKeyParseRecipeDialog::OnInitDialog() {
     }
     // Its title and buttons in the user's language; the dialog is modal, so once is enough.
     std::unique_ptr<IHostWindowTranslator>(theApp.MakeWindowTranslator(GetSafeHwnd()));
+    // The tree as wide as its labels need (longer in English), up to a third of the dialog.
+    CRect client, tree;
+    GetClientRect(&client);
+    m_tree.GetWindowRect(&tree);
+    const int wanted = std::min(ZorSkinTreeContentWidth(&m_tree), int(client.Width()) / 3);
+    if (wanted > tree.Width())
+        m_tree.MoveWindow(0, kButtonStrip, wanted, tree.Height());
     Layout();
     return TRUE;
 }

@@ -20,6 +20,8 @@
 #include <afx/afxdlgs.h>
 #include <afx/afxres.h>
 
+#include <string>
+
 namespace {
 
 constexpr UINT IDS_DEVICE_OFFLINE = 2038; // "设备离线."
@@ -29,6 +31,23 @@ const char* const kChooseFile = "选择参数文件";
 const char* const kCurrentValue = "当前值";
 const char* const kFactoryValue = "出厂值";
 const char* const kCompareFinished = "比较结束";
+
+struct CompareColumn {
+    const char* title;
+    const char* side;
+    int width;
+};
+// The axis columns keep width 0: out of sight.
+const CompareColumn kColumns[] = {
+    {"行号", "", 70},       {"轴号", "1", 0},       {"参数", "1", 100},
+    {"参数名称", "1", 150}, {"比较值", "1", 200},   {"轴号", "2", 0},
+    {"参数", "2", 100},     {"参数名称", "2", 150}, {"比较值", "2", 200}};
+
+CString ColumnTitle(const CompareColumn& c) {
+    CString title = VarText::Translate(c.title);
+    title += c.side;
+    return title;
+}
 
 CString ModuleKey(IHostDeviceModule* module) {
     CString key;
@@ -81,19 +100,20 @@ void RegisterParamCompareResources(HINSTANCE module) {
     dlg.controls = {
         {IDC_COMPARE_LABEL1, DlgCtl::Static, "比较对象1", 10, 14, 80, 20},
         {IDC_COMPARE_SOURCE1, DlgCtl::ComboDropList, "", 92, 10, 260, 24},
-        {IDC_COMPARE_KIND1, DlgCtl::ComboDropList, "", 358, 10, 100, 24},
-        {IDC_COMPARE_UPLOAD1, DlgCtl::Check, "比较前上传", 466, 12, 110, 20},
+        {IDC_COMPARE_KIND1, DlgCtl::ComboDropList, "", 358, 10, 130, 24},
+        // Room for the English of the texts.
+        {IDC_COMPARE_UPLOAD1, DlgCtl::Check, "比较前上传", 496, 12, 200, 20},
         {IDC_COMPARE_PATH1, DlgCtl::Static, "", 358, 14, 530, 20, 0, true},
         {IDC_COMPARE_LABEL2, DlgCtl::Static, "比较对象2", 10, 46, 80, 20},
         {IDC_COMPARE_SOURCE2, DlgCtl::ComboDropList, "", 92, 42, 260, 24},
-        {IDC_COMPARE_KIND2, DlgCtl::ComboDropList, "", 358, 42, 100, 24},
-        {IDC_COMPARE_UPLOAD2, DlgCtl::Check, "比较前上传", 466, 44, 110, 20},
+        {IDC_COMPARE_KIND2, DlgCtl::ComboDropList, "", 358, 42, 130, 24},
+        {IDC_COMPARE_UPLOAD2, DlgCtl::Check, "比较前上传", 496, 44, 200, 20},
         {IDC_COMPARE_PATH2, DlgCtl::Static, "", 358, 46, 530, 20, 0, true},
         {IDC_COMPARE_CONDITION, DlgCtl::Static, "比较条件", 10, 78, 80, 20},
-        {IDC_COMPARE_SHOW_DIFFERENT, DlgCtl::Radio, "显示不同", 92, 76, 100, 22, WS_GROUP},
-        {IDC_COMPARE_SHOW_SAME, DlgCtl::Radio, "显示相同", 196, 76, 100, 22},
-        {IDC_COMPARE_HIDE_READONLY, DlgCtl::Check, "隐藏只读参数", 300, 76, 140, 22, WS_GROUP},
-        {IDC_COMPARE_START, DlgCtl::Button, "开始比较", 680, 74, 100, 26},
+        {IDC_COMPARE_SHOW_DIFFERENT, DlgCtl::Radio, "显示不同", 92, 76, 140, 22, WS_GROUP},
+        {IDC_COMPARE_SHOW_SAME, DlgCtl::Radio, "显示相同", 236, 76, 124, 22},
+        {IDC_COMPARE_HIDE_READONLY, DlgCtl::Check, "隐藏只读参数", 364, 76, 200, 22, WS_GROUP},
+        {IDC_COMPARE_START, DlgCtl::Button, "开始比较", 644, 74, 136, 26},
         {IDC_COMPARE_SAVE, DlgCtl::Button, "保存文件", 788, 74, 100, 26},
         {IDC_COMPARE_LIST, DlgCtl::List, "", 10, 108, 880, 442,
          LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS},
@@ -156,21 +176,9 @@ BOOL CParamCompareDlg::OnInitDialog() {
 
     m_list.SetOwnerDialog(this);
     m_list.SetExtendedStyle(m_list.GetExtendedStyle() | LVS_EX_FULLROWSELECT);
-    struct Column {
-        const char* title;
-        const char* side;
-        int width;
-    };
-    // The axis columns keep width 0: out of sight.
-    const Column columns[] = {{"行号", "", 70},       {"轴号", "1", 0},       {"参数", "1", 80},
-                              {"参数名称", "1", 150}, {"比较值", "1", 200},   {"轴号", "2", 0},
-                              {"参数", "2", 80},      {"参数名称", "2", 150}, {"比较值", "2", 200}};
     int index = 0;
-    for (const Column& c : columns) {
-        CString title = VarText::Translate(c.title);
-        title += c.side;
-        m_list.InsertColumn(index++, title.GetString(), LVCFMT_LEFT, c.width);
-    }
+    for (const CompareColumn& c : kColumns)
+        m_list.InsertColumn(index++, ColumnTitle(c).GetString(), LVCFMT_LEFT, c.width);
     AddAnchor(IDC_COMPARE_LIST, AnchorTopLeft, AnchorBottomRight);
     return TRUE;
 }
@@ -601,4 +609,25 @@ void CParamCompareDlg::OnDestroy() {
 void CParamCompareDlg::OnLanguageChanged() {
     if (m_pTranslator != nullptr)
         m_pTranslator->Retranslate(0);
+    if (GetSafeHwnd() == nullptr)
+        return;
+    // Lists and column titles are the dialog's own texts: they are made anew, with the
+    // choices as they were.
+    for (CComboBox* box : {&m_source1, &m_source2}) {
+        const int sel = box->GetCurSel();
+        FillSourceList(*box);
+        box->SetCurSel(sel);
+    }
+    for (CComboBox* box : {&m_kind1, &m_kind2}) {
+        const int sel = box->GetCurSel();
+        FillKindList(*box, sel >= 0 ? int(box->GetItemData(sel)) : VarSourceCurrent);
+    }
+    int index = 0;
+    for (const CompareColumn& c : kColumns) {
+        std::string title = ColumnTitle(c).GetString();
+        LVCOLUMN column{};
+        column.mask = LVCF_TEXT;
+        column.pszText = title.data();
+        m_list.SetColumn(index++, &column);
+    }
 }

@@ -92,19 +92,20 @@ void RegisterShaftCopyResources(HINSTANCE module) {
         return;
     DlgTemplate dlg{IDD_SHAFT_COPY, "轴参数复制", 620, 520};
     dlg.controls = {
-        {IDC_SHAFT_FROM_DEVICE_LABEL, DlgCtl::Static, "从设备", 12, 16, 60, 20},
-        {IDC_SHAFT_SOURCE_DEVICE, DlgCtl::ComboDropList, "", 76, 12, 220, 24},
-        {IDC_SHAFT_FROM_AXIS_LABEL, DlgCtl::Static, "从轴", 312, 16, 50, 20},
-        {IDC_SHAFT_SOURCE_AXIS, DlgCtl::ComboDropList, "", 366, 12, 130, 24},
-        {IDC_SHAFT_COPY_TO_LABEL, DlgCtl::Static, "复制到", 12, 50, 60, 20},
-        {IDC_SHAFT_TARGET_DEVICE, DlgCtl::ComboDropList, "", 76, 46, 220, 24},
-        {IDC_SHAFT_AXIS_LABEL, DlgCtl::Static, "轴", 312, 50, 50, 20},
-        {IDC_SHAFT_TARGET_AXIS, DlgCtl::ComboDropList, "", 366, 46, 130, 24},
-        {IDC_SHAFT_MODE_DOWNLOAD, DlgCtl::Radio, "直接下载到驱动器", 76, 82, 170, 22, WS_GROUP},
-        {IDC_SHAFT_MODE_FILE, DlgCtl::Radio, "保存到参数文件", 256, 82, 170, 22},
+        // Labels and choices leave room for their English.
+        {IDC_SHAFT_FROM_DEVICE_LABEL, DlgCtl::Static, "从设备", 12, 16, 90, 20},
+        {IDC_SHAFT_SOURCE_DEVICE, DlgCtl::ComboDropList, "", 106, 12, 210, 24},
+        {IDC_SHAFT_FROM_AXIS_LABEL, DlgCtl::Static, "从轴", 328, 16, 76, 20},
+        {IDC_SHAFT_SOURCE_AXIS, DlgCtl::ComboDropList, "", 408, 12, 130, 24},
+        {IDC_SHAFT_COPY_TO_LABEL, DlgCtl::Static, "复制到", 12, 50, 90, 20},
+        {IDC_SHAFT_TARGET_DEVICE, DlgCtl::ComboDropList, "", 106, 46, 210, 24},
+        {IDC_SHAFT_AXIS_LABEL, DlgCtl::Static, "轴", 328, 50, 76, 20},
+        {IDC_SHAFT_TARGET_AXIS, DlgCtl::ComboDropList, "", 408, 46, 130, 24},
+        {IDC_SHAFT_MODE_DOWNLOAD, DlgCtl::Radio, "直接下载到驱动器", 106, 82, 240, 22, WS_GROUP},
+        {IDC_SHAFT_MODE_FILE, DlgCtl::Radio, "保存到参数文件", 356, 82, 220, 22},
         {IDC_SHAFT_GROUP, DlgCtl::GroupBox, "选择要复制的参数", 8, 112, 604, 360},
-        {IDC_SHAFT_UPLOAD_FIRST, DlgCtl::Check, "复制前先上传参数", 20, 134, 170, 22, WS_GROUP},
-        {IDC_SHAFT_SELECT_ALL, DlgCtl::Check, "全选", 200, 134, 80, 22},
+        {IDC_SHAFT_UPLOAD_FIRST, DlgCtl::Check, "复制前先上传参数", 20, 134, 260, 22, WS_GROUP},
+        {IDC_SHAFT_SELECT_ALL, DlgCtl::Check, "全选", 290, 134, 120, 22},
         {IDC_SHAFT_COMPARE, DlgCtl::Button, "比较", 516, 132, 84, 26},
         {IDC_SHAFT_LIST, DlgCtl::List, "", 20, 164, 580, 298,
          LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS},
@@ -221,7 +222,7 @@ void CShaftCopyDialog::FillAxisList(CComboBox& box, IHostDeviceModule* device) {
         IHostAxis* axis = axes->GetAt(i);
         if (axis == nullptr)
             continue;
-        const int at = box.AddString(NameOf(axis).GetString());
+        const int at = box.AddString(VarText::Translate(NameOf(axis)).GetString());
         box.SetItemDataPtr(at, axis);
     }
     if (box.GetCount() > 0)

@@ -4,11 +4,14 @@
 #include "module/ParmiraApp.h"
 #include "module/host/IHostUiService.h"
 #include "module/host/IHostVarUtil.h"
+#include "module/host/IHostWindowTranslator.h"
 #include "module/host/IVarAttr.h"
 #include "module/host/IVarObjEx.h"
 #include "values/ValueText.h"
 
 #include <afx/afxres.h>
+
+#include <memory>
 
 namespace {
 
@@ -73,6 +76,8 @@ BOOL CTranslateFailedDialog::OnInitDialog() {
     m_list.SetItemCountEx(m_pFailedVars != nullptr ? int(m_pFailedVars->size()) : 0, 0);
     AddAnchor(IDC_FAILED_LIST, AnchorTopLeft, AnchorBottomRight);
     AddAnchor(IDOK, AnchorBottomRight);
+    // Title and button in the user's language; the dialog is modal, so once is enough.
+    std::unique_ptr<IHostWindowTranslator>(theApp.MakeWindowTranslator(GetSafeHwnd()));
     return TRUE;
 }
 

@@ -171,8 +171,12 @@ void CVarTable::ShowVarDescription(IVarObjEx* var) {
     IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
     if (attr == nullptr || GetSafeHwnd() == nullptr)
         return;
-    CString text;
-    attr->GetInfoText(text);
+    attr->GetInfoText(m_describedText);
+    ShowDescribedText();
+}
+
+void CVarTable::ShowDescribedText() {
+    CString text = m_describedText;
     if (IHostUiService* ui = theApp.GetUiService(); ui != nullptr && !text.IsEmpty()) {
         CString shown;
         ui->TranslateText(shown, text);
@@ -305,6 +309,9 @@ void CVarTable::OnLanguageChanged() {
     if (m_pTranslator != nullptr)
         m_pTranslator->Retranslate(0);
     RetranslateTree();
+    // The description pane is an edit, which the translator leaves alone.
+    if (GetSafeHwnd() != nullptr)
+        ShowDescribedText();
     // The names as shown changed: the pages make their search texts again while idle.
     for (CVarTablePage* page : {m_pPage1, m_pPage2})
         if (page != nullptr)

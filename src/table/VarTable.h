@@ -107,6 +107,7 @@ public:
     IVarStore* GetVarList() const;
     void PostVarCount(BOOL setTotal, int count);
     void ShowVarDescription(IVarObjEx* var);
+    void ShowDescribedText();
     BOOL IsOscilloscopeBusy(IHostDeviceModule* module);
     BOOL IsOscilloscopeWindowVisible();
     // Command 1998 of the live list: the host opens a parameter file and downloads it.
@@ -342,6 +343,8 @@ private:
     IGroupNode* m_pCurrentGroup = nullptr;
     CParmiraDialog* m_pPanel = nullptr;
     IHostWindowTranslator* m_pTranslator = nullptr;
+    // The described parameter's text as written, shown again after a change of language.
+    CString m_describedText;
     IHostWorkerThread* m_pWorker = nullptr;
     CParamCompareDlg* m_pCompareDlg = nullptr; // owned
     // The frame's window handle as the worker reads it.

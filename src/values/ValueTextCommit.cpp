@@ -128,7 +128,7 @@ void ShowWriteFailure(const std::vector<CString>& errors) {
     CString caption;
     if (IHostUiService* ui = theApp.GetUiService())
         ui->GetString(caption, theApp.m_hResource, IDS_WRITE_FAILED_CAPTION, 0);
-    const CString text = errors.empty() ? CString(kDownloadFailedText) : Joined(errors);
+    const CString text = errors.empty() ? Translate(kDownloadFailedText) : Joined(errors);
     ::MessageBox(nullptr, text.GetString(), caption.GetString(), MB_OK | MB_ICONWARNING);
 }
 

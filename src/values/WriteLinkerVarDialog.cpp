@@ -25,18 +25,19 @@ void RegisterLinkerDialog(HINSTANCE module) {
         return;
     DlgTemplate dlg{IDD_WRITE_LINKER, "连接器", 640, 440};
     dlg.controls = {
-        {1043, DlgCtl::Static, "参数名称", 12, 14, 64, 20},
-        {IDC_LINKER_CODE, DlgCtl::Edit, "", 80, 12, 140, 22, ES_READONLY},
-        {1044, DlgCtl::Static, "描述", 232, 14, 40, 20},
-        {IDC_LINKER_NAME, DlgCtl::Edit, "", 276, 12, 352, 22, ES_READONLY},
-        {1045, DlgCtl::Static, "搜索", 12, 44, 64, 20},
-        {IDC_LINKER_SEARCH, DlgCtl::ComboDropDown, "", 80, 42, 220, 24},
+        // Labels leave room for their English.
+        {1043, DlgCtl::Static, "参数名称", 12, 14, 110, 20},
+        {IDC_LINKER_CODE, DlgCtl::Edit, "", 126, 12, 120, 22, ES_READONLY},
+        {1044, DlgCtl::Static, "描述", 258, 14, 80, 20},
+        {IDC_LINKER_NAME, DlgCtl::Edit, "", 342, 12, 286, 22, ES_READONLY},
+        {1045, DlgCtl::Static, "搜索", 12, 44, 110, 20},
+        {IDC_LINKER_SEARCH, DlgCtl::ComboDropDown, "", 126, 42, 220, 24},
         {IDC_LINKER_TREE, DlgCtl::Tree, "", 12, 74, 200, 310,
          TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT | TVS_SHOWSELALWAYS},
         {IDC_LINKER_LIST, DlgCtl::List, "", 220, 74, 408, 310,
          LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS | LVS_SINGLESEL},
-        {1046, DlgCtl::Static, "当前值", 12, 400, 64, 20},
-        {IDC_LINKER_VALUE, DlgCtl::Edit, "", 80, 398, 140, 22},
+        {1046, DlgCtl::Static, "当前值", 12, 400, 110, 20},
+        {IDC_LINKER_VALUE, DlgCtl::Edit, "", 126, 398, 140, 22},
         {UINT(IDOK), DlgCtl::Button, "确定", 456, 396, 80, 26, BS_DEFPUSHBUTTON},
         {UINT(IDCANCEL), DlgCtl::Button, "取消", 548, 396, 80, 26},
     };
@@ -135,8 +136,10 @@ ConnectorKind CWriteLinkerVarDialog::ConnectorKindOf() {
                  {196, "KF连接器", ConnectorKF},
                  {178, "K连接器", ConnectorK},
                  {179, "F连接器", ConnectorF}};
+    // The entry's text is the device's, as written; the string table's text is in the
+    // user's language, which may be another.
     for (const auto& test : tests)
-        if (text.Find(StringById(test.id, test.name)) >= 0)
+        if (text.Find(test.name) >= 0 || text.Find(StringById(test.id, test.name)) >= 0)
             return test.kind;
     return ConnectorNone;
 }
@@ -202,7 +205,7 @@ void CWriteLinkerVarDialog::AddGroupsOfKind(int kind) {
         CString description;
         group->GetDescription(description);
         CString text;
-        text.Format("%s[%s]", key.GetString(), description.GetString());
+        text.Format("%s[%s]", key.GetString(), VarText::Translate(description).GetString());
         HTREEITEM item = m_tree.InsertItem(text.GetString(), m_hRoot);
         m_tree.SetItemData(item, DWORD_PTR(entry));
     }

@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
+#include <QFile>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -19,6 +20,7 @@
 #include <QMessageBox>
 #include <QMouseEvent>
 #include <QPlainTextEdit>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTableView>
@@ -117,6 +119,68 @@ private:
     }
 };
 
+// Takes a popup menu's entry by the text it shows (the last part of a submenu's path) and
+// keeps every prompt, so that menus and message boxes can be checked for their language.
+class MenuByText : public CAfxRecordingResponder {
+public:
+    QString take;
+    UINT OnPopupMenu(const AfxPrompt& prompt) override {
+        CAfxRecordingResponder::OnPopupMenu(prompt);
+        for (int i = 0; i < prompt.menuItems.GetSize(); ++i) {
+            const QString item = AfxToQString(prompt.menuItems[i]);
+            const int colon = item.indexOf(QLatin1Char(':'));
+            if (!take.isEmpty() && !item.startsWith(QLatin1Char('-')) &&
+                item.mid(colon + 1).section(QLatin1Char('>'), -1) == take)
+                return item.left(colon).toUInt();
+        }
+        return 0;
+    }
+    // The Chinese left in what the prompts showed.
+    QStringList Chinese() const {
+        QStringList out;
+        for (const AfxPrompt& p : prompts) {
+            QStringList texts{AfxToQString(p.text), AfxToQString(p.caption)};
+            for (int i = 0; i < p.menuItems.GetSize(); ++i)
+                texts << AfxToQString(p.menuItems[i]);
+            for (const QString& t : texts)
+                if (HasCjk(t) && !out.contains(t))
+                    out << t;
+        }
+        return out;
+    }
+};
+
+// Walks every window as it is shown (progress boxes come and go inside one call).
+class WindowsShown : public QObject {
+public:
+    WindowsShown(QStringList names, QWidget* mainWindow)
+        : texts(std::move(names)), m_main(mainWindow) {
+        qApp->installEventFilter(this);
+    }
+    ~WindowsShown() override { qApp->removeEventFilter(this); }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        auto* w = qobject_cast<QWidget*>(watched);
+        if (event->type() == QEvent::Show && w != nullptr && w->isWindow() && w != m_main)
+            progressBoxes += qobject_cast<QProgressDialog*>(w) != nullptr ? 1 : 0;
+        if (event->type() == QEvent::Show && w != nullptr && w->isWindow() && w != m_main &&
+            english) {
+            ShownTexts shown = texts;
+            shown.Walk(w);
+            for (const QString& t : shown.chinese)
+                if (!chinese.contains(t))
+                    chinese << t;
+        }
+        return false;
+    }
+    ShownTexts texts;
+    QStringList chinese;
+    bool english = false;
+    int progressBoxes = 0;
+
+private:
+    QWidget* m_main;
+};
+
 class WindowFit : public BenchWindowTest {
 protected:
     void SetUp() override {
@@ -159,23 +223,132 @@ protected:
     }
     QString Lang() const { return english ? QStringLiteral("en") : QStringLiteral("zh"); }
     // Runs `open`, which brings up one modal dialog of the module, and checks its texts.
-    void CheckModal(const QString& name, const std::function<void()>& open) {
+    // A window of the module: in English no Chinese, and its controls whole.
+    void CheckShown(QWidget* w, const QString& name) {
+        Settle();
+        ShownTexts texts(ModuleNames());
+        texts.Walk(w);
+        if (english) {
+            EXPECT_TRUE(texts.chinese.isEmpty())
+                << name.toStdString() << ": " << texts.chinese.join(" | ").toStdString();
+        }
+        ExpectControlsWhole(w, name);
+        Shot(w, name + QLatin1Char('_') + Lang());
+    }
+    // `act`, when given, first does what a user does in the dialog; Cancel ends it.
+    void CheckModal(const QString& name, const std::function<void()>& open,
+                    const std::function<void(QWidget*)>& act = {}) {
         CAfxModalDriver driver([&](CDialog& dialog) {
             QWidget* w = AfxWidgetFromHandle(dialog.GetSafeHwnd());
             ASSERT_NE(w, nullptr);
-            Settle();
-            ShownTexts texts(ModuleNames());
-            texts.Walk(w);
-            if (english) {
-                EXPECT_TRUE(texts.chinese.isEmpty())
-                    << name.toStdString() << ": " << texts.chinese.join(" | ").toStdString();
-            }
-            ExpectControlsWhole(w, name);
-            Shot(w, name + QLatin1Char('_') + Lang());
+            if (act)
+                act(w);
+            CheckShown(w, name);
             dialog.EndDialog(IDCANCEL);
         });
         open();
-        EXPECT_EQ(driver.runs, 1) << name.toStdString() << " did not come up";
+        EXPECT_EQ(driver.runs, 1) << name.toStdString() << " did not come up in " << Lang().toStdString();
+    }
+    // Checks a window of the module that stays open beside the panel: the one `open` shows.
+    void CheckModeless(const QString& name, const std::function<void()>& open) {
+        QWidgetList before;
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (w->isVisible())
+                before << w;
+        open();
+        QWidget* shown = nullptr;
+        WaitFor([&] {
+            for (QWidget* w : QApplication::topLevelWidgets())
+                if (w->isVisible() && w != &window && !before.contains(w))
+                    shown = w;
+            return shown != nullptr;
+        });
+        ASSERT_NE(shown, nullptr) << name.toStdString() << " did not come up";
+        CheckShown(shown, name);
+        shown->close();
+        Settle();
+    }
+    void PanelButton(const char* zh, const char* en) {
+        PressButton(tabs->currentWidget(), QString::fromUtf8(english ? en : zh));
+    }
+    // Clicks the visible button of `dialog` that reads `text`.
+    static void PressButton(QWidget* dialog, const QString& text) {
+        for (QAbstractButton* b : dialog->findChildren<QAbstractButton*>())
+            if (b->isVisible() && b->text() == text) {
+                b->click();
+                return;
+            }
+        ADD_FAILURE() << "no button " << text.toStdString();
+    }
+    // A user's click on `at` of `view`, the cursor moved there first (menus open at it).
+    void Click(QAbstractItemView* view, QPoint at, Qt::MouseButton button) {
+        QCursor::setPos(view->viewport()->mapToGlobal(at));
+        for (QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+            QMouseEvent click(type, at, view->viewport()->mapToGlobal(at), button,
+                              type == QEvent::MouseButtonPress ? button : Qt::NoButton,
+                              Qt::NoModifier);
+            QCoreApplication::sendEvent(view->viewport(), &click);
+        }
+    }
+    // The group tree's item that reads `text`, clicked.
+    void ClickGroup(const QString& text, Qt::MouseButton button) {
+        for (QTreeWidget* tree : tabs->currentWidget()->findChildren<QTreeWidget*>())
+            for (QTreeWidgetItemIterator it(tree); *it != nullptr; ++it)
+                if ((*it)->text(0) == text || (*it)->text(0).startsWith(text + QLatin1Char('['))) {
+                    tree->scrollToItem(*it);
+                    Click(tree, tree->visualItemRect(*it).center(), button);
+                    return;
+                }
+        ADD_FAILURE() << "no group " << text.toStdString();
+    }
+    bool HasGroup(const QString& code) {
+        for (QTreeWidget* tree : tabs->currentWidget()->findChildren<QTreeWidget*>())
+            for (QTreeWidgetItemIterator it(tree); *it != nullptr; ++it)
+                if ((*it)->text(0).startsWith(code + QLatin1Char('[')))
+                    return true;
+        return false;
+    }
+    void RightClickGroup(const QString& text) { ClickGroup(text, Qt::RightButton); }
+    void SelectGroup(const QString& text) {
+        ClickGroup(text, Qt::LeftButton);
+        Settle();
+    }
+    // Opens the dialog of the first row `opens` takes from the editor of its value cell: its
+    // button, or the last entry of its list (a free connector).
+    void OpenFromValueCell(const std::function<bool(const QAbstractItemModel*, int)>& opens) {
+        QTableView* list = List();
+        ASSERT_NE(list, nullptr);
+        for (int row = 0; row < list->model()->rowCount(); ++row) {
+            if (!opens(list->model(), row))
+                continue;
+            const QModelIndex cell = list->model()->index(row, 3);
+            list->scrollTo(cell);
+            // A repaint under way may take the first click; a user clicks again.
+            for (int attempt = 0; attempt < 2; ++attempt) {
+                Click(list, list->visualRect(cell).center(), Qt::LeftButton);
+                Settle();
+                for (QPushButton* b : list->findChildren<QPushButton*>())
+                    if (b->isVisible()) {
+                        b->click();
+                        return;
+                    }
+                for (QComboBox* box : list->findChildren<QComboBox*>())
+                    if (box->isVisible()) {
+                        box->setCurrentIndex(box->count() - 1);
+                        emit box->activated(box->count() - 1);
+                        return;
+                    }
+            }
+        }
+        ADD_FAILURE() << "no value cell opens its dialog";
+    }
+    // The first row of the list selected and right-clicked.
+    void RightClickRow() {
+        QTableView* list = List();
+        ASSERT_NE(list, nullptr);
+        const QPoint at = list->visualRect(list->model()->index(0, 1)).center();
+        Click(list, at, Qt::LeftButton);
+        Click(list, at, Qt::RightButton);
     }
     // Buttons and labels as wide as their texts need, inside `root`.
     void ExpectControlsWhole(QWidget* root, const QString& where) {
@@ -283,8 +456,14 @@ TEST_F(WindowFit, EveryControlIsWholeAndTheMainColumnsShowAtCommonSizes) {
 // Walked in both languages, so that the pictures show both; only English is checked.
 TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
     ASSERT_TRUE(Open("ZD3S"));
+    ASSERT_TRUE(Open("ZD4M"));
+    tabs->setCurrentIndex(0);
+    ASSERT_EQ(tabs->count(), 2);
+    MenuByText menus;
+    WindowsShown shownWindows(ModuleNames(), &window);
     for (bool inEnglish : {false, true}) {
         english = inEnglish;
+        shownWindows.english = english;
         SetEnglish(english);
         auto text = [&](const char* zh, const char* en) {
             return english ? QString::fromUtf8(en) : QString::fromUtf8(zh);
@@ -309,7 +488,7 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
         });
         window.SetListStyle(ListStyle::Live);
         Settle();
-        CheckModal(QStringLiteral("login"), [&] {
+        auto pickFactoryLevel = [&] {
             QComboBox* access = nullptr;
             for (QComboBox* box : tabs->currentWidget()->findChildren<QComboBox*>())
                 if (box->isVisible() && !box->isEditable())
@@ -319,33 +498,136 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
             ASSERT_GE(factory, 0);
             access->setCurrentIndex(factory);
             emit access->activated(factory);
-        });
+        };
+        CheckModal(QStringLiteral("login"), pickFactoryLevel);
         // The packed-value dialog, from the button of a value cell as a user opens it.
         CheckModal(QStringLiteral("bits"), [&] {
-            QTableView* list = List();
-            ASSERT_NE(list, nullptr);
-            QPushButton* cellButton = nullptr;
-            for (int row = 0; row < list->model()->rowCount() && cellButton == nullptr; ++row) {
-                const QModelIndex cell = list->model()->index(row, 3);
-                if (!list->model()->data(cell).toString().startsWith(QStringLiteral("0x")))
-                    continue;
-                list->scrollTo(cell);
-                const QPoint at = list->visualRect(cell).center();
-                for (QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
-                    QMouseEvent click(type, at, list->viewport()->mapToGlobal(at), Qt::LeftButton,
-                                      type == QEvent::MouseButtonPress ? Qt::LeftButton
-                                                                       : Qt::NoButton,
-                                      Qt::NoModifier);
-                    QCoreApplication::sendEvent(list->viewport(), &click);
-                }
-                Settle();
-                for (QPushButton* b : list->findChildren<QPushButton*>())
-                    if (b->isVisible())
-                        cellButton = b;
-            }
-            ASSERT_NE(cellButton, nullptr) << "no packed value opens its dialog";
-            cellButton->click();
+            OpenFromValueCell([](const QAbstractItemModel* m, int row) {
+                return m->data(m->index(row, 3)).toString().startsWith(QStringLiteral("0x"));
+            });
         });
+        // The other dialogs of the module, each opened as a user opens it; the menus on the
+        // way, the message boxes and the windows that show meanwhile are checked as well.
+        const QString exported = QDir::temp().filePath(QStringLiteral("walk_%1.csv").arg(Lang()));
+        struct Dialog {
+            const char* name;
+            ListStyle style;
+            std::function<void()> open;
+            std::function<void(QWidget*)> act; // in a modal dialog, before Cancel
+            bool modeless;
+        };
+        const Dialog dialogs[] = {
+            {"compare", ListStyle::Live, [&] { PanelButton("比较", "Compare"); }, {}, true},
+            {"axis_copy", ListStyle::Live,
+             [&] {
+                 tabs->setCurrentIndex(1); // a drive of more than one axis
+                 Settle();
+                 PanelButton("轴拷贝", "Axis copy");
+             },
+             // The same axis on both sides is refused with a message.
+             [&](QWidget* w) { PressButton(w, text("确定", "OK")); }, false},
+            {"columns",
+             ListStyle::Live,
+             [&] {
+                 menus.take = text("筛选列", "Filter columns");
+                 RightClickRow();
+             },
+             {},
+             false},
+            // Connectors are wired above the lowest access level.
+            {"connector", ListStyle::Live,
+             [&] {
+                 if (!HasGroup(QStringLiteral("H18"))) {
+                     CAfxModalDriver login([&](CDialog& dialog) {
+                         QWidget* w = AfxWidgetFromHandle(dialog.GetSafeHwnd());
+                         w->findChild<QLineEdit*>()->setText(QStringLiteral("2468"));
+                         PressButton(w, text("确定", "OK"));
+                     });
+                     pickFactoryLevel();
+                 }
+                 ASSERT_TRUE(WaitFor([&] { return HasGroup(QStringLiteral("H18")); }));
+                 SelectGroup(QStringLiteral("H18"));
+                 ASSERT_TRUE(WaitFor([&] {
+                     const QAbstractItemModel* m = List()->model();
+                     return m->rowCount() > 0 &&
+                            m->data(m->index(0, 1)).toString().startsWith(QStringLiteral("H18"));
+                 }));
+                 OpenFromValueCell([](const QAbstractItemModel* m, int row) {
+                     return m->data(m->index(row, 1)).toString() == QStringLiteral("H18-00");
+                 });
+             },
+             // The signals of the first connector group listed.
+             [&](QWidget* w) {
+                 auto* tree = w->findChild<QTreeWidget*>();
+                 ASSERT_NE(tree, nullptr);
+                 ASSERT_GT(tree->topLevelItem(0)->childCount(), 0) << "no connector group";
+                 tree->setCurrentItem(tree->topLevelItem(0)->child(0));
+             },
+             false},
+            {"staging_columns",
+             ListStyle::Staging,
+             [&] {
+                 menus.take = text("筛选列", "Filter columns");
+                 RightClickRow();
+             },
+             {},
+             false},
+            {"staging_compare",
+             ListStyle::Staging,
+             [&] { PanelButton("参数比较", "Parameter compare"); },
+             {},
+             true},
+            // Last: the right click leaves the custom branch selected.
+            {"group", ListStyle::Live,
+             [&] {
+                 menus.take = text("新建自定义组", "New custom group");
+                 RightClickGroup(text("自定义", "Custom"));
+             },
+             // A group without a name is refused with a message.
+             [&](QWidget* w) {
+                 QLineEdit* name = w->findChild<QLineEdit*>();
+                 ASSERT_NE(name, nullptr);
+                 name->clear();
+                 PressButton(w, text("确定", "OK"));
+             },
+             false},
+        };
+        for (const Dialog& d : dialogs) {
+            window.SetListStyle(d.style);
+            Settle();
+            const QString name = QString::fromUtf8(d.name);
+            if (d.modeless)
+                CheckModeless(name, d.open);
+            else
+                CheckModal(name, d.open, d.act);
+            menus.take.clear();
+            tabs->setCurrentIndex(0);
+        }
+        // The list export, with its progress box and its closing message.
+        window.SetListStyle(ListStyle::Live);
+        SelectGroup(text("所有参数", "All parameters"));
+        QFile::remove(exported);
+        menus.take = text("导出", "Export");
+        menus.ChooseFiles({AfxFromQString(exported)});
+        RightClickRow();
+        EXPECT_TRUE(WaitFor([&] { return QFile::exists(exported); }));
+        EXPECT_GE(shownWindows.progressBoxes, 1) << "the export showed no progress";
+        menus.take.clear();
+        // The staging list's filter menu.
+        window.SetListStyle(ListStyle::Staging);
+        Settle();
+        PanelButton("筛选", "Filter");
+        Settle();
+        QFile::remove(exported);
+        if (english) {
+            EXPECT_TRUE(menus.Chinese().isEmpty()) << menus.Chinese().join(" | ").toStdString();
+            EXPECT_TRUE(shownWindows.chinese.isEmpty())
+                << shownWindows.chinese.join(" | ").toStdString();
+        }
+        EXPECT_GE(menus.Count(AfxPrompt::MessageBox), 3u);
+        EXPECT_GE(menus.Count(AfxPrompt::PopupMenu), 5u);
+        menus.prompts.clear();
+        shownWindows.chinese.clear();
     }
 }
 
