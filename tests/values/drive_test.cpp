@@ -13,11 +13,11 @@ namespace {
 class OneDrive : public zorhost::sim::DriveDirectory {
 public:
     zorhost::model::CDeviceModule* module = nullptr;
-    zorhost::sim::DriveLink* link = nullptr;
+    std::shared_ptr<zorhost::sim::DriveLink> link;
     zorhost::model::CDeviceModule* FindModule(const CString& key) override {
         return key == "M1" ? module : nullptr;
     }
-    zorhost::sim::DriveLink* FindLink(const CString& key) override {
+    std::shared_ptr<zorhost::sim::DriveLink> FindLink(const CString& key) override {
         return key == "M1" ? link : nullptr;
     }
 };
@@ -26,10 +26,10 @@ class SimulatedDriveCommit : public ValuesTest {
 protected:
     void SetUp() override {
         ValuesTest::SetUp();
-        drive = std::make_unique<zorhost::sim::SimulatedDrive>(device);
+        drive = std::make_shared<zorhost::sim::SimulatedDrive>(device);
         drive->SetConnected(true);
         drives.module = &Module();
-        drives.link = drive.get();
+        drives.link = drive;
         realHelper = std::make_unique<zorhost::CHostDeviceHelper>(drives);
         realHelper->SetEnglish(true);
         services.Register<IHostDeviceHelper>(realHelper.get());
@@ -42,7 +42,7 @@ protected:
     }
 
     OneDrive drives;
-    std::unique_ptr<zorhost::sim::SimulatedDrive> drive;
+    std::shared_ptr<zorhost::sim::SimulatedDrive> drive;
     std::unique_ptr<zorhost::CHostDeviceHelper> realHelper;
     CAfxRecordingResponder prompts;
 };
