@@ -17,24 +17,25 @@ cleanup() {
 }
 trap cleanup EXIT
 
-# Starts a simulator on a free port; prints its port.
+# Starts a simulator on a free port and sets `port` to it.
 start_sim() {
     local out="$work/sim$1"
-    "$build/bin/zordrive-sim" --tcp 127.0.0.1:0 "$2" >"$out" &
+    "$build/bin/zordrive-sim" --tcp 127.0.0.1:0 "$2" >"$out" 2>&1 </dev/null &
     pids+=($!)
+    port=""
     for _ in $(seq 100); do
-        if grep -q '^tcp ' "$out"; then
-            sed -n 's/^tcp .*:\([0-9]*\)$/\1/p' "$out" | head -n1
-            return
-        fi
+        port=$(sed -n 's/^tcp .*:\([0-9]*\)$/\1/p' "$out" | head -n1)
+        [ -n "$port" ] && return
         sleep 0.05
     done
     echo "zordrive-sim did not start" >&2
     exit 1
 }
 
-servo_port=$(start_sim 1 zd3s_servo.json)
-inverter_port=$(start_sim 2 zv5_inverter.json)
+start_sim 1 zd3s_servo.json
+servo_port=$port
+start_sim 2 zv5_inverter.json
+inverter_port=$port
 kill "${pids[1]}"
 wait "${pids[1]}" 2>/dev/null || true
 
