@@ -209,3 +209,68 @@ TEST_F(LinkFaults, TransfersKeepTheWindowTurning) {
     EXPECT_TRUE(host.Transfer().DownloadRecords(nullptr, kKey, records));
     EXPECT_GT(ticks, 1) << "the download held the event loop";
 }
+
+// The window's events run while a single request or a transfer waits for the drive. A
+// project closed from one of them, or a simulator that dies, ends the wait at once with
+// failure rather than after the held answer, and nothing the closed project owned is
+// touched afterwards (the sanitizer builds run this too).
+TEST_F(LinkFaults, AWaitEndsAtOnceWhenTheProjectClosesOrTheDriveDies) {
+    constexpr int kHeld_ms = 2000; // the simulator holds every answer this long
+    IHostDeviceHelper& helper = host.DeviceHelper();
+    const std::uint32_t speed = Address("H02-08");
+    const std::pair<const char*, std::function<bool()>> requests[] = {
+        {"typed write",
+         [&] {
+             Variant taken;
+             std::vector<CString> errors;
+             const BOOL ok = helper.WriteVarDirect(kKey, speed, 18, Variant::UI2(100), taken,
+                                                   errors, 0, 300, 1);
+             EXPECT_EQ(errors.size(), ok ? 0u : 1u) << "a failure says why";
+             return ok != 0;
+         }},
+        {"access login", [&] { return helper.WriteNamedVar(kKey, "InputPassword", 2468) != 0; }},
+        {"recipe read",
+         [&] {
+             double value = 0;
+             return helper.ReadParameter(kKey, speed, value) != 0;
+         }},
+        {"upload",
+         [&] {
+             ends.clear();
+             host.Transfer().UploadModule(nullptr, kKey);
+             return ends.size() != 1 || ends[0];
+         }},
+    };
+    const std::pair<const char*, std::function<void()>> events[] = {
+        {"project closed", [&] { host.CloseProject(); }},
+        {"simulator killed", [&] { sim->Kill(); }},
+    };
+    for (const auto& [eventName, event] : events)
+        for (const auto& [requestName, request] : requests) {
+            SCOPED_TRACE(std::string(requestName) + ", " + eventName);
+            sim->Kill(); // the last one may still hold an answer
+            sim = std::make_unique<SimProcess>(
+                std::vector<std::string>{"--tcp", "127.0.0.1:0", "zd3s_servo.json"});
+            ASSERT_TRUE(sim->Started());
+            zorhost::ProjectSetup setup;
+            zorhost::ModuleSetup& m = setup.modules.emplace_back();
+            m.deviceFile = "zd3s_servo.json";
+            m.key = kKey;
+            m.link = TcpLink(sim->Port());
+            m.link.timeout_ms = 3 * kHeld_ms; // the drive is slow, not gone
+            m.link.retries = 0;
+            ASSERT_TRUE(host.LoadProject(setup));
+            ASSERT_TRUE(host.Module(kKey)->IsOnline());
+            ASSERT_TRUE(sim->Command("latency " + std::to_string(kHeld_ms)));
+            bool fired = false;
+            QTimer::singleShot(50, [&] {
+                fired = true;
+                event();
+            });
+            QElapsedTimer clock;
+            clock.start();
+            EXPECT_FALSE(request());
+            EXPECT_TRUE(fired) << "the window's events did not run while the request waited";
+            EXPECT_LT(clock.elapsed(), kHeld_ms / 2) << "the wait outlasted its link";
+        }
+}

@@ -87,7 +87,7 @@ public:
 
     // sim::DriveDirectory
     model::CDeviceModule* FindModule(const CString& key) override { return Module(key); }
-    sim::DriveLink* FindLink(const CString& key) override;
+    std::shared_ptr<sim::DriveLink> FindLink(const CString& key) override;
 
     // Logs the module in with an access code, as its login box would without a window: a
     // drive that keeps a level of its own (access models 1 and 2) gets the code in its
@@ -142,13 +142,15 @@ public:
 private:
     struct Station {
         CString key;
-        model::CDeviceModule* module = nullptr;     // owned by the project
-        std::unique_ptr<sim::SimulatedDrive> drive; // or
-        std::unique_ptr<link::ModbusLink> modbus;
+        model::CDeviceModule* module = nullptr; // owned by the project
+        // Shared with the requests in flight: see CloseProject.
+        std::shared_ptr<sim::SimulatedDrive> drive; // or
+        std::shared_ptr<link::ModbusLink> modbus;
         std::shared_ptr<const device::DeviceDescription> device;
         link::LinkSettings settings;
     };
     void StartLink(Station& s);
+    void CloseLinks();
     Station* Find(const CString& key);
     const Station* Find(const CString& key) const;
     void RegisterServices();

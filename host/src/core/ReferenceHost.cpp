@@ -159,7 +159,7 @@ bool ReferenceHost::LoadProject(const ProjectSetup& setup, std::string* error) {
         s.device = device;
         s.settings = m.link;
         if (m.link.kind == link::LinkKind::Simulated) {
-            s.drive = std::make_unique<sim::SimulatedDrive>(device);
+            s.drive = std::make_shared<sim::SimulatedDrive>(device);
             s.drive->SetConnected(m.online);
             s.drive->SetRealTime(m_realTime);
         } else {
@@ -182,24 +182,25 @@ bool ReferenceHost::LoadProject(const ProjectSetup& setup, std::string* error) {
 }
 
 void ReferenceHost::StartLink(Station& s) {
-    s.modbus = std::make_unique<link::ModbusLink>(s.device, s.settings);
+    s.modbus = std::make_shared<link::ModbusLink>(s.device, s.settings);
     std::weak_ptr<ReferenceHost*> self = m_self;
     // The worker only posts; the modules follow on the user-interface thread, through
     // every state in its order, so that a drop the link recovers from at once still shows.
-    const link::ModbusLink* modbus = s.modbus.get();
+    std::weak_ptr<link::ModbusLink> weak = s.modbus;
     const CString key = s.key;
-    s.modbus->SetStateListener([self, modbus, key](bool online) {
+    s.modbus->SetStateListener([self, weak, key](bool online) {
         QCoreApplication* app = QCoreApplication::instance();
         if (!app)
             return;
-        AfxQueueCall(app, [self, modbus, key, online] {
-            if (auto host = self.lock()) {
-                Station* station = (*host)->Find(key);
-                if (station && station->modbus.get() == modbus)
-                    station->module->SetOnline(online);
-                if ((*host)->m_linkStateHandler)
-                    (*host)->m_linkStateHandler();
-            }
+        AfxQueueCall(app, [self, weak, key, online] {
+            auto host = self.lock();
+            if (!host)
+                return;
+            Station* station = (*host)->Find(key);
+            if (station && station->modbus && station->modbus == weak.lock())
+                station->module->SetOnline(online);
+            if ((*host)->m_linkStateHandler)
+                (*host)->m_linkStateHandler();
         });
     });
 }
@@ -213,8 +214,18 @@ void ReferenceHost::SetLinkStateHandler(std::function<void()> handler) {
     m_linkStateHandler = std::move(handler);
 }
 
+// A request may be waiting for one of these links further down the stack (this may run
+// from an event handled during the wait): closing ends those waits with failure at once,
+// and their shares keep the link objects until they have returned.
+void ReferenceHost::CloseLinks() {
+    for (Station& s : m_stations)
+        if (s.modbus)
+            s.modbus->Close();
+}
+
 void ReferenceHost::CloseProject() {
-    m_refresh.Quiesce(); // its reads hold the links
+    CloseLinks();
+    m_refresh.Quiesce(); // a refresh read may still be on its way out
     m_scope.Watch(nullptr);
     m_root.Open(nullptr); // the modules go first; the drives have no ties to them
     m_stations.clear();
@@ -255,11 +266,13 @@ sim::SimulatedDrive* ReferenceHost::Drive(const CString& key) {
     return s ? s->drive.get() : nullptr;
 }
 
-sim::DriveLink* ReferenceHost::FindLink(const CString& key) {
+std::shared_ptr<sim::DriveLink> ReferenceHost::FindLink(const CString& key) {
     Station* s = Find(key);
     if (!s)
         return nullptr;
-    return s->modbus ? static_cast<sim::DriveLink*>(s->modbus.get()) : s->drive.get();
+    if (s->modbus)
+        return s->modbus;
+    return s->drive;
 }
 
 sim::LinkResult ReferenceHost::SetRunning(const CString& key, bool running) {
@@ -270,7 +283,8 @@ sim::LinkResult ReferenceHost::SetRunning(const CString& key, bool running) {
     }
     if (!s || !s->modbus)
         return {sim::LinkStatus::Offline};
-    return sim::WriteRaw(*s->modbus, link::kRunRegister, device::DataType::UInt16, running ? 1 : 0,
+    const std::shared_ptr<link::ModbusLink> modbus = s->modbus; // s may go while it waits
+    return sim::WriteRaw(*modbus, link::kRunRegister, device::DataType::UInt16, running ? 1 : 0,
                          s->settings.timeout_ms);
 }
 
@@ -283,6 +297,8 @@ void ReferenceHost::SetOnline(const CString& key, bool online) {
         s->module->SetOnline(s->drive->IsOnline());
     } else if (s->settings.kind != link::LinkKind::Simulated) {
         // Disconnecting a field-bus module closes its link; connecting opens a new one.
+        if (s->modbus)
+            s->modbus->Close();
         m_refresh.Quiesce();
         s->modbus.reset();
         if (online) {

@@ -41,7 +41,7 @@ bool ReferenceHost::EnterAccessCode(const CString& key, const std::string& code,
             const int n = sim::RegisterCount(v.dataType);
             if (n <= 0 || !sim::EncodeRaw(v.dataType, value, std::span(words.data(), size_t(n))))
                 return fail("the access code does not fit the drive's password register");
-            sim::DriveLink* link = FindLink(key);
+            const std::shared_ptr<sim::DriveLink> link = FindLink(key);
             const sim::LinkResult r =
                 link != nullptr
                     ? link->Write(v.address, std::span(words.data(), size_t(n)), kLinkTimeout_ms)
@@ -49,6 +49,10 @@ bool ReferenceHost::EnterAccessCode(const CString& key, const std::string& code,
             if (!r.ok())
                 return fail("the drive did not take the access code: " +
                             sim::LinkResultText(r, true));
+            // The window's events ran during the wait; the project may have closed.
+            if (!Serves(key, link))
+                return fail("the module was closed while the drive took the access code");
+            s = Find(key);
             break;
         }
     }

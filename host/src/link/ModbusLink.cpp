@@ -4,10 +4,16 @@
 
 #include <modbus/modbus.h>
 
+#include <QAbstractEventDispatcher>
+#include <QCoreApplication>
+#include <QThread>
+#include <QTimer>
+
+#include <sys/socket.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <future>
 #include <vector>
 
 namespace zorhost::link {
@@ -30,8 +36,12 @@ const char* LinkKindName(LinkKind kind) {
 struct ModbusLink::Job {
     bool write = false;
     std::uint32_t address = 0;
-    std::vector<std::uint16_t> words;
-    std::promise<LinkResult> done;
+    std::vector<std::uint16_t> words; // the worker's until the job is answered
+    // Under the link's mutex:
+    bool answered = false;
+    bool abandoned = false; // its caller stopped waiting: it need not go out any more
+    LinkResult result;
+    QAbstractEventDispatcher* window = nullptr; // the waiting window thread's event loop
 };
 
 struct ModbusLink::Connection {
@@ -75,12 +85,54 @@ ModbusLink::ModbusLink(std::shared_ptr<const device::DeviceDescription> device,
 }
 
 ModbusLink::~ModbusLink() {
+    Close();
+    m_worker.join();
+}
+
+void ModbusLink::Close() {
     {
         std::lock_guard lock(m_mutex);
+        if (m_closed)
+            return;
+        m_closed = true;
         m_stop = true;
+        m_listener = nullptr;
+        m_online = false;
+        for (auto& job : m_jobs)
+            AnswerLocked(*job, {LinkStatus::Offline});
+        m_jobs.clear();
+        // The waiters see the link closed whether their job was answered or not.
+        for (Job* job : m_waiting)
+            if (job->window)
+                job->window->wakeUp();
+        m_answered.notify_all();
+        // A request on the wire ends now instead of after the drive's answer or the time-out
+        // (TCP; a serial line has no such cut and runs into its time-out).
+        if (m_socket >= 0)
+            ::shutdown(m_socket, SHUT_RDWR);
     }
     m_wake.notify_all();
-    m_worker.join();
+    m_stateSet.notify_all();
+}
+
+bool ModbusLink::Stopping() const {
+    std::lock_guard lock(m_mutex);
+    return m_stop;
+}
+
+void ModbusLink::Answer(Job& job, const LinkResult& result) {
+    std::lock_guard lock(m_mutex);
+    AnswerLocked(job, result);
+}
+
+void ModbusLink::AnswerLocked(Job& job, const LinkResult& result) {
+    if (job.answered)
+        return;
+    job.answered = true;
+    job.result = result;
+    m_answered.notify_all();
+    if (job.window)
+        job.window->wakeUp();
 }
 
 void ModbusLink::SetStateListener(std::function<void(bool online)> listener) {
@@ -115,7 +167,7 @@ void ModbusLink::SetOnline(bool online) {
     std::function<void(bool)> listener;
     {
         std::lock_guard lock(m_mutex);
-        if (m_online.exchange(online) == online)
+        if (m_closed || m_online.exchange(online) == online)
             return;
         listener = m_listener;
     }
@@ -140,24 +192,57 @@ LinkResult ModbusLink::Submit(bool write, std::uint32_t address, std::uint16_t* 
         return LinkResult::Refuse(sim::Refusal::IllegalAddress);
     if (!m_online.load())
         return {LinkStatus::Offline};
+    // Whoever closes the project from an event handled below drops the host's share; this
+    // one keeps the link until the wait is over. Destroyed last, after the answer is taken.
+    const std::shared_ptr<ModbusLink> keep = weak_from_this().lock();
     auto job = std::make_shared<Job>();
     job->write = write;
     job->address = address;
     job->words.assign(words, words + count);
-    std::future<LinkResult> answer = job->done.get_future();
-    {
-        std::lock_guard lock(m_mutex);
-        if (m_stop)
-            return {LinkStatus::Offline};
-        m_jobs.push_back(job);
-    }
-    m_wake.notify_all();
+    QCoreApplication* app = QCoreApplication::instance();
+    QAbstractEventDispatcher* window = app && QThread::currentThread() == app->thread()
+                                           ? QAbstractEventDispatcher::instance()
+                                           : nullptr;
     // The worker answers every job within its tries; the margin covers the queue.
     const auto bound =
         std::chrono::milliseconds(m_settings.timeout_ms * (m_settings.retries + 1) * 2 + 1000);
-    if (answer.wait_for(bound) != std::future_status::ready)
-        return {LinkStatus::Timeout};
-    LinkResult r = answer.get();
+    const auto deadline = std::chrono::steady_clock::now() + bound;
+    std::unique_ptr<QTimer> alarm;
+    if (window) {
+        // Wakes the event loop at the deadline when nothing else does.
+        alarm = std::make_unique<QTimer>();
+        alarm->setSingleShot(true);
+        alarm->start(bound);
+    }
+
+    std::unique_lock lock(m_mutex);
+    if (m_closed)
+        return {LinkStatus::Offline};
+    job->window = window;
+    m_jobs.push_back(job);
+    m_waiting.push_back(job.get());
+    m_wake.notify_all();
+    auto over = [&] { return job->answered || m_closed; };
+    if (window) {
+        // The window keeps handling its events; the worker wakes its loop with the answer.
+        while (!over() && std::chrono::steady_clock::now() < deadline) {
+            lock.unlock();
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+            lock.lock();
+        }
+    } else {
+        m_answered.wait_until(lock, deadline, over);
+    }
+    std::erase(m_waiting, job.get());
+    job->window = nullptr;
+    LinkResult r{LinkStatus::Timeout};
+    if (m_closed)
+        r = {LinkStatus::Offline}; // whatever came back belongs to a project that is gone
+    else if (job->answered)
+        r = job->result;
+    else
+        job->abandoned = true;
+    lock.unlock();
     if (r.ok() && !write)
         std::copy(job->words.begin(), job->words.end(), words);
     return r;
@@ -167,12 +252,15 @@ void ModbusLink::Run() {
     int wait_ms = 0; // the first attempt goes at once
     for (;;) {
         std::shared_ptr<Job> job;
-        std::deque<std::shared_ptr<Job>> orphans;
+        bool orphans = false;
         {
             std::unique_lock lock(m_mutex);
             if (!m_online.load()) {
-                orphans.swap(m_jobs);
-                if (orphans.empty() && wait_ms > 0)
+                orphans = !m_jobs.empty();
+                for (auto& o : m_jobs)
+                    AnswerLocked(*o, {LinkStatus::Offline});
+                m_jobs.clear();
+                if (!orphans && wait_ms > 0)
                     m_wake.wait_for(lock, std::chrono::milliseconds(wait_ms),
                                     [this] { return m_stop; });
             } else {
@@ -180,20 +268,20 @@ void ModbusLink::Run() {
                 if (!m_stop) {
                     job = m_jobs.front();
                     m_jobs.pop_front();
+                    if (job->abandoned)
+                        continue; // its caller has given up on it: it goes nowhere
                 }
             }
             if (m_stop)
                 break;
         }
-        for (auto& o : orphans)
-            o->done.set_value({LinkStatus::Offline});
         if (job) {
             Execute(*job);
             if (!m_online.load())
                 wait_ms = m_settings.reconnectMin_ms;
             continue;
         }
-        if (!orphans.empty())
+        if (orphans)
             continue;
         if (Connect()) {
             wait_ms = m_settings.reconnectMin_ms;
@@ -203,16 +291,26 @@ void ModbusLink::Run() {
                 std::clamp(wait_ms * 2, m_settings.reconnectMin_ms, m_settings.reconnectMax_ms);
         }
     }
-    std::lock_guard lock(m_mutex);
-    for (auto& o : m_jobs)
-        o->done.set_value({LinkStatus::Offline});
-    m_jobs.clear();
+    {
+        std::lock_guard lock(m_mutex);
+        for (auto& o : m_jobs)
+            AnswerLocked(*o, {LinkStatus::Offline});
+        m_jobs.clear();
+        m_online = false;
+    }
+    DropConnection();
+}
+
+void ModbusLink::DropConnection() {
+    {
+        std::lock_guard lock(m_mutex);
+        m_socket = -1; // before the socket closes: Close must never cut a stranger's
+    }
     m_connection.reset();
-    m_online = false;
 }
 
 bool ModbusLink::Connect() {
-    m_connection.reset();
+    DropConnection();
     modbus_t* ctx = nullptr;
     if (m_settings.kind == LinkKind::ModbusTcp)
         ctx = modbus_new_tcp(m_settings.host.c_str(), m_settings.port);
@@ -236,17 +334,19 @@ bool ModbusLink::Connect() {
     if (rc != kLabelRegisters && !IsException(errno))
         return false;
     m_connection = std::move(connection);
+    std::lock_guard lock(m_mutex);
+    m_socket = modbus_get_socket(ctx);
     return true;
 }
 
 void ModbusLink::Disconnect() {
-    m_connection.reset();
+    DropConnection();
     SetOnline(false);
 }
 
 void ModbusLink::Execute(Job& job) {
     if (!m_connection) {
-        job.done.set_value({LinkStatus::Offline});
+        Answer(job, {LinkStatus::Offline});
         return;
     }
     modbus_t* ctx = m_connection->ctx;
@@ -256,6 +356,8 @@ void ModbusLink::Execute(Job& job) {
         SwapToWireOrder(*m_device, job.address, job.words);
     LinkResult result{LinkStatus::Timeout};
     for (int attempt = 0; attempt <= m_settings.retries; ++attempt) {
+        if (attempt > 0 && Stopping())
+            break; // closed: nobody waits for another try
         const int rc = job.write
                            ? modbus_write_registers(ctx, int(job.address), n, job.words.data())
                            : modbus_read_registers(ctx, int(job.address), n, job.words.data());
@@ -273,7 +375,7 @@ void ModbusLink::Execute(Job& job) {
         if (rc == n) {
             if (!job.write)
                 SwapToWireOrder(*m_device, job.address, job.words);
-            job.done.set_value({});
+            Answer(job, {});
             return;
         }
         if (IsException(error)) {
@@ -291,7 +393,7 @@ void ModbusLink::Execute(Job& job) {
                 if (!exact.ok())
                     result = exact;
             }
-            job.done.set_value(result);
+            Answer(job, result);
             return;
         }
         // A garbled answer may be noise (or a late answer to the try before): try again.
@@ -302,7 +404,7 @@ void ModbusLink::Execute(Job& job) {
     // Broken, or silent or garbled through every try: the drive is gone until it answers
     // a request properly again.
     Disconnect();
-    job.done.set_value({LinkStatus::Offline});
+    Answer(job, {LinkStatus::Offline});
 }
 
 } // namespace zorhost::link

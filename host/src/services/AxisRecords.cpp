@@ -11,6 +11,7 @@
 #include "zorhost/model/VarStore.h"
 #include "zorhost/services/HostDeviceHelper.h"
 #include "zorhost/services/HostTransferService.h"
+#include "zorhost/sim/DriveDirectory.h"
 
 #include <cmath>
 #include <set>
@@ -108,6 +109,7 @@ bool WriteAxisRecords(CHostDeviceHelper& helper, IHostDeviceModule* target,
     CString key;
     target->GetModuleKey(key);
     IVarStore* store = target->GetVarList();
+    const std::shared_ptr<sim::DriveLink> link = helper.Drives().FindLink(key);
     bool ok = true;
     for (IRWDataItem* row : rows) {
         if (row == nullptr)
@@ -121,8 +123,12 @@ bool WriteAxisRecords(CHostDeviceHelper& helper, IHostDeviceModule* target,
                                    CHostTransferService::kTimeout_ms,
                                    CHostTransferService::kTries)) {
             ok = false;
+            if (link && !helper.Drives().Serves(key, link))
+                break; // closed while the write waited: the module and its rows are gone
             continue;
         }
+        if (link && !helper.Drives().Serves(key, link))
+            return false;
         // The host's variable shows what the drive took, as after a read.
         if (var != nullptr)
             static_cast<model::CVarObj*>(var)->StoreRead(taken);

@@ -168,7 +168,7 @@ DataType CHostDeviceHelper::TypeAt(model::CDeviceModule* module, UINT address) {
 
 sim::LinkResult CHostDeviceHelper::Read(const CString& moduleKey, UINT address, DataType type,
                                         double& raw, int timeout_ms, int tries) {
-    sim::DriveLink* link = m_drives.FindLink(moduleKey);
+    const std::shared_ptr<sim::DriveLink> link = m_drives.FindLink(moduleKey);
     if (!link)
         return {sim::LinkStatus::Offline};
     sim::LinkResult r;
@@ -182,7 +182,7 @@ sim::LinkResult CHostDeviceHelper::Read(const CString& moduleKey, UINT address, 
 
 sim::LinkResult CHostDeviceHelper::Write(const CString& moduleKey, UINT address, DataType type,
                                          double raw, int timeout_ms, int tries) {
-    sim::DriveLink* link = m_drives.FindLink(moduleKey);
+    const std::shared_ptr<sim::DriveLink> link = m_drives.FindLink(moduleKey);
     if (!link)
         return {sim::LinkStatus::Offline};
     sim::LinkResult r;
@@ -242,7 +242,8 @@ BOOL CHostDeviceHelper::WriteVarDirect(const CString& moduleKey, UINT address, i
         module ? Write(moduleKey, address, DataType(dataType), raw, timeout_ms, tries)
                : sim::LinkResult{sim::LinkStatus::Offline};
     if (!r.ok()) {
-        errors.push_back(FailureText(module, address, r));
+        // Found again: the project may have closed while the request waited.
+        errors.push_back(FailureText(m_drives.FindModule(moduleKey), address, r));
         return 0;
     }
     result = RawToVariant(DataType(dataType), raw); // the drive echoes what it took

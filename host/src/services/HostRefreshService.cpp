@@ -59,7 +59,7 @@ std::size_t CHostRefreshService::ListenerCount() const {
 
 int CHostRefreshService::ReadQuery(const Pending& query) {
     model::CDeviceModule* module = m_drives.FindModule(query.moduleKey);
-    sim::DriveLink* link = m_drives.FindLink(query.moduleKey);
+    const std::shared_ptr<sim::DriveLink> link = m_drives.FindLink(query.moduleKey);
     if (!module || !link || !module->IsOnline())
         return 0;
     if (link->ReadBlockLimit() > 1) {
@@ -96,7 +96,7 @@ int CHostRefreshService::StoreRemoteResults() {
     for (const RefreshWorker::Result& result : m_remote.TakeResults()) {
         const CString key(result.key);
         model::CDeviceModule* module = m_drives.FindModule(key);
-        if (!module || !module->IsOnline() || m_drives.FindLink(key) != result.link)
+        if (!module || !module->IsOnline() || m_drives.FindLink(key).get() != result.link)
             continue;
         for (const RefreshWorker::Value& v : result.values)
             if (IVarObjEx* var = module->Store().FindByAddress(v.address)) {

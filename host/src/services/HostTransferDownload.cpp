@@ -68,7 +68,7 @@ BOOL CHostTransferService::DownloadRecords(HWND, const CString& moduleKey,
         AnnounceDownload(moduleKey, false);
         return 0;
     }
-    sim::DriveLink* link = m_drives.FindLink(moduleKey);
+    const std::shared_ptr<sim::DriveLink> link = m_drives.FindLink(moduleKey);
     const int total = int(records.size());
     if (m_progress && total > 0)
         m_progress->Begin(moduleKey, total);
@@ -111,15 +111,25 @@ BOOL CHostTransferService::DownloadRecords(HWND, const CString& moduleKey,
     }
 
     bool offline = link == nullptr;
+    // The window's events run while a write or the progress display waits; once one of
+    // them has closed the project the module is gone, and the rest fail untried.
+    auto closed = [&] {
+        if (link && module && !m_drives.Serves(moduleKey, link)) {
+            module = nullptr;
+            offline = true;
+        }
+    };
     for (std::size_t b = 0; b < blocks.size(); ++b) {
         const std::span block(values.data() + blocks[b].first, blocks[b].last - blocks[b].first);
         std::vector<link::WriteFailure> failed;
+        closed();
         if (offline) {
             // Nothing more reaches a drive that dropped; the rest fail without a try.
             for (const link::ParameterValue& v : block)
                 failed.push_back({v.address, {sim::LinkStatus::Offline}});
         } else {
-            Await(link, [&] { failed = link::WriteInBlocks(*link, block, kTimeout_ms, kTries); });
+            failed = link::WriteInBlocks(*link, block, kTimeout_ms, kTries);
+            closed();
         }
         for (const link::WriteFailure& f : failed) {
             m_failures.push_back({f.address, m_helper.FailureText(module, f.address, f.result)});

@@ -22,14 +22,6 @@ void CHostTransferService::SetEndNotifier(EndNotifier notifier) {
     m_notifier = std::move(notifier);
 }
 
-void CHostTransferService::Await(sim::DriveLink* link, const std::function<void()>& request) {
-    // A link that pays per request is a field bus: its answers may take their time.
-    if (link && link->ReadBlockLimit() > 1)
-        m_caller.Call(request);
-    else
-        request();
-}
-
 void CHostTransferService::AnnounceUpload(const CString& moduleKey, bool success) {
     ++m_uploadsEnded;
     if (m_notifier)
@@ -38,10 +30,11 @@ void CHostTransferService::AnnounceUpload(const CString& moduleKey, bool success
 
 // Neighbouring parameters are read in blocks where the link pays per request; a block the
 // drive refuses is read again parameter by parameter, so that exactly the parameters it
-// refuses fail.
+// refuses fail. The window's events run while a request or the progress display waits; a
+// project closed from one of them ends the upload before it touches the module again.
 bool CHostTransferService::ReadVars(const CString& moduleKey, const std::vector<IVarObjEx*>& vars) {
     model::CDeviceModule* module = m_drives.FindModule(moduleKey);
-    sim::DriveLink* link = m_drives.FindLink(moduleKey);
+    const std::shared_ptr<sim::DriveLink> link = m_drives.FindLink(moduleKey);
     if (!module || !link || !link->IsOnline())
         return false;
     const int total = int(vars.size());
@@ -96,7 +89,7 @@ bool CHostTransferService::ReadVars(const CString& moduleKey, const std::vector<
         ++done;
         if (m_stepHook)
             m_stepHook(done, total);
-        if (m_progress && !m_progress->Advance(done)) {
+        if ((m_progress && !m_progress->Advance(done)) || !m_drives.Serves(moduleKey, link)) {
             ok = false;
             stop = true;
         }
@@ -113,13 +106,11 @@ bool CHostTransferService::ReadVars(const CString& moduleKey, const std::vector<
         if (block.last - block.first > 1) {
             sim::LinkResult r;
             words.assign(std::size_t(block.count), 0);
-            Await(link, [&] {
-                for (int t = 0; t < kTries; ++t) {
-                    r = link->Read(block.address, words, kTimeout_ms);
-                    if (!r.transient())
-                        break;
-                }
-            });
+            for (int t = 0; t < kTries; ++t) {
+                r = link->Read(block.address, words, kTimeout_ms);
+                if (!r.transient())
+                    break;
+            }
             if (r.status == sim::LinkStatus::Offline) {
                 ok = false;
                 break; // nothing more will come from this drive
@@ -136,13 +127,11 @@ bool CHostTransferService::ReadVars(const CString& moduleKey, const std::vector<
             } else {
                 double raw = 0;
                 sim::LinkResult one;
-                Await(link, [&] {
-                    for (int t = 0; t < kTries; ++t) {
-                        one = sim::ReadRaw(*link, ranges[k].address, item.type, raw, kTimeout_ms);
-                        if (!one.transient())
-                            break;
-                    }
-                });
+                for (int t = 0; t < kTries; ++t) {
+                    one = sim::ReadRaw(*link, ranges[k].address, item.type, raw, kTimeout_ms);
+                    if (!one.transient())
+                        break;
+                }
                 if (one.status == sim::LinkStatus::Offline) {
                     ok = false;
                     stop = true;

@@ -76,7 +76,7 @@ void RefreshWorker::Run() {
 // Neighbouring registers go in one block read; a block the drive refuses is read again
 // item by item, so that one refused address costs only its own value.
 RefreshWorker::Result RefreshWorker::Read(Batch& batch) {
-    Result result{batch.key, batch.link, {}};
+    Result result{batch.key, batch.link.get(), {}};
     sim::DriveLink& link = *batch.link;
     std::vector<Item>& items = batch.items;
     std::stable_sort(items.begin(), items.end(),

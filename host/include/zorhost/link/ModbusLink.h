@@ -2,9 +2,14 @@
 //
 // One worker thread owns the connection: it connects, reconnects with back-off and carries
 // every request. Callers on any thread hand their request over and wait for its answer,
-// never longer than the link's time-out times its tries. A link that is down answers at
-// once with Offline; the worker keeps trying to come back. A connection counts as up once
-// the drive has answered a read of its electronic label.
+// never longer than the link's time-out times its tries; the thread that runs the window
+// keeps handling its events while it waits. A link that is down answers at once with
+// Offline; the worker keeps trying to come back. A connection counts as up once the drive
+// has answered a read of its electronic label.
+//
+// The host shares the link with the requests in flight: an event handled during a wait may
+// close the project. Close() ends every wait at once with Offline and cuts the request on
+// the wire short; the last owner's destructor then only joins a worker that is ending.
 #pragma once
 
 #include "zorhost/device/DeviceDescription.h"
@@ -19,6 +24,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 namespace zorhost::link {
 
@@ -29,7 +35,7 @@ struct LinkTraffic {
     std::uint64_t bytesIn = 0;
 };
 
-class ModbusLink : public sim::DriveLink {
+class ModbusLink : public sim::DriveLink, public std::enable_shared_from_this<ModbusLink> {
 public:
     ModbusLink(std::shared_ptr<const device::DeviceDescription> device, LinkSettings settings);
     ~ModbusLink() override;
@@ -50,6 +56,10 @@ public:
     int ReadBlockLimit() const override;
     int WriteBlockLimit() const override;
 
+    // Ends the link for good: every caller still waiting gets Offline at once, and so does
+    // every later request; the state listener is not called again. Any thread.
+    void Close();
+
     // Waits until the link is up or `timeout_ms` passed; true when up.
     bool WaitOnline(int timeout_ms) const;
     LinkTraffic Traffic() const;
@@ -60,8 +70,12 @@ private:
     void Run();
     bool Connect();
     void Disconnect();
+    void DropConnection();
     void Execute(Job& job);
+    bool Stopping() const;
     sim::LinkResult Submit(bool write, std::uint32_t address, std::uint16_t* words, int count);
+    void Answer(Job& job, const sim::LinkResult& result);
+    void AnswerLocked(Job& job, const sim::LinkResult& result);
     void SetOnline(bool online);
 
     std::shared_ptr<const device::DeviceDescription> m_device;
@@ -71,8 +85,12 @@ private:
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_wake;     // the worker: a job, or stop
     mutable std::condition_variable m_stateSet; // WaitOnline
+    std::condition_variable m_answered;         // callers waiting off the window thread
     std::deque<std::shared_ptr<Job>> m_jobs;
+    std::vector<Job*> m_waiting; // jobs whose callers wait for them
+    int m_socket = -1;           // the connection's, for Close to cut a request short
     bool m_stop = false;
+    bool m_closed = false;
     std::atomic<bool> m_online{false};
     LinkTraffic m_traffic;
 

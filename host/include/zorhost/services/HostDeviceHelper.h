@@ -58,6 +58,8 @@ public:
                          int timeout_ms, int tries);
     sim::LinkResult Write(const CString& moduleKey, UINT address, device::DataType type, double raw,
                           int timeout_ms, int tries);
+    // The modules and their links, as the requests above find them.
+    sim::DriveDirectory& Drives() { return m_drives; }
     // "H06-03: <reason>", or the reason alone when no parameter lies at `address`.
     CString FailureText(model::CDeviceModule* module, UINT address,
                         const sim::LinkResult& result) const;

@@ -1,13 +1,12 @@
 // Bulk transfers between the drives and the host's variables (IHostTransferService).
 // Each transfer runs to its end inside the call, with the host's own progress display
 // when one is installed, and ends with the upload-finished event, whatever happened on the
-// way: a drive that fails or goes offline ends it with success 0. The requests to a drive
-// on a field bus go out from a thread of their own while the window's events are handled.
+// way: a drive that fails or goes offline ends it with success 0. A request to a drive on a
+// field bus goes out from the link's worker while the window's events are handled.
 #pragma once
 
 #include "module/host/HostFwd.h"
 #include "module/host/IHostTransferService.h"
-#include "zorhost/services/OffThreadCaller.h"
 
 #include <functional>
 #include <mutex>
@@ -105,8 +104,6 @@ private:
     // Reads `vars` from the drive into themselves; false when any read failed, the drive
     // went offline or the user cancelled.
     bool ReadVars(const CString& moduleKey, const std::vector<IVarObjEx*>& vars);
-    // Runs a request to `link`; on a field bus off this thread (see OffThreadCaller).
-    void Await(sim::DriveLink* link, const std::function<void()>& request);
     void AnnounceUpload(const CString& moduleKey, bool success);
     void AnnounceDownload(const CString& moduleKey, bool success);
 
@@ -123,7 +120,6 @@ private:
     mutable std::mutex m_levelMutex;
     std::vector<std::pair<CString, int>> m_levels;
     std::vector<CString> m_lastAxisErrors;
-    OffThreadCaller m_caller; // last: its thread ends first
 };
 
 } // namespace zorhost

@@ -10,6 +10,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <mutex>
 #include <set>
 #include <string>
@@ -35,7 +36,7 @@ public:
     };
     struct Batch {
         std::string key;
-        sim::DriveLink* link = nullptr; // must outlive the batch: see Quiesce
+        std::shared_ptr<sim::DriveLink> link;
         std::vector<Item> items;
     };
     struct Result {
@@ -53,8 +54,8 @@ public:
     bool Submit(Batch batch);
     // The results that came back since the last call, oldest first.
     std::vector<Result> TakeResults();
-    // Drops what is queued and returns once no read is running, so that the links may go.
-    // Bounded by one request's time-out on each link.
+    // Drops what is queued and returns once no read is running. Bounded by one request's
+    // time-out on each link; at once for links that were closed before.
     void Quiesce();
 
 private:
