@@ -243,9 +243,10 @@ void CVarTablePageBase::CollectShown(std::vector<IVarObjEx*>& list) const {
 
 // ---------------------------------------------------------------- refresh
 void CVarTablePageBase::RepaintList() {
+    // Values change a few cells at a time; only those are painted again.
     CListCtrlEx& list = GetList();
     if (list.GetSafeHwnd() != nullptr)
-        list.Invalidate(FALSE);
+        list.InvalidateChangedCells();
 }
 
 void CVarTablePageBase::AddRefreshItem(IHostRefreshQuery* query, UINT address, int type,
