@@ -16,6 +16,7 @@
 #include "module/host/IVarCatalog.h"
 #include "module/host/IVarObjEx.h"
 #include "module/host/IVarStore.h"
+#include "table/GroupMembership.h"
 #include "table/TableResources.h"
 #include "table/VarTable.h"
 #include "values/ValueText.h"
@@ -137,19 +138,9 @@ int CMultiSelectVarDialog::TreeLevel() const {
 BOOL CMultiSelectVarDialog::IsGroupShown(IGroupNode* group, IHostDeviceModule* module, int level) {
     if (group == nullptr || module == nullptr || m_pStore == nullptr)
         return FALSE;
-    if (group->GetAccessLevel() > level || !group->IsGroupVisible() || group->IsGroupFixed())
-        return FALSE;
-    for (int i = 0; i < group->GetMemberCount(); ++i) {
-        CString key;
-        if (!group->GetMemberAt(i, key))
-            continue;
-        IVarObjEx* var = m_pStore->FindByCode(key);
-        IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
-        if (attr != nullptr && !attr->IsFixed() && attr->IsTransferable() &&
-            attr->GetAccessLevel() <= level && attr->GetModifyMode() != MODIFY_NOT_TRANSFERRED)
-            return TRUE;
-    }
-    return FALSE;
+    std::vector<IVarObjEx*> members;
+    CGroupMembership::Resolve(group, m_pStore, members);
+    return CGroupMembership::IsGroupShown(group, members, level);
 }
 
 HTREEITEM CMultiSelectVarDialog::InsertRecordItem(const CString& text, int image, HTREEITEM parent,
@@ -241,11 +232,10 @@ void CMultiSelectVarDialog::OfferLeft(IVarObjEx* var, int level) {
 void CMultiSelectVarDialog::WalkGroup(IGroupNode* group, int level) {
     if (group == nullptr)
         return;
-    for (int i = 0; i < group->GetMemberCount(); ++i) {
-        CString key;
-        if (group->GetMemberAt(i, key))
-            OfferLeft(m_pStore->FindByCode(key), level);
-    }
+    std::vector<IVarObjEx*> members;
+    CGroupMembership::Resolve(group, m_pStore, members);
+    for (IVarObjEx* var : members)
+        OfferLeft(var, level);
     for (int i = 0; i < group->GetChildCount(); ++i)
         WalkGroup(group->GetChildAt(i), level);
 }

@@ -22,6 +22,7 @@
 #include "module/host/IVarCatalog.h"
 #include "module/host/IVarObjEx.h"
 #include "module/host/IVarStore.h"
+#include "table/VarCollector.h"
 #include "table/VarTable.h"
 
 CVarTablePageBase::CVarTablePageBase(UINT nIDTemplate, BOOL firstPage)
@@ -50,12 +51,11 @@ void CVarTablePageBase::ShowAxis(IHostAxis* axis, IVarStore* varList) {
     m_shownVars.RemoveAll();
     m_groupVars.RemoveAll();
     IGroupSet* set = axis != nullptr ? axis->GetGroupSet() : nullptr;
-    if (m_pTable != nullptr && set != nullptr && varList != nullptr) {
-        const int level = m_pTable->GetAccessLevel();
-        for (int i = 0; i < set->GetCount(); ++i)
-            if (IGroupNode* group = set->GetAt(i))
-                WalkGroup(group, varList, level);
-    }
+    if (set != nullptr)
+        WalkGroups(varList, TRUE, [set](const std::function<void(IGroupNode*)>& visit) {
+            for (int i = 0; i < set->GetCount(); ++i)
+                visit(set->GetAt(i));
+        });
     FinishCollection(FALSE, TRUE);
 }
 
@@ -63,18 +63,18 @@ void CVarTablePageBase::ShowCategory(IGroupCategory* category, IVarStore* varLis
     m_shownVars.RemoveAll();
     m_groupVars.RemoveAll();
     IGroupSet* root = varList != nullptr ? varList->GetGroupRoot(0) : nullptr;
-    if (m_pTable != nullptr && category != nullptr && root != nullptr) {
-        const int level = m_pTable->GetAccessLevel();
-        for (int i = 0; i < category->GetChildCount(); ++i) {
-            IGroupNode* child = category->GetChildAt(i);
-            if (child == nullptr)
-                continue;
-            CString name;
-            child->GetName(name);
-            if (IGroupNode* group = root->FindByName(name))
-                WalkGroup(group, varList, level);
-        }
-    }
+    if (category != nullptr && root != nullptr)
+        WalkGroups(varList, TRUE, [category, root](const std::function<void(IGroupNode*)>& visit) {
+            for (int i = 0; i < category->GetChildCount(); ++i) {
+                IGroupNode* child = category->GetChildAt(i);
+                if (child == nullptr)
+                    continue;
+                CString name;
+                child->GetName(name);
+                if (IGroupNode* group = root->FindByName(name))
+                    visit(group);
+            }
+        });
     FinishCollection(FALSE, TRUE);
 }
 
@@ -131,56 +131,39 @@ void CVarTablePageBase::Collect(IVarStore* varList, BOOL all) {
 }
 
 void CVarTablePageBase::WalkAll(IVarStore* varList) {
+    WalkGroups(varList, TRUE, [varList](const std::function<void(IGroupNode*)>& visit) {
+        CVarCollector::ForEachDeviceGroup(varList, visit);
+    });
+}
+
+void CVarTablePageBase::WalkGroup(IGroupNode* group, IVarStore* varList, int) {
+    // Perhaps one of the user's groups: its members are resolved now, not kept.
+    WalkGroups(varList, FALSE,
+               [group](const std::function<void(IGroupNode*)>& visit) { visit(group); });
+}
+
+void CVarTablePageBase::WalkGroups(
+    IVarStore* varList, BOOL device,
+    const std::function<void(const std::function<void(IGroupNode*)>&)>& groups) {
     if (m_pTable == nullptr || varList == nullptr)
         return;
     const int level = m_pTable->GetAccessLevel();
-    if (IGroupSet* root = varList->GetGroupRoot(0))
-        for (int i = 0; i < root->GetCount(); ++i)
-            if (IGroupNode* group = root->GetAt(i))
-                WalkGroup(group, varList, level);
-    IHostAxisList* axes = varList->GetAxisList();
-    if (axes == nullptr || !axes->IsValid())
-        return;
-    for (int a = 0; a < axes->GetCount(); ++a) {
-        IHostAxis* axis = axes->GetAt(a);
-        IGroupSet* set = axis != nullptr ? axis->GetGroupSet() : nullptr;
-        if (set == nullptr)
-            continue;
-        for (int i = 0; i < set->GetCount(); ++i)
-            if (IGroupNode* group = set->GetAt(i))
-                WalkGroup(group, varList, level);
+    const BOOL line13 =
+        !m_bFirstPage && level == 0 && m_pTable->IsProductLine13(m_pTable->GetModule());
+    CGroupMembership own;
+    CGroupMembership* membership = &m_pTable->Membership();
+    if (membership->GetStore() != varList) {
+        own.SetStore(varList);
+        membership = &own;
+        device = FALSE;
     }
-}
-
-void CVarTablePageBase::WalkGroup(IGroupNode* group, IVarStore* varList, int level) {
-    if (group->GetAccessLevel() > level || !group->IsGroupVisible())
-        return;
-    if (m_bFirstPage && group->IsGroupFixed())
-        return;
-    const int members = group->GetMemberCount();
-    for (int i = 0; i < members; ++i) {
-        CString key;
-        if (!group->GetMemberAt(i, key))
-            continue;
-        IVarObjEx* var = varList->FindByCode(key);
-        IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
-        if (attr == nullptr || !attr->IsTransferable() || attr->GetAccessLevel() > level)
-            continue;
-        if (m_bFirstPage && (attr->IsFixed() || attr->GetModifyMode() == MODIFY_NOT_TRANSFERRED))
-            continue;
-        if (!m_bFirstPage && level == 0 && attr->IsHiddenForUser() && m_pTable != nullptr &&
-            m_pTable->IsProductLine13(m_pTable->GetModule())) {
-            // Held back at the lowest level; it stays at level 3 until the attributes
-            // are reloaded.
-            attr->SetAccessLevel(3);
-            continue;
-        }
+    CVarCollector collector(*membership, level, line13, device);
+    IVarCatalog* catalog = m_pTable->GetRowCatalog();
+    const auto row = [&](IVarObjEx* var, IVarAttr* attr) {
         if (PassesFilter(var, attr))
-            AddRow(var, TRUE);
-    }
-    for (int i = 0; i < group->GetChildCount(); ++i)
-        if (IGroupNode* child = group->GetChildAt(i))
-            WalkGroup(child, varList, level);
+            AddRow(var, attr, TRUE, catalog, level);
+    };
+    groups([&](IGroupNode* group) { collector.WalkPageRows(group, m_bFirstPage, row); });
 }
 
 BOOL CVarTablePageBase::PassesFilter(IVarObjEx* var, IVarAttr* attr) const {
@@ -212,8 +195,13 @@ BOOL CVarTablePageBase::PassesFilter(IVarObjEx* var, IVarAttr* attr) const {
 
 void CVarTablePageBase::AddRow(IVarObjEx* var, BOOL toGroup) {
     IVarAttr* attr = var->GetAttr();
-    if (m_pTable == nullptr || attr == nullptr ||
-        attr->GetAccessLevel() > m_pTable->GetAccessLevel() || !m_pTable->IsCatalogVar(var))
+    if (m_pTable != nullptr && attr != nullptr)
+        AddRow(var, attr, toGroup, m_pTable->GetRowCatalog(), m_pTable->GetAccessLevel());
+}
+
+void CVarTablePageBase::AddRow(IVarObjEx* var, IVarAttr* attr, BOOL toGroup, IVarCatalog* catalog,
+                               int level) {
+    if (attr->GetAccessLevel() > level || !CVarCollector::IsCatalogVar(catalog, var))
         return;
     m_shownVars.Add(var, var);
     if (toGroup)
@@ -239,9 +227,10 @@ void CVarTablePageBase::CollectShown(std::vector<IVarObjEx*>& list) const {
 
 // ---------------------------------------------------------------- refresh
 void CVarTablePageBase::RepaintList() {
+    // Values change a few cells at a time; only those are painted again.
     CListCtrlEx& list = GetList();
     if (list.GetSafeHwnd() != nullptr)
-        list.Invalidate(FALSE);
+        list.InvalidateChangedCells();
 }
 
 void CVarTablePageBase::AddRefreshItem(IHostRefreshQuery* query, UINT address, int type,

@@ -12,10 +12,12 @@
 #include "pages/ListCtrlEx.h"
 #include "pages/SearchIndex.h"
 #include "pages/SearcherComboBox.h"
+#include "pages/VarRowList.h"
 #include "table/StackedDialog.h"
 
 #include <afx/afxcmn.h>
 
+#include <functional>
 #include <vector>
 
 // Colours of the list.
@@ -77,7 +79,7 @@ public:
     // The current value column of the layout in use.
     int GetCurrentValueColumn() const;
     const CTemplateList<IVarObjEx*, IVarObjEx*>& GetLinkedVars() const { return m_linkedVars; }
-    const CTemplateList<IVarObjEx*, IVarObjEx*>& GetGroupVars() const { return m_groupVars; }
+    const CVarRowList& GetGroupVars() const { return m_groupVars; }
     const std::vector<int>& GetColumnWidths() const { return m_columnWidths; }
 
     virtual CListCtrlEx& GetList() = 0;
@@ -185,8 +187,8 @@ protected:
     void OpenConnectorDialog(int row, int column);
     CString LinkedLimitText(IVarObjEx* var, BOOL max);
 
-    CTemplateList<IVarObjEx*, IVarObjEx*> m_shownVars;
-    CTemplateList<IVarObjEx*, IVarObjEx*> m_groupVars;
+    CVarRowList m_shownVars;
+    CVarRowList m_groupVars;
     CTemplateList<IVarObjEx*, IVarObjEx*> m_linkedVars;
     CTemplateList<CString, CSearchObj*> m_searchHistory;
     int m_listFilter = LIST_FILTER_ALL;
@@ -205,11 +207,15 @@ private:
     void Collect(IVarStore* varList, BOOL all);
     void WalkAll(IVarStore* varList);
     void WalkGroup(IGroupNode* group, IVarStore* varList, int level);
+    // Walks `groups(visit)` with the page's rules; `device`: the groups are the device's.
+    void WalkGroups(IVarStore* varList, BOOL device,
+                    const std::function<void(const std::function<void(IGroupNode*)>&)>& groups);
     BOOL PassesFilter(IVarObjEx* var, IVarAttr* attr) const;
     // The column whose header bears `label`, stored or translated; -1 for none.
     int ColumnOfLabel(const char* label);
     void ShowCustomGroupRows(IGroupNode* group, IVarStore* store);
     void AddRow(IVarObjEx* var, BOOL toGroup);
+    void AddRow(IVarObjEx* var, IVarAttr* attr, BOOL toGroup, IVarCatalog* catalog, int level);
     void FinishCollection(BOOL setTotal, BOOL postCount);
     void AddRefreshItem(IHostRefreshQuery* query, UINT address, int type, int length);
 };

@@ -1,4 +1,5 @@
 #include "table/VarTable.h"
+#include "table/VarCollector.h"
 
 #include "module/LocalResource.h"
 #include "module/ParmiraApp.h"
@@ -187,18 +188,25 @@ void CVarTable::ShowDescribedText() {
     RecalcLayout();
 }
 
-BOOL CVarTable::IsCatalogVar(IVarObjEx* var) {
-    if (var == nullptr || m_pModule == nullptr)
-        return FALSE;
+IVarCatalog* CVarTable::GetRowCatalog() {
+    if (m_pModule == nullptr)
+        return nullptr;
     IHostProject* project = theApp.GetProject();
     IHostWorkspace* workspace = project != nullptr ? project->GetWorkspace() : nullptr;
     if (workspace == nullptr || workspace->GetModuleList() == nullptr)
-        return FALSE;
-    IVarCatalog* catalog = m_pModule->GetVarCatalog();
-    if (catalog == nullptr)
-        return FALSE;
-    IVarAttr* attr = catalog->FindAttrByAddress(var->GetInstanceAddress());
-    return attr != nullptr && attr->IsTransferable() ? TRUE : FALSE;
+        return nullptr;
+    return m_pModule->GetVarCatalog();
+}
+
+BOOL CVarTable::IsCatalogVar(IVarObjEx* var) {
+    return var != nullptr ? CVarCollector::IsCatalogVar(GetRowCatalog(), var) : FALSE;
+}
+
+CGroupMembership& CVarTable::Membership() {
+    IVarStore* store = GetVarList();
+    if (store != m_membership.GetStore())
+        m_membership.SetStore(store);
+    return m_membership;
 }
 
 void CVarTable::ApplyAccessLevel(IHostDeviceModule* module, int level) {

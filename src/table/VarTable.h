@@ -9,6 +9,7 @@
 #include "module/host/IMessage_LanguageChanged.h"
 #include "module/host/IMessage_ModuleUploadEvent.h"
 #include "module/host/IRefreshQueryEvent.h"
+#include "table/GroupMembership.h"
 #include "table/StackedDialog.h"
 #include "table/TableSplitter.h"
 
@@ -122,6 +123,10 @@ public:
     void ReloadModule();
     // True when the module's catalog knows the variable's address as transferable.
     BOOL IsCatalogVar(IVarObjEx* var);
+    // The catalogue that IsCatalogVar looks in; null when it would refuse every row.
+    IVarCatalog* GetRowCatalog();
+    // The members of the device's groups, resolved once per store and tree build.
+    CGroupMembership& Membership();
     // The page of the current list style when it has a window, else null.
     CVarTablePage* GetStylePage() const;
     CVarTablePage* GetPage1() const { return m_pPage1; }
@@ -286,15 +291,9 @@ private:
         UINT expanded = 0;
     };
 
-    struct UniqueVarList {
-        std::vector<IVarObjEx*> order;
-        std::set<IVarObjEx*> seen;
-    };
-
     static UINT RefreshWorker(void* arg);
     CVarTablePage* NewPage(int style);
     BOOL IsInSubtree(HTREEITEM item, HTREEITEM top) const;
-    void GatherGroupVars(IGroupNode* group, UniqueVarList& found, BOOL line13, int level);
     void OnRefreshTick();
     void OnRefreshQueryMessage();
     void StartWorker();
@@ -339,6 +338,7 @@ private:
     COldProtocolDeviceAgent* oldProtocolDevices = nullptr;
     COldProtocolDeviceAgent* halfDuplexDevices = nullptr;
     IHostDeviceModule* m_pModule = nullptr;
+    CGroupMembership m_membership;
     IHostWorkspace* m_pWorkspace = nullptr;
     IGroupNode* m_pCurrentGroup = nullptr;
     CParmiraDialog* m_pPanel = nullptr;

@@ -20,8 +20,7 @@
 #include "module/host/IVarObjEx.h"
 #include "module/host/IVarStore.h"
 #include "table/TableResources.h"
-
-#include <set>
+#include "table/VarCollector.h"
 
 namespace {
 
@@ -54,46 +53,10 @@ BOOL HasModuleList() {
     return workspace != nullptr && workspace->GetModuleList() != nullptr;
 }
 
-BOOL IsFactoryGroupName(const CString& name) {
-    return name == "H00" || name == "H01";
-}
-
-// Insertion order without doubles.
-struct UniqueVars {
-    std::vector<IVarObjEx*> order;
-    std::set<IVarObjEx*> seen;
-    void Add(IVarObjEx* var) {
-        if (seen.insert(var).second)
-            order.push_back(var);
-    }
-};
-
 } // namespace
 
 BOOL CVarTable::IsGroupShown(IGroupNode* group) {
-    if (group == nullptr)
-        return FALSE;
-    const int level = GetAccessLevel();
-    if (group->GetAccessLevel() > level)
-        return FALSE;
-    if (!group->IsGroupVisible() || group->IsGroupFixed())
-        return FALSE;
-    IVarStore* store = GetVarList();
-    if (store == nullptr)
-        return FALSE;
-    for (int i = 0; i < group->GetMemberCount(); ++i) {
-        CString key;
-        if (!group->GetMemberAt(i, key))
-            continue;
-        IVarObjEx* var = store->FindByCode(key);
-        IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
-        if (attr == nullptr)
-            continue;
-        if (!attr->IsFixed() && attr->IsTransferable() && attr->GetAccessLevel() <= level &&
-            attr->GetModifyMode() != MODIFY_NOT_TRANSFERRED)
-            return TRUE;
-    }
-    return FALSE;
+    return Membership().IsGroupShown(group, GetAccessLevel());
 }
 
 HTREEITEM CVarTable::InsertRecordItem(const CString& text, int image, HTREEITEM parent, int kind,
@@ -124,6 +87,8 @@ HTREEITEM CVarTable::AddGroupItem(IGroupNode* group, HTREEITEM parent, BOOL filt
 }
 
 void CVarTable::BuildTree() {
+    // A new tree follows a reload or a change of level: members are resolved afresh.
+    m_membership.Drop();
     if (m_tree.GetSafeHwnd() == nullptr)
         return;
     IHostUiService* ui = theApp.GetUiService();
@@ -298,68 +263,22 @@ BOOL CVarTable::IsInModifiedSubtree(HTREEITEM item) const {
 
 // ---------------------------------------------------------------- collection
 
-void CVarTable::GatherGroupVars(IGroupNode* group, UniqueVarList& found, BOOL line13, int level) {
-    IVarStore* store = GetVarList();
-    if (group == nullptr || m_pModule == nullptr || store == nullptr || !group->IsGroupVisible() ||
-        group->GetAccessLevel() > level)
-        return;
-    for (int i = 0; i < group->GetMemberCount(); ++i) {
-        CString key;
-        if (!group->GetMemberAt(i, key))
-            continue;
-        IVarObjEx* var = store->FindByCode(key);
-        IVarAttr* attr = var != nullptr ? var->GetAttr() : nullptr;
-        if (attr == nullptr || attr->GetAccessLevel() > level)
-            continue;
-        if (level == 0 && attr->IsHiddenForUser() && line13)
-            continue;
-        if (found.seen.insert(var).second)
-            found.order.push_back(var);
-    }
-    for (int i = 0; i < group->GetChildCount(); ++i)
-        GatherGroupVars(group->GetChildAt(i), found, line13, level);
-}
-
 void CVarTable::CollectGroupVars(IGroupNode* group, std::vector<IVarObjEx*>& list,
                                  BOOL includeFactory) {
-    if (group == nullptr)
+    if (group == nullptr || m_pModule == nullptr)
         return;
-    if (!includeFactory) {
-        CString name;
-        group->GetName(name);
-        if (IsFactoryGroupName(name))
-            return;
-    }
-    UniqueVarList found;
-    GatherGroupVars(group, found, IsProductLine13(m_pModule), GetAccessLevel());
-    if (group->IsGroupFixed() || !group->IsGroupVisible())
-        return;
-    for (IVarObjEx* var : found.order) {
-        IVarAttr* attr = var->GetAttr();
-        if (attr != nullptr && attr->IsTransferable() && !attr->IsFixed() &&
-            attr->GetModifyMode() != MODIFY_NOT_TRANSFERRED)
-            list.push_back(var);
-    }
+    // Any group, the user's own included: resolved now, not kept.
+    CVarCollector(Membership(), GetAccessLevel(), IsProductLine13(m_pModule), FALSE)
+        .CollectTransfer(group, includeFactory, list);
 }
 
 void CVarTable::CollectAllVars(std::vector<IVarObjEx*>& list, BOOL includeFactory) {
     IVarStore* store = GetVarList();
-    if (store == nullptr)
+    if (store == nullptr || m_pModule == nullptr)
         return;
-    if (IGroupSet* root = store->GetGroupRoot(0))
-        for (int i = 0; i < root->GetCount(); ++i)
-            CollectGroupVars(root->GetAt(i), list, includeFactory);
-    IHostAxisList* axes = store->GetAxisList();
-    if (axes == nullptr || !axes->IsValid())
-        return;
-    for (int a = 0; a < axes->GetCount(); ++a) {
-        IHostAxis* axis = axes->GetAt(a);
-        IGroupSet* groups = axis != nullptr ? axis->GetGroupSet() : nullptr;
-        if (groups == nullptr)
-            continue;
-        for (int i = 0; i < groups->GetCount(); ++i)
-            CollectGroupVars(groups->GetAt(i), list, includeFactory);
-    }
+    CVarCollector collector(Membership(), GetAccessLevel(), IsProductLine13(m_pModule));
+    CVarCollector::ForEachDeviceGroup(
+        store, [&](IGroupNode* group) { collector.CollectTransfer(group, includeFactory, list); });
 }
 
 // ---------------------------------------------------------------- selection and menus

@@ -283,3 +283,24 @@ TEST(ListImageTest, SmallImagesAreDrawnInTheFirstColumn) {
     EXPECT_EQ(shot.pixelColor(first.left + 8, first.CenterPoint().y), QColor(255, 0, 0));
     EXPECT_NE(shot.pixelColor(second.left + 8, second.CenterPoint().y), QColor(255, 0, 0));
 }
+
+// A live list paints again only what changed: a cell's colour, a row's check box.
+TEST_F(ListFixture, OnlyChangedCellsAreInvalidated) {
+    list.SetItemCount(100);
+    list.redRow = 2;
+    auto painted = [&] {
+        list.InvalidateChangedCells();
+        AfxPumpMessagesUntil([] { return false; }, 30);
+    };
+    painted();
+    EXPECT_EQ(list.InvalidateChangedCells(), 0);
+    list.redRow = 5;
+    EXPECT_EQ(list.InvalidateChangedCells(), 2);
+    painted();
+    EXPECT_EQ(list.InvalidateChangedCells(), 0);
+    // The whole row, as far as 800 px of 90 px columns show it.
+    list.SetCheck(3, TRUE);
+    EXPECT_EQ(list.InvalidateChangedCells(), 9);
+    painted();
+    EXPECT_EQ(list.InvalidateChangedCells(), 0);
+}

@@ -316,6 +316,31 @@ TEST_F(CollectTest, CatalogVarsAndDescriptions) {
     EXPECT_EQ(text, "第一行\r\n第二行");
 }
 
+// The device's groups are resolved once per tree build; the user's own groups change under
+// the user's hands and are read afresh every time.
+TEST_F(CollectTest, MembersFollowEditsOfCustomGroupsAndRebuildsOfTheTree) {
+    Group* h02 = ListedGroup("H02", "H02-00", 0x200);
+    module->drive.AddParam("H02-01", 0x201);
+    Group* mine = module->drive.custom.Add("我的");
+    mine->members.push_back("H02-00");
+    OpenFrame();
+    auto count = [&](IGroupNode* group) {
+        std::vector<IVarObjEx*> list;
+        if (group != nullptr)
+            table->CollectGroupVars(group, list, TRUE);
+        else
+            table->CollectAllVars(list, TRUE);
+        return list.size();
+    };
+    EXPECT_EQ(count(mine), 1u);
+    mine->members.push_back("H02-01");
+    EXPECT_EQ(count(mine), 2u);
+    EXPECT_EQ(count(nullptr), 1u);
+    h02->members.push_back("H02-01");
+    table->BuildTree();
+    EXPECT_EQ(count(nullptr), 2u);
+}
+
 TEST_F(CollectTest, AxesAreCollectedAfterTheFixedGroups) {
     ListedGroup("H02", "H02-00", 0x200);
     module->drive.AddParam("A1-00", 0x1000);

@@ -53,6 +53,19 @@ public:
         DWORD_PTR data = 0;
         int image = -1;
     };
+    // What one cell showed when it was last painted whole.
+    struct PaintedCell {
+        CString text;
+        COLORREF fg = CLR_DEFAULT;
+        COLORREF bg = CLR_DEFAULT;
+        bool valid = false;
+    };
+    struct PaintedRow {
+        UINT stateImage = 0;
+        int image = -1;
+        std::vector<PaintedCell> cells;
+    };
+    static constexpr int kCheckWidth = 18;
 
     CString CellText(int row, int col);
     bool CellColors(int row, int col, COLORREF& text, COLORREF& back);
@@ -65,6 +78,12 @@ public:
     int NextSelected(int from) const;
     void NotifyItemChanged(int row, UINT newState, UINT oldState, UINT changed);
     void NotifyClick(UINT code, QPoint viewportPos);
+    // The delegate notes what it painted; `whole` is false when the paint was clipped to
+    // part of the cell, which then counts as not painted.
+    void NotePainted(int row, int col, const CString& text, COLORREF fg, COLORREF bg, bool whole);
+    // Asks the owner for every cell on screen and schedules a repaint of those whose text,
+    // colours or row images differ from what was painted. Returns the cells scheduled.
+    int UpdateChangedCells();
 
     AfxListModel* m_model;
     bool m_ownerData;
@@ -78,6 +97,9 @@ public:
     bool m_suppressNotify = false;
     HWND m_header = nullptr;
     HWND m_self = nullptr;
+    // By row, for the rows on screen at the last paint or comparison.
+    std::unordered_map<int, PaintedRow> m_painted;
+    bool m_comparing = false;
 
 protected:
     void mousePressEvent(QMouseEvent* e) override;

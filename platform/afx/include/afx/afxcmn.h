@@ -310,6 +310,9 @@ public:
     BOOL Scroll(CSize size);
     BOOL RedrawItems(int nFirst, int nLast);
     BOOL Update(int nItem);
+    // For a live list: compares every cell on screen (text, colours, row images) with what
+    // was last painted there and invalidates only the cells that differ. Returns how many.
+    int InvalidateChangedCells();
     CImageList* SetImageList(CImageList* pImageList, int nImageListType);
     COLORREF SetBkColor(COLORREF cr);
     COLORREF SetTextColor(COLORREF cr);

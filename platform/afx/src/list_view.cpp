@@ -1,0 +1,465 @@
+// The report list widget behind CListCtrl: its model, the delegate that paints a cell
+// from one text and one colour request, and the notifications it sends its owner.
+#include "list_p.h"
+
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QHeaderView>
+#include <QMouseEvent>
+#include <QPaintEngine>
+#include <QPainter>
+#include <QScrollBar>
+#include <QStyledItemDelegate>
+
+namespace afxi {
+namespace {
+
+QColor ToQColor(COLORREF c) {
+    return QColor(GetRValue(c), GetGValue(c), GetBValue(c));
+}
+
+constexpr int kCheckWidth = AfxListView::kCheckWidth;
+constexpr int kTextPadding = 4;
+
+// Whether the paint in progress reaches all of `r` that the viewport shows, or only part.
+bool PaintsWhole(QPainter* p, const QRect& r) {
+    const QPaintEngine* engine = p->paintEngine();
+    const QRegion clip = engine != nullptr ? engine->systemClip() : QRegion();
+    if (clip.isEmpty())
+        return true;
+    return QRegion(p->deviceTransform().mapRect(r)).subtracted(clip).isEmpty();
+}
+
+// Paints each cell from one text and one colour request, nothing else.
+class ListDelegate : public QStyledItemDelegate {
+public:
+    explicit ListDelegate(AfxListView* view) : QStyledItemDelegate(view), m_view(view) {}
+
+    void paint(QPainter* p, const QStyleOptionViewItem& opt,
+               const QModelIndex& idx) const override {
+        const int row = idx.row();
+        const int col = idx.column();
+        const CString text = m_view->CellText(row, col);
+        COLORREF fg = CLR_DEFAULT;
+        COLORREF bg = CLR_DEFAULT;
+        m_view->CellColors(row, col, fg, bg);
+        m_view->NotePainted(row, col, text, fg, bg,
+                            PaintsWhole(p, opt.rect & m_view->viewport()->rect()));
+        const bool selected = opt.state & QStyle::State_Selected;
+        const bool fullRow = m_view->m_exStyle & LVS_EX_FULLROWSELECT;
+        QRect r = opt.rect;
+        const QPalette& pal = m_view->palette();
+        QColor textColor = fg != CLR_DEFAULT ? ToQColor(fg) : pal.color(QPalette::Text);
+        if (bg != CLR_DEFAULT)
+            p->fillRect(r, ToQColor(bg));
+        QRect textRect = r.adjusted(kTextPadding, 0, -kTextPadding, 0);
+        const bool checkBox = col == 0 && (m_view->m_exStyle & LVS_EX_CHECKBOXES);
+        if (checkBox)
+            textRect.setLeft(r.left() + kCheckWidth + 2);
+        QPixmap pm;
+        QPoint imageAt;
+        if (col == 0) {
+            pm = ImageListPixmap(m_view->m_images[LVSIL_SMALL], m_view->ItemImage(row));
+            if (!pm.isNull()) {
+                imageAt = QPoint(textRect.left(), r.top() + (r.height() - pm.height()) / 2);
+                textRect.setLeft(textRect.left() + pm.width() + 3);
+            }
+        }
+        // The highlight goes first: the check box and the image of a selected row stay
+        // visible over it.
+        if (selected && (fullRow || col == 0)) {
+            const QRect sel = col == 0 && !fullRow ? textRect.adjusted(-2, 0, 2, 0) : r;
+            const bool active =
+                m_view->hasFocus() ||
+                (m_view->Owner() && (m_view->Owner()->GetStyle() & LVS_SHOWSELALWAYS));
+            p->fillRect(sel, active
+                                 ? pal.color(QPalette::Active, QPalette::Highlight)
+                                 : pal.color(QPalette::Inactive, QPalette::Highlight).lighter(130));
+            textColor = pal.color(active ? QPalette::Active : QPalette::Inactive,
+                                  QPalette::HighlightedText);
+        }
+        if (checkBox) {
+            QStyleOptionButton box;
+            box.rect = QRect(r.left() + 3, r.top() + (r.height() - 13) / 2, 13, 13);
+            box.state = QStyle::State_Enabled |
+                        (m_view->StateImage(row) == 2 ? QStyle::State_On : QStyle::State_Off);
+            m_view->style()->drawPrimitive(QStyle::PE_IndicatorCheckBox, &box, p, m_view);
+        }
+        if (!pm.isNull())
+            p->drawPixmap(imageAt, pm);
+        int align = Qt::AlignLeft;
+        if (size_t(col) < m_view->m_columns.size()) {
+            const int fmt = m_view->m_columns[size_t(col)].fmt & 3;
+            align = fmt == LVCFMT_RIGHT ? Qt::AlignRight
+                                        : (fmt == LVCFMT_CENTER ? Qt::AlignHCenter : Qt::AlignLeft);
+        }
+        p->setPen(textColor);
+        const QString s = Q(text);
+        p->drawText(textRect, align | Qt::AlignVCenter,
+                    opt.fontMetrics.elidedText(s, Qt::ElideRight, textRect.width()));
+    }
+
+    QSize sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const override {
+        return QSize(60, m_view->RowHeight());
+    }
+
+private:
+    AfxListView* m_view;
+};
+
+} // namespace
+
+AfxListModel::AfxListModel(AfxListView* view) : QAbstractTableModel(view), m_view(view) {}
+
+int AfxListModel::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : m_view->m_count;
+}
+
+int AfxListModel::columnCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : int(m_view->m_columns.size());
+}
+
+QVariant AfxListModel::data(const QModelIndex& index, int role) const {
+    // Painting goes through the delegate; this serves accessibility and the like.
+    if (role == Qt::DisplayRole && index.isValid())
+        return Q(m_view->CellText(index.row(), index.column()));
+    return QVariant();
+}
+
+QVariant AfxListModel::headerData(int section, Qt::Orientation o, int role) const {
+    if (o != Qt::Horizontal || size_t(section) >= m_view->m_columns.size())
+        return QVariant();
+    if (role == Qt::DisplayRole)
+        return m_view->m_columns[size_t(section)].text;
+    if (role == Qt::TextAlignmentRole) {
+        const int fmt = m_view->m_columns[size_t(section)].fmt & 3;
+        return int((fmt == LVCFMT_RIGHT
+                        ? Qt::AlignRight
+                        : (fmt == LVCFMT_CENTER ? Qt::AlignHCenter : Qt::AlignLeft)) |
+                   Qt::AlignVCenter);
+    }
+    return QVariant();
+}
+
+Qt::ItemFlags AfxListModel::flags(const QModelIndex& index) const {
+    return index.isValid() ? Qt::ItemIsEnabled | Qt::ItemIsSelectable : Qt::NoItemFlags;
+}
+
+AfxListView::AfxListView(DWORD style, QWidget* parent)
+    : QTableView(parent), m_model(new AfxListModel(this)), m_ownerData(style & LVS_OWNERDATA) {
+    setModel(m_model);
+    setItemDelegate(new ListDelegate(this));
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode((style & LVS_SINGLESEL) ? QAbstractItemView::SingleSelection
+                                             : QAbstractItemView::ExtendedSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
+    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setShowGrid(false);
+    setWordWrap(false);
+    setCornerButtonEnabled(false);
+    setTabKeyNavigation(false);
+    setFocusPolicy(Qt::StrongFocus);
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setMinimumSectionSize(12);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 8);
+    horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
+    horizontalHeader()->setStretchLastSection(false);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    horizontalHeader()->setSectionsClickable(!(style & LVS_NOSORTHEADER));
+    if (style & LVS_NOCOLUMNHEADER)
+        horizontalHeader()->hide();
+    setStyleSheet("QTableView { gridline-color: #d8dce2; }");
+}
+
+CListCtrl* AfxListView::Owner() const {
+    WindowData* d = Lookup(m_self);
+    return d ? dynamic_cast<CListCtrl*>(d->wnd ? d->wnd : d->standIn.get()) : nullptr;
+}
+
+CString AfxListView::CellText(int row, int col) {
+    if (CListCtrl* owner = Owner())
+        return owner->OnGetCellText(row, col);
+    if (!m_ownerData && size_t(row) < m_rows.size() &&
+        size_t(col) < m_rows[size_t(row)].texts.size())
+        return m_rows[size_t(row)].texts[size_t(col)];
+    return CString();
+}
+
+int AfxListView::ItemImage(int row) {
+    if (!m_images[LVSIL_SMALL])
+        return -1;
+    CListCtrl* owner = Owner();
+    return owner ? owner->OnGetItemImage(row) : -1;
+}
+
+bool AfxListView::CellColors(int row, int col, COLORREF& text, COLORREF& back) {
+    CListCtrl* owner = Owner();
+    return owner && owner->OnGetCellColors(row, col, text, back);
+}
+
+UINT AfxListView::StateImage(int row) const {
+    if (CListCtrl* owner = Owner())
+        if (const int image = owner->OnGetStateImage(row); image >= 0)
+            return UINT(image);
+    const auto it = m_stateImages.find(row);
+    if (it != m_stateImages.end())
+        return it->second;
+    return (m_exStyle & LVS_EX_CHECKBOXES) ? 1 : 0;
+}
+
+void AfxListView::SetStateImage(int row, UINT index, bool notify) {
+    const UINT old = StateImage(row);
+    if (old == index)
+        return;
+    m_stateImages[row] = index;
+    viewport()->update();
+    if (notify)
+        NotifyItemChanged(row, INDEXTOSTATEIMAGEMASK(index), INDEXTOSTATEIMAGEMASK(old),
+                          LVIF_STATE);
+}
+
+int AfxListView::NextSelected(int from) const {
+    int best = -1;
+    if (!selectionModel())
+        return -1;
+    for (const QItemSelectionRange& r : selectionModel()->selection()) {
+        int candidate = -1;
+        if (r.bottom() < from)
+            continue;
+        candidate = std::max(r.top(), from);
+        if (best < 0 || candidate < best)
+            best = candidate;
+    }
+    return best;
+}
+
+void AfxListView::NotifyItemChanged(int row, UINT newState, UINT oldState, UINT changed) {
+    HWND h = HandleOf(this);
+    if (!h || m_suppressNotify)
+        return;
+    NMLISTVIEW nm{};
+    nm.hdr.code = LVN_ITEMCHANGED;
+    nm.iItem = row;
+    nm.uNewState = newState;
+    nm.uOldState = oldState;
+    nm.uChanged = changed;
+    NotifyHdr(h, &nm.hdr);
+}
+
+void AfxListView::NotifyClick(UINT code, QPoint vp) {
+    HWND h = HandleOf(this);
+    if (!h)
+        return;
+    NMITEMACTIVATE nm{};
+    nm.hdr.code = code;
+    const QModelIndex idx = indexAt(vp);
+    nm.iItem = idx.isValid() ? idx.row() : -1;
+    nm.iSubItem = idx.isValid() ? idx.column() : (columnAt(vp.x()) >= 0 ? columnAt(vp.x()) : 0);
+    const QPoint client = vp + ViewportOffset();
+    nm.ptAction = POINT{client.x(), client.y()};
+    NotifyHdr(h, &nm.hdr);
+}
+
+void AfxListView::mousePressEvent(QMouseEvent* e) {
+    const QPoint vp = e->position().toPoint();
+    const QModelIndex idx = indexAt(vp);
+    if (idx.isValid() && idx.column() == 0 && (m_exStyle & LVS_EX_CHECKBOXES) &&
+        e->button() == Qt::LeftButton && vp.x() - visualRect(idx).left() < kCheckWidth) {
+        SetStateImage(idx.row(), StateImage(idx.row()) == 2 ? 1 : 2, true);
+    }
+    QPointer<AfxListView> self(this);
+    QTableView::mousePressEvent(e);
+    if (!self)
+        return;
+    if (idx.isValid() && !(e->modifiers() & Qt::ShiftModifier))
+        m_selectionMark = idx.row();
+    if (e->button() == Qt::LeftButton)
+        NotifyClick(NM_CLICK, vp);
+    else if (e->button() == Qt::RightButton)
+        NotifyClick(NM_RCLICK, vp);
+}
+
+void AfxListView::mouseDoubleClickEvent(QMouseEvent* e) {
+    QPointer<AfxListView> self(this);
+    QTableView::mouseDoubleClickEvent(e);
+    if (self && e->button() == Qt::LeftButton)
+        NotifyClick(NM_DBLCLK, e->position().toPoint());
+}
+
+void AfxListView::keyPressEvent(QKeyEvent* e) {
+    if (HWND h = HandleOf(this)) {
+        NMLVKEYDOWN nm{};
+        nm.hdr.code = LVN_KEYDOWN;
+        nm.wVKey = WORD(e->key() == Qt::Key_Space ? VK_SPACE : (e->key() & 0xFFFF));
+        if (e->key() == Qt::Key_Delete)
+            nm.wVKey = WORD(VK_DELETE);
+        else if (e->key() == Qt::Key_Up)
+            nm.wVKey = WORD(VK_UP);
+        else if (e->key() == Qt::Key_Down)
+            nm.wVKey = WORD(VK_DOWN);
+        else if (e->key() == Qt::Key_Return || e->key() == Qt::Key_Enter)
+            nm.wVKey = WORD(VK_RETURN);
+        NotifyHdr(h, &nm.hdr);
+        if (!Lookup(h))
+            return;
+    }
+    if (e->key() == Qt::Key_Space && (m_exStyle & LVS_EX_CHECKBOXES) && currentIndex().isValid()) {
+        const int row = currentIndex().row();
+        SetStateImage(row, StateImage(row) == 2 ? 1 : 2, true);
+        return;
+    }
+    QTableView::keyPressEvent(e);
+    if (currentIndex().isValid() && !(e->modifiers() & Qt::ShiftModifier))
+        m_selectionMark = currentIndex().row();
+}
+
+void AfxListView::NotePainted(int row, int col, const CString& text, COLORREF fg, COLORREF bg,
+                              bool whole) {
+    // Only lists that compare keep a record, and only of the rows on screen.
+    if (!m_comparing || col < 0 || size_t(col) >= m_columns.size())
+        return;
+    PaintedRow& painted = m_painted[row];
+    if (painted.cells.size() != m_columns.size()) {
+        painted.cells.assign(m_columns.size(), PaintedCell());
+        painted.stateImage = StateImage(row);
+        painted.image = ItemImage(row);
+    }
+    PaintedCell& cell = painted.cells[size_t(col)];
+    cell.valid = whole;
+    if (whole) {
+        cell.text = text;
+        cell.fg = fg;
+        cell.bg = bg;
+    }
+}
+
+int AfxListView::UpdateChangedCells() {
+    m_comparing = true;
+    const int columns = int(m_columns.size());
+    if (m_count <= 0 || columns == 0 || !isVisible()) {
+        m_painted.clear();
+        return 0;
+    }
+    const int top = std::max(0, rowAt(0));
+    int bottom = rowAt(viewport()->height() - 1);
+    if (bottom < 0)
+        bottom = m_count - 1;
+    for (auto it = m_painted.begin(); it != m_painted.end();)
+        it = it->first < top || it->first > bottom ? m_painted.erase(it) : std::next(it);
+    const int width = viewport()->width();
+    int scheduled = 0;
+    for (int row = top; row <= bottom; ++row) {
+        PaintedRow& painted = m_painted[row];
+        const UINT stateImage = StateImage(row);
+        const int image = ItemImage(row);
+        if (painted.cells.size() != size_t(columns) || painted.stateImage != stateImage ||
+            painted.image != image) {
+            // A check or an image changed: the whole row is painted again.
+            painted.cells.assign(size_t(columns), PaintedCell());
+            painted.stateImage = stateImage;
+            painted.image = image;
+        }
+        for (int col = 0; col < columns; ++col) {
+            const int x = columnViewportPosition(col);
+            const int w = columnWidth(col);
+            if (isColumnHidden(col) || w <= 0 || x + w <= 0 || x >= width)
+                continue;
+            const CString text = CellText(row, col);
+            COLORREF fg = CLR_DEFAULT;
+            COLORREF bg = CLR_DEFAULT;
+            CellColors(row, col, fg, bg);
+            const PaintedCell& cell = painted.cells[size_t(col)];
+            if (cell.valid && cell.fg == fg && cell.bg == bg && cell.text == text)
+                continue;
+            viewport()->update(visualRect(m_model->index(row, col)));
+            ++scheduled;
+        }
+    }
+    return scheduled;
+}
+
+QWidget* MakeListWidget(DWORD style, QWidget* parent) {
+    return new AfxListView(style, parent);
+}
+
+void ConnectList(HWND h) {
+    auto* v = WidgetAs<AfxListView>(h);
+    if (!v)
+        return;
+    v->m_self = h;
+    QObject::connect(v->selectionModel(), &QItemSelectionModel::selectionChanged, v,
+                     [v](const QItemSelection& sel, const QItemSelection& desel) {
+                         auto rows = [](const QItemSelection& s) {
+                             long n = 0;
+                             for (const auto& r : s)
+                                 n += r.height();
+                             return n;
+                         };
+                         if (rows(sel) + rows(desel) > 256) {
+                             v->NotifyItemChanged(-1, 0, 0, LVIF_STATE);
+                             return;
+                         }
+                         for (const auto& r : desel)
+                             for (int row = r.top(); row <= r.bottom(); ++row)
+                                 if (!v->selectionModel()->isRowSelected(row, QModelIndex()))
+                                     v->NotifyItemChanged(row, 0, LVIS_SELECTED, LVIF_STATE);
+                         for (const auto& r : sel)
+                             for (int row = r.top(); row <= r.bottom(); ++row)
+                                 v->NotifyItemChanged(row, LVIS_SELECTED, 0, LVIF_STATE);
+                     });
+    QObject::connect(v->selectionModel(), &QItemSelectionModel::currentRowChanged, v,
+                     [v](const QModelIndex& now, const QModelIndex& before) {
+                         if (before.isValid())
+                             v->NotifyItemChanged(before.row(), 0, LVIS_FOCUSED, LVIF_STATE);
+                         if (now.isValid())
+                             v->NotifyItemChanged(now.row(), LVIS_FOCUSED, 0, LVIF_STATE);
+                     });
+    QObject::connect(v->horizontalHeader(), &QHeaderView::sectionClicked, v, [v](int section) {
+        HWND list = HandleOf(v);
+        NMLISTVIEW nm{};
+        nm.hdr.code = LVN_COLUMNCLICK;
+        nm.iItem = -1;
+        nm.iSubItem = section;
+        NotifyHdr(list, &nm.hdr);
+    });
+    // The header is a window of its own, child of the list, as its notifications expect.
+    v->m_header = Register(v->horizontalHeader(), KHeader, 0, WS_CHILD | WS_VISIBLE);
+    HWND header = v->m_header;
+    QObject::connect(v->horizontalHeader(), &QHeaderView::sectionResized, v,
+                     [header](int section, int, int size) {
+                         HDITEM item{HDI_WIDTH, size};
+                         NMHEADER nm{};
+                         nm.iItem = section;
+                         nm.pitem = &item;
+                         nm.hdr.code = HDN_ITEMCHANGING;
+                         NotifyHdr(header, &nm.hdr);
+                         nm.hdr.code = HDN_ITEMCHANGED;
+                         NotifyHdr(header, &nm.hdr);
+                     });
+    auto scrolled = [v](bool vertical) {
+        HWND list = HandleOf(v);
+        if (!list)
+            return;
+        NMLVSCROLL nm{};
+        nm.hdr.code = LVN_BEGINSCROLL;
+        NotifyHdr(list, &nm.hdr);
+        if (!Lookup(list))
+            return;
+        const int pos =
+            vertical ? v->verticalScrollBar()->value() : v->horizontalScrollBar()->value();
+        Send(list, vertical ? WM_VSCROLL : WM_HSCROLL, MAKEWPARAM(SB_THUMBPOSITION, WORD(pos)), 0);
+        if (!Lookup(list))
+            return;
+        nm.hdr.code = LVN_ENDSCROLL;
+        NotifyHdr(list, &nm.hdr);
+    };
+    QObject::connect(v->verticalScrollBar(), &QScrollBar::valueChanged, v,
+                     [scrolled] { scrolled(true); });
+    QObject::connect(v->horizontalScrollBar(), &QScrollBar::valueChanged, v,
+                     [scrolled] { scrolled(false); });
+}
+
+} // namespace afxi
