@@ -72,29 +72,6 @@ public:
         return TRUE;
     }
 
-    // Replaces the contents with `values`, each its own key, which the caller knows to be
-    // distinct and not null (a subsequence of another such list, say). The map is filled in
-    // key order from the end, without a search per value, and reuses the nodes it had:
-    // for a search result of some ten thousand rows that is most of the cost.
-    void AssignDistinct(const std::vector<Value>& values) {
-        static_assert(std::is_same_v<Key, Value>, "AssignDistinct keys values by themselves");
-        m_array = values;
-        std::vector<Value> keys = values;
-        std::sort(keys.begin(), keys.end());
-        std::map<Key, Value> map;
-        for (const Value& key : keys) {
-            if (!m_map.empty()) {
-                auto node = m_map.extract(m_map.begin());
-                node.key() = key;
-                node.mapped() = key;
-                map.insert(map.end(), std::move(node));
-            } else {
-                map.emplace_hint(map.end(), key, key);
-            }
-        }
-        m_map.swap(map);
-    }
-
     // Empties array and map; the values are not freed.
     void RemoveAll() {
         m_array.clear();

@@ -17,6 +17,14 @@ public:
         m_rows.push_back(value);
         return TRUE;
     }
+    // Takes `values` as the rows; they hold no variable twice (a search's finds over a base
+    // that holds each once), so nothing is refused.
+    void AssignDistinct(const std::vector<IVarObjEx*>& values) {
+        m_seen.Clear();
+        for (IVarObjEx* var : values)
+            m_seen.Insert(var);
+        m_rows = values;
+    }
     void RemoveAll() {
         m_rows.clear();
         m_seen.Clear();
