@@ -546,12 +546,18 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
                      pickFactoryLevel();
                  }
                  ASSERT_TRUE(WaitFor([&] { return HasGroup(QStringLiteral("H18")); }));
-                 SelectGroup(QStringLiteral("H18"));
-                 ASSERT_TRUE(WaitFor([&] {
-                     const QAbstractItemModel* m = List()->model();
-                     return m->rowCount() > 0 &&
+                 // The tree is built again once the panel has taken the new level; a click
+                 // that met the old tree is lost, and a user clicks again.
+                 const auto showsH18 = [&] {
+                     const QAbstractItemModel* m = List() != nullptr ? List()->model() : nullptr;
+                     return m != nullptr && m->rowCount() > 0 &&
                             m->data(m->index(0, 1)).toString().startsWith(QStringLiteral("H18"));
-                 }));
+                 };
+                 for (int attempt = 0; attempt < 5 && !showsH18(); ++attempt) {
+                     SelectGroup(QStringLiteral("H18"));
+                     AfxPumpMessagesUntil(showsH18, 2000);
+                 }
+                 ASSERT_TRUE(showsH18());
                  OpenFromValueCell([](const QAbstractItemModel* m, int row) {
                      return m->data(m->index(row, 1)).toString() == QStringLiteral("H18-00");
                  });
