@@ -1,5 +1,6 @@
 #include "zorhost/device/DeviceLoader.h"
 #include "zorhost/InstallLayout.h"
+#include "zorhost/device/DeviceChecks.h"
 #include "zorhost/device/JsonShape.h"
 #include "zorhost/files/BoundedRead.h"
 
@@ -1103,6 +1104,10 @@ LoadResult ParseDeviceJson(std::string_view json, const std::string& sourceName)
         Loader(*device).Load(doc.object());
     } catch (const Refusal& r) {
         result.error = {sourceName, r.place, r.message};
+        return result;
+    }
+    if (LoadError overlap = CheckRegisterOverlaps(*device); !overlap.message.empty()) {
+        result.error = std::move(overlap);
         return result;
     }
     device->textPool.shrink_to_fit();
