@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
 
 #include <sys/stat.h>
 
@@ -10,7 +11,12 @@ namespace workbook {
 
 namespace {
 const Cell kEmpty;
+
+std::string TooLarge(long long size) {
+    return std::to_string(size) + " bytes is more than a recipe workbook holds (at most " +
+           std::to_string(Workbook::kMaxFileBytes >> 20) + " MB)";
 }
+} // namespace
 
 const Cell& Sheet::At(int row, int column) const {
     auto it = m_cells.find({row, column});
@@ -55,20 +61,31 @@ bool Workbook::Open(const std::string& path) {
                               " bytes is more than a recipe workbook "
                               "holds (at most " +
                               std::to_string(kMaxFileBytes >> 20) + " MB)");
-    unsigned char magic[4] = {0, 0, 0, 0};
-    FILE* f = std::fopen(path.c_str(), "rb");
-    if (!f)
-        return Fail(path, std::strerror(errno));
-    const size_t n = std::fread(magic, 1, sizeof magic, f);
-    std::fclose(f);
-    const bool zip = n == sizeof magic && magic[0] == 'P' && magic[1] == 'K';
-    const bool compound = n == sizeof magic && magic[0] == 0xD0 && magic[1] == 0xCF &&
+    std::ifstream in(path, std::ios::binary);
+    std::string bytes(std::size_t(st.st_size), '\0');
+    if (!in.read(bytes.data(), std::streamsize(bytes.size())))
+        return Fail(path, in.is_open() ? "can't be read to its end" : std::strerror(errno));
+    const auto* magic = reinterpret_cast<const unsigned char*>(bytes.data());
+    const bool zip = bytes.size() >= 4 && magic[0] == 'P' && magic[1] == 'K';
+    const bool compound = bytes.size() >= 4 && magic[0] == 0xD0 && magic[1] == 0xCF &&
                           magic[2] == 0x11 && magic[3] == 0xE0;
-    if (!zip && !compound)
+    if (zip)
+        return OpenXlsx(bytes, path);
+    if (!compound)
         return Fail(path, "neither an .xlsx nor an .xls workbook");
-    const bool ok = zip ? detail::ReadXlsx(path, m_sheets) : detail::ReadXls(path, m_sheets);
-    if (!ok)
-        return Fail(path, zip ? "a broken .xlsx workbook" : "a broken .xls workbook");
+    // The .xls library reads only from a path.
+    if (!detail::ReadXls(path, m_sheets))
+        return Fail(path, "a broken .xls workbook");
+    return true;
+}
+
+bool Workbook::OpenXlsx(std::string_view bytes, const std::string& name) {
+    m_sheets.clear();
+    m_error.clear();
+    if (bytes.size() > std::size_t(kMaxFileBytes))
+        return Fail(name, TooLarge(static_cast<long long>(bytes.size())));
+    if (!detail::ReadXlsx(bytes, m_sheets))
+        return Fail(name, "a broken .xlsx workbook");
     return true;
 }
 

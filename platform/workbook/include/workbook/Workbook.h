@@ -5,6 +5,7 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -41,6 +42,8 @@ public:
     // Reads `path` by its content (zip: .xlsx, compound document: .xls). False, with no
     // sheets and Error() telling why, when the file can't be read.
     bool Open(const std::string& path);
+    // The same for an .xlsx whose bytes are at hand; `name` only goes into Error().
+    bool OpenXlsx(std::string_view bytes, const std::string& name);
     const std::vector<Sheet>& Sheets() const { return m_sheets; }
     // "<path>: <reason>" after a failed Open, else empty.
     const std::string& Error() const { return m_error; }
@@ -62,7 +65,7 @@ private:
 int ColumnFromLetters(const char*& cursor);
 
 namespace detail {
-bool ReadXlsx(const std::string& path, std::vector<Sheet>& sheets);
+bool ReadXlsx(std::string_view bytes, std::vector<Sheet>& sheets);
 bool ReadXls(const std::string& path, std::vector<Sheet>& sheets);
 } // namespace detail
 
