@@ -14,14 +14,8 @@ namespace {
 constexpr UINT IDD_BOX_PAGE = 31001;
 constexpr UINT IDC_ACCESS_BOX = 1006;
 
-// The module's resources are registered once for the whole run, as the loader would.
-class ModuleStart : public ::testing::Environment {
-public:
-    void SetUp() override { AfxStartApp(&theApp, "QXParmira"); }
-    void TearDown() override { AfxStopApp(&theApp); }
-};
 [[maybe_unused]] ::testing::Environment* const g_moduleStart =
-    ::testing::AddGlobalTestEnvironment(new ModuleStart);
+    ::testing::AddGlobalTestEnvironment(new ModuleStartedForTheRun);
 
 } // namespace
 
@@ -82,7 +76,7 @@ BOOL BoxPage::OnCommand(WPARAM wParam, LPARAM lParam) {
 // ---------------------------------------------------------------- fixture
 void AccessTest::SetUp() {
     host.Services().Register<IHostDeviceHelper>(&helper);
-    theApp.SetQueryInterfaceCallback(host.Services().Context(), &zorhost::HostServices::Query);
+    ModuleScope::Attach(host.Services());
     ASSERT_TRUE(page.Create(IDD_BOX_PAGE));
     page.selector = &selector;
     selector.Attach(&page.box, &frame);
@@ -90,7 +84,7 @@ void AccessTest::SetUp() {
 
 void AccessTest::TearDown() {
     page.DestroyWindow();
-    theApp.SetQueryInterfaceCallback(0, nullptr);
+    ModuleScope::Detach();
 }
 
 void AccessTest::Open(std::vector<TestModule> modules) {

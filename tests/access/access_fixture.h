@@ -13,6 +13,7 @@
 
 #include "FakeDeviceHelper.h"
 #include "FakeUiService.h"
+#include "ModuleScope.h"
 
 #include <afx/afxtest.h>
 

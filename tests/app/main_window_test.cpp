@@ -1,10 +1,6 @@
 // The main window in-process, with the real plug-in loaded from beside the test program.
-#include "MainWindow.h"
 #include "WindowSettings.h"
-
-#include <zorhost/ReferenceHost.h>
-
-#include <afx/afxtest.h>
+#include "bench_window.h"
 
 #include <QFile>
 #include <QMenu>
@@ -18,51 +14,10 @@
 #include <gtest/gtest.h>
 
 using zordrivebench::MainWindow;
-using zordrivebench::ParmiraModule;
-using zordrivebench::ProgramServices;
 
 namespace {
 
-// The plug-in is loaded once per process, as the program loads it; so the host it talks
-// to lives as long as the suite, and each test opens the demo project anew.
-struct Bench {
-    zorhost::ReferenceHost host;
-    ProgramServices services{host};
-    ParmiraModule plugin;
-};
-
-class Window : public ::testing::Test {
-protected:
-    static void SetUpTestSuite() { bench = new Bench; }
-    static void TearDownTestSuite() {
-        bench->plugin.Unload();
-        delete bench;
-        bench = nullptr;
-    }
-    void SetUp() override {
-        QString error;
-        ASSERT_TRUE(window.OpenProject(QString(), &error)) << error.toStdString();
-        tabs = window.findChild<QTabWidget*>();
-        ASSERT_NE(tabs, nullptr);
-        window.show();
-    }
-    bool WaitFor(const std::function<bool()>& condition) {
-        return AfxPumpMessagesUntil(condition, 5000) != FALSE;
-    }
-    bool Open(const char* key) {
-        QString error;
-        const bool ok = window.OpenModule(key, &error);
-        EXPECT_TRUE(ok) << error.toStdString();
-        return ok && WaitFor([&] { return window.IsPanelUp(); });
-    }
-
-    static Bench* bench;
-    zorhost::ReferenceHost& host = bench->host;
-    MainWindow window{bench->host, bench->services, bench->plugin};
-    QTabWidget* tabs = nullptr;
-};
-
-Bench* Window::bench = nullptr;
+using Window = BenchWindowTest;
 
 // The action reached through menus whose titles end with the given texts, or null.
 QAction* MenuAction(QWidget* window, const QStringList& path) {

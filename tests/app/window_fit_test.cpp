@@ -2,12 +2,9 @@
 // is whole and inside the window, and in English no Chinese text is left in sight, on
 // the window or on the module's dialogs. With ZORDRIVEBENCH_SHOTS set to a folder, the
 // states walked are saved there as pictures to look at.
-#include "MainWindow.h"
-
-#include <zorhost/ReferenceHost.h>
+#include "bench_window.h"
 
 #include <afx/afxqt.h>
-#include <afx/afxtest.h>
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -30,18 +27,9 @@
 
 #include <gtest/gtest.h>
 
-using zordrivebench::MainWindow;
-using zordrivebench::ParmiraModule;
-using zordrivebench::ProgramServices;
 using zorhost::project::ListStyle;
 
 namespace {
-
-struct Bench {
-    zorhost::ReferenceHost host;
-    ProgramServices services{host};
-    ParmiraModule plugin;
-};
 
 bool IsCjk(QChar c) {
     const ushort u = c.unicode();
@@ -129,34 +117,15 @@ private:
     }
 };
 
-class WindowFit : public ::testing::Test {
+class WindowFit : public BenchWindowTest {
 protected:
-    static void SetUpTestSuite() { bench = new Bench; }
-    static void TearDownTestSuite() {
-        bench->plugin.Unload();
-        delete bench;
-        bench = nullptr;
-    }
     void SetUp() override {
         bench->services.Ui().SetLanguage(zorhost::UiLanguage::Chinese);
-        QString error;
-        ASSERT_TRUE(window.OpenProject(QString(), &error)) << error.toStdString();
-        tabs = window.findChild<QTabWidget*>();
-        ASSERT_NE(tabs, nullptr);
         window.resize(1280, 800);
-        window.show();
-    }
-    bool WaitFor(const std::function<bool()>& condition) {
-        return AfxPumpMessagesUntil(condition, 5000) != FALSE;
+        BenchWindowTest::SetUp();
     }
     void Settle() {
         AfxPumpMessagesUntil([] { return false; }, 150);
-    }
-    bool Open(const char* key) {
-        QString error;
-        const bool ok = window.OpenModule(key, &error);
-        EXPECT_TRUE(ok) << error.toStdString();
-        return ok && WaitFor([&] { return window.IsPanelUp(); });
     }
     void SetEnglish(bool english) {
         window.SetEnglish(english);
@@ -240,14 +209,8 @@ protected:
         }
     }
 
-    static Bench* bench;
-    zorhost::ReferenceHost& host = bench->host;
-    MainWindow window{bench->host, bench->services, bench->plugin};
-    QTabWidget* tabs = nullptr;
     bool english = false;
 };
-
-Bench* WindowFit::bench = nullptr;
 
 } // namespace
 

@@ -49,22 +49,6 @@ TEST(TemplateList, AddRefusesNullValueAndHeldKey) {
     EXPECT_FALSE(byText.Lookup("all", found));
 }
 
-TEST(TemplateList, KeepsInsertionOrderNotKeyOrder) {
-    int deaths = 0;
-    Tracked t1(&deaths, 1), t2(&deaths, 2), t3(&deaths, 3);
-    CTemplateList<int, Tracked*> list;
-    ASSERT_TRUE(list.Add(30, &t1));
-    ASSERT_TRUE(list.Add(10, &t2));
-    ASSERT_TRUE(list.Add(20, &t3));
-    ASSERT_EQ(list.GetCount(), 3);
-    EXPECT_EQ(list.GetAt(0), &t1);
-    EXPECT_EQ(list.GetAt(1), &t2);
-    EXPECT_EQ(list.GetAt(2), &t3);
-    EXPECT_EQ(list.GetAt(3), nullptr);
-    EXPECT_EQ(list.GetAt(-1), nullptr);
-    EXPECT_EQ(list.IndexOf(&t3), 2);
-}
-
 TEST(TemplateList, RemoveTakesArrayEntryAndMapEntry) {
     int deaths = 0;
     Tracked a(&deaths, 1), b(&deaths, 2), c(&deaths, 3);
@@ -143,50 +127,4 @@ TEST(TemplateList, DeleteAllEmptiesBeforeDeleting) {
     }
     list.DeleteAll();
     EXPECT_EQ(seen, (std::vector<int>{0, 0, 0}));
-}
-
-namespace {
-// A listener of a fan-out that may take itself or others out during the walk.
-struct Listener {
-    int id;
-    std::vector<int>* calls;
-    CTemplateList<Listener*, Listener*>* list;
-    std::vector<Listener*> removeOnCall;
-    void Notify() {
-        calls->push_back(id);
-        for (Listener* l : removeOnCall)
-            list->Remove(l);
-    }
-};
-} // namespace
-
-TEST(TemplateList, WalkRereadsLengthSoRemovalsDuringTheWalkCount) {
-    std::vector<int> calls;
-    CTemplateList<Listener*, Listener*> list;
-    Listener l1{1, &calls, &list, {}}, l2{2, &calls, &list, {}}, l3{3, &calls, &list, {}},
-        l4{4, &calls, &list, {}};
-    for (Listener* l : {&l1, &l2, &l3, &l4})
-        list.Add(l, l);
-
-    // The second takes out the fourth: the fourth is not called.
-    l2.removeOnCall = {&l4};
-    list.Walk([](Listener* l) { l->Notify(); });
-    EXPECT_EQ(calls, (std::vector<int>{1, 2, 3}));
-    EXPECT_EQ(list.GetCount(), 3);
-
-    // The first removes itself: the one that moves into its index is passed over this
-    // time, and nothing is read past the end.
-    calls.clear();
-    l2.removeOnCall.clear();
-    l1.removeOnCall = {&l1};
-    list.Walk([](Listener* l) { l->Notify(); });
-    EXPECT_EQ(calls, (std::vector<int>{1, 3}));
-    EXPECT_EQ(list.GetCount(), 2);
-
-    // One entry empties the whole list: the walk stops there.
-    calls.clear();
-    l2.removeOnCall = {&l2, &l3};
-    list.Walk([](Listener* l) { l->Notify(); });
-    EXPECT_EQ(calls, (std::vector<int>{2}));
-    EXPECT_TRUE(list.IsEmpty());
 }

@@ -3,7 +3,6 @@
 // With PARMIRA_SCREENSHOT_DIR set, pictures of the dialog and of the tree are left there.
 #include "groups/GroupDialog.h"
 #include "groups/MultiSelectVarDialog.h"
-#include "module/ModuleResources.h"
 #include "module/ParmiraApp.h"
 #include "module/host/IGroupNode.h"
 #include "module/host/IGroupSet.h"
@@ -20,6 +19,9 @@
 #include <afx/afxtest.h>
 #include <zorhost/ReferenceHost.h>
 #include <zorhost/model/CustomGroupStore.h>
+
+#include "ModuleScope.h"
+#include "TempDir.h"
 
 #include <gtest/gtest.h>
 
@@ -49,12 +51,6 @@ std::string KeyOf(IVarObjEx* var) {
     return key.str();
 }
 
-void Shoot(CWnd* window, const char* name) {
-    if (const char* dir = std::getenv("PARMIRA_SCREENSHOT_DIR")) {
-        EXPECT_TRUE(AfxTestGrabWindow(window, (std::string(dir) + "/" + name).c_str()));
-    }
-}
-
 // A servo module named "Spindle", on its in-process simulated drive.
 zorhost::ModuleSetup Servo(const char* key, int number) {
     zorhost::ModuleSetup m;
@@ -68,44 +64,32 @@ zorhost::ModuleSetup Servo(const char* key, int number) {
 class CustomGroupTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        char pattern[] = "/tmp/parmira-groups-XXXXXX";
-        ASSERT_NE(::mkdtemp(pattern), nullptr);
-        dir = pattern;
-        HINSTANCE h = AfxCreateResourceHandle("custom-groups-test");
-        theApp.m_hResource = h;
-        RegisterModuleResources(h);
-        RegisterTableResources(h);
-        RegisterGroupDialogResources(h);
-        AfxRegisterDialog(h, DlgTemplate{9903, "Parmira", 1100, 640, {}, WS_POPUP});
+        RegisterGroupDialogResources(scope.Handle());
+        scope.AddParentDialog(9903, 1100, 640);
         host = std::make_unique<zorhost::ReferenceHost>();
         OpenProject();
     }
     void TearDown() override {
         ClosePanel();
-        theApp.SetQueryInterfaceCallback(0, nullptr);
+        ModuleScope::Detach();
         host.reset();
-        theApp.languageListeners.RemoveAll();
-        AfxFreeResourceHandle(theApp.m_hResource);
-        theApp.m_hResource = nullptr;
-        std::error_code ec;
-        fs::remove_all(dir, ec);
     }
 
     zorhost::ProjectSetup Setup() const {
         zorhost::ProjectSetup setup;
-        setup.directory = CString(dir + "/line2"); // made when the project opens
+        setup.directory = CString(dir / "line2"); // made when the project opens
         setup.modules = {Servo("ZD3S", 1)};
         return setup;
     }
     void OpenProject() {
         std::string error;
         ASSERT_TRUE(host->LoadProject(Setup(), &error)) << error;
-        theApp.SetQueryInterfaceCallback(host->Services().Context(), &zorhost::HostServices::Query);
+        ModuleScope::Attach(host->Services());
     }
     // The program ends and starts again with the same project.
     void Restart() {
         ClosePanel();
-        theApp.SetQueryInterfaceCallback(0, nullptr);
+        ModuleScope::Detach();
         host = std::make_unique<zorhost::ReferenceHost>();
         OpenProject();
         OpenPanel();
@@ -136,7 +120,7 @@ protected:
 
     IGroupSet* Custom() { return host->Module("ZD3S")->GetVarList()->GetGroupRoot(1); }
     IVarObjEx* Var(int index) { return host->Module("ZD3S")->GetVarList()->GetAt(index); }
-    std::string StoreFile() const { return dir + "/line2/Spindle_ZD3S/Variables.dat"; }
+    std::string StoreFile() const { return dir / "line2/Spindle_ZD3S/Variables.dat"; }
 
     std::vector<std::string> CustomItemTexts() {
         std::vector<std::string> texts;
@@ -175,7 +159,8 @@ protected:
             list.SetItemState(r, LVIS_SELECTED, LVIS_SELECTED);
     }
 
-    std::string dir;
+    TempDir dir;
+    ModuleScope scope{"custom-groups-test"};
     std::unique_ptr<zorhost::ReferenceHost> host;
     std::unique_ptr<CDialog> parent;
     std::unique_ptr<CParmiraDialog> panel;
@@ -214,7 +199,7 @@ TEST_F(CustomGroupTest, NewGroupListsPickedMembersInChosenOrderAndComesBackAfter
         EXPECT_EQ(picked[2], KeyOf(picker->GetLeftRows().GetAt(5)));
         AfxTestTypeText(dlg.GetDlgItem(IDC_GROUP_NAME), "Tuning");
         AfxTestTypeText(dlg.GetDlgItem(IDC_GROUP_DESCRIPTION), "loop gains");
-        Shoot(&dlg, "group_dialog.png");
+        ShootIfAsked(&dlg, "group_dialog.png");
         Click(dlg, IDOK);
     });
     ASSERT_EQ(CustomItemTexts(), std::vector<std::string>{"Tuning[loop gains]"});
@@ -336,7 +321,7 @@ TEST_F(CustomGroupTest, AddToGroupMenuKeepsMembersAddsNoDoubleAndMakesNewGroups)
     EXPECT_EQ(n2, CString("Alphanew"));
     EXPECT_EQ(CustomItemTexts().size(), 5u);
     table->AddVarsToCustomRoot({Var(6)});
-    Shoot(parent.get(), "custom_group_tree.png");
+    ShootIfAsked(parent.get(), "custom_group_tree.png");
 
     // Command 32848 of the modified branch: the first page's rows, each once.
     CVarTablePage* page = table->GetPage1();
@@ -409,7 +394,7 @@ TEST_F(CustomGroupTest, TwoDrivesOfOneTypeKeepTheirGroupsApart) {
     IVarDatabase* db = host->Project()->GetWorkspace()->GetDatabase(b->GetElecLabel(),
                                                                     b->GetElecLabelSize(), version);
     ASSERT_NE(db, nullptr);
-    const std::string path = zorhost::model::CustomGroupFile(CString(dir + "/line2"), *b);
+    const std::string path = zorhost::model::CustomGroupFile(CString(dir / "line2"), *b);
     fs::create_directories(fs::path(path).parent_path());
     ASSERT_TRUE(db->SaveToFile(CString(path)));
 
@@ -421,7 +406,7 @@ TEST_F(CustomGroupTest, SaveWritesThroughALinkKeepsTheModeAndLeavesNoTemporaryFi
     OpenPanel();
     const fs::path folder = fs::path(StoreFile()).parent_path();
     fs::create_directories(folder);
-    const fs::path target = fs::path(dir) / "kept-elsewhere.dat";
+    const fs::path target = fs::path(dir.Path()) / "kept-elsewhere.dat";
     std::ofstream(target) << "{}";
     fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
     fs::create_symlink(target, StoreFile());
@@ -448,10 +433,10 @@ TEST_F(CustomGroupTest, GroupsLoadFromAParameterFileOfTheSameDeviceTypeOnly) {
         ASSERT_TRUE(file->Save(CString(path)));
         file->Release();
     };
-    const std::string other = dir + "/inverter.zorparam";
+    const std::string other = dir / "inverter.zorparam";
     write("ZV5", other);
     OpenProject();
-    const std::string same = dir + "/Spindle tune.zorparam";
+    const std::string same = dir / "Spindle tune.zorparam";
     write("ZD3S", same);
     OpenPanel();
     const int vars = host->Module("ZD3S")->GetVarList()->GetCount();

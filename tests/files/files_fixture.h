@@ -2,6 +2,7 @@
 // strings under a handle of the test.
 #pragma once
 
+#include "ModuleScope.h"
 #include "TestFiles.h"
 
 #include "zorhost/ReferenceHost.h"
@@ -21,6 +22,7 @@ protected:
     std::string Path(const char* name) const { return dir.path().toStdString() + "/" + name; }
 
     zorhost::ReferenceHost host;
+    ModuleScope scope{"files-test"};
     QTemporaryDir dir;
     zorhost::model::CDeviceModule* module = nullptr; // the servo
 };

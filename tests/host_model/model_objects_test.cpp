@@ -5,6 +5,8 @@
 #include "zorhost/model/ProjectModel.h"
 #include "zorhost/services/HostProductDb.h"
 
+#include "ShippedDevices.h"
+
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
@@ -17,21 +19,9 @@ using zorhost::CHostProductDb;
 
 namespace {
 
-std::shared_ptr<const zorhost::device::DeviceDescription> Load(const char* file) {
-    auto r = zorhost::device::LoadDeviceFile(std::string(PARMIRA_DEVICES_DIR) + "/" + file);
-    EXPECT_TRUE(r) << r.error.ToString();
-    return r.device;
-}
-
 std::string Name(IGroupNode* g) {
     CString s;
     g->GetName(s);
-    return s.str();
-}
-
-std::string Text(IValueInfoEntry* e) {
-    CString s;
-    e->GetText(s);
     return s.str();
 }
 
@@ -46,7 +36,7 @@ std::vector<std::string> Members(IGroupNode* g) {
 }
 
 TEST(HostModel, FourAxisDriveFindsEachAxisInstanceInStoreAndCatalog) {
-    auto dev = Load("zd4m_four_axis.json");
+    auto dev = LoadShippedDevice("zd4m_four_axis.json");
     ASSERT_TRUE(dev);
     CDeviceModule module(dev, "ZD4M", 2);
     IVarStore* store = module.GetVarList();
@@ -94,11 +84,12 @@ TEST(HostModel, FourAxisDriveFindsEachAxisInstanceInStoreAndCatalog) {
     ASSERT_TRUE(catalog->GetAxisList() && catalog->GetAxisList()->IsValid());
     EXPECT_EQ(catalog->GetAxisList()->GetCount(), 4);
     EXPECT_EQ(store->FindByCode("A5.H02-41"), nullptr);
+    EXPECT_EQ(store->FindByCode("H02-41"), store->FindByAddress(0x0229)) << "a bare code: axis 1";
     EXPECT_EQ(catalog->FindAttrByCode("A2.H99-99"), nullptr);
 }
 
 TEST(HostModel, ModulesOfOneDescriptionShareTheCatalogButNotTheirState) {
-    auto dev = Load("zd3s_servo.json");
+    auto dev = LoadShippedDevice("zd3s_servo.json");
     ASSERT_TRUE(dev);
     CDeviceModule a(dev, "A", 1), b(dev, "B", 2);
     EXPECT_EQ(a.GetVarCatalog(), b.GetVarCatalog());
@@ -114,7 +105,7 @@ TEST(HostModel, ModulesOfOneDescriptionShareTheCatalogButNotTheirState) {
     // A copied attribute keeps its device alive after every module of it is gone.
     IVarAttr* copy = nullptr;
     {
-        CDeviceModule only(Load("zd3s_servo.json"), "C", 3);
+        CDeviceModule only(LoadShippedDevice("zd3s_servo.json"), "C", 3);
         copy = only.GetVarList()->FindByCode("H00-04")->GetAttr()->Clone();
     }
     CString code;
@@ -125,65 +116,9 @@ TEST(HostModel, ModulesOfOneDescriptionShareTheCatalogButNotTheirState) {
     delete copy;
 }
 
-TEST(HostModel, ServoValueMeaningsOfEveryKind) {
-    auto dev = Load("zd3s_servo.json");
-    ASSERT_TRUE(dev);
-    CVarStore store(dev);
-    auto info = [&](const char* code) {
-        IVarObjEx* v = store.FindByCode(code);
-        EXPECT_NE(v, nullptr) << code;
-        return v ? v->GetAttr()->GetValueInfo() : nullptr;
-    };
-
-    IValueInfo* voltage = info("H00-03");
-    ASSERT_NE(voltage, nullptr);
-    EXPECT_EQ(voltage->GetKind(), 1);
-    EXPECT_EQ(voltage->GetBitList(), nullptr);
-    IValueInfoList* values = voltage->GetEnumList();
-    ASSERT_TRUE(values && values->GetCount() == 2);
-    EXPECT_EQ(Text(values->GetAt(1)), "380V") << "untranslated text";
-    EXPECT_EQ(values->GetAt(1)->GetValue(), Variant::I4(380));
-    EXPECT_EQ(values->GetAt(2), nullptr);
-    EXPECT_EQ(values->GetAt(-1), nullptr);
-
-    IValueInfo* inputs = info("H03-00");
-    ASSERT_TRUE(inputs && inputs->GetKind() == 2 && inputs->GetBitList());
-    EXPECT_EQ(inputs->GetEnumList(), nullptr);
-    IValueInfoEntry* bit9 = inputs->GetBitList()->GetAt(9);
-    ASSERT_NE(bit9, nullptr);
-    EXPECT_EQ(bit9->GetBit(), 9);
-    EXPECT_EQ(Text(bit9), "输入功能10");
-
-    IValueInfo* pulse = info("H05-14");
-    ASSERT_TRUE(pulse && pulse->GetKind() == 3 && pulse->GetBitRangeList());
-    IValueInfoEntry* form = pulse->GetBitRangeList()->GetAt(0);
-    IValueInfoEntry* port = pulse->GetBitRangeList()->GetAt(1);
-    ASSERT_TRUE(form && port);
-    EXPECT_EQ(Text(form), "脉冲形式");
-    EXPECT_EQ(form->GetBit(), 0);
-    EXPECT_EQ(form->GetWidth(), 2);
-    ASSERT_EQ(form->GetOptionCount(), 4);
-    EXPECT_EQ(Text(form->GetOptionAt(3)), "CW+CCW");
-    EXPECT_EQ(form->GetOptionAt(3)->GetValue(), Variant::I4(3));
-    EXPECT_EQ(form->GetOptionAt(4), nullptr);
-    EXPECT_EQ(port->GetBit(), 2);
-    EXPECT_EQ(port->GetWidth(), 1);
-
-    IValueInfo* display = info("H02-22");
-    ASSERT_TRUE(display && display->GetKind() == 4 && display->GetDigitList());
-    IValueInfoEntry* digit2 = display->GetDigitList()->GetAt(2);
-    ASSERT_NE(digit2, nullptr);
-    EXPECT_EQ(digit2->GetBit(), 2) << "the digit index";
-    EXPECT_EQ(Text(digit2), "故障时显示");
-    ASSERT_EQ(digit2->GetOptionCount(), 2);
-    EXPECT_EQ(Text(digit2->GetOptionAt(1)), "故障码与监视值交替");
-
-    EXPECT_EQ(info("H00-04"), nullptr) << "a plain number has no meaning";
-}
-
 TEST(HostModel, EveryShippedParameterGetsTheMeaningItsDescriptionGives) {
     for (const char* file : {"zd3s_servo.json", "zd4m_four_axis.json", "zv5_inverter.json"}) {
-        auto dev = Load(file);
+        auto dev = LoadShippedDevice(file);
         ASSERT_TRUE(dev);
         CVarStore store(dev);
         for (int i = 0; i < store.GetCount(); ++i) {
@@ -204,6 +139,8 @@ TEST(HostModel, EveryShippedParameterGetsTheMeaningItsDescriptionGives) {
                 if (l) {
                     ++nonNull;
                     EXPECT_EQ(l->GetCount(), int(count));
+                    EXPECT_EQ(l->GetAt(int(count)), nullptr);
+                    EXPECT_EQ(l->GetAt(-1), nullptr);
                 }
             EXPECT_EQ(nonNull, 1) << "exactly the list of its kind";
         }
@@ -211,7 +148,7 @@ TEST(HostModel, EveryShippedParameterGetsTheMeaningItsDescriptionGives) {
 }
 
 TEST(HostModel, InverterGroupSetWithCategories) {
-    auto dev = Load("zv5_inverter.json");
+    auto dev = LoadShippedDevice("zv5_inverter.json");
     ASSERT_TRUE(dev);
     CDeviceModule module(dev, "ZV5", 3);
     IGroupSet* set = module.GetVarCatalog()->GetGroupSet();
@@ -255,7 +192,7 @@ TEST(HostModel, InverterGroupSetWithCategories) {
 }
 
 TEST(HostModel, GroupEditingOwnershipAndNesting) {
-    auto dev = Load("zd3s_servo.json");
+    auto dev = LoadShippedDevice("zd3s_servo.json");
     ASSERT_TRUE(dev);
     CVarStore store(dev);
     IGroupSet* fixed = store.GetGroupRoot(0);
@@ -342,7 +279,7 @@ TEST(HostModel, RemovingAGroupWithItsVariablesNamesEveryMemberOnce) {
 }
 
 TEST(HostModel, ConnectorValuesAndCodesAreInverse) {
-    auto dev = Load("zd3s_servo.json");
+    auto dev = LoadShippedDevice("zd3s_servo.json");
     ASSERT_TRUE(dev);
     CDeviceModule module(dev, "ZD3S", 1);
     IConnectorTable* table = module.GetVarCatalog()->GetConnectorTable();
@@ -383,7 +320,7 @@ TEST(HostModel, ConnectorValuesAndCodesAreInverse) {
 }
 
 TEST(HostModel, FunctionEntriesAndPerUnitBases) {
-    auto dev = Load("zd3s_servo.json");
+    auto dev = LoadShippedDevice("zd3s_servo.json");
     ASSERT_TRUE(dev);
     CDeviceModule module(dev, "ZD3S", 1);
     IVarStore* store = module.GetVarList();
@@ -428,7 +365,7 @@ TEST(HostModel, FunctionEntriesAndPerUnitBases) {
 }
 
 TEST(HostModel, PerUnitBasesOfAnotherAxisLieAtThatAxis) {
-    auto dev = Load("zd4m_four_axis.json");
+    auto dev = LoadShippedDevice("zd4m_four_axis.json");
     ASSERT_TRUE(dev);
     CDeviceModule module(dev, "ZD4M", 1);
     IPerUnitTable* table = module.GetPerUnitTable();

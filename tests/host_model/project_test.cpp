@@ -1,6 +1,8 @@
 #include "zorhost/device/DeviceLoader.h"
 #include "zorhost/model/ProjectModel.h"
 
+#include "ShippedDevices.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -9,25 +11,19 @@ using namespace zorhost::model;
 
 namespace {
 
-std::shared_ptr<const zorhost::device::DeviceDescription> Load(const char* file) {
-    auto r = zorhost::device::LoadDeviceFile(std::string(PARMIRA_DEVICES_DIR) + "/" + file);
-    EXPECT_TRUE(r) << r.error.ToString();
-    return r.device;
-}
-
 TEST(HostProject, ThreeShippedDevicesReachedFromTheRoot) {
     CProjectRoot root;
     EXPECT_EQ(root.GetProject(), nullptr);
     auto project = std::make_unique<CProject>("/tmp/proj");
     const char* files[] = {"zd3s_servo.json", "zd4m_four_axis.json", "zv5_inverter.json"};
     for (int i = 0; i < 3; ++i) {
-        auto dev = Load(files[i]);
+        auto dev = LoadShippedDevice(files[i]);
         ASSERT_TRUE(dev);
         ASSERT_NE(project->Workspace().Modules().Add(std::make_unique<CDeviceModule>(
                       dev, CString("M" + std::to_string(i + 1)), i + 1)),
                   nullptr);
     }
-    auto again = Load(files[0]);
+    auto again = LoadShippedDevice(files[0]);
     EXPECT_EQ(project->Workspace().Modules().Add(std::make_unique<CDeviceModule>(again, "M1", 9)),
               nullptr)
         << "a key is taken once";

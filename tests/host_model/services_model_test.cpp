@@ -6,6 +6,8 @@
 #include "zorhost/services/HostMessageBus.h"
 #include "zorhost/services/HostProductDb.h"
 
+#include "ShippedDevices.h"
+
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
@@ -23,12 +25,6 @@ using zorhost::CHostProductDb;
 
 namespace {
 
-std::shared_ptr<const zorhost::device::DeviceDescription> Load(const char* file) {
-    auto r = zorhost::device::LoadDeviceFile(std::string(PARMIRA_DEVICES_DIR) + "/" + file);
-    EXPECT_TRUE(r) << r.error.ToString();
-    return r.device;
-}
-
 // Runs the event loop until `done` holds or five seconds passed.
 template <class Done> bool PumpUntil(Done done) {
     QDeadlineTimer deadline(5000);
@@ -38,8 +34,8 @@ template <class Done> bool PumpUntil(Done done) {
 }
 
 TEST(HostProductDb, FindsProductsAndCatalogsByLabelAndVersion) {
-    auto servo = Load("zd3s_servo.json");
-    auto axes = Load("zd4m_four_axis.json");
+    auto servo = LoadShippedDevice("zd3s_servo.json");
+    auto axes = LoadShippedDevice("zd4m_four_axis.json");
     ASSERT_TRUE(servo && axes);
     CHostProductDb db;
     db.Add(servo);
@@ -81,36 +77,6 @@ TEST(HostProductDb, FindsProductsAndCatalogsByLabelAndVersion) {
     EXPECT_EQ(db.GetProductCatalog(label.data(), UINT(label.size()), version), nullptr);
 }
 
-TEST(HostProjectModel, ModuleStateIsToldByTheHost) {
-    auto servo = Load("zd3s_servo.json");
-    ASSERT_TRUE(servo);
-    CDeviceModule module(servo, "ZD3S", 4);
-    EXPECT_FALSE(module.IsOnline());
-    module.SetOnline(true);
-    EXPECT_TRUE(module.IsOnline());
-    module.SetAccessLevel(2);
-    module.SetDeviceAuthority(3);
-    EXPECT_EQ(module.GetAccessLevel(), 2);
-    EXPECT_EQ(module.GetDeviceAuthority(), 3);
-
-    // Without a primary unit the label pointer is null, so callers take the own label.
-    EXPECT_EQ(module.GetPrimaryElecLabel(), nullptr);
-    EXPECT_EQ(module.GetPrimaryElecLabelSize(), 0u);
-    module.SetPrimaryElecLabel({1, 2, 3});
-    ASSERT_NE(module.GetPrimaryElecLabel(), nullptr);
-    EXPECT_EQ(module.GetPrimaryElecLabelSize(), 3u);
-    EXPECT_EQ(module.GetPrimaryElecLabel()[2], 3);
-    CString name;
-    module.GetSubName(name);
-    EXPECT_EQ(name, CString("ZD3-S")) << "the model designation of the product name";
-    module.SetSubName("S1");
-    module.GetSubName(name);
-    EXPECT_EQ(name, CString("S1"));
-
-    CProject project;
-    EXPECT_EQ(project.GetCommState(), nullptr);
-}
-
 TEST(HostProjectModel, SubNameAndPrimaryLabelComeFromTheDescription) {
     QFile file(QString(PARMIRA_DEVICES_DIR) + "/zd3s_servo.json");
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
@@ -122,10 +88,16 @@ TEST(HostProjectModel, SubNameAndPrimaryLabelComeFromTheDescription) {
         text.insert(at + 12, keys);
         return zorhost::device::ParseDeviceJson(text, "composite.json");
     };
+    // Without them: the model designation of the product name, and no primary label.
+    CDeviceModule plain(LoadShippedDevice("zd3s_servo.json"), "P", 1);
+    CString name;
+    plain.GetSubName(name);
+    EXPECT_EQ(name, CString("ZD3-S"));
+    EXPECT_EQ(plain.GetPrimaryElecLabel(), nullptr);
+
     auto r = withProductKeys("\"subName\": \"S3\", \"primaryElectronicLabel\": \"0102 03\", ");
     ASSERT_TRUE(r) << r.error.ToString();
     CDeviceModule module(r.device, "C", 1);
-    CString name;
     module.GetSubName(name);
     EXPECT_EQ(name, CString("S3"));
     ASSERT_EQ(module.GetPrimaryElecLabelSize(), 3u);
@@ -141,7 +113,7 @@ TEST(HostProjectModel, SubNameAndPrimaryLabelComeFromTheDescription) {
 TEST(HostProjectModel, CustomGroupsSurviveTheWorkspaceDatabase) {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
-    auto servo = Load("zd3s_servo.json");
+    auto servo = LoadShippedDevice("zd3s_servo.json");
     ASSERT_TRUE(servo);
     CWorkspace workspace(CString(dir.path().toStdString()));
     CDeviceModule* module =

@@ -1,6 +1,8 @@
 #include "zorhost/device/DeviceLoader.h"
 #include "zorhost/model/VarStore.h"
 
+#include "ShippedDevices.h"
+
 #include <gtest/gtest.h>
 
 #include <set>
@@ -10,41 +12,8 @@ using zorhost::model::CVarStore;
 
 namespace {
 
-std::shared_ptr<const zorhost::device::DeviceDescription> Load(const char* file) {
-    auto r = zorhost::device::LoadDeviceFile(std::string(PARMIRA_DEVICES_DIR) + "/" + file);
-    EXPECT_TRUE(r) << r.error.ToString();
-    return r.device;
-}
-
-TEST(HostVarStore, FourAxisLookupsByCodeAndAddressOnEveryAxis) {
-    auto dev = Load("zd4m_four_axis.json");
-    ASSERT_TRUE(dev);
-    CVarStore store(dev);
-    const UINT addresses[] = {0x0229, 0x2229, 0x4229, 0x6229};
-    std::set<IVarObjEx*> seen;
-    for (int axis = 0; axis < 4; ++axis) {
-        IVarObjEx* byAddr = store.FindByAddress(addresses[axis]);
-        ASSERT_NE(byAddr, nullptr) << axis;
-        CString code, key;
-        byAddr->GetInstanceCode(code);
-        EXPECT_EQ(code, CString("H02-41"));
-        EXPECT_EQ(byAddr->GetInstanceAddress(), addresses[axis]);
-        byAddr->GetInstanceGuid(key);
-        EXPECT_EQ(key, CString("A" + std::to_string(axis + 1) + ".H02-41"));
-        EXPECT_EQ(store.FindByCode(key), byAddr) << "the instance key finds the same variable";
-        seen.insert(byAddr);
-    }
-    EXPECT_EQ(seen.size(), 4u) << "each axis has its own variable";
-    EXPECT_EQ(store.FindByCode("H02-41"), store.FindByAddress(0x0229)) << "a bare code: first axis";
-    EXPECT_EQ(store.FindByCode("A9.H02-41"), nullptr);
-    EXPECT_EQ(store.FindByCode("H99-99"), nullptr);
-    EXPECT_EQ(store.FindByAddress(0xFFFF), nullptr);
-    EXPECT_EQ(store.GetAt(-1), nullptr);
-    EXPECT_EQ(store.GetAt(store.GetCount()), nullptr);
-}
-
 TEST(HostVarStore, VariablesCarryTheirOwnStateOverSharedAttributes) {
-    auto dev = Load("zd4m_four_axis.json");
+    auto dev = LoadShippedDevice("zd4m_four_axis.json");
     ASSERT_TRUE(dev);
     CVarStore store(dev);
     IVarObjEx* a = store.FindByAddress(0x0229);
@@ -83,7 +52,7 @@ TEST(HostVarStore, VariablesCarryTheirOwnStateOverSharedAttributes) {
 
 TEST(HostVarStore, ShippedDevicesBuildStoresWhoseLookupsAgree) {
     for (const char* file : {"zd3s_servo.json", "zd4m_four_axis.json", "zv5_inverter.json"}) {
-        auto dev = Load(file);
+        auto dev = LoadShippedDevice(file);
         ASSERT_TRUE(dev) << file;
         CVarStore store(dev);
         ASSERT_EQ(store.GetCount(), int(dev->parameters.size())) << file;
@@ -109,7 +78,7 @@ namespace {
 // Raw integer figures are shown scaled by the decimals; a hexadecimal parameter without
 // decimals shows "0x" and at least four digits.
 TEST(HostVarStore, ValueTextsFollowDecimalsAndDisplayFormat) {
-    auto dev = Load("zd3s_servo.json");
+    auto dev = LoadShippedDevice("zd3s_servo.json");
     ASSERT_TRUE(dev);
     CVarStore store(dev);
     IVarObjEx* power = store.FindByCode("H00-04"); // u16, 2 decimals, factory 40

@@ -74,54 +74,6 @@ TEST(HostVarUtilValues, ParseAcceptsDecimalHexAndBlanks) {
     EXPECT_EQ(v.bstrVal, CString("abc"));
 }
 
-TEST(HostVarUtilValues, FormatRoundsToDecimalsAndHidesNegativeZero) {
-    CHostVarUtil u;
-    EXPECT_EQ(Fmt(u, Variant::R8(1.23456), 0), CString("1"));
-    EXPECT_EQ(Fmt(u, Variant::R8(1.23456), 1), CString("1.2"));
-    EXPECT_EQ(Fmt(u, Variant::R8(1.23456), 2), CString("1.23"));
-    EXPECT_EQ(Fmt(u, Variant::R8(1.23456), 3), CString("1.235"));
-    EXPECT_EQ(Fmt(u, Variant::R8(1.23456), 4), CString("1.2346"));
-    // Integers are raw figures: the places divide them.
-    EXPECT_EQ(Fmt(u, Variant::I2(-5), 2), CString("-0.05"));
-    EXPECT_EQ(Fmt(u, Variant::I2(-32768), 2), CString("-327.68"));
-    EXPECT_EQ(Fmt(u, Variant::UI4(4294967295u), 4), CString("429496.7295"));
-    EXPECT_EQ(Fmt(u, Variant::I4(1505), 1), CString("150.5"));
-    EXPECT_EQ(Fmt(u, Variant::R8(-0.0), 2), CString("0.00"));
-    EXPECT_EQ(Fmt(u, Variant::R8(-0.0004), 3), CString("0.000"));
-    EXPECT_EQ(Fmt(u, Variant::R8(-0.0006), 3), CString("-0.001"));
-    EXPECT_EQ(Fmt(u, Variant(), 2), CString(""));
-    EXPECT_EQ(Fmt(u, Variant::Str("x y"), 2), CString("x y"));
-}
-
-TEST(HostVarUtilValues, FormatHexUsesTheTypeWidth) {
-    CHostVarUtil u;
-    EXPECT_EQ(Fmt(u, Variant::I2(-1), 0, 1), CString("FFFF"));
-    EXPECT_EQ(Fmt(u, Variant::I2(-32768), 0, 1), CString("8000"));
-    EXPECT_EQ(Fmt(u, Variant::I4(-1), 0, 1), CString("FFFFFFFF"));
-    EXPECT_EQ(Fmt(u, Variant::UI4(4294967295u), 0, 1), CString("FFFFFFFF"));
-    EXPECT_EQ(Fmt(u, Variant::UI2(0x229), 0, 1), CString("229"));
-    EXPECT_EQ(Fmt(u, Variant::R8(255.4), 0, 1), CString("FF"));
-}
-
-TEST(HostVarUtilValues, ScalingByDecimalsRoundTrips) {
-    CHostVarUtil u;
-    // Integer raw figures are scaled down; the way back stores the raw figure again.
-    for (int dec = 0; dec <= 4; ++dec) {
-        for (int32_t raw : {-32768, -1, 0, 1, 12345, 32767}) {
-            Variant v = Variant::I2(int16_t(raw));
-            double d = u.VariantToDouble(v, VT_I2, dec);
-            EXPECT_DOUBLE_EQ(d, raw / std::pow(10.0, dec));
-            Variant back = Variant::OfType(VT_I2);
-            ASSERT_TRUE(u.DoubleToVariant(d * std::pow(10.0, dec), back));
-            EXPECT_EQ(back.iVal, raw) << "decimals " << dec;
-        }
-    }
-    Variant big = Variant::UI4(4294967295u);
-    EXPECT_DOUBLE_EQ(u.VariantToDouble(big, VT_UI4, 4), 429496.7295);
-    // Real types hold the number already scaled.
-    EXPECT_DOUBLE_EQ(u.VariantToDouble(Variant::R8(1.5), VT_R8, 3), 1.5);
-}
-
 TEST(HostVarUtilValues, DoubleToVariantClampsRoundsAndRefuses) {
     CHostVarUtil u;
     Variant v = Variant::OfType(VT_I2);

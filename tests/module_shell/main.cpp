@@ -34,8 +34,8 @@ public:
         TestHost host;
         host.AddModule("M1", "Drive", "S", 1, 3);
         host.Attach();
-        EXPECT_EQ(host.bus.Count(IID_IMessage_LanguageChanged), 1);
-        EXPECT_EQ(host.bus.Count(IID_IMessage_MDIActive), 1);
+        EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_LanguageChanged), 1);
+        EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_MDIActive), 1);
         auto* panel = static_cast<IQXParmira*>(m.create(&IID_IQXParmira));
         ASSERT_NE(panel, nullptr);
         panel->ShowPanel(0, "M1");
@@ -43,9 +43,9 @@ public:
         EXPECT_NE(host.tabs.PanelOf(host.tabs.tabs[0]->handle), nullptr);
         EXPECT_TRUE(AfxFreeLibrary(m.handle));
         m = ModuleExports{};
-        EXPECT_EQ(host.bus.Count(IID_IMessage_LanguageChanged), 0);
-        EXPECT_EQ(host.bus.Count(IID_IMessage_MDIActive), 0);
-        EXPECT_EQ(host.bus.Count(IID_IMessage_ModuleEvent), 0);
+        EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_LanguageChanged), 0);
+        EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_MDIActive), 0);
+        EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 0);
         EXPECT_EQ(host.tabs.PanelOf(host.tabs.tabs[0]->handle), nullptr);
     }
 };

@@ -62,13 +62,13 @@ TEST_F(ShellTest, TwoInstancesLiveIndependently) {
     a->ShowPanel(11, "A");
     b->ShowPanel(22, "B");
     ASSERT_EQ(host.tabs.tabs.size(), 2u);
-    EXPECT_EQ(host.bus.Count(IID_IMessage_ModuleEvent), 2);
+    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 2);
 
     EXPECT_NE(Destroy(a), 0);
     // a's panel went with it; b's is still there and still answers.
     EXPECT_EQ(host.tabs.PanelOf(host.tabs.tabs[0]->handle), nullptr);
     EXPECT_NE(host.tabs.PanelOf(host.tabs.tabs[1]->handle), nullptr);
-    EXPECT_EQ(host.bus.Count(IID_IMessage_ModuleEvent), 1);
+    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 1);
     b->SelectListPage(1);
     b->SetModuleAccessLevel("B", 2);
     b->ShowPanel(22, "B");
@@ -82,23 +82,23 @@ TEST_F(ShellTest, ReleaseOnTheInstanceTellsTheHostAndEndsIt) {
     IQXParmira* p = Create();
     ASSERT_NE(p, nullptr);
     p->ShowPanel(0, "A");
-    EXPECT_EQ(host.bus.Count(IID_IMessage_ModuleEvent), 1);
+    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 1);
     Forget(p);
     p->Release();
     ASSERT_EQ(host.manager.released.size(), 1u);
     EXPECT_EQ(host.manager.released[0], static_cast<IBaseInterface*>(p));
-    EXPECT_EQ(host.bus.Count(IID_IMessage_ModuleEvent), 0);
+    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 0);
     void* v = static_cast<IBaseInterface*>(p);
     EXPECT_EQ(Module().release(&IID_IQXParmira, &v), 0);
 }
 
 TEST_F(ShellTest, NullCallbackAfterARealOneCutsTheHostOffButKeepsTheSinks) {
     host.AddModule("A", "DriveA", "X", 1, 3);
-    EXPECT_EQ(host.bus.Count(IID_IMessage_LanguageChanged), 1);
-    EXPECT_EQ(host.bus.Count(IID_IMessage_MDIActive), 1);
+    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_LanguageChanged), 1);
+    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_MDIActive), 1);
     Module().setCallback(reinterpret_cast<uintptr_t>(&host), nullptr);
-    EXPECT_EQ(host.bus.Count(IID_IMessage_LanguageChanged), 1);
-    EXPECT_EQ(host.bus.Count(IID_IMessage_MDIActive), 1);
+    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_LanguageChanged), 1);
+    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_MDIActive), 1);
     const size_t asked = host.asked.size();
 
     IQXParmira* p = Create(); // the registry doesn't need the host
@@ -115,8 +115,8 @@ TEST_F(ShellTest, NullCallbackAfterARealOneCutsTheHostOffButKeepsTheSinks) {
 
 TEST_F(ShellTest, ASecondCallbackSubscribesTheSinksAgain) {
     Module().setCallback(reinterpret_cast<uintptr_t>(&host), &TestHost::Query);
-    EXPECT_EQ(host.bus.Count(IID_IMessage_LanguageChanged), 2);
-    EXPECT_EQ(host.bus.Count(IID_IMessage_MDIActive), 2);
+    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_LanguageChanged), 2);
+    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_MDIActive), 2);
 }
 
 // The boundary is the four exports: nothing else of ours may be visible to the host.

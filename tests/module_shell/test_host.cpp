@@ -12,63 +12,6 @@ ModuleExports& Module() {
     return exports;
 }
 
-// ---------------------------------------------------------------- bus
-BOOL FakeBus::Subscribe(const GUID& eventId, IBaseInterface* sink) {
-    if (sink == nullptr)
-        return FALSE;
-    subscriptions.emplace_back(eventId, sink);
-    return TRUE;
-}
-
-BOOL FakeBus::Unsubscribe(const GUID& eventId, IBaseInterface* sink) {
-    for (auto it = subscriptions.begin(); it != subscriptions.end(); ++it) {
-        if (it->first == eventId && it->second == sink) {
-            subscriptions.erase(it);
-            return TRUE;
-        }
-    }
-    return FALSE;
-}
-
-int FakeBus::Count(const GUID& eventId) const {
-    return int(std::count_if(subscriptions.begin(), subscriptions.end(),
-                             [&](const auto& s) { return s.first == eventId; }));
-}
-
-std::vector<IBaseInterface*> FakeBus::Sinks(const GUID& eventId) const {
-    std::vector<IBaseInterface*> sinks;
-    for (const auto& s : subscriptions)
-        if (s.first == eventId)
-            sinks.push_back(s.second);
-    return sinks;
-}
-
-void FakeBus::RaiseLanguageChanged() {
-    for (IBaseInterface* s : Sinks(IID_IMessage_LanguageChanged))
-        SinkAs<IMessage_LanguageChanged>(s)->OnLanguageChanged();
-}
-
-void FakeBus::RaiseActiveView(uintptr_t view) {
-    for (IBaseInterface* s : Sinks(IID_IMessage_MDIActive)) {
-        SinkAs<IMessage_MDIActive>(s)->OnActiveViewNotify1(view);
-        SinkAs<IMessage_MDIActive>(s)->OnActiveViewNotify2(view);
-    }
-}
-
-// A handler may close its panel, which unsubscribes it: only sinks still subscribed hear it.
-void FakeBus::RaiseModuleRemoved(const CString& key) {
-    for (IBaseInterface* s : Sinks(IID_IMessage_ModuleEvent)) {
-        const auto still = Sinks(IID_IMessage_ModuleEvent);
-        if (std::find(still.begin(), still.end(), s) != still.end())
-            SinkAs<IMessage_ModuleEvent>(s)->OnModuleRemoved(key);
-    }
-}
-
-void FakeBus::RaiseModuleRenamed(const CString& key, const CString& newName) {
-    for (IBaseInterface* s : Sinks(IID_IMessage_ModuleEvent))
-        SinkAs<IMessage_ModuleEvent>(s)->OnModuleRenamed(key, newName);
-}
-
 // ---------------------------------------------------------------- module manager
 IBaseInterface* FakeModuleManager::CreateInstance(const GUID&) {
     ++creates;
@@ -144,7 +87,6 @@ QWidget* FakeTabs::PanelOf(HWND parent) {
     return nullptr;
 }
 
-// ---------------------------------------------------------------- ui
 // ---------------------------------------------------------------- project
 IHostDeviceModule* FakeModuleList::FindModule(const CString& moduleKey) {
     for (auto& m : modules)

@@ -1,4 +1,5 @@
-// A small host for the module shell: fakes of the services the shell asks for, a query
+// A small host for the module shell: the host's message bus, fakes of the other services
+// the shell asks for, a query
 // callback that can withhold any of them, and the loaded module's four exports.
 #pragma once
 
@@ -6,6 +7,7 @@
 
 #include "module/host/HostContract.h"
 #include "module/host/ModuleExports.h"
+#include "zorhost/services/HostMessageBus.h"
 
 #include <memory>
 #include <utility>
@@ -22,23 +24,6 @@ struct ModuleExports {
     PFN_SafeRelease release = nullptr;
 };
 ModuleExports& Module();
-
-class FakeBus : public IHostMessageBus {
-public:
-    BOOL Subscribe(const GUID& eventId, IBaseInterface* sink) override;
-    BOOL Unsubscribe(const GUID& eventId, IBaseInterface* sink) override;
-    int Count(const GUID& eventId) const;
-    // Raise an event at every subscriber, on a copy of the list.
-    void RaiseLanguageChanged();
-    void RaiseActiveView(uintptr_t view);
-    void RaiseModuleRemoved(const CString& key);
-    void RaiseModuleRenamed(const CString& key, const CString& newName);
-
-    std::vector<std::pair<GUID, IBaseInterface*>> subscriptions;
-
-private:
-    std::vector<IBaseInterface*> Sinks(const GUID& eventId) const;
-};
 
 class FakeModuleManager : public IHostModuleManager {
 public:
@@ -159,7 +144,7 @@ public:
     void Attach();
     FakeModule& AddModule(const char* key, const char* name, const char* sub, int axis, int kind);
 
-    FakeBus bus;
+    zorhost::CHostMessageBus bus; // the host's own
     FakeModuleManager manager;
     FakeTabs tabs;
     FakeUiService ui; // strings from the module, window translators made and counted

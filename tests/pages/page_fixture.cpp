@@ -1,15 +1,10 @@
 #include "page_fixture.h"
 
-#include "module/ModuleResources.h"
-#include "module/ParmiraApp.h"
 #include "module/host/IGroupNode.h"
 #include "module/host/IGroupSet.h"
 #include "module/host/IVarAttr.h"
 #include "module/host/IVarObjEx.h"
 #include "module/host/IVarStore.h"
-#include "table/TableResources.h"
-
-#include <afx/afxres.h>
 
 namespace pt {
 
@@ -30,20 +25,12 @@ void PageTest::SetUp() {
     ASSERT_TRUE(host.LoadDemo(&error)) << error;
     refresh = std::make_unique<RecordingRefresh>(host.Refresh());
     host.Services().Register<IHostRefreshService>(refresh.get());
-    HINSTANCE h = AfxCreateResourceHandle("pages-test");
-    theApp.m_hResource = h;
-    RegisterModuleResources(h);
-    RegisterTableResources(h);
-    AfxRegisterDialog(h, DlgTemplate{IDD_TEST_PARENT, "pages test", 1200, 720, {}, WS_POPUP});
-    theApp.SetQueryInterfaceCallback(host.Services().Context(), &zorhost::HostServices::Query);
+    scope.AddParentDialog(IDD_TEST_PARENT, 1200, 720);
+    ModuleScope::Attach(host.Services());
 }
 
 void PageTest::TearDown() {
     CloseFrame();
-    theApp.SetQueryInterfaceCallback(0, nullptr);
-    theApp.languageListeners.RemoveAll();
-    AfxFreeResourceHandle(theApp.m_hResource);
-    theApp.m_hResource = nullptr;
 }
 
 void PageTest::OpenFrame(const char* moduleKey) {
@@ -79,10 +66,12 @@ void PageTest::ShowGroup(const char* name) {
     Page().ShowGroup(group, Store());
 }
 
-int PageTest::RowOf(const char* code) {
-    for (int i = 0; i < Page().GetShownCount(); ++i) {
+int PageTest::RowOf(const char* code, CVarTablePage* page) {
+    if (page == nullptr)
+        page = &Page();
+    for (int i = 0; i < page->GetShownCount(); ++i) {
         CString c;
-        Page().GetShownVar(i)->GetAttr()->GetCode(c);
+        page->GetShownVar(i)->GetAttr()->GetCode(c);
         if (c == code)
             return i;
     }

@@ -8,6 +8,8 @@
 #include "table/VarTable.h"
 #include "zorhost/ReferenceHost.h"
 
+#include "ModuleScope.h"
+
 #include <afx/afxtest.h>
 
 #include <gtest/gtest.h>
@@ -48,8 +50,9 @@ protected:
     IVarStore* Store() { return table->GetVarList(); }
     // Shows the group `name` of the fixed groups.
     void ShowGroup(const char* name);
-    // The row of `code` among the rows on show, -1 when it is not shown.
-    int RowOf(const char* code);
+    // The row of `code` among the rows `page` (the first page unless told) shows, -1 when
+    // it is not shown.
+    int RowOf(const char* code, CVarTablePage* page = nullptr);
     IVarObjEx* Var(const char* code);
     UINT Address(const char* code);
     double DriveValue(const char* code);
@@ -60,6 +63,7 @@ protected:
     void TypeIntoEdit(CWnd& edit, const char* text);
 
     zorhost::ReferenceHost host;
+    ModuleScope scope{"pages-test"};
     std::unique_ptr<RecordingRefresh> refresh;
     CDialog parent;
     std::unique_ptr<CVarTable> table;

@@ -3,6 +3,7 @@
 // exactly the raw figure the user's text means; and the cell then shows that figure in its
 // own form. One drive holds a parameter for every data type, display format, kind of
 // editor and number of places; both lists run through all of them.
+#include "TempDir.h"
 #include "page_fixture.h"
 
 #include "module/host/IConnectorTable.h"
@@ -163,15 +164,7 @@ protected:
         Pump();
     }
     CListCtrlEx& L() { return page->GetList(); }
-    int RowIn(const CString& code) {
-        for (int i = 0; i < page->GetShownCount(); ++i) {
-            CString c;
-            page->GetShownVar(i)->GetAttr()->GetCode(c);
-            if (c == code)
-                return i;
-        }
-        return -1;
-    }
+    int RowIn(const CString& code) { return RowOf(code.GetString(), page); }
     int Writes() {
         int n = 0;
         for (const auto& r : drive->TakeRequests())
@@ -408,9 +401,7 @@ TEST_F(RoundTripTest, HexWithPlacesReadsDecimalAndAHexEnumerationOpensOnItsEntry
     CString entry;
     combo->GetLBText(combo->GetCurSel(), entry);
     EXPECT_EQ(entry, "0x0005[五]");
-    const char* env = std::getenv("PARMIRA_SCREENSHOT_DIR");
-    const std::string shot = (env ? std::string(env) : ::testing::TempDir()) + "/hex_list.png";
-    EXPECT_TRUE(AfxTestGrabWindow(&parent, shot.c_str()));
+    ShootIfAsked(&parent, "hex_list.png");
 }
 
 // Range options are figures in decimal; one of 10 or more lands at its own bits.

@@ -4,18 +4,10 @@
 #include "module/host/IHostDeviceModule.h"
 #include "module/host/IVarStore.h"
 
-#include <filesystem>
-
 namespace {
 
-// The module's resources are registered once for the whole run, as the loader would.
-class ModuleStart : public ::testing::Environment {
-public:
-    void SetUp() override { AfxStartApp(&theApp, "QXParmira"); }
-    void TearDown() override { AfxStopApp(&theApp); }
-};
 [[maybe_unused]] ::testing::Environment* const g_moduleStart =
-    ::testing::AddGlobalTestEnvironment(new ModuleStart);
+    ::testing::AddGlobalTestEnvironment(new ModuleStartedForTheRun);
 
 } // namespace
 
@@ -27,11 +19,11 @@ void RecipeTest::SetUp() {
     setup.modules.push_back(station);
     std::string error;
     ASSERT_TRUE(host.LoadProject(setup, &error)) << error;
-    theApp.SetQueryInterfaceCallback(host.Services().Context(), &zorhost::HostServices::Query);
+    ModuleScope::Attach(host.Services());
 }
 
 void RecipeTest::TearDown() {
-    theApp.SetQueryInterfaceCallback(0, nullptr);
+    ModuleScope::Detach();
 }
 
 IVarObjEx* RecipeTest::Var(const char* code) {
@@ -49,14 +41,4 @@ double RecipeTest::Peek(const char* code) {
     double raw = -1;
     EXPECT_TRUE(Drive().PeekRaw(Address(code), raw)) << code;
     return raw;
-}
-
-std::string RecipeTest::TempDir() {
-    namespace fs = std::filesystem;
-    const ::testing::TestInfo* info = ::testing::UnitTest::GetInstance()->current_test_info();
-    const fs::path dir =
-        fs::temp_directory_path() / (std::string("parmira-recipes-") + info->name());
-    fs::remove_all(dir);
-    fs::create_directories(dir);
-    return dir.string();
 }

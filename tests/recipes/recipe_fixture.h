@@ -5,6 +5,9 @@
 #include "module/host/IVarObjEx.h"
 #include "zorhost/ReferenceHost.h"
 
+#include "ModuleScope.h"
+#include "TempDir.h"
+
 #include <afx/afxtest.h>
 
 #include <gtest/gtest.h>
@@ -23,9 +26,8 @@ protected:
     IVarObjEx* Var(const char* code);
     UINT Address(const char* code);
     double Peek(const char* code);
-    // A folder of the test's own under the system's temporary folder, emptied first.
-    std::string TempDir();
 
     zorhost::ReferenceHost host;
+    TempDir temp; // the test's own folder
     CAfxRecordingResponder prompts;
 };

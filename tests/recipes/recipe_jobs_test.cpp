@@ -39,9 +39,7 @@ void RunRecipe(IHostDeviceModule* module, const std::function<void(COneKeyParseR
     dlg.SetModule(module);
     CAfxModalDriver driver([&](CDialog& d) {
         if (auto* list = dynamic_cast<CTranslateFailedDialog*>(&d)) {
-            // A picture of the list when asked for (PARMIRA_SCREENSHOT_DIR).
-            if (const char* dir = std::getenv("PARMIRA_SCREENSHOT_DIR"))
-                AfxTestGrabWindow(&d, (std::string(dir) + "/recipe_failed_list.png").c_str());
+            ShootIfAsked(&d, "recipe_failed_list.png");
             if (failed != nullptr) {
                 failed->emplace_back();
                 for (int r = 0; r < list->m_list.GetItemCount(); ++r)
@@ -141,7 +139,8 @@ protected:
         });
         return message;
     }
-    std::vector<std::string> Restore(const std::string& path) {
+    // The failure lists the restore opened (codes, in order).
+    std::vector<std::vector<std::string>> RestoreLists(const std::string& path) {
         prompts.ChooseFiles({CString(path.c_str())});
         std::vector<std::vector<std::string>> failed;
         RunRecipe(
@@ -151,6 +150,10 @@ protected:
                 WaitForJob(dlg);
             },
             &failed);
+        return failed;
+    }
+    std::vector<std::string> Restore(const std::string& path) {
+        const auto failed = RestoreLists(path);
         EXPECT_EQ(failed.size(), 1u); // the list is the restore's only report
         return failed.empty() ? std::vector<std::string>{} : failed.front();
     }
@@ -163,7 +166,7 @@ TEST_F(RecipeJobTest, BackupHoldsEveryLevelAndRestoreBringsTheDriveBackExactly) 
                             [](const ParameterDef* p) { return p->accessLevel >= 3; }));
     SetDrive(params, 0);
     const auto backedUp = DriveValues(params);
-    const std::string path = TempDir() + "/line2";
+    const std::string path = temp / "line2";
     EXPECT_EQ(Backup(path), "配方保存成功！");
     ASSERT_TRUE(std::filesystem::exists(path + ".zorparam"));
 
@@ -196,7 +199,7 @@ TEST_F(RecipeJobTest, BackupHoldsEveryLevelAndRestoreBringsTheDriveBackExactly) 
 }
 
 TEST_F(RecipeJobTest, RestoreListsEachRefusedWriteAndSkipsUnchangeableOnes) {
-    const std::string path = TempDir() + "/r.zorparam";
+    const std::string path = temp / "r.zorparam";
     ASSERT_EQ(Backup(path), "配方保存成功！");
     const UINT a = Address("H02-09"), b = Address("H03-05");
     Drive().SetFailure(FailureMode::RefuseWrites, {b, a});
@@ -216,28 +219,19 @@ TEST_F(RecipeJobTest, RestoreListsEachRefusedWriteAndSkipsUnchangeableOnes) {
 }
 
 TEST_F(RecipeJobTest, ReadFailureNamesTheParameterAndWritesNoFile) {
-    const std::string path = TempDir() + "/x.zorparam";
+    const std::string path = temp / "x.zorparam";
     Drive().SetFailure(FailureMode::FailReads, {Address("H03-05")});
     EXPECT_EQ(Backup(path), "H03-05上传失败！");
     EXPECT_FALSE(std::filesystem::exists(path));
 }
 
 TEST_F(RecipeJobTest, FactoryCodeRefusedStopsARestoreBeforeAnyWrite) {
-    const std::string path = TempDir() + "/y.zorparam";
+    const std::string path = temp / "y.zorparam";
     ASSERT_EQ(Backup(path), "配方保存成功！");
     Drive().SetFailure(FailureMode::RefuseWrites, {kFactoryCodeAddress});
     Drive().TakeRequests();
-    prompts.ChooseFiles({CString(path.c_str())});
-    std::vector<std::vector<std::string>> failed;
-    RunRecipe(
-        Module(),
-        [&](COneKeyParseRecipeDialog& dlg) {
-            dlg.OnRestore();
-            WaitForJob(dlg);
-        },
-        &failed);
+    EXPECT_TRUE(RestoreLists(path).empty());
     EXPECT_EQ(LastMessage(), "厂家密码写失败!");
-    EXPECT_TRUE(failed.empty());
     const auto requests = Drive().TakeRequests();
     ASSERT_EQ(requests.size(), 1u);
     EXPECT_EQ(requests[0].address, kFactoryCodeAddress);
@@ -247,7 +241,7 @@ TEST_F(RecipeJobTest, FactoryCodeRefusedStopsARestoreBeforeAnyWrite) {
 TEST_F(RecipeJobTest, FactoryCodeRefusedAtBackupSavesWithoutReading) {
     Drive().SetFailure(FailureMode::RefuseWrites, {kFactoryCodeAddress});
     Drive().TakeRequests();
-    const std::string path = TempDir() + "/z.zorparam";
+    const std::string path = temp / "z.zorparam";
     EXPECT_EQ(Backup(path), "配方保存成功！");
     EXPECT_EQ(Drive().TakeRequests().size(), 1u);
     EXPECT_TRUE(std::filesystem::exists(path));
@@ -258,15 +252,14 @@ TEST_F(RecipeJobTest, FactoryCodeRefusedAtBackupSavesWithoutReading) {
 TEST_F(RecipeJobTest, ClosingDuringABackupStopsTheWorkerCleanly) {
     Drive().SetRealTime(true);
     Drive().SetLatency(20);
-    const std::string dir = TempDir();
+    const std::string dir = temp.Path();
     prompts.ChooseFiles({CString((dir + "/c.zorparam").c_str())});
     const std::uint64_t before = Drive().RequestCount();
     RunRecipe(Module(), [&](COneKeyParseRecipeDialog& dlg) {
         dlg.OnBackup();
         ASSERT_TRUE(dlg.IsWorkerRunning());
         AfxPumpMessagesUntil([&] { return Drive().RequestCount() > before + 5; }, 5000);
-        if (const char* dir = std::getenv("PARMIRA_SCREENSHOT_DIR"))
-            AfxTestGrabWindow(&dlg, (std::string(dir) + "/recipe_backup.png").c_str());
+        ShootIfAsked(&dlg, "recipe_backup.png");
     });
     const std::uint64_t after = Drive().RequestCount();
     AfxPumpMessagesUntil([] { return false; }, 50); // what the worker posted finds no window
@@ -279,7 +272,7 @@ TEST_F(RecipeJobTest, ClosingDuringABackupStopsTheWorkerCleanly) {
 // The user cancels in the progress box: the worker stops at the next row; a backup still
 // saves a whole file, a restore shows what failed so far.
 TEST_F(RecipeJobTest, CancelInTheProgressBoxStopsTheJobPromptly) {
-    const std::string path = TempDir() + "/cancel.zorparam";
+    const std::string path = temp / "cancel.zorparam";
     ASSERT_EQ(Backup(path), "配方保存成功！");
     const int rows = Module()->GetVarList()->GetCount();
     // Requests as slow as on a real link give the window time to hear of the box long
@@ -319,7 +312,7 @@ TEST_F(RecipeJobTest, CancelInTheProgressBoxStopsTheJobPromptly) {
 
 TEST_F(RecipeJobTest, SaveMakesOneMissingFolderAndNamesTheFileOnce) {
     namespace fs = std::filesystem;
-    const std::string dir = TempDir();
+    const std::string dir = temp.Path();
     COneKeyParseRecipeDialog dlg;
     dlg.SetModule(Module());
     struct Case {
@@ -347,7 +340,7 @@ TEST_F(RecipeJobTest, SaveMakesOneMissingFolderAndNamesTheFileOnce) {
 // A recipe of another series is restored only after a yes, and then by its own addresses;
 // its variables are the rows until a tree node is chosen.
 TEST_F(RecipeJobTest, RecipeOfAnotherSeriesAsksFirst) {
-    const std::string path = TempDir() + "/other.zorparam";
+    const std::string path = temp / "other.zorparam";
     ASSERT_EQ(Backup(path), "配方保存成功！");
     IParamFile* file = theApp.CreateParamFile();
     ASSERT_TRUE(file->Open(CString(path.c_str())));
@@ -423,7 +416,7 @@ protected:
 };
 
 TEST_F(RecipeOverLinkTest, DriveFailingHalfWayEndsEachJobWithItsFailure) {
-    const std::string dir = TempDir();
+    const std::string dir = temp.Path();
     const std::string good = dir + "/good.zorparam";
     ASSERT_EQ(Backup(good), "配方保存成功！");
     struct Fault {

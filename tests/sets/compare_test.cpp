@@ -61,10 +61,7 @@ protected:
         dlg.SetModule(host.Module("ZD3S"));
         ASSERT_TRUE(dlg.Create(IDD_PARAM_COMPARE, nullptr));
     }
-    void TearDown() override {
-        dlg.DestroyWindow();
-        SetsTest::TearDown();
-    }
+    void TearDown() override { dlg.DestroyWindow(); }
     void Command(UINT id, UINT code) {
         dlg.SendMessage(WM_COMMAND, MAKEWPARAM(WORD(id), WORD(code)), 0);
     }
@@ -78,6 +75,20 @@ protected:
     void Run() {
         Command(IDC_COMPARE_START, BN_CLICKED);
         ASSERT_TRUE(AfxPumpMessagesUntil([&] { return !dlg.IsComparing(); }, 10000));
+    }
+    // The servo read whole and saved as a parameter file, as its upload would leave it.
+    CString SaveServoToFile() {
+        host.Transfer().UploadModule(nullptr, "ZD3S");
+        IHostDeviceModule* module = host.Module("ZD3S");
+        auto* file =
+            static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
+        EXPECT_NE(file, nullptr);
+        file->SetElecLabel(module->GetElecLabel(), module->GetElecLabelSize());
+        file->GetVarList()->CopyFrom(module->GetVarList());
+        const CString path((dir / "zd3s.zorparam").c_str());
+        EXPECT_TRUE(file->Save(path));
+        file->Release();
+        return path;
     }
     bool StartEnabled() { return dlg.GetDlgItem(int(IDC_COMPARE_START))->IsWindowEnabled(); }
     size_t Boxes(const char* text) {
@@ -114,22 +125,14 @@ TEST_F(CompareTest, ADriveAgainstItsFactoryValuesListsWhatChangedOnTheDrive) {
         EXPECT_EQ(dlg.GetCellText(row, 4), "2500");
         EXPECT_EQ(dlg.GetCellText(row, 8), "3000");
     }
-    Picture(&dlg, "compare_dialog.png");
+    ShootIfAsked(&dlg, "compare_dialog.png");
 }
 
 // The rows' texts, cell by cell, and the saved table are pinned by files written from a
 // run that covers every display format, enumerated values and a file side whose variables
 // are gone once the worker has ended.
 TEST_F(CompareTest, ShownCellsAndTheSavedTableMatchTheirReferenceFiles) {
-    host.Transfer().UploadModule(nullptr, "ZD3S");
-    IHostDeviceModule* module = host.Module("ZD3S");
-    auto* file = static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
-    ASSERT_NE(file, nullptr);
-    file->SetElecLabel(module->GetElecLabel(), module->GetElecLabelSize());
-    file->GetVarList()->CopyFrom(module->GetVarList());
-    const CString path((dir + "/zd3s.zorparam").c_str());
-    ASSERT_TRUE(file->Save(path));
-    file->Release();
+    const CString path = SaveServoToFile();
     // Decimal, two decimals, enumerated, hexadecimal and per-unit of both widths.
     for (const auto& [code, raw] :
          std::vector<std::pair<const char*, double>>{{"H00-08", 2500},
@@ -161,7 +164,7 @@ TEST_F(CompareTest, ShownCellsAndTheSavedTableMatchTheirReferenceFiles) {
     Command(IDC_COMPARE_SHOW_SAME, BN_CLICKED);
     EXPECT_EQ(different + "--\n" + cells(), ReadText("compare_cells.txt"));
 
-    const std::string saved = dir + "/same.csv";
+    const std::string saved = dir / "same.csv";
     prompts.ChooseFiles({CString(saved.c_str())});
     Command(IDC_COMPARE_SAVE, BN_CLICKED);
     EXPECT_EQ(prompts.Last(AfxPrompt::FileDialog)->text, "Var_Offline");
@@ -244,15 +247,7 @@ TEST_F(CompareTest, AnOfflineOrFailingDriveComparesNothingAndLeavesTheControlsEn
 // A parameter file on one side: its upload box goes, and its rows meet the drive's by
 // address, so only what changed on the drive since the file was written differs.
 TEST_F(CompareTest, AFileAgainstItsDriveDiffersWhereTheDriveChangedSince) {
-    host.Transfer().UploadModule(nullptr, "ZD3S");
-    IHostDeviceModule* module = host.Module("ZD3S");
-    auto* file = static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
-    ASSERT_NE(file, nullptr);
-    file->SetElecLabel(module->GetElecLabel(), module->GetElecLabelSize());
-    file->GetVarList()->CopyFrom(module->GetVarList());
-    const CString path((dir + "/zd3s.zorparam").c_str());
-    ASSERT_TRUE(file->Save(path));
-    file->Release();
+    const CString path = SaveServoToFile();
     Poke("ZD3S", "H00-08", 2500);
 
     prompts.ChooseFiles({path});

@@ -78,7 +78,7 @@ TEST_F(ShaftCopyTest, WritesOnlyTheTickedDifferingParametersOfTheTargetAxis) {
         EXPECT_EQ(dlg.GetCellText(0, 4), "800"); // what it is to take
         EXPECT_TRUE(dlg.GetRows().GetAt(0)->IsRecordChecked());
         EXPECT_TRUE(dlg.GetList().GetCheck(1));
-        Picture(&dlg, "axis_copy_dialog.png");
+        ShootIfAsked(&dlg, "axis_copy_dialog.png");
         ClickCheckBox(dlg, 1);
         EXPECT_FALSE(dlg.GetRows().GetAt(1)->IsRecordChecked());
         Press(dlg, IDOK);
@@ -115,7 +115,7 @@ TEST_F(ShaftCopyTest, TheFileOfModeOneHoldsTheSourceValuesInTheTargetsShape) {
     host.Transfer().UploadModule(nullptr, "ZD4M");
     IHostDeviceModule* module = host.Module("ZD4M");
     module->SetAccessLevel(1); // the user's level: the motor data (level 3) stays out
-    const std::string path = dir + "/axis2.zorparam";
+    const std::string path = dir / "axis2.zorparam";
     prompts.ChooseFiles({CString(path.c_str())});
     EXPECT_EQ(RunDialog([&](CShaftCopyDialog& dlg) {
                   Select(dlg, IDC_SHAFT_TARGET_AXIS, 1);

@@ -29,15 +29,6 @@ protected:
     }
 
     CVarTablePage2& Page2() { return *static_cast<CVarTablePage2*>(table->GetPage2()); }
-    int Row2(const char* code) {
-        for (int i = 0; i < Page2().GetShownCount(); ++i) {
-            CString c;
-            Page2().GetShownVar(i)->GetAttr()->GetCode(c);
-            if (c == code)
-                return i;
-        }
-        return -1;
-    }
     void Stage(const char* code, double value, BOOL checked) {
         Var(code)->SetSetValue(Variant::UI2(uint16_t(value)));
         Var(code)->SetChecked(checked);
@@ -82,7 +73,7 @@ protected:
 
 TEST_F(StagingTest, TypedValueWaitsForTheWriteOfCheckedRowsInListOrder) {
     const double before = DriveValue("H06-03");
-    const int row = Row2("H06-03");
+    const int row = RowOf("H06-03", &Page2());
     ASSERT_GE(row, 0);
     Page2().OnCellEditCommitted(row, Page2().GetValueColumn(), "3");
     EXPECT_EQ(DriveValue("H06-03"), before);

@@ -3,15 +3,16 @@
 // a picture of the panel there.
 #include "files/ParamTableWriter.h"
 #include "module/Implementation.h"
-#include "module/ModuleResources.h"
 #include "module/ParmiraApp.h"
 #include "table/ParmiraDialog.h"
-#include "table/TableResources.h"
 #include "table/VarTable.h"
 
 #include <afx/afxres.h>
 #include <afx/afxtest.h>
 #include <zorhost/ReferenceHost.h>
+
+#include "ModuleScope.h"
+#include "TempDir.h"
 
 #include <gtest/gtest.h>
 
@@ -33,33 +34,19 @@ std::vector<std::string> ReadLines(const std::string& path) {
 class ReferenceTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        char pattern[] = "/tmp/parmira-ref-XXXXXX";
-        ASSERT_NE(::mkdtemp(pattern), nullptr);
-        dir = pattern;
-        HINSTANCE h = AfxCreateResourceHandle("table-reference-test");
-        theApp.m_hResource = h;
-        RegisterModuleResources(h);
-        RegisterTableResources(h);
-        AfxRegisterDialog(h, DlgTemplate{9902, "Parmira", 1100, 640, {}, WS_POPUP});
+        scope.AddParentDialog(9902, 1100, 640);
         std::string error;
         ASSERT_TRUE(host.LoadDemo(&error)) << error;
-        theApp.SetQueryInterfaceCallback(host.Services().Context(), &zorhost::HostServices::Query);
-    }
-    void TearDown() override {
-        theApp.SetQueryInterfaceCallback(0, nullptr);
-        theApp.languageListeners.RemoveAll();
-        AfxFreeResourceHandle(theApp.m_hResource);
-        theApp.m_hResource = nullptr;
-        std::error_code ec;
-        std::filesystem::remove_all(dir, ec);
+        ModuleScope::Attach(host.Services());
     }
     zorhost::ReferenceHost host;
-    std::string dir;
+    ModuleScope scope{"table-reference-test"};
+    TempDir dir;
 };
 
 TEST_F(ReferenceTest, ExportOfADemoDriveWritesOneRowPerCollectedParameter) {
     CImplementation impl(nullptr);
-    const std::string path = dir + "/ZD3S.csv";
+    const std::string path = dir / "ZD3S.csv";
     impl.ExportParameters(CString(path), "ZD3S");
     const std::vector<std::string> lines = ReadLines(path);
     ASSERT_GT(lines.size(), 7u);
@@ -84,8 +71,8 @@ TEST_F(ReferenceTest, ExportOfADemoDriveWritesOneRowPerCollectedParameter) {
     // Offline, nothing is written and nothing is said.
     CAfxRecordingResponder responder;
     host.SetOnline("ZD4M", false);
-    impl.ExportParameters(CString(dir + "/ZD4M.csv"), "ZD4M");
-    EXPECT_FALSE(std::filesystem::exists(dir + "/ZD4M.csv"));
+    impl.ExportParameters(CString(dir / "ZD4M.csv"), "ZD4M");
+    EXPECT_FALSE(std::filesystem::exists(dir / "ZD4M.csv"));
     EXPECT_TRUE(responder.prompts.empty());
 }
 
@@ -111,10 +98,7 @@ TEST_F(ReferenceTest, PanelOfALine13DriveShowsTreeCountsAndNotice) {
     for (int i = 0; i < 5; ++i)
         host.Tick(100);
     AfxPumpMessagesUntil([] { return false; }, 600); // a tick of the worker repaints
-    if (const char* shots = std::getenv("PARMIRA_SCREENSHOT_DIR")) {
-        const std::string png = std::string(shots) + "/parmira_panel.png";
-        EXPECT_TRUE(AfxTestGrabWindow(&parent, png.c_str()));
-    }
+    ShootIfAsked(&parent, "parmira_panel.png");
     panel.DestroyWindow();
     parent.DestroyWindow();
 }

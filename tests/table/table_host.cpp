@@ -1,13 +1,10 @@
 #include "table_host.h"
 
-#include "module/ModuleResources.h"
 #include "module/ParmiraApp.h"
-#include "table/TableResources.h"
 #include "table/VarTable.h"
 
 #include <afx/afxres.h>
 
-#include <cstdlib>
 #include <filesystem>
 
 namespace tt {
@@ -54,8 +51,6 @@ void RegisterTextsIfMissing(HINSTANCE h) {
 } // namespace
 
 TableHost::TableHost(bool testPages) {
-    char pattern[] = "/tmp/parmira-table-XXXXXX";
-    tempDir = ::mkdtemp(pattern) != nullptr ? pattern : "/tmp";
     std::filesystem::create_directories(tempDir + "/bin");
     std::filesystem::create_directories(tempDir + "/Config");
     util.installDir = CString(tempDir + "/bin");
@@ -70,10 +65,7 @@ TableHost::TableHost(bool testPages) {
     services.Register<IHostTransferService>(&transfer);
     services.Register<IHostModuleManager>(&manager);
 
-    HINSTANCE h = AfxCreateResourceHandle("table-test");
-    theApp.m_hResource = h;
-    RegisterModuleResources(h);
-    RegisterTableResources(h);
+    HINSTANCE h = scope.Handle();
     RegisterTextsIfMissing(h);
     if (testPages) {
         AfxRegisterDialog(h, DlgTemplate{IDD_VAR_TABLE_PAGE1, "", 500, 500, {}, WS_CHILD});
@@ -82,17 +74,12 @@ TableHost::TableHost(bool testPages) {
     AfxRegisterDialog(h, DlgTemplate{9901, "frame test", 900, 600, {}, WS_POPUP});
     g_pages[0] = g_pages[1] = nullptr;
     CVarTable::SetPageFactory(testPages ? &MakeTestPage : nullptr);
-    theApp.SetQueryInterfaceCallback(services.Context(), &zorhost::HostServices::Query);
+    ModuleScope::Attach(services);
 }
 
 TableHost::~TableHost() {
-    theApp.SetQueryInterfaceCallback(0, nullptr);
+    ModuleScope::Detach();
     CVarTable::SetPageFactory(nullptr);
-    theApp.languageListeners.RemoveAll();
-    AfxFreeResourceHandle(theApp.m_hResource);
-    theApp.m_hResource = nullptr;
-    std::error_code ec;
-    std::filesystem::remove_all(tempDir, ec);
 }
 
 Module* TableHost::AddModule(const char* key) {

@@ -5,6 +5,8 @@
 
 #include "FakeDeviceHelper.h"
 #include "FakeUiService.h"
+#include "ModuleScope.h"
+#include "TempDir.h"
 
 #include "module/host/HostContract.h"
 #include "table/StackedDialog.h"
@@ -453,7 +455,9 @@ public:
     TransferService transfer;
     zorhost::CHostModuleManager manager;
     std::vector<std::unique_ptr<Module>> modules;
-    std::string tempDir;
+    TempDir temp;
+    const std::string& tempDir = temp.Path();
+    ModuleScope scope{"table-test"};
 };
 
 // Records what the frame asks of a list page.
