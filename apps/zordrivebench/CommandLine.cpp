@@ -3,6 +3,7 @@
 #include "HostProject.h"
 #include "ParmiraModule.h"
 #include "ProgramServices.h"
+#include "UploadFailure.h"
 
 #include <zorhost/ReferenceHost.h>
 #include <zorhost/files/ParamFile.h>
@@ -171,10 +172,7 @@ int RunExport(const Options& options) {
     services.Bus().Unsubscribe(IID_IMessage_ModuleUploadEvent,
                                AsSink<IMessage_ModuleUploadEvent>(&upload));
     if (!upload.succeeded)
-        return Fail(kExitOffline,
-                    QStringLiteral("the drive of module \"%1\" did not answer every read; "
-                                   "nothing was exported")
-                        .arg(options.exportKey));
+        return ReportFailedUpload(host, options.exportKey, QStringLiteral("nothing was exported"));
 
     if (asFile)
         return ExportParameterFile(*module, target);

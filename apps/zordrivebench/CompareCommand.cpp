@@ -3,6 +3,7 @@
 #include "CommandLine.h"
 
 #include "HostProject.h"
+#include "UploadFailure.h"
 
 #include <zorhost/ReferenceHost.h>
 #include <zorhost/files/ParamSetCompare.h>
@@ -162,9 +163,7 @@ int LoadSide(zorhost::ReferenceHost& host, const Options& options, Side& side) {
         host.Bus().Unsubscribe(IID_IMessage_ModuleUploadEvent,
                                AsSink<IMessage_ModuleUploadEvent>(&watch));
         if (!watch.succeeded)
-            return Fail(
-                kExitOffline,
-                QStringLiteral("the drive of module \"%1\" did not answer every read").arg(key));
+            return ReportFailedUpload(host, key, QStringLiteral("nothing was compared"));
     }
     host.Transfer().GetModuleVars(side.key, side.moduleVars);
     return kExitOk;

@@ -52,6 +52,7 @@ const char* UsageText() {
            "  8   a file to download or compare can't be read, or no module has its device type\n"
            "  9   the drive refused or lost some writes of a download\n"
            "  10  the access code was not accepted\n"
+           "  11  the drive answered but would not give some parameters (each is named)\n"
            "\n"
            "Environment:\n"
            "  ZOR_DEVICES_DIR       the folder of the shipped device descriptions (default:\n"

@@ -49,6 +49,7 @@ enum ExitCode {
     kExitBadFile = 8, // a file to download or compare can't be read, or has no module to read it by
     kExitWriteFailed = 9, // the drive refused or lost some writes of a download
     kExitAccessCode = 10, // --access-code was not accepted
+    kExitReadFailed = 11, // the drive answered, but refused some reads of an export or compare
     // The window (and --screenshot): 1 when no module panel came up or the picture could not
     // be written.
     kExitNoPanel = 1,

@@ -169,6 +169,31 @@ TEST(ProgramExport, AFailedExportLeavesAnOldFileAsItWas) {
     EXPECT_EQ(ReadFile(target), QByteArray("old table\n"));
 }
 
+// A drive on the wire that answers but refuses some reads: not an offline drive, and the
+// message names each refused parameter.
+TEST(ProgramExport, RefusedReadsAreNamedUnderTheirOwnExitCode) {
+    QProcess sim;
+    sim.start(QStringLiteral(PARMIRA_BINARY_DIR "/bin/zordrive-sim"),
+              {"--tcp", "127.0.0.1:0", "--refuse", "521,12814", "zd3s_servo.json"});
+    ASSERT_TRUE(sim.waitForReadyRead(20000)) << "zordrive-sim did not start";
+    const QString port = QString::fromUtf8(sim.readLine()).trimmed().section(QLatin1Char(':'), -1);
+    QTemporaryDir dir;
+    const QString project = WriteFile(dir, "tcp.json",
+                                      R"({"format": "zordrivebench-project", "version": 1,
+        "modules": [{"key": "S", "deviceFile": "zd3s_servo.json",
+                     "link": {"type": "modbus-tcp", "host": "127.0.0.1", "port": )" +
+                                          port.toUtf8() + "}}]}");
+    const QString target = QDir(dir.path()).filePath(QStringLiteral("s.csv"));
+    const Outcome r =
+        Program({"--project", project, "--access-code", "2468", "--export", "S", target});
+    sim.kill();
+    sim.waitForFinished();
+    EXPECT_EQ(r.code, 11) << r.err.toStdString();
+    for (const char* named : {"0x0209 (521) H02-09", "0x320E (12814) H32-14"})
+        EXPECT_TRUE(r.err.contains(QLatin1String(named))) << r.err.toStdString();
+    EXPECT_FALSE(QFile::exists(target));
+}
+
 TEST(ProgramExport, AFolderThatCantBeMadeEndsWithNoFileAndNoLeftovers) {
     QTemporaryDir dir;
     // The module makes one missing folder level, not two.

@@ -59,6 +59,7 @@ TEST_F(DemoHost, GoingOfflineMidUploadStillEndsWithTheEvent) {
     ASSERT_EQ(ends.size(), 1u) << "exactly one end";
     EXPECT_FALSE(ends[0].success);
     EXPECT_EQ(steps, 10) << "the transfer stops at the first unanswered request";
+    EXPECT_TRUE(transfer.LastUploadWentOffline());
     EXPECT_EQ(d.TakeRequests().size(), 11u);
     EXPECT_EQ(vars[30]->GetValue(), lastBefore);
     transfer.SetStepHook(nullptr);

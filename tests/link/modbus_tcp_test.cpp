@@ -90,6 +90,12 @@ TEST_F(TcpHost, RefusalsCarryTheDrivesReason) {
     EXPECT_TRUE(host.Transfer().UploadModule(nullptr, kKey));
     ASSERT_EQ(ends.size(), 1u);
     EXPECT_FALSE(ends[0]);
+    // The one refused read is named, and it is no lost link.
+    const auto& failed = host.Transfer().LastUploadFailures();
+    ASSERT_EQ(failed.size(), 1u);
+    EXPECT_EQ(failed[0].address, Address("H02-09"));
+    EXPECT_EQ(failed[0].reason.str().rfind("H02-09: ", 0), 0u) << failed[0].reason.str();
+    EXPECT_FALSE(host.Transfer().LastUploadWentOffline());
     EXPECT_EQ(host.Module(kKey)->Store().FindByAddress(Address("H02-08"))->GetValue(),
               Variant::UI2(123))
         << "the neighbours of the refused parameter are read singly";

@@ -32,9 +32,9 @@ TEST_F(Commit, TheLiveListWritesTheRawFigureAtOnce) {
     EXPECT_EQ(helper.writes.back().value, Variant::R8(-1.0));
     EXPECT_EQ(CommitCellText(Var("H00-16"), "-3.2768", 0, 0), COMMIT_WRITTEN);
     EXPECT_EQ(helper.writes.back().value, Variant::R8(-32768.0));
-    EXPECT_EQ(CommitCellText(Var("H00-15"), "4294967295", 0, 0), COMMIT_WRITTEN);
+    EXPECT_EQ(CommitCellText(Var("H00-26"), "4294967295", 0, 0), COMMIT_WRITTEN);
     EXPECT_EQ(helper.writes.back().value, Variant::R8(4294967295.0));
-    EXPECT_EQ(CommitCellText(Var("H00-17"), "0.1234", 0, 0), COMMIT_WRITTEN);
+    EXPECT_EQ(CommitCellText(Var("H00-28"), "0.1234", 0, 0), COMMIT_WRITTEN);
     EXPECT_EQ(helper.writes.back().value, Variant::R8(0.1234)) << "reals are not rounded";
 }
 
@@ -76,16 +76,16 @@ TEST_F(Commit, ARefusedWriteShowsTheDrivesReason) {
 }
 
 TEST_F(Commit, HexadecimalTextsAreReadWholeOrNotAtAll) {
-    EXPECT_EQ(CommitCellText(Var("H00-02"), "0x00ff", 0, 0), COMMIT_WRITTEN);
+    EXPECT_EQ(CommitCellText(Var("H00-20"), "0x00ff", 0, 0), COMMIT_WRITTEN);
     EXPECT_EQ(helper.writes.back().value, Variant::R8(255.0));
-    EXPECT_EQ(CommitCellText(Var("H00-02"), "FFFF FFFF", 0, 0), COMMIT_WRITTEN);
+    EXPECT_EQ(CommitCellText(Var("H00-20"), "FFFF FFFF", 0, 0), COMMIT_WRITTEN);
     EXPECT_EQ(helper.writes.back().value, Variant::R8(4294967295.0));
     EXPECT_EQ(CommitCellText(Var("H00-03"), "8000", 0, 0), COMMIT_WRITTEN);
     EXPECT_EQ(helper.writes.back().value, Variant::R8(-32768.0)) << "a signed type's bits";
     const size_t before = helper.writes.size();
     // A cut or broken text would put another number into the drive.
     for (const char* text : {"12G4", "123456789", "0x", "-1", "ＦＦ"})
-        EXPECT_EQ(CommitCellText(Var("H00-02"), text, 0, 0), COMMIT_IGNORED) << text;
+        EXPECT_EQ(CommitCellText(Var("H00-20"), text, 0, 0), COMMIT_IGNORED) << text;
     EXPECT_EQ(helper.writes.size(), before);
     // With decimals the cell shows a decimal figure, and that is what is typed.
     EXPECT_EQ(CommitCellText(Var("H00-04"), "12.5", 0, 0), COMMIT_WRITTEN);
@@ -100,12 +100,12 @@ TEST_F(Commit, PerUnitFiguresAreTypedInTheScaleShown) {
     EXPECT_EQ(helper.writes.back().value, Variant::R8(2048.0));
     EXPECT_EQ(CommitCellText(current, "100.00", 0, 0), COMMIT_UNCHANGED);
 
-    IVarObjEx* speed = Var("H00-08"); // i32, 2^28 = 100 %
+    IVarObjEx* speed = Var("H00-22"); // i32, 2^28 = 100 %
     speed->SetPerUnitMode(PER_UNIT_PERCENT);
     EXPECT_EQ(CommitCellText(speed, "50", 0, 0), COMMIT_WRITTEN);
     EXPECT_EQ(helper.writes.back().value, Variant::R8(134217728.0));
 
-    IVarObjEx* gain = Var("H00-09"); // f32 fraction
+    IVarObjEx* gain = Var("H00-24"); // f32 fraction
     gain->SetPerUnitMode(PER_UNIT_PERCENT);
     EXPECT_EQ(CommitCellText(gain, "25", 0, 0), COMMIT_WRITTEN);
     EXPECT_EQ(helper.writes.back().value, Variant::R8(0.25));
@@ -151,8 +151,8 @@ TEST_F(Commit, TheStagingListStoresASetValueAndTheCheckMark) {
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u);
 
     // The staging list reads hexadecimal whatever the value's meaning.
-    EXPECT_EQ(CommitCellText(Var("H00-02"), "0x10", 1, 1), COMMIT_STAGED);
-    EXPECT_EQ(Var("H00-02")->GetSetValue(), Variant::UI4(16));
+    EXPECT_EQ(CommitCellText(Var("H00-20"), "0x10", 1, 1), COMMIT_STAGED);
+    EXPECT_EQ(Var("H00-20")->GetSetValue(), Variant::UI4(16));
 }
 
 TEST_F(Commit, ConnectorValuesPassTheLimitCheckButNotTheTypesRange) {

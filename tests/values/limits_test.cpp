@@ -48,7 +48,7 @@ TEST_F(Limits, NaNIsNeverInside) {
     Variant out;
     const double nan = std::numeric_limits<double>::quiet_NaN();
     EXPECT_FALSE(ApplyLimits(0, VT_R8, 1e300, -1e300, Variant::R8(nan), out, errors));
-    EXPECT_FALSE(CheckEditedValue("M1", 0x0011, VT_R8, Variant::R8(nan), out, errors));
+    EXPECT_FALSE(CheckEditedValue("M1", 0x001C, VT_R8, Variant::R8(nan), out, errors));
     EXPECT_EQ(errors.size(), 2u);
 }
 
@@ -70,7 +70,7 @@ TEST_F(Limits, CheckEditedValueTakesTheParametersOwnLimits) {
     EXPECT_EQ(out, Variant::I2(7)) << "a refusal leaves the out value alone";
 
     // u32 up to its last figure; i16 with 4 decimals down to -3.2768.
-    EXPECT_TRUE(CheckEditedValue("M1", 0x000F, VT_UI4, Variant::R8(4294967295.0), out, errors));
+    EXPECT_TRUE(CheckEditedValue("M1", 0x001A, VT_UI4, Variant::R8(4294967295.0), out, errors));
     EXPECT_EQ(out, Variant::UI4(4294967295u));
     EXPECT_TRUE(CheckEditedValue("M1", 0x0010, VT_I2, Variant::R8(-3.2768), out, errors));
     EXPECT_EQ(out, Variant::I2(-32768));

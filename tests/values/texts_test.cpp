@@ -31,11 +31,11 @@ TEST_F(ValueTexts, RoundingAtTheLimitsOfEachType) {
     fine->SetValue(Variant::I2(32767));
     EXPECT_EQ(ItemValueText(fine), CString("3.2767"));
     EXPECT_EQ(MinValueText(fine), CString("-3.2768"));
-    IVarObjEx* count = Var("H00-15"); // u32
+    IVarObjEx* count = Var("H00-26"); // u32
     count->SetValue(Variant::UI4(4294967295u));
     EXPECT_EQ(ItemValueText(count), CString("4294967295"));
     EXPECT_EQ(MaxValueText(count), CString("4294967295"));
-    IVarObjEx* ratio = Var("H00-17"); // f64, 3 decimals
+    IVarObjEx* ratio = Var("H00-28"); // f64, 3 decimals
     ratio->SetValue(Variant::R8(-0.0004));
     EXPECT_EQ(ItemValueText(ratio), CString("0.000")) << "no negative zero";
     ratio->SetValue(Variant::R8(1.2346));
@@ -47,7 +47,7 @@ TEST_F(ValueTexts, RoundingAtTheLimitsOfEachType) {
 }
 
 TEST_F(ValueTexts, HexadecimalShowsTheTypesWidthAndNeverForDecimals) {
-    IVarObjEx* serial = Var("H00-02"); // u32 hex, factory 4660
+    IVarObjEx* serial = Var("H00-20"); // u32 hex, factory 4660
     EXPECT_EQ(ItemValueText(serial), CString("0x1234"));
     EXPECT_EQ(FactoryValueText(serial), CString("0x1234"));
     EXPECT_EQ(MaxValueText(serial), CString("0xFFFFFFFF"));
@@ -76,8 +76,8 @@ TEST_F(ValueTexts, RawAndHiddenFormats) {
 
 TEST_F(ValueTexts, PercentOf16And32BitAndRealParameters) {
     IVarObjEx* current = Var("H00-07"); // i16, 4096 = 100 %
-    IVarObjEx* speed = Var("H00-08");   // i32, 2^28 = 100 %
-    IVarObjEx* gain = Var("H00-09");    // f32, fraction as it stands
+    IVarObjEx* speed = Var("H00-22");   // i32, 2^28 = 100 %
+    IVarObjEx* gain = Var("H00-24");    // f32, fraction as it stands
     for (IVarObjEx* v : {current, speed, gain})
         v->SetPerUnitMode(PER_UNIT_PERCENT);
     EXPECT_EQ(FactoryValueText(current), CString("100.00%"));
@@ -130,7 +130,7 @@ TEST_F(ValueTexts, EngineeringValuesReadTheirBaseOnceAndKeepIt) {
     EXPECT_EQ(helper.reads.size(), 1u);
     current->SetPerUnitMode(2);
 
-    IVarObjEx* speed = Var("H00-08");
+    IVarObjEx* speed = Var("H00-22");
     speed->SetPerUnitMode(2);
     EXPECT_EQ(FactoryValueText(speed), CString("30.00")) << "2^28 with the held base 30";
 }
@@ -146,7 +146,7 @@ TEST_F(ValueTexts, WithoutABaseEngineeringTextsReadZeroAndAreTriedAgain) {
     EXPECT_EQ(DisplayFormatText(current), CString("")) << "no entry of that mode";
     EXPECT_EQ(PerUnitBase(current), 0.0);
     // Real parameters take no part of the base.
-    IVarObjEx* gain = Var("H00-09");
+    IVarObjEx* gain = Var("H00-24");
     gain->SetPerUnitMode(2);
     EXPECT_EQ(FactoryValueText(gain), CString("50.00"));
 }

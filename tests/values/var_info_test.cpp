@@ -72,11 +72,11 @@ TEST_F(VarInfo, ValueTextWithMeaningOfCompareRows) {
     EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-00"), Variant::UI2(2)), CString("2[转矩模式]"));
     EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-01"), Variant::I2(1505)), CString("150.5"));
     EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-16"), Variant::I2(-32768)), CString("-3.2768"));
-    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-02"), Variant::UI4(255)), CString("FF"));
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-20"), Variant::UI4(255)), CString("FF"));
     // Per-unit values read as a percentage whatever the row shows.
     Var("H00-07")->SetPerUnitMode(2);
     EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-07"), Variant::I2(4096)), CString("100%"));
-    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-08"), Variant::I4(268435456)), CString("100%"));
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-22"), Variant::I4(268435456)), CString("100%"));
     EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-06"), Variant::UI2(1)), CString(""));
 }
 

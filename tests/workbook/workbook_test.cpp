@@ -14,6 +14,8 @@
 #include <iterator>
 #include <string>
 
+#include <unistd.h>
+
 namespace {
 
 std::string Data(const char* name) {
@@ -50,7 +52,22 @@ TEST(Workbook, BrokenOrMissingFilesGiveNoSheets) {
                                      : Data(name);
         EXPECT_FALSE(book.Open(path)) << name;
         EXPECT_TRUE(book.Sheets().empty()) << name;
+        EXPECT_EQ(book.Error().rfind(path + ": ", 0), 0u) << book.Error();
     }
+
+    // Too big to be a recipe: refused by its size before a byte is read (a sparse file, so
+    // nothing is written), and so is a device that never ends.
+    const std::string huge = ::testing::TempDir() + "huge.xlsx";
+    std::ofstream(huge, std::ios::binary | std::ios::trunc) << "PK\x03\x04";
+    ASSERT_EQ(::truncate(huge.c_str(), workbook::Workbook::kMaxFileBytes + 1), 0);
+    for (const std::string& path : {huge, std::string("/dev/zero")}) {
+        workbook::Workbook book;
+        EXPECT_FALSE(book.Open(path));
+        EXPECT_NE(book.Error().find(path == huge ? "(at most 64 MB)" : "not a regular file"),
+                  std::string::npos)
+            << book.Error();
+    }
+    std::remove(huge.c_str());
 }
 
 // Cut and flipped copies of real workbooks: the reader gives up cleanly, never crashes.

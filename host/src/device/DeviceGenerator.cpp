@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <random>
+#include <vector>
 
 namespace zorhost::device {
 
@@ -78,7 +79,7 @@ QJsonObject Parameter(int group, int index, int serial, std::mt19937& random) {
         p["display"] = 1;
         p["max"] = 255;
         break;
-    case 2:
+    case 2: // the one wide type; Width() gives it two addresses
         p["type"] = "i32";
         p["decimals"] = 1;
         p["unit"] = "rpm";
@@ -113,10 +114,36 @@ QJsonObject Parameter(int group, int index, int serial, std::mt19937& random) {
         p["type"] = "i16";
         p["unit"] = "%";
         p["min"] = -4096;
-        p["maxLink"] = Code(group, index - 1);
+        p["maxLink"] = QString(); // set by the caller to the previous parameter
         break;
     }
     return p;
+}
+
+// Where one parameter sits: its group and its index in the group.
+struct Slot {
+    int group = 0;
+    int index = 0;
+};
+
+// Addresses a generated parameter takes: the 32-bit ones hold their own and the next.
+int Width(int serial) {
+    return serial % 8 == 2 ? 2 : 1;
+}
+
+// Places count parameters in groups of `perGroup` addresses; a parameter never runs into
+// the next group, whose first address is another parameter's.
+std::vector<Slot> Layout(int count, int perGroup) {
+    std::vector<Slot> places;
+    places.reserve(std::size_t(count));
+    Slot next;
+    for (int serial = 0; serial < count; ++serial) {
+        if (next.index + Width(serial) > perGroup)
+            next = {next.group + 1, 0};
+        places.push_back(next);
+        next.index += Width(serial);
+    }
+    return places;
 }
 
 } // namespace
@@ -135,29 +162,36 @@ std::string GenerateDeviceJson(int parameterCount, const GeneratorOptions& optio
     int perGroup = options.parametersPerGroup < 8 ? 8 : options.parametersPerGroup;
     if (perGroup > 256)
         perGroup = 256;
-    while (perGroup < 256 && (perAxis + perGroup - 1) / perGroup > groupsPerScope)
+    std::vector<Slot> places = Layout(perAxis, perGroup);
+    while (perGroup < 256 && places.back().group >= groupsPerScope) {
         perGroup = perGroup < 100 ? 100 : 256;
-    if ((perAxis + perGroup - 1) / perGroup > groupsPerScope)
+        places = Layout(perAxis, perGroup);
+    }
+    if (places.back().group >= groupsPerScope)
         return {};
 
     std::mt19937 random(options.seed);
     QJsonArray params;
     QJsonArray groups;
-    int serial = 0;
-    for (int g = 0; g * perGroup < perAxis; ++g) {
-        int count = perAxis - g * perGroup < perGroup ? perAxis - g * perGroup : perGroup;
-        for (int i = 0; i < count; ++i) {
-            QJsonObject p = Parameter(g, i, serial++, random);
-            if (i == 0 && p.contains("maxLink")) // no earlier parameter in this group
+    for (int serial = 0; serial < perAxis; ++serial) {
+        const Slot at = places[std::size_t(serial)];
+        const bool firstOfGroup = serial == 0 || places[std::size_t(serial) - 1].group != at.group;
+        QJsonObject p = Parameter(at.group, at.index, serial, random);
+        if (p.contains("maxLink")) {
+            if (firstOfGroup) // no earlier parameter in this group
                 p.remove("maxLink");
-            params.append(p);
+            else
+                p["maxLink"] = Code(at.group, places[std::size_t(serial) - 1].index);
         }
+        params.append(p);
+        if (serial + 1 < perAxis && places[std::size_t(serial) + 1].group == at.group)
+            continue;
         char name[16];
-        std::snprintf(name, sizeof name, "H%02X", g);
+        std::snprintf(name, sizeof name, "H%02X", at.group);
         groups.append(QJsonObject{{"name", name},
-                                  {"description", QString::fromUtf8("第%1组").arg(g)},
-                                  {"descriptionEn", QString("Group %1").arg(g)},
-                                  {"access", g == 0 ? 3 : 0},
+                                  {"description", QString::fromUtf8("第%1组").arg(at.group)},
+                                  {"descriptionEn", QString("Group %1").arg(at.group)},
+                                  {"access", at.group == 0 ? 3 : 0},
                                   {"members", "*"}});
     }
 

@@ -2,6 +2,7 @@
 #include "JsonTree.h"
 #include "Loader.h"
 #include "zorhost/InstallLayout.h"
+#include "zorhost/device/DeviceChecks.h"
 #include "zorhost/device/JsonShape.h"
 #include "zorhost/files/BoundedRead.h"
 
@@ -87,6 +88,10 @@ LoadResult ParseDeviceJson(std::string_view json, const std::string& sourceName)
         Loader(*device, json.size() / 64).Load(tree.Root());
     } catch (const Refusal& r) {
         result.error = {sourceName, r.place, r.message};
+        return result;
+    }
+    if (LoadError overlap = CheckRegisterOverlaps(*device); !overlap.message.empty()) {
+        result.error = std::move(overlap);
         return result;
     }
     device->textPool.shrink_to_fit();

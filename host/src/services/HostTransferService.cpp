@@ -33,10 +33,14 @@ void CHostTransferService::AnnounceUpload(const CString& moduleKey, bool success
 // refuses fail. The window's events run while a request or the progress display waits; a
 // project closed from one of them ends the upload before it touches the module again.
 bool CHostTransferService::ReadVars(const CString& moduleKey, const std::vector<IVarObjEx*>& vars) {
+    m_readFailures.clear();
+    m_uploadOffline = false;
     model::CDeviceModule* module = m_drives.FindModule(moduleKey);
     const std::shared_ptr<sim::DriveLink> link = m_drives.FindLink(moduleKey);
-    if (!module || !link || !link->IsOnline())
+    if (!module || !link || !link->IsOnline()) {
+        m_uploadOffline = module != nullptr;
         return false;
+    }
     const int total = int(vars.size());
     if (m_progress)
         m_progress->Begin(moduleKey, total);
@@ -113,6 +117,7 @@ bool CHostTransferService::ReadVars(const CString& moduleKey, const std::vector<
             }
             if (r.status == sim::LinkStatus::Offline) {
                 ok = false;
+                m_uploadOffline = true;
                 break; // nothing more will come from this drive
             }
             blockRead = r.ok();
@@ -134,13 +139,17 @@ bool CHostTransferService::ReadVars(const CString& moduleKey, const std::vector<
                 }
                 if (one.status == sim::LinkStatus::Offline) {
                     ok = false;
+                    m_uploadOffline = true;
                     stop = true;
                     break;
                 }
-                if (one.ok())
+                if (one.ok()) {
                     store(item.var, item.type, raw);
-                else
+                } else {
                     ok = false; // the variable keeps its value; the others are still read
+                    m_readFailures.push_back(
+                        {ranges[k].address, m_helper.FailureText(module, ranges[k].address, one)});
+                }
             }
             offset += n;
             advance();

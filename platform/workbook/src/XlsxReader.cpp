@@ -5,9 +5,11 @@
 #include <expat.h>
 #include <minizip/unzip.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <string_view>
 
 namespace workbook::detail {
 
@@ -15,6 +17,60 @@ namespace {
 
 // No part of a recipe comes near this; a bigger one is a broken or hostile file.
 constexpr unsigned long long kMaxPartBytes = 256ull << 20;
+
+// minizip reads through these from the bytes in memory: the whole file is read once, and
+// the zip directory's many small seeks and reads cost no system calls.
+struct MemoryFile {
+    std::string_view bytes;
+    ZPOS64_T at = 0;
+};
+
+voidpf ZCALLBACK MemoryOpen(voidpf opaque, const void*, int mode) {
+    if ((mode & ZLIB_FILEFUNC_MODE_READWRITEFILTER) != ZLIB_FILEFUNC_MODE_READ)
+        return nullptr;
+    static_cast<MemoryFile*>(opaque)->at = 0;
+    return opaque;
+}
+
+uLong ZCALLBACK MemoryRead(voidpf, voidpf stream, void* buffer, uLong size) {
+    auto* f = static_cast<MemoryFile*>(stream);
+    const ZPOS64_T left = f->at < f->bytes.size() ? f->bytes.size() - f->at : 0;
+    const uLong n = uLong(std::min<ZPOS64_T>(size, left));
+    std::memcpy(buffer, f->bytes.data() + f->at, n);
+    f->at += n;
+    return n;
+}
+
+uLong ZCALLBACK MemoryWrite(voidpf, voidpf, const void*, uLong) {
+    return 0;
+}
+
+ZPOS64_T ZCALLBACK MemoryTell(voidpf, voidpf stream) {
+    return static_cast<MemoryFile*>(stream)->at;
+}
+
+long ZCALLBACK MemorySeek(voidpf, voidpf stream, ZPOS64_T offset, int origin) {
+    auto* f = static_cast<MemoryFile*>(stream);
+    ZPOS64_T base = 0;
+    if (origin == ZLIB_FILEFUNC_SEEK_CUR)
+        base = f->at;
+    else if (origin == ZLIB_FILEFUNC_SEEK_END)
+        base = f->bytes.size();
+    else if (origin != ZLIB_FILEFUNC_SEEK_SET)
+        return -1;
+    if (offset > f->bytes.size() - base)
+        return -1;
+    f->at = base + offset;
+    return 0;
+}
+
+int ZCALLBACK MemoryClose(voidpf, voidpf) {
+    return 0;
+}
+
+int ZCALLBACK MemoryError(voidpf, voidpf) {
+    return 0;
+}
 
 struct ZipCloser {
     void operator()(void* zip) const { unzClose(zip); }
@@ -206,8 +262,11 @@ std::string PartName(const std::string& target) {
 
 } // namespace
 
-bool ReadXlsx(const std::string& path, std::vector<Sheet>& sheets) {
-    Zip zip(unzOpen64(path.c_str()));
+bool ReadXlsx(std::string_view bytes, std::vector<Sheet>& sheets) {
+    MemoryFile file{bytes};
+    zlib_filefunc64_def io{MemoryOpen, MemoryRead,  MemoryWrite, MemoryTell,
+                           MemorySeek, MemoryClose, MemoryError, &file};
+    Zip zip(unzOpen2_64("", &io));
     if (!zip)
         return false;
     std::string xml;

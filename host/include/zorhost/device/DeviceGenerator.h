@@ -15,8 +15,9 @@ struct GeneratorOptions {
     std::uint32_t seed = 1; // same seed, same device
 };
 
-// JSON text of a valid device with exactly parameterCount parameters, at most 65 536
-// (256 groups of up to 256). Returns an empty text for a count that can't be laid out.
+// JSON text of a valid device with exactly parameterCount parameters, as many as fit 256
+// groups of up to 256 addresses (one in eight is 32-bit and takes two addresses). Returns an
+// empty text for a count that can't be laid out.
 std::string GenerateDeviceJson(int parameterCount, const GeneratorOptions& options = {});
 
 // The same, loaded through the ordinary loader.

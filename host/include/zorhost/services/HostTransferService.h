@@ -76,6 +76,10 @@ public:
         CString reason; // "H06-03: <reason>"
     };
     const std::vector<FailedWrite>& LastDownloadFailures() const { return m_failures; }
+    // The reads of the last upload that did not get through, in the order read, and whether
+    // it ended because the drive dropped (the reads not tried then are not listed).
+    const std::vector<FailedWrite>& LastUploadFailures() const { return m_readFailures; }
+    bool LastUploadWentOffline() const { return m_uploadOffline; }
 
     // How OpenAndDownload asks for a file and a confirmation; the program installs its
     // dialogs, tests their answers. Without a chooser nothing is opened.
@@ -114,6 +118,8 @@ private:
     std::function<void(int, int)> m_stepHook;
     int m_uploadsEnded = 0;
     std::vector<FailedWrite> m_failures;
+    std::vector<FailedWrite> m_readFailures;
+    bool m_uploadOffline = false;
     FileChooser m_chooseFile;
     Question m_ask;
     IHostModuleManager* m_manager = nullptr;

@@ -5,6 +5,8 @@
 
 #include <map>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace workbook {
@@ -26,34 +28,44 @@ public:
     // The cell at `row` and `column`, both from 1 (A1 is 1, 1); empty outside the range.
     const Cell& At(int row, int column) const;
     // The last row that holds a cell, 0 for an empty sheet.
-    int LastUsedRow() const { return m_rows.empty() ? 0 : m_rows.rbegin()->first; }
+    int LastUsedRow() const { return m_cells.empty() ? 0 : m_cells.rbegin()->first.first; }
     void Set(int row, int column, Cell cell);
 
 private:
     std::string m_name;
-    std::map<int, std::vector<Cell>> m_rows; // sparse: a far cell costs one entry
+    // Sparse in both directions: a far cell, XFD1048576 too, costs one entry.
+    std::map<std::pair<int, int>, Cell> m_cells; // (row, column)
 };
 
 class Workbook {
 public:
     // Reads `path` by its content (zip: .xlsx, compound document: .xls). False, with no
-    // sheets, when the file can't be read.
+    // sheets and Error() telling why, when the file can't be read.
     bool Open(const std::string& path);
+    // The same for an .xlsx whose bytes are at hand; `name` only goes into Error().
+    bool OpenXlsx(std::string_view bytes, const std::string& name);
     const std::vector<Sheet>& Sheets() const { return m_sheets; }
+    // "<path>: <reason>" after a failed Open, else empty.
+    const std::string& Error() const { return m_error; }
 
-    // Limits against files of endless size.
+    // Limits against files of endless size. A recipe of every parameter of the largest
+    // drive is well below a megabyte.
     static constexpr int kMaxRows = 1048576;
     static constexpr int kMaxColumns = 16384;
+    static constexpr long long kMaxFileBytes = 64ll << 20;
 
 private:
+    bool Fail(const std::string& path, const std::string& why);
+
     std::vector<Sheet> m_sheets;
+    std::string m_error;
 };
 
 // Column letters to a number from 1 ("A" 1, "AA" 27); 0 when there are none.
 int ColumnFromLetters(const char*& cursor);
 
 namespace detail {
-bool ReadXlsx(const std::string& path, std::vector<Sheet>& sheets);
+bool ReadXlsx(std::string_view bytes, std::vector<Sheet>& sheets);
 bool ReadXls(const std::string& path, std::vector<Sheet>& sheets);
 } // namespace detail
 
