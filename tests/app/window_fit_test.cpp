@@ -247,7 +247,8 @@ protected:
             dialog.EndDialog(IDCANCEL);
         });
         open();
-        EXPECT_EQ(driver.runs, 1) << name.toStdString() << " did not come up in " << Lang().toStdString();
+        EXPECT_EQ(driver.runs, 1) << name.toStdString() << " did not come up in "
+                                  << Lang().toStdString();
     }
     // Checks a window of the module that stays open beside the panel: the one `open` shows.
     void CheckModeless(const QString& name, const std::function<void()>& open) {
