@@ -45,10 +45,11 @@ int RegisterSpan(DataType type) {
 LoadError CheckRegisterOverlaps(const DeviceDescription& device) {
     LoadError error;
     error.file = device.sourceFile;
-    const auto& index = device.addressIndex; // sorted by address
-    for (std::size_t i = 0; i < index.size(); ++i) {
-        const auto [address, parameter] = index[i];
+    const std::size_t count = device.parameters.size(); // walked in address order
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint32_t parameter = device.ByAddress(i);
         const ParameterDef& p = device.parameters[parameter];
+        const std::uint32_t address = p.address;
         const std::uint32_t end = address + std::uint32_t(RegisterSpan(p.dataType));
         const std::string width = std::to_string(DataTypeBits(p.dataType)) + "-bit value";
         if (end > 0x10000) {
@@ -56,12 +57,15 @@ LoadError CheckRegisterOverlaps(const DeviceDescription& device) {
             error.message = "a " + width + " at " + Hex(address) + " runs past address 0xFFFF";
             return error;
         }
-        if (i + 1 < index.size() && index[i + 1].first < end) {
-            error.place = PlaceOf(device, parameter);
-            error.message = "a " + width + " at " + Hex(address) + " also covers " +
-                            Hex(index[i + 1].first) + ", the address of " +
-                            PlaceOf(device, index[i + 1].second);
-            return error;
+        if (i + 1 < count) {
+            const std::uint32_t next = device.ByAddress(i + 1);
+            const std::uint32_t nextAddress = device.parameters[next].address;
+            if (nextAddress < end) {
+                error.place = PlaceOf(device, parameter);
+                error.message = "a " + width + " at " + Hex(address) + " also covers " +
+                                Hex(nextAddress) + ", the address of " + PlaceOf(device, next);
+                return error;
+            }
         }
     }
     return error;
