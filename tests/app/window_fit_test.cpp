@@ -324,21 +324,39 @@ protected:
                 continue;
             const QModelIndex cell = list->model()->index(row, 3);
             list->scrollTo(cell);
-            // A repaint under way may take the first click; a user clicks again.
-            for (int attempt = 0; attempt < 2; ++attempt) {
-                Click(list, list->visualRect(cell).center(), Qt::LeftButton);
-                Settle();
+            // The editor of that row: an editor of another row may still be going away.
+            const auto onRow = [&](QWidget* w) {
+                if (!w->isVisible())
+                    return false;
+                const QRect cellRect = list->visualRect(cell);
+                const int top = list->viewport()->mapToGlobal(cellRect.topLeft()).y();
+                const int middle = w->mapToGlobal(w->rect().center()).y();
+                return middle >= top && middle < top + cellRect.height();
+            };
+            QPushButton* button = nullptr;
+            QComboBox* box = nullptr;
+            const auto editorUp = [&] {
                 for (QPushButton* b : list->findChildren<QPushButton*>())
-                    if (b->isVisible()) {
-                        b->click();
-                        return;
-                    }
-                for (QComboBox* box : list->findChildren<QComboBox*>())
-                    if (box->isVisible()) {
-                        box->setCurrentIndex(box->count() - 1);
-                        emit box->activated(box->count() - 1);
-                        return;
-                    }
+                    if (onRow(b))
+                        button = b;
+                for (QComboBox* c : list->findChildren<QComboBox*>())
+                    if (onRow(c))
+                        box = c;
+                return button != nullptr || box != nullptr;
+            };
+            // A repaint under way may take a click; a user clicks again.
+            for (int attempt = 0; attempt < 5 && !editorUp(); ++attempt) {
+                Click(list, list->visualRect(cell).center(), Qt::LeftButton);
+                AfxPumpMessagesUntil(editorUp, 1000);
+            }
+            if (button != nullptr) {
+                button->click();
+                return;
+            }
+            if (box != nullptr) {
+                box->setCurrentIndex(box->count() - 1);
+                emit box->activated(box->count() - 1);
+                return;
             }
         }
         ADD_FAILURE() << "no value cell opens its dialog";
