@@ -15,6 +15,7 @@ packages=(
     clang libclang-rt-14-dev clang-format clang-tidy
     python3-pymodbus python3-openpyxl python3-xlwt mbpoll
     xvfb xdotool
+    heaptrack valgrind
 )
 
 missing=()

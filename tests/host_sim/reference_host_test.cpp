@@ -5,6 +5,8 @@
 
 #include <afx/afxwin.h>
 
+#include <malloc.h>
+
 #include <atomic>
 #include <thread>
 
@@ -70,6 +72,28 @@ TEST_F(DemoHost, DemoProjectAndTheServicesThroughTheCallback) {
     EXPECT_FALSE(host.Module("ZV5")->IsOnline());
     EXPECT_EQ(host.Module("NOPE"), nullptr);
     EXPECT_EQ(host.Drive("NOPE"), nullptr);
+}
+
+// The module asks for its services afresh for every cell it draws, thousands of times a
+// second with panels open: the answer must not keep anything per question.
+TEST_F(DemoHost, QueriesKeepNothingPerCall) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the sanitizers' allocators are not glibc's heap";
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+    GTEST_SKIP() << "the sanitizers' allocators are not glibc's heap";
+#endif
+#endif
+    // Large blocks are mapped apart from the arena; both count.
+    auto inUse = [] {
+        const struct mallinfo2 m = mallinfo2();
+        return m.uordblks + m.hblkhd;
+    };
+    Ask<IHostUiService>(host);
+    const std::size_t before = inUse();
+    for (int i = 0; i < 100'000; ++i)
+        ASSERT_NE(Ask<IHostUiService>(host), nullptr);
+    EXPECT_LT(inUse(), before + 64 * 1024) << "the heap grows with queries";
 }
 
 TEST(ReferenceHostProject, BrokenProjectsAreRefusedWhole) {

@@ -30,11 +30,6 @@ public:
     void Withhold(const GUID& iid, bool withheld = true);
     // The registered pointer, or null when absent or withheld.
     void* Find(const GUID& iid) const;
-    // Ids asked for since construction, in order (for tests of quiet failure paths).
-    std::vector<GUID> Asked() const {
-        std::lock_guard<std::mutex> hold(mutex_);
-        return asked_;
-    }
 
     // The pair handed to SetQueryInterfaceCallback.
     uintptr_t Context() const { return reinterpret_cast<uintptr_t>(this); }
@@ -50,7 +45,6 @@ private:
     // Plug-ins may ask from their workers (recipe jobs do).
     mutable std::mutex mutex_;
     std::vector<Entry> entries_;
-    mutable std::vector<GUID> asked_;
 };
 
 } // namespace zorhost

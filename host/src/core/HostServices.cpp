@@ -37,7 +37,6 @@ void HostServices::Withhold(const GUID& iid, bool withheld) {
 
 void* HostServices::Find(const GUID& iid) const {
     std::lock_guard<std::mutex> hold(mutex_);
-    asked_.push_back(iid);
     for (const Entry& e : entries_)
         if (e.iid == iid)
             return e.withheld ? nullptr : e.service;
