@@ -4,6 +4,9 @@
 #
 #     scripts/soak.sh [SECONDS]        (default 600; a short trial takes e.g. 60)
 #
+# SOAK_WRAPPER runs the program under a profiler, e.g. SOAK_WRAPPER="heaptrack -o /tmp/soak"
+# to see what the heap holds when memory grows.
+#
 # Prints resident memory at the start and the end and every error; exits non-zero when a
 # write was lost, a value read back wrong, a module went offline or the simulator failed.
 set -euo pipefail
@@ -49,7 +52,7 @@ fi
 
 echo "soak: ${seconds} s against zordrive-sim on port $port"
 status=0
-QT_QPA_PLATFORM=offscreen "$build/bin/link_soak" --project "$work/soak.json" --seconds "$seconds" \
+QT_QPA_PLATFORM=offscreen ${SOAK_WRAPPER:-} "$build/bin/link_soak" --project "$work/soak.json" --seconds "$seconds" \
     || status=$?
 if ! kill -0 "$sim" 2>/dev/null; then
     echo "soak: zordrive-sim ended during the run" >&2
