@@ -52,7 +52,8 @@ fi
 
 echo "soak: ${seconds} s against zordrive-sim on port $port"
 status=0
-QT_QPA_PLATFORM=offscreen ${SOAK_WRAPPER:-} "$build/bin/link_soak" --project "$work/soak.json" --seconds "$seconds" \
+QT_QPA_PLATFORM=offscreen ${SOAK_WRAPPER:-} "$build/bin/link_soak" --project "$work/soak.json" \
+    --seconds "$seconds" \
     || status=$?
 if ! kill -0 "$sim" 2>/dev/null; then
     echo "soak: zordrive-sim ended during the run" >&2
