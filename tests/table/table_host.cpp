@@ -86,7 +86,7 @@ Module* TableHost::AddModule(const char* key) {
     modules.push_back(std::make_unique<Module>());
     Module* m = modules.back().get();
     m->key = key;
-    project.list.modules.push_back(m);
+    project.modules.push_back(m);
     return m;
 }
 
