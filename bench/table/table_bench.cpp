@@ -120,7 +120,7 @@ void BM_RefreshCycle(benchmark::State& state) {
         double((f.table.GetPage1() != nullptr) + (f.table.GetPage2() != nullptr));
     state.counters["shown"] =
         f.table.GetPage1() != nullptr ? double(f.table.GetPage1()->GetShownCount()) : -1.0;
-    state.counters["items/query"] = double(f.host.refresh.lastItems);
+    state.counters["items/query"] = double(f.host.refresh.lastAddresses.size());
     state.counters["queries"] = double(f.host.refresh.submitted);
 }
 BENCHMARK(BM_RefreshCycle)->Arg(500)->Arg(20000)->Unit(benchmark::kMicrosecond);

@@ -5,6 +5,7 @@
 
 #include "FakeDeviceHelper.h"
 #include "FakeProject.h"
+#include "FakeRefreshService.h"
 #include "FakeUiService.h"
 #include "ModuleScope.h"
 #include "TempDir.h"
@@ -214,39 +215,6 @@ struct VarUtil : zorhost::CHostVarUtil {
     void GetInstallDir(CString& dir) override { dir = installDir; }
 };
 
-struct RefreshItem : IHostRefreshItem {
-    UINT address = 0;
-    int dataType = 0, length = 0;
-    void SetAddress(UINT a) override { address = a; }
-    void SetDataType(int t) override { dataType = t; }
-    void SetLength(int l) override { length = l; }
-};
-
-struct RefreshQuery : IHostRefreshQuery {
-    CString key;
-    std::vector<std::unique_ptr<IHostRefreshItem>> items;
-    void SetKind(int) override {}
-    void SetModuleKey(const CString& k) override { key = k; }
-    IHostRefreshItem* NewItem() override { return new RefreshItem; }
-    BOOL AddItem(IHostRefreshItem* item) override {
-        items.emplace_back(item);
-        return 1;
-    }
-};
-
-// Counts what the pages ask to read; the values themselves stay as they are.
-struct RefreshService : IHostRefreshService {
-    std::vector<IRefreshQueryEvent*> listeners;
-    size_t submitted = 0, lastItems = 0;
-    void AddRefreshListener(IRefreshQueryEvent* l) override { listeners.push_back(l); }
-    void RemoveRefreshListener(IRefreshQueryEvent* l) override { std::erase(listeners, l); }
-    IHostRefreshQuery* NewQuery() override { return new RefreshQuery; }
-    void SubmitQuery(IHostRefreshQuery* query) override {
-        ++submitted;
-        lastItems = query != nullptr ? static_cast<RefreshQuery*>(query)->items.size() : 0;
-    }
-};
-
 struct TransferService : IHostTransferService {
     std::vector<int> syncModes;
     BOOL UploadVars(HWND, const CString&, const std::vector<IVarObjEx*>&) override { return 0; }
@@ -293,7 +261,7 @@ public:
     FakeDeviceHelper helper; // refuses every direct write
     ProductDb products;
     FakeProject project;
-    RefreshService refresh;
+    FakeRefreshService refresh; // keeps the listeners, reads nothing
     TransferService transfer;
     zorhost::CHostModuleManager manager;
     std::vector<std::unique_ptr<Module>> modules;
