@@ -2,6 +2,8 @@
 // wheel, and the module binary holding no credential as text.
 #include "access_fixture.h"
 
+#include "TempDir.h"
+
 #include "groups/Credentials.h"
 #include "groups/LoginDialog.h"
 #include "groups/Sha256.h"
@@ -16,7 +18,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
 
@@ -64,6 +65,7 @@ TEST_F(LoginDialogTest, OkHandsBackTypedTextAndApplyToAll) {
         EXPECT_FALSE(check->IsWindowVisible()); // the user never sees it
         EXPECT_EQ(d.IsDlgButtonChecked(IDC_LOGIN_APPLY_ALL), 1u);
         AfxTestTypeText(d.GetDlgItem(IDC_LOGIN_PASSWORD), "BenchAdmin");
+        ShootIfAsked(&d, "login_dialog.png");
         Click(d, IDOK);
     });
     EXPECT_EQ(result, IDOK);
@@ -129,22 +131,6 @@ TEST_F(LoginDialogTest, FollowsLanguageWithOwnTranslator) {
     EXPECT_EQ(result, IDOK);
     EXPECT_EQ(plain.GetPassword(), "7");
     EXPECT_EQ(ui.translatorsAlive, 0);
-}
-
-// A picture of the dialog with a typed password.
-TEST_F(LoginDialogTest, Screenshot) {
-    // Kept where PARMIRA_SCREENSHOT_DIR says, else in the test's temporary folder.
-    const char* env = std::getenv("PARMIRA_SCREENSHOT_DIR");
-    const std::string folder = env ? std::string(env) : ::testing::TempDir();
-    const char* dir = folder.c_str();
-    CLoginDialog dlg;
-    RunLogin(dlg, [dir](CDialog& d) {
-        AfxTestTypeText(d.GetDlgItem(IDC_LOGIN_PASSWORD), "2468");
-        const std::string path = std::string(dir) + "/login_dialog.png";
-        EXPECT_TRUE(AfxTestGrabWindow(&d, path.c_str()));
-        EXPECT_TRUE(std::ifstream(path, std::ios::binary).good());
-        Click(d, IDCANCEL);
-    });
 }
 
 // ---------------------------------------------------------------- credentials
