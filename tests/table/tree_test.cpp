@@ -215,24 +215,21 @@ TEST_F(TreeTest, ContextMenusFollowTheItemUnderTheCursor) {
     EXPECT_EQ(responder.Count(AfxPrompt::MessageBox), 0u);
     EXPECT_EQ(page->calls.back(), "modified:0");
     ASSERT_EQ(responder.Count(AfxPrompt::PopupMenu), 1u);
-    const CStringArray& modified = responder.Last(AfxPrompt::PopupMenu)->menuItems;
-    bool sawToggle = false;
-    for (int i = 0; i < modified.GetSize(); ++i)
-        if (modified[i] == "32853:不再提示更新")
-            sawToggle = true;
-    EXPECT_TRUE(sawToggle);
+    auto offered = [&](const char* entry) {
+        const CStringArray& items = responder.Last(AfxPrompt::PopupMenu)->menuItems;
+        for (int i = 0; i < items.GetSize(); ++i)
+            if (items[i] == entry)
+                return true;
+        return false;
+    };
+    EXPECT_TRUE(offered("32853:不再提示更新"));
 
     // The toggle taken from the menu flips its own text.
     responder.ChooseMenuCommand(ID_TOGGLE_MODIFIED_PROMPT);
     table->OnTreeContextMenu(centre(table->GetModifiedItem()));
     EXPECT_EQ(table->promptOnModified, 0);
     table->OnTreeContextMenu(centre(table->GetModifiedItem()));
-    const CStringArray& toggled = responder.Last(AfxPrompt::PopupMenu)->menuItems;
-    bool sawRestore = false;
-    for (int i = 0; i < toggled.GetSize(); ++i)
-        if (toggled[i] == "32853:恢复提示更新")
-            sawRestore = true;
-    EXPECT_TRUE(sawRestore);
+    EXPECT_TRUE(offered("32853:恢复提示更新"));
 
     // On "自定义" delete and edit are never offered; the custom branch gets menu 1980.
     table->OnTreeContextMenu(centre(table->GetCustomItem()));
