@@ -42,11 +42,14 @@ TEST_F(TreeTest, GroupsWithoutListableMembersHaveNoItem) {
     module->drive.VarOf("H07-00")->attr->fixed = 1;
     Group* unknown = module->drive.groups.Add("H08");
     unknown->members.push_back("no-such-code");
+    // Shown for its last member, after an unknown code and a fixed one.
+    Group* late = module->drive.groups.Add("H10");
+    late->members = {"no-such-code", "H07-00", "H02-00"};
     // A failing parent hides its children, whatever they hold.
     Group* parentFails = module->drive.groups.Add("H09");
     parentFails->AddChildGroup("H09a")->members.push_back("H02-00");
     OpenFrame();
-    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"H02"}));
+    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"H02", "H10"}));
 }
 
 TEST_F(TreeTest, CategoriesHoldTheirGroupsWhichDoNotRepeatAtTopLevel) {
