@@ -104,6 +104,8 @@ public:
 private:
     void PaintGrid(const QRegion& region);
 
+    CListCtrl* m_paintOwner = nullptr;
+
 protected:
     void paintEvent(QPaintEvent* e) override;
     void mousePressEvent(QMouseEvent* e) override;

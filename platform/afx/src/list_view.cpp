@@ -201,7 +201,10 @@ AfxListView::AfxListView(DWORD style, QWidget* parent)
 }
 
 void AfxListView::paintEvent(QPaintEvent* e) {
+    // Every cell asks its owner for texts and colours: the owner is found once a paint.
+    m_paintOwner = Owner();
     QTableView::paintEvent(e);
+    m_paintOwner = nullptr;
     if (showGrid())
         PaintGrid(e->region());
 }
@@ -250,6 +253,8 @@ void AfxListView::PaintGrid(const QRegion& region) {
 }
 
 CListCtrl* AfxListView::Owner() const {
+    if (m_paintOwner != nullptr)
+        return m_paintOwner;
     WindowData* d = Lookup(m_self);
     return d ? dynamic_cast<CListCtrl*>(d->wnd ? d->wnd : d->standIn.get()) : nullptr;
 }
