@@ -2,7 +2,8 @@
 // - one repaint tick of a full screen of rows (what the 500 ms tick causes), as the
 //   module's share (texts and colours of every visible cell) and as a whole paint, with
 //   no value changed since the last tick and with every value on screen changed;
-// - opening "所有参数" on a generated 20 000-parameter device: collection and first paint.
+// - opening "所有参数" on a generated 20 000-parameter device: collection and first paint,
+//   together and each alone.
 // `--shots=DIR` writes PNG screenshots of the list and both dialogs instead.
 #include "module/ModuleResources.h"
 #include "module/ParmiraApp.h"
@@ -215,8 +216,10 @@ std::string LargeDeviceFile() {
     return path;
 }
 
-// `paint`: the opening with its first paint; otherwise the collection alone.
-void OpenAllParameters(benchmark::State& state, bool paint) {
+enum class Open { CollectAndPaint, CollectOnly, PaintOnly };
+
+// The opening with its first paint, the collection alone, or the first paint alone.
+void OpenAllParameters(benchmark::State& state, Open what) {
     zorhost::ProjectSetup setup;
     zorhost::ModuleSetup m;
     m.deviceFile = LargeDeviceFile();
@@ -231,8 +234,12 @@ void OpenAllParameters(benchmark::State& state, bool paint) {
     AfxPumpMessagesUntil([] { return false; }, 50);
     IVarStore* store = scene.table->GetVarList();
     for (auto _ : state) {
+        if (what == Open::PaintOnly)
+            state.PauseTiming();
         scene.Page().ShowAllParameters(store);
-        if (paint)
+        if (what == Open::PaintOnly)
+            state.ResumeTiming();
+        if (what != Open::CollectOnly)
             PaintPending();
     }
     state.counters["rows"] = scene.Page().GetShownCount();
@@ -240,13 +247,17 @@ void OpenAllParameters(benchmark::State& state, bool paint) {
 }
 
 void BM_OpenAllParameters20000(benchmark::State& state) {
-    OpenAllParameters(state, true);
+    OpenAllParameters(state, Open::CollectAndPaint);
 }
 void BM_CollectAllParameters20000(benchmark::State& state) {
-    OpenAllParameters(state, false);
+    OpenAllParameters(state, Open::CollectOnly);
+}
+void BM_FirstPaintAllParameters20000(benchmark::State& state) {
+    OpenAllParameters(state, Open::PaintOnly);
 }
 BENCHMARK(BM_OpenAllParameters20000)->Unit(benchmark::kMillisecond)->Iterations(20);
 BENCHMARK(BM_CollectAllParameters20000)->Unit(benchmark::kMillisecond)->Iterations(20);
+BENCHMARK(BM_FirstPaintAllParameters20000)->Unit(benchmark::kMillisecond)->Iterations(20);
 
 // ---------------------------------------------------------------- screenshots
 int TakeShots(const std::string& dir) {

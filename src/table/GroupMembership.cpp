@@ -46,10 +46,16 @@ BOOL CGroupMembership::IsTreeMember(IVarAttr* attr, int level) {
                : FALSE;
 }
 
+BOOL CGroupMembership::IsGroupOpen(IGroupNode* group, int level) {
+    return group != nullptr && group->GetAccessLevel() <= level && group->IsGroupVisible() &&
+                   !group->IsGroupFixed()
+               ? TRUE
+               : FALSE;
+}
+
 BOOL CGroupMembership::IsGroupShown(IGroupNode* group, const std::vector<IVarObjEx*>& members,
                                     int level) {
-    if (group == nullptr || group->GetAccessLevel() > level || !group->IsGroupVisible() ||
-        group->IsGroupFixed())
+    if (!IsGroupOpen(group, level))
         return FALSE;
     for (IVarObjEx* var : members)
         if (IsTreeMember(var->GetAttr(), level))
@@ -60,5 +66,21 @@ BOOL CGroupMembership::IsGroupShown(IGroupNode* group, const std::vector<IVarObj
 BOOL CGroupMembership::IsGroupShown(IGroupNode* group, int level) {
     if (group == nullptr || m_pStore == nullptr)
         return FALSE;
-    return IsGroupShown(group, Members(group), level);
+    const auto found = m_members.find(group);
+    if (found != m_members.end())
+        return IsGroupShown(group, found->second, level);
+    // The tree asks this of every group of a device before any walk: the first member it
+    // counts settles it, and the whole list is resolved when a walk needs it.
+    if (!IsGroupOpen(group, level))
+        return FALSE;
+    const int count = group->GetMemberCount();
+    CString key;
+    for (int i = 0; i < count; ++i) {
+        if (!group->GetMemberAt(i, key))
+            continue;
+        IVarObjEx* var = m_pStore->FindByCode(key);
+        if (var != nullptr && IsTreeMember(var->GetAttr(), level))
+            return TRUE;
+    }
+    return FALSE;
 }

@@ -33,6 +33,9 @@ public:
     BOOL IsGroupShown(IGroupNode* group, int level);
 
 private:
+    // The group's own conditions: within `level`, visible and not fixed.
+    static BOOL IsGroupOpen(IGroupNode* group, int level);
+
     IVarStore* m_pStore = nullptr;
     std::unordered_map<IGroupNode*, std::vector<IVarObjEx*>> m_members;
 };

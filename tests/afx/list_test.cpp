@@ -1,7 +1,11 @@
 #include <afx/afxcmn.h>
 #include <afx/afxtest.h>
 
+#include "../../platform/afx/src/list_text_p.h"
+
+#include <QApplication>
 #include <QImage>
+#include <QPainter>
 #include <QWidget>
 #include <afx/afxqt.h>
 
@@ -134,6 +138,64 @@ TEST_F(ListFixture, ColourCallbackPaintsTheCell) {
     const QColor other =
         shot.pixelColor(cell.right - 6, cell.top + cell.Height() / 2 + cell.Height());
     EXPECT_NE(other, QColor(255, 0, 0));
+    // The grid: the last column and the last row of each cell, and nothing inside.
+    const QColor grid(0xd8, 0xdc, 0xe2);
+    EXPECT_EQ(shot.pixelColor(cell.right - 2, cell.top + cell.Height() / 2), QColor(255, 0, 0));
+    EXPECT_EQ(shot.pixelColor(cell.right - 1, cell.top + cell.Height() / 2), grid);
+    EXPECT_EQ(shot.pixelColor(cell.right - 6, cell.bottom - 2), QColor(255, 0, 0));
+    EXPECT_EQ(shot.pixelColor(cell.right - 6, cell.bottom - 1), grid);
+}
+
+// The cell text's fast way against drawText in a rectangle of the elided text.
+TEST(ListCellTextTest, FastWayPaintsWhatThePlainWayPaints) {
+    QFont bold = QApplication::font();
+    bold.setBold(true);
+    bold.setPointSize(bold.pointSize() + 3);
+    const QStringList texts = {"1000.00",
+                               "H01-02",
+                               "读写参数",
+                               "A&B",
+                               "  lead",
+                               "trail  ",
+                               "Mixed 混排 text",
+                               "一个很长很长的参数名称需要省略显示",
+                               "tab\tand\nline",
+                               "i",
+                               "WWWWWWWWWWWWWWWWWWWW",
+                               "שלום 12",
+                               ""};
+    QImage images[2];
+    for (QImage& image : images)
+        image = QImage(400, 60, QImage::Format_ARGB32_Premultiplied);
+    for (const QFont& font : {QApplication::font(), bold}) {
+        for (const QString& text : texts) {
+            const int natural = QFontMetrics(font, &images[0]).horizontalAdvance(text);
+            // Roomy, exactly as wide as the text, one pixel short, and narrow.
+            for (const int width : {natural + 40, natural, natural - 1, 30}) {
+                for (const int align :
+                     {int(Qt::AlignLeft), int(Qt::AlignRight), int(Qt::AlignHCenter)}) {
+                    for (int way = 0; way < 2; ++way) {
+                        // Rows of odd and even height above the text's.
+                        const int extra = 6 + (width + align) % 2;
+                        images[way].fill(Qt::white);
+                        QPainter p(&images[way]);
+                        p.setFont(font);
+                        p.setPen(QColor(0, 0, 128));
+                        // The metrics of the painter's own font, as a view's paint has them.
+                        const QFontMetrics fm = p.fontMetrics();
+                        const QRect rect(3, 2, std::max(width, 1), fm.height() + extra);
+                        if (way == 0)
+                            afxi::DrawCellText(&p, rect, align, text, fm);
+                        else
+                            afxi::DrawCellTextPlain(&p, rect, align, text, fm);
+                    }
+                    EXPECT_TRUE(images[0] == images[1])
+                        << text.toStdString() << " width " << width << " align " << align
+                        << " bold " << font.bold();
+                }
+            }
+        }
+    }
 }
 
 TEST_F(ListFixture, SelectionFocusMarkAndChecks) {

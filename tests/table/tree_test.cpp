@@ -41,10 +41,14 @@ TEST_F(TreeTest, GroupsWithoutListableMembersHaveNoItem) {
     ListedGroup("H07", "H07-00", 0x700);
     module->drive.VarOf("H07-00")->attr->fixed = 1;
     AddGroup(module->drive.groups, "H08")->AddMember("no-such-code");
+    // Shown for its last member, after an unknown code and a fixed one.
+    CGroupNode* late = AddGroup(module->drive.groups, "H10");
+    for (const char* code : {"no-such-code", "H07-00", "H02-00"})
+        late->AddMember(code);
     // A failing parent hides its children, whatever they hold.
     AddChildGroup(AddGroup(module->drive.groups, "H09"), "H09a")->AddMember("H02-00");
     OpenFrame();
-    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"H02"}));
+    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"H02", "H10"}));
 }
 
 TEST_F(TreeTest, CategoriesHoldTheirGroupsWhichDoNotRepeatAtTopLevel) {

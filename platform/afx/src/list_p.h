@@ -101,7 +101,13 @@ public:
     std::unordered_map<int, PaintedRow> m_painted;
     bool m_comparing = false;
 
+private:
+    void PaintGrid(const QRegion& region);
+
+    CListCtrl* m_paintOwner = nullptr;
+
 protected:
+    void paintEvent(QPaintEvent* e) override;
     void mousePressEvent(QMouseEvent* e) override;
     void mouseDoubleClickEvent(QMouseEvent* e) override;
     void keyPressEvent(QKeyEvent* e) override;

@@ -1,6 +1,7 @@
 // The report list widget behind CListCtrl: its model, the delegate that paints a cell
 // from one text and one colour request, and the notifications it sends its owner.
 #include "list_p.h"
+#include "list_text_p.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -8,7 +9,9 @@
 #include <QMouseEvent>
 #include <QPaintEngine>
 #include <QPainter>
+#include <QProxyStyle>
 #include <QScrollBar>
+#include <QStyleFactory>
 #include <QStyledItemDelegate>
 
 namespace afxi {
@@ -20,6 +23,31 @@ QColor ToQColor(COLORREF c) {
 
 constexpr int kCheckWidth = AfxListView::kCheckWidth;
 constexpr int kTextPadding = 4;
+constexpr QRgb kGridColor = 0xffd8dce2;
+
+// Lets the table view lay its cells out for a grid but draw no grid lines: a transparent
+// pen costs nothing, and the list fills the same pixels itself (see PaintGrid).
+class ListStyle : public QProxyStyle {
+public:
+    using QProxyStyle::QProxyStyle;
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override {
+        if (hint == SH_Table_GridLineColor)
+            return 0;
+        return QProxyStyle::styleHint(hint, option, widget, data);
+    }
+};
+
+// One for all lists, over a style of the application's kind (a proxy owns its base).
+QStyle* SharedListStyle() {
+    static QPointer<QStyle> style;
+    if (style.isNull()) {
+        QStyle* base = QStyleFactory::create(QApplication::style()->name());
+        style = base != nullptr ? new ListStyle(base) : new ListStyle();
+        style->setParent(qApp);
+    }
+    return style;
+}
 
 // Whether the paint in progress reaches all of `r` that the viewport shows, or only part.
 bool PaintsWhole(QPainter* p, const QRect& r) {
@@ -94,9 +122,7 @@ public:
                                         : (fmt == LVCFMT_CENTER ? Qt::AlignHCenter : Qt::AlignLeft);
         }
         p->setPen(textColor);
-        const QString s = Q(text);
-        p->drawText(textRect, align | Qt::AlignVCenter,
-                    opt.fontMetrics.elidedText(s, Qt::ElideRight, textRect.width()));
+        DrawCellText(p, textRect, align, Q(text), opt.fontMetrics);
     }
 
     QSize sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const override {
@@ -171,10 +197,64 @@ AfxListView::AfxListView(DWORD style, QWidget* parent)
     horizontalHeader()->setSectionsClickable(!(style & LVS_NOSORTHEADER));
     if (style & LVS_NOCOLUMNHEADER)
         horizontalHeader()->hide();
-    setStyleSheet("QTableView { gridline-color: #d8dce2; }");
+    setStyle(SharedListStyle());
+}
+
+void AfxListView::paintEvent(QPaintEvent* e) {
+    // Every cell asks its owner for texts and colours: the owner is found once a paint.
+    m_paintOwner = Owner();
+    QTableView::paintEvent(e);
+    m_paintOwner = nullptr;
+    if (showGrid())
+        PaintGrid(e->region());
+}
+
+void AfxListView::PaintGrid(const QRegion& region) {
+    // The lines the table view would draw with a one-pixel pen: under each row and right
+    // of each column, within the painted area and not past the last row or column.
+    QHeaderView* rows = verticalHeader();
+    QHeaderView* columns = horizontalHeader();
+    const int lastY = rows->length() - rows->offset() - 1;
+    const int lastX = columns->length() - columns->offset() - 1;
+    QPainter p(viewport());
+    const QColor color = QColor::fromRgba(kGridColor);
+    for (QRect area : region) {
+        area.setBottom(std::min(area.bottom(), lastY));
+        area.setRight(std::min(area.right(), lastX));
+        if (!area.isValid())
+            continue;
+        int left = columns->visualIndexAt(area.left());
+        int right = columns->visualIndexAt(area.right());
+        if (left == -1)
+            left = 0;
+        if (right == -1)
+            right = columns->count() - 1;
+        int top = rows->visualIndexAt(area.top());
+        int bottom = rows->visualIndexAt(area.bottom());
+        if (bottom == -1)
+            bottom = rows->count() - 1;
+        if (top == -1 || top > bottom)
+            continue;
+        for (int visual = top; visual <= bottom; ++visual) {
+            const int row = rows->logicalIndex(visual);
+            if (rows->isSectionHidden(row))
+                continue;
+            const int y = rowViewportPosition(row) + rowHeight(row) - 1;
+            p.fillRect(QRect(area.left(), y, area.width(), 1), color);
+        }
+        for (int visual = left; visual <= right; ++visual) {
+            const int col = columns->logicalIndex(visual);
+            if (columns->isSectionHidden(col))
+                continue;
+            const int x = columnViewportPosition(col) + columnWidth(col) - 1;
+            p.fillRect(QRect(x, area.top(), 1, area.height()), color);
+        }
+    }
 }
 
 CListCtrl* AfxListView::Owner() const {
+    if (m_paintOwner != nullptr)
+        return m_paintOwner;
     WindowData* d = Lookup(m_self);
     return d ? dynamic_cast<CListCtrl*>(d->wnd ? d->wnd : d->standIn.get()) : nullptr;
 }
