@@ -96,6 +96,9 @@ public:
     void Relayout();
     // After a change of language: the access box's entries anew, then the layout.
     void ShowInLanguage();
+    // Width of the columns a user reads first (up to the limits on the first page, up to
+    // the factory value on the second), with the list's frame and scroll bar.
+    int MainColumnsWidth();
     // After a change of language: menus the page holds on to, in the new language.
     virtual void TranslateHeldMenus() {}
     void OnSearchEnter();
