@@ -399,6 +399,19 @@ protected:
                     << where.toStdString() << ": \"" << text.toStdString() << "\" is cut";
             }
         }
+        // Every shown column of a list is as wide as its title needs.
+        for (QHeaderView* header : root->findChildren<QHeaderView*>()) {
+            if (!header->isVisible() || header->orientation() != Qt::Horizontal)
+                continue;
+            for (int col = 0; col < header->count(); ++col) {
+                if (header->sectionSize(col) > 0) {
+                    EXPECT_GE(header->sectionSize(col), header->sectionSizeHint(col))
+                        << where.toStdString() << ": title \""
+                        << header->model()->headerData(col, Qt::Horizontal).toString().toStdString()
+                        << "\" is cut";
+                }
+            }
+        }
     }
 
     bool english = false;
@@ -463,9 +476,16 @@ TEST_F(WindowFit, EveryControlIsWholeAndTheMainColumnsShowAtCommonSizes) {
                 QHeaderView* header = tree->header();
                 EXPECT_LE(header->sectionViewportPosition(1) + header->sectionSize(1),
                           tree->viewport()->width());
-                for (QTreeWidgetItemIterator it(tree); *it != nullptr; ++it)
+                for (QTreeWidgetItemIterator it(tree); *it != nullptr; ++it) {
                     EXPECT_LE(metrics.horizontalAdvance((*it)->text(1)), header->sectionSize(1))
                         << (*it)->text(1).toStdString() << " is cut";
+                    // A long name goes on over more lines, all of them in its row.
+                    const int nameWidth = tree->visualRect(tree->indexFromItem(*it, 0)).width();
+                    const QRect name = metrics.boundingRect(QRect(0, 0, nameWidth - 8, 1 << 16),
+                                                            Qt::TextWordWrap, (*it)->text(0));
+                    EXPECT_LE(name.height(), tree->visualItemRect(*it).height())
+                        << (*it)->text(0).toStdString() << " is cut";
+                }
             }
         }
         Shot(&window, QStringLiteral("main_live_") + Lang());
