@@ -123,12 +123,13 @@ void CVarTablePageBase::BuildColumns() {
         list.AddEditableColumn(9);
 }
 
-int CVarTablePageBase::MainColumnsWidth() {
+int CVarTablePageBase::MainColumnsWidth(BOOL valueOnly) {
     CListCtrlEx& list = GetList();
     if (list.GetSafeHwnd() == nullptr)
         return 0;
     const BOOL multi = GetMultiAxisFlag() == 1;
-    const CellKind last = m_bFirstPage ? CellMax : CellFactoryLimit;
+    const CellKind last = valueOnly ? (m_bFirstPage ? CellCurrent : CellSet)
+                                    : (m_bFirstPage ? CellMax : CellFactoryLimit);
     int width = 0;
     for (int column = 0; column < list.GetColumnCount(); ++column) {
         width += list.GetColumnWidth(column);

@@ -71,8 +71,8 @@ void CVarTable::FitTreeWidth() {
     CRect client, r;
     GetClientRect(&client);
     tree->GetWindowRect(&r);
-    // A tree the user made wider stays so. The list keeps most of the room,
-    // and where the panel is wide enough for the list's main columns, room for them.
+    // A tree the user made wider stays so. The list keeps most of the room: where the
+    // panel is wide enough, room for its main columns, else for those up to the value.
     int most = client.Width() * 3 / 10;
     CWnd* splitter = GetDlgItem(int(IDC_TREE_SPLITTER));
     CRect split;
@@ -83,8 +83,11 @@ void CVarTable::FitTreeWidth() {
         if (base == nullptr || base->GetSafeHwnd() == nullptr || !base->IsWindowVisible())
             continue;
         const int room = client.Width() - split.Width() - base->MainColumnsWidth();
+        const int roomBesideValue = client.Width() - split.Width() - base->MainColumnsWidth(TRUE);
         if (room >= kMinTreeWidth)
             most = std::min(most, room);
+        else // the list scrolls anyway: the tree's texts may take what the values leave
+            most = std::max(most, roomBesideValue);
     }
     const int need = std::min(ZorSkinTreeContentWidth(&m_tree), most);
     // A width set here may shrink again (another page, other texts); one the user chose

@@ -444,6 +444,8 @@ TEST_F(WindowFit, EveryControlIsWholeAndTheMainColumnsShowAtCommonSizes) {
                                       .arg(c.size.height())
                                       .arg(c.style == ListStyle::Live ? "live" : "staging", Lang());
             ExpectControlsWhole(&window, where);
+            Shot(&window, QStringLiteral("main_") +
+                              QString(where).replace(QLatin1Char(' '), QLatin1Char('_')));
             QTableView* list = List();
             ASSERT_NE(list, nullptr) << where.toStdString();
             // No empty pane beside the list while nothing is described.
