@@ -373,7 +373,10 @@ void MainWindow::BuildMenus() {
     for (const CString& key : m_host.ModuleKeys()) {
         CString name;
         m_host.Module(key)->GetDisplayName(name);
-        QMenu* menu = devices->addMenu(QStringLiteral("%1 (%2)").arg(Qs(name), Qs(key)));
+        // Named as in the project tree: a product's name in the chosen language.
+        CString shown;
+        m_services.Ui().TranslateText(shown, name);
+        QMenu* menu = devices->addMenu(QStringLiteral("%1 (%2)").arg(Qs(shown), Qs(key)));
         QAction* open =
             menu->addAction(Tr("打开参数列表", "Open parameter list"), this, [this, key] {
                 QString error;
