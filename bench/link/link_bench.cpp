@@ -101,8 +101,8 @@ void BM_UploadServoOverTcp(benchmark::State& state) {
     for (IVarObjEx* v : all) {
         IVarAttr* a = v->GetAttr();
         if (a->IsTransferable() && a->GetModifyMode() != int(device::ModifyMode::NotListed))
-            ranges.push_back({v->GetInstanceAddress(),
-                              std::max(1, sim::RegisterCount(device::DataType(a->GetDataType())))});
+            ranges.push_back(
+                {v->GetInstanceAddress(), sim::RegisterSpan(device::DataType(a->GetDataType()))});
     }
     std::sort(ranges.begin(), ranges.end(),
               [](const auto& x, const auto& y) { return x.address < y.address; });

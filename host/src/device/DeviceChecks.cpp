@@ -28,20 +28,6 @@ std::string PlaceOf(const DeviceDescription& d, std::uint32_t index) {
 
 } // namespace
 
-int RegisterSpan(DataType type) {
-    switch (type) {
-    case DataType::Int32:
-    case DataType::UInt32:
-    case DataType::Float:
-        return 2;
-    case DataType::Double:
-    case DataType::Date:
-        return 4;
-    default:
-        return 1;
-    }
-}
-
 LoadError CheckRegisterOverlaps(const DeviceDescription& device) {
     LoadError error;
     error.file = device.sourceFile;

@@ -205,6 +205,32 @@ const char* DataTypeName(DataType type) {
     return "";
 }
 
+int RegisterCount(DataType type) {
+    switch (type) {
+    case DataType::Int8:
+    case DataType::UInt8:
+    case DataType::Int16:
+    case DataType::UInt16:
+    case DataType::Bool:
+        return 1;
+    case DataType::Int32:
+    case DataType::UInt32:
+    case DataType::Float:
+        return 2;
+    case DataType::Double:
+    case DataType::Date:
+        return 4;
+    case DataType::String:
+    case DataType::Unknown:
+        return 0;
+    }
+    return 0;
+}
+
+int RegisterSpan(DataType type) {
+    return std::max(1, RegisterCount(type));
+}
+
 int DataTypeBits(DataType type) {
     switch (type) {
     case DataType::Int8:

@@ -29,7 +29,7 @@ std::vector<WriteFailure> WriteInBlocks(sim::DriveLink& link,
                      [](const auto& a, const auto& b) { return a.address < b.address; });
     std::vector<RegisterRange> ranges;
     for (const ParameterValue& v : sorted)
-        ranges.push_back({v.address, std::max(1, sim::RegisterCount(v.type))});
+        ranges.push_back({v.address, sim::RegisterSpan(v.type)});
     const int limit = std::clamp(link.WriteBlockLimit(), 1, kMaxWriteRegisters);
 
     std::vector<WriteFailure> failures;

@@ -96,11 +96,11 @@ LinkResult DriveServer::WriteRegisters(Unit& unit, std::uint32_t address,
         const std::uint32_t index = d.FindByAddress(a);
         std::uint32_t n = 1;
         if (index != device::kNoIndex) {
-            n = std::uint32_t(std::max(1, sim::RegisterCount(d.parameters[index].dataType)));
+            n = std::uint32_t(sim::RegisterSpan(d.parameters[index].dataType));
         } else {
             for (const auto& v : d.namedVariables)
                 if (v.address == a)
-                    n = std::uint32_t(std::max(1, sim::RegisterCount(v.dataType)));
+                    n = std::uint32_t(sim::RegisterSpan(v.dataType));
         }
         if (i + n > words.size())
             return LinkResult::Refuse(Refusal::WrongLength);

@@ -116,9 +116,8 @@ void SwapToWireOrder(const device::DeviceDescription& device, std::uint32_t addr
         return;
     for (std::uint32_t i = 0; i < words.size();) {
         const std::uint32_t index = device.FindByAddress(address + i);
-        const int n = index == device::kNoIndex
-                          ? 1
-                          : std::max(1, sim::RegisterCount(device.parameters[index].dataType));
+        const int n =
+            index == device::kNoIndex ? 1 : sim::RegisterSpan(device.parameters[index].dataType);
         if (n > 1 && i + std::uint32_t(n) <= words.size())
             std::reverse(words.begin() + i, words.begin() + i + std::uint32_t(n));
         i += std::uint32_t(n);

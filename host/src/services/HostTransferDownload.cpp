@@ -103,7 +103,7 @@ BOOL CHostTransferService::DownloadRecords(HWND, const CString& moduleKey,
                          [](const auto& a, const auto& b) { return a.address < b.address; });
         std::vector<link::RegisterRange> ranges;
         for (const link::ParameterValue& v : values)
-            ranges.push_back({v.address, std::max(1, sim::RegisterCount(v.type))});
+            ranges.push_back({v.address, sim::RegisterSpan(v.type)});
         blocks = link::PlanBlocks(ranges, limit);
     } else {
         for (std::size_t i = 0; i < values.size(); ++i)

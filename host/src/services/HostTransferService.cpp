@@ -61,7 +61,7 @@ bool CHostTransferService::ReadVars(const CString& moduleKey, const std::vector<
         }
         const auto type = DataType(attr->GetDataType());
         items.push_back({var, type});
-        ranges.push_back({var->GetInstanceAddress(), std::max(1, sim::RegisterCount(type))});
+        ranges.push_back({var->GetInstanceAddress(), sim::RegisterSpan(type)});
     }
     if (limit > 1) {
         std::vector<std::size_t> order(items.size());

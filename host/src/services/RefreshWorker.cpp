@@ -83,7 +83,7 @@ RefreshWorker::Result RefreshWorker::Read(Batch& batch) {
                      [](const Item& a, const Item& b) { return a.address < b.address; });
     std::vector<link::RegisterRange> ranges;
     for (const Item& item : items)
-        ranges.push_back({item.address, std::max(1, sim::RegisterCount(item.type))});
+        ranges.push_back({item.address, sim::RegisterSpan(item.type)});
     const int limit = std::clamp(link.ReadBlockLimit(), 1, link::kMaxReadRegisters);
     std::vector<std::uint16_t> words;
     for (const link::RegisterBlock& block : link::PlanBlocks(ranges, limit)) {

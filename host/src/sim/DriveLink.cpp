@@ -109,28 +109,6 @@ std::string LinkResultText(const LinkResult& r, bool en) {
     return en ? "refused by the drive" : "驱动器拒绝";
 }
 
-int RegisterCount(DataType type) {
-    switch (type) {
-    case DataType::Int8:
-    case DataType::UInt8:
-    case DataType::Int16:
-    case DataType::UInt16:
-    case DataType::Bool:
-        return 1;
-    case DataType::Int32:
-    case DataType::UInt32:
-    case DataType::Float:
-        return 2;
-    case DataType::Double:
-    case DataType::Date:
-        return 4;
-    case DataType::String:
-    case DataType::Unknown:
-        return 0;
-    }
-    return 0;
-}
-
 bool FitsType(DataType type, double raw) {
     switch (type) {
     case DataType::Int8:

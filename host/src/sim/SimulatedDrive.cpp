@@ -59,7 +59,7 @@ SimulatedDrive::SimulatedDrive(std::shared_ptr<const device::DeviceDescription> 
     }
     for (const device::NamedVariable& v : d.namedVariables) {
         if (v.parameter == kNoIndex) {
-            for (int i = 0; i < std::max(1, RegisterCount(v.dataType)); ++i) {
+            for (int i = 0; i < RegisterSpan(v.dataType); ++i) {
                 m_registers.emplace(v.address + std::uint32_t(i), 0);
                 m_freeRegisters.insert(v.address + std::uint32_t(i));
             }

@@ -6,9 +6,6 @@
 
 namespace zorhost::device {
 
-// Words a value of the type takes on the drive: 1, 2 or 4.
-int RegisterSpan(DataType type);
-
 // A parameter wider than one register must leave its further registers free: a 32-bit
 // value whose second word is another parameter's address would corrupt both. Returns an
 // error naming the wide parameter, or one with an empty message when all is well.

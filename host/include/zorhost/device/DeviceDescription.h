@@ -300,5 +300,11 @@ public:
 
 const char* DataTypeName(DataType type); // "u16", "i32", ... as written in device files
 int DataTypeBits(DataType type);         // 0 for date and string
+// Register layout of the value types: 8- and 16-bit values and booleans take one register,
+// 32-bit integers and floats two, doubles and dates four; the low word comes first.
+// 0 for a type that has no register form (text).
+int RegisterCount(DataType type);
+// The registers an address takes up: a type without a register form still holds its own.
+int RegisterSpan(DataType type);
 
 } // namespace zorhost::device

@@ -69,10 +69,8 @@ public:
 // The message for a failed request, in Chinese as the drive documents it or in English.
 std::string LinkResultText(const LinkResult& result, bool english);
 
-// Register layout of the value types: 8- and 16-bit values and booleans take one register,
-// 32-bit integers and floats two, doubles and dates four; the low word comes first.
-// 0 for a type that has no register form (text).
-int RegisterCount(device::DataType type);
+using device::RegisterCount;
+using device::RegisterSpan;
 // Packs a raw value into `words` (RegisterCount(type) of them). False when the value does
 // not fit the type or the type has no register form.
 bool EncodeRaw(device::DataType type, double raw, std::span<std::uint16_t> words);
