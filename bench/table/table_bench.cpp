@@ -26,10 +26,10 @@ void FillDrive(tt::Module& m, int params) {
     const int axisGroups = groups / 5;
     char code[32], name[32];
     for (int g = 0; g < groups; ++g) {
-        tt::Group* group;
+        tt::CGroupNode* group;
         std::snprintf(name, sizeof name, "H%03d", g);
         if (g < groups - axisGroups) {
-            group = m.drive.groups.Add(name);
+            group = tt::AddGroup(m.drive.groups, name);
         } else {
             const int axis = (g - (groups - axisGroups)) % 4;
             while (int(m.drive.axes.axes.size()) <= axis) {
@@ -37,22 +37,23 @@ void FillDrive(tt::Module& m, int params) {
                 std::snprintf(axisName, sizeof axisName, "轴%d", int(m.drive.axes.axes.size()) + 1);
                 m.drive.axes.Add(axisName);
             }
-            group = m.drive.axes.axes[size_t(axis)]->set.Add(name);
+            group = tt::AddGroup(m.drive.axes.axes[size_t(axis)]->Groups(), name);
         }
-        group->description = "组说明";
+        group->SetDescription("组说明");
         for (int i = 0; i < perGroup; ++i) {
             std::snprintf(code, sizeof code, "H%03d-%02d", g, i);
             tt::Attr* a = m.drive.AddParam(code, UINT(g * 256 + i));
             a->modifyMode = i % 7 == 6 ? 3 : i % 3;
-            group->members.push_back(code);
+            group->AddMember(code);
         }
     }
     for (int c = 0; c * 10 < groups / 10; ++c) {
-        tt::Category* category = m.drive.groups.AddCategory(("类" + std::to_string(c)).c_str());
+        std::vector<std::string> names;
         for (int k = 0; k < 10; ++k) {
             std::snprintf(name, sizeof name, "H%03d", c * 10 + k);
-            category->Name(name);
+            names.emplace_back(name);
         }
+        tt::AddCategory(m.drive.groups, ("类" + std::to_string(c)).c_str(), names);
     }
 }
 
@@ -119,7 +120,7 @@ void BM_RefreshCycle(benchmark::State& state) {
         double((f.table.GetPage1() != nullptr) + (f.table.GetPage2() != nullptr));
     state.counters["shown"] =
         f.table.GetPage1() != nullptr ? double(f.table.GetPage1()->GetShownCount()) : -1.0;
-    state.counters["items/query"] = double(f.host.refresh.lastItems);
+    state.counters["items/query"] = double(f.host.refresh.lastAddresses.size());
     state.counters["queries"] = double(f.host.refresh.submitted);
 }
 BENCHMARK(BM_RefreshCycle)->Arg(500)->Arg(20000)->Unit(benchmark::kMicrosecond);

@@ -2,16 +2,31 @@
 #pragma once
 
 #include "module/host/IMessage_ModuleUploadEvent.h"
+#include "module/host/IRefreshQueryEvent.h"
 #include "zorhost/ReferenceHost.h"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <functional>
 #include <string>
 
 namespace simtest {
 
 using zorhost::sim::FailureMode;
 using zorhost::sim::SimulatedDrive;
+
+// A refresh listener that counts its calls and runs `then` from each, as a frame would
+// post and submit.
+struct RefreshListener : IRefreshQueryEvent {
+    std::atomic<int> calls{0};
+    std::function<void()> then;
+    void OnRefreshQuery() override {
+        ++calls;
+        if (then)
+            then();
+    }
+};
 
 class DemoHost : public ::testing::Test {
 protected:

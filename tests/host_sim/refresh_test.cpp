@@ -9,17 +9,6 @@ using namespace simtest;
 
 namespace {
 
-// A listener that runs `then` from its call, as a frame would post and submit.
-struct Listener : IRefreshQueryEvent {
-    int calls = 0;
-    std::function<void()> then;
-    void OnRefreshQuery() override {
-        ++calls;
-        if (then)
-            then();
-    }
-};
-
 void Submit(IHostRefreshService& refresh, const char* key, std::vector<IVarObjEx*> vars) {
     std::unique_ptr<IHostRefreshQuery> q(refresh.NewQuery());
     q->SetKind(1);
@@ -108,7 +97,7 @@ TEST_F(DemoHost, RefreshSkipsWhatCannotBeReadAndOfflineModules) {
 
 TEST_F(DemoHost, ListenersHearEachCycleAndMayLeaveFromTheirCall) {
     auto& refresh = host.Refresh();
-    Listener a, b, c;
+    RefreshListener a, b, c;
     refresh.AddRefreshListener(&a);
     refresh.AddRefreshListener(&b);
     refresh.AddRefreshListener(&c);

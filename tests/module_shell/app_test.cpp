@@ -1,5 +1,6 @@
 // The application object linked in directly (never started here): listener lists, their
 // fan-out through the sinks, and the accessors that ask the callback afresh each time.
+#include "FakeModuleManager.h"
 #include "module/MessageSinks.h"
 #include "module/ParmiraApp.h"
 #include "module/host/IHostModuleManager.h"
@@ -88,19 +89,8 @@ TEST_F(AppTest, FanOutSurvivesListenersRemovingThemselves) {
 }
 
 // ---------------------------------------------------------------- accessors
-struct Manager : IHostModuleManager {
-    IBaseInterface* CreateInstance(const GUID& iid) override {
-        asked.push_back(iid);
-        return iid == IID_IMemoryStream ? made : nullptr;
-    }
-    BOOL ReleaseInstance(const GUID&, IBaseInterface**) override { return FALSE; }
-    IBaseInterface* GetModuleInterface(const GUID&) override { return nullptr; }
-    std::vector<GUID> asked;
-    IBaseInterface* made = nullptr;
-};
-
 struct Host {
-    Manager manager;
+    FakeModuleManager manager;
     bool offerManager = true;
     int queries = 0;
     static void Query(uintptr_t ctx, const GUID* iid, void** out) {
@@ -133,7 +123,7 @@ TEST_F(AppTest, HostObjectsAreMadeThroughTheModuleManager) {
         const BYTE* GetData() override { return nullptr; }
         UINT GetSize() override { return 0; }
     } stream;
-    host.manager.made = static_cast<IMemoryStream*>(&stream);
+    host.manager.made[IID_IMemoryStream] = static_cast<IMemoryStream*>(&stream);
     theApp.SetQueryInterfaceCallback(reinterpret_cast<uintptr_t>(&host), &Host::Query);
     EXPECT_EQ(theApp.CreateMemoryStream(), &stream);
     EXPECT_EQ(theApp.CreateWorkerThread(), nullptr);

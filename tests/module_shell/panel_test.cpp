@@ -35,8 +35,8 @@ TEST_F(PanelTest, CaptionNamesTheDeviceByProductKind) {
     for (const CString& extra : host.tabs.extras)
         EXPECT_TRUE(extra.IsEmpty());
     // Kinds 5 and 7 carry the sub name too; a module without product info has no name.
-    host.root.project.workspace.list.modules[1]->product.kind = 7;
-    host.root.project.workspace.list.modules[0]->hasProduct = false;
+    host.modules[1]->product.kind = 7;
+    host.modules[0]->hasProduct = false;
     IQXParmira* s = Create();
     IQXParmira* t = Create();
     s->ShowPanel(0, "K3");

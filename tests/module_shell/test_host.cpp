@@ -12,17 +12,6 @@ ModuleExports& Module() {
     return exports;
 }
 
-// ---------------------------------------------------------------- module manager
-IBaseInterface* FakeModuleManager::CreateInstance(const GUID&) {
-    ++creates;
-    return nullptr;
-}
-
-BOOL FakeModuleManager::ReleaseInstance(const GUID&, IBaseInterface** instance) {
-    released.push_back(instance != nullptr ? *instance : nullptr);
-    return TRUE;
-}
-
 // ---------------------------------------------------------------- tabs
 FakeTabs::~FakeTabs() {
     for (auto& tab : tabs)
@@ -87,20 +76,6 @@ QWidget* FakeTabs::PanelOf(HWND parent) {
     return nullptr;
 }
 
-// ---------------------------------------------------------------- project
-IHostDeviceModule* FakeModuleList::FindModule(const CString& moduleKey) {
-    for (auto& m : modules)
-        if (m->key == moduleKey)
-            return m.get();
-    return nullptr;
-}
-
-IHostDeviceModule* FakeModuleList::GetModuleAt(int index) {
-    if (index < 0 || index >= int(modules.size()))
-        return nullptr;
-    return modules[size_t(index)].get();
-}
-
 // ---------------------------------------------------------------- host
 TestHost::TestHost() {
     ui.makeTranslators = true;
@@ -135,10 +110,12 @@ FakeModule& TestHost::AddModule(const char* key, const char* name, const char* s
                                 int kind) {
     auto m = std::make_unique<FakeModule>();
     m->key = key;
-    m->displayName = name;
+    m->name = name;
     m->subName = sub;
-    m->axis = axis;
+    m->axisIndex = axis;
     m->product.kind = kind;
-    root.project.workspace.list.modules.push_back(std::move(m));
-    return *root.project.workspace.list.modules.back();
+    m->online = 0;
+    root.modules.push_back(m.get());
+    modules.push_back(std::move(m));
+    return *modules.back();
 }

@@ -10,9 +10,6 @@
 
 #include <afx/afxtest.h>
 
-#include <cmath>
-#include <cstdlib>
-
 namespace pt {
 namespace {
 
@@ -183,19 +180,6 @@ TEST_F(CommitTest, ATypedValueReachesTheDriveAndTheNextReadShowsItBlue) {
     EXPECT_EQ(Page().GetCellTextColor(row, kValueColumn), RGB(0, 0, 0));
 }
 
-TEST_F(CommitTest, AnUnchangedValueIsNotWrittenAgain) {
-    const int row = PlainRows().at(0);
-    List().EnsureVisible(row, FALSE);
-    ReadCycle();
-    ReadCycle();
-    drive->TakeRequests();
-    OpenNumeric(row);
-    // The cell's own text goes back unchanged.
-    AfxTestPressKey(&List().GetItemEdit(), VK_RETURN);
-    for (const auto& r : drive->TakeRequests())
-        EXPECT_NE(r.kind, zorhost::sim::DriveRequest::Write);
-}
-
 TEST_F(CommitTest, ARefusedWriteShowsTheDrivesReason) {
     // A parameter above the level the drive grants after power-on: the drive refuses it.
     int row = -1;
@@ -234,42 +218,6 @@ TEST_F(CommitTest, MinusReplacesTheSelectedTextByOneSign) {
     AfxTestPressKey(&List().GetItemEdit(), VK_RETURN);
     EXPECT_EQ(RawAt(row), before);
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u);
-}
-
-TEST_F(CommitTest, AnEntryChosenInTheDropDownIsWrittenAndTheDropDownCloses) {
-    int row = -1;
-    for (int i = 0; i < Page().GetShownCount() && row < 0; ++i) {
-        IVarAttr* a = Page().GetShownVar(i)->GetAttr();
-        if (a->GetModifyMode() == 0 && a->GetValueInfo() != nullptr &&
-            a->GetValueInfo()->GetKind() == 1 && a->GetDisplayFormat() == 0 &&
-            a->GetAccessLevel() <= zorhost::sim::SimulatedDrive::kBaseAuthority)
-            row = i;
-    }
-    ASSERT_GE(row, 0);
-    List().EnsureVisible(row, FALSE);
-    ReadCycle();
-    ReadCycle();
-    const int held = int(RawAt(row));
-    List().ClickCell(row, kValueColumn);
-    CComboBox& combo = List().GetItemCombo();
-    ASSERT_NE(combo.GetSafeHwnd(), nullptr);
-    int choice = -1;
-    int value = 0;
-    for (int i = 0; i < combo.GetCount() && choice < 0; ++i) {
-        CString entry;
-        combo.GetLBText(i, entry);
-        const int v = std::atoi(entry.GetString());
-        if (v != held) {
-            choice = i;
-            value = v;
-        }
-    }
-    ASSERT_GE(choice, 0);
-    combo.ChooseEntry(choice);
-    AfxPumpMessagesUntil([&] { return List().GetItemCombo().GetSafeHwnd() == nullptr; }, 1000);
-    EXPECT_EQ(List().GetItemCombo().GetSafeHwnd(), nullptr);
-    EXPECT_EQ(RawAt(row), value);
-    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u) << LastBox();
 }
 
 } // namespace

@@ -12,18 +12,10 @@ namespace {
 constexpr UINT IDD_TEST_PARENT = 9951;
 }
 
-void RecordingRefresh::SubmitQuery(IHostRefreshQuery* query) {
-    ++submitted;
-    lastAddresses.clear();
-    for (const auto& item : static_cast<zorhost::CHostRefreshQuery*>(query)->m_items)
-        lastAddresses.push_back(item->m_address);
-    m_real.SubmitQuery(query);
-}
-
 void PageTest::SetUp() {
     std::string error;
     ASSERT_TRUE(host.LoadDemo(&error)) << error;
-    refresh = std::make_unique<RecordingRefresh>(host.Refresh());
+    refresh = std::make_unique<FakeRefreshService>(host.Refresh());
     host.Services().Register<IHostRefreshService>(refresh.get());
     scope.AddParentDialog(IDD_TEST_PARENT, 1200, 720);
     ModuleScope::Attach(host.Services());

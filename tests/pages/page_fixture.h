@@ -3,11 +3,11 @@
 // top-level test window.
 #pragma once
 
-#include "module/host/IHostRefreshService.h"
 #include "pages/VarTablePage1.h"
 #include "table/VarTable.h"
 #include "zorhost/ReferenceHost.h"
 
+#include "FakeRefreshService.h"
 #include "ModuleScope.h"
 
 #include <afx/afxtest.h>
@@ -19,22 +19,6 @@
 #include <vector>
 
 namespace pt {
-
-// Passes every query on to the host and keeps the addresses of the last one.
-class RecordingRefresh : public IHostRefreshService {
-public:
-    explicit RecordingRefresh(zorhost::CHostRefreshService& real) : m_real(real) {}
-    void AddRefreshListener(IRefreshQueryEvent* l) override { m_real.AddRefreshListener(l); }
-    void RemoveRefreshListener(IRefreshQueryEvent* l) override { m_real.RemoveRefreshListener(l); }
-    IHostRefreshQuery* NewQuery() override { return m_real.NewQuery(); }
-    void SubmitQuery(IHostRefreshQuery* query) override;
-
-    std::vector<UINT> lastAddresses;
-    int submitted = 0;
-
-private:
-    zorhost::CHostRefreshService& m_real;
-};
 
 class PageTest : public ::testing::Test {
 protected:
@@ -64,7 +48,7 @@ protected:
 
     zorhost::ReferenceHost host;
     ModuleScope scope{"pages-test"};
-    std::unique_ptr<RecordingRefresh> refresh;
+    std::unique_ptr<FakeRefreshService> refresh; // over the host's own
     CDialog parent;
     std::unique_ptr<CVarTable> table;
     zorhost::sim::SimulatedDrive* drive = nullptr;

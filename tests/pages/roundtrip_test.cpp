@@ -228,7 +228,9 @@ protected:
     }
     void Choose(CComboBox* combo, int index) {
         static_cast<CItemComBox*>(combo)->ChooseEntry(index);
-        AfxPumpMessagesUntil([&] { return L().GetItemCombo().GetSafeHwnd() == nullptr; }, 1000);
+        EXPECT_TRUE(
+            AfxPumpMessagesUntil([&] { return L().GetItemCombo().GetSafeHwnd() == nullptr; }, 1000))
+            << "the drop-down closes on a choice";
     }
     // Opens the cell's dialog (the bit view, or the connector dialog from the drop-down's
     // last entry) and takes `figure` typed into its value field, or the figure as it

@@ -202,13 +202,13 @@ TEST_F(DeviceTest, OscilloscopeGuardTable) {
                                         << (c.running ? " running" : " idle"));
         SetProduct(c.line, c.product);
         host.project.connection = c.connection;
-        host.project.comm.running = c.running;
+        host.project.oscilloscopeRunning = c.running;
         EXPECT_EQ(table->IsOscilloscopeBusy(module), c.busy);
     }
     EXPECT_FALSE(table->IsOscilloscopeBusy(nullptr));
     // The windowless frame has no panel, so nothing stops its export.
     host.project.connection = 6;
-    host.project.comm.running = 1;
+    host.project.oscilloscopeRunning = 1;
     table->SetPanel(nullptr);
     EXPECT_FALSE(table->IsOscilloscopeBusy(module));
 }

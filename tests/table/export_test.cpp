@@ -1,9 +1,8 @@
-// The parameter table, byte for byte, and the windowless export that writes it.
+// The parameter table, byte for byte, and the exports that are refused.
 #include "frame_fixture.h"
 
 #include "TestFiles.h"
 #include "files/ParamTableWriter.h"
-#include "module/Implementation.h"
 #include "table/ParmiraDialog.h"
 
 #include <filesystem>
@@ -22,7 +21,7 @@ protected:
         module->axisIndex = 3;
         module->version = "V2.10";
         module->label = {0x0D, 0x00, 0x1A, 0x01, 0xAB};
-        Group* h00 = module->drive.groups.Add("H00");
+        CGroupNode* h00 = AddGroup(module->drive.groups, "H00");
         Attr* a = module->drive.AddParam("H00-00", 0);
         a->name = "电机编号";
         a->dataType = VT_UI2;
@@ -30,9 +29,9 @@ protected:
         a->maximum = Variant::I4(65535);
         a->modifyMode = 1;
         module->drive.VarOf("H00-00")->value = Variant::I4(14101);
-        h00->members.push_back("H00-00");
+        h00->AddMember("H00-00");
 
-        Group* h02 = module->drive.groups.Add("H02");
+        CGroupNode* h02 = AddGroup(module->drive.groups, "H02");
         a = module->drive.AddParam("H02-02", 0x202);
         a->name = "速度,增益"; // a comma shifts the row; nothing guards it
         a->unit = "Hz";
@@ -43,13 +42,13 @@ protected:
         a->maximum = Variant::R8(2000.5);
         a->modifyMode = 0;
         module->drive.VarOf("H02-02")->value = Variant::R8(-12.34);
-        h02->members.push_back("H02-02");
+        h02->AddMember("H02-02");
         a = module->drive.AddParam("H02-05", 0x205);
         a->modifyMode = 2;
         a->dataType = VT_I2;
         a->minimum = Variant::I4(-100);
         module->drive.VarOf("H02-05")->value = Variant();
-        h02->members.push_back("H02-05");
+        h02->AddMember("H02-05");
         a = module->drive.AddParam("H02-07", 0x207);
         a->name = "转矩限制";
         a->unit = "%";
@@ -60,10 +59,10 @@ protected:
         a->maximum = Variant::I2(32767);
         a->modifyMode = 0;
         module->drive.VarOf("H02-07")->value = Variant::I2(-1234);
-        h02->members.push_back("H02-07");
+        h02->AddMember("H02-07");
         a = module->drive.AddParam("H02-06", 0x206);
         a->modifyMode = 3; // never in a list or a file
-        h02->members.push_back("H02-06");
+        h02->AddMember("H02-06");
     }
     std::string Golden() { return Slurp(PARMIRA_SOURCE_DIR "/tests/table/data/param_table.csv"); }
     std::string Out(const char* name) { return host.tempDir + "/" + name; }
@@ -91,24 +90,6 @@ TEST_F(ExportTest, EmptyListAndEmptyLabelStillGiveTheWholeHead) {
     EXPECT_FALSE(WriteParamTableList(CString(), {}, module, &stamp));
     EXPECT_FALSE(WriteParamTableList(CString(Out("n.csv")), {}, nullptr, &stamp));
     EXPECT_FALSE(std::filesystem::exists(Out("n.csv")));
-}
-
-// Through the panel interface, as a script drives it: the file is the golden table but for
-// the time of writing.
-TEST_F(ExportTest, ExportParametersWritesTheTableWithoutAnyWindow) {
-    CImplementation impl(nullptr);
-    const std::string path = Out("new/drive.CSV"); // one missing level is made
-    impl.ExportParameters(CString(path), "M1");
-    ASSERT_TRUE(std::filesystem::exists(path));
-    std::string bytes = Slurp(path), golden = Golden();
-    const size_t line2 = bytes.find('\n') + 1, golden2 = golden.find('\n') + 1;
-    EXPECT_EQ(bytes.substr(line2, 9), "Zorvanta,");
-    EXPECT_EQ(bytes.find('\n', line2) - line2, golden.find('\n', golden2) - golden2);
-    EXPECT_EQ(bytes.substr(bytes.find('\n', line2)), golden.substr(golden.find('\n', golden2)));
-    // Nothing was left beside it.
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Out("new")),
-                            std::filesystem::directory_iterator()),
-              1);
 }
 
 TEST_F(ExportTest, RefusedExportsLeaveNoFile) {

@@ -54,10 +54,10 @@ protected:
         return s != nullptr ? std::string(Tree().GetItemText(s).GetString()) : std::string();
     }
     // A group of the catalog with one listed member of its own.
-    Group* ListedGroup(const char* name, const char* code, UINT address) {
+    CGroupNode* ListedGroup(const char* name, const char* code, UINT address) {
         module->drive.AddParam(code, address);
-        Group* g = module->drive.groups.Add(name);
-        g->members.push_back(code);
+        CGroupNode* g = AddGroup(module->drive.groups, name);
+        g->AddMember(code);
         return g;
     }
 

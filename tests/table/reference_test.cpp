@@ -46,9 +46,13 @@ protected:
 
 TEST_F(ReferenceTest, ExportOfADemoDriveWritesOneRowPerCollectedParameter) {
     CImplementation impl(nullptr);
-    const std::string path = dir / "ZD3S.csv";
+    const std::string path = dir / "new/ZD3S.csv"; // one missing level is made
     impl.ExportParameters(CString(path), "ZD3S");
     const std::vector<std::string> lines = ReadLines(path);
+    // Nothing was left beside it.
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir / "new"),
+                            std::filesystem::directory_iterator()),
+              1);
     ASSERT_GT(lines.size(), 7u);
     EXPECT_EQ(lines[0], "Sign,Time");
     EXPECT_EQ(lines[2], "");

@@ -4,6 +4,8 @@
 #pragma once
 
 #include "FakeDeviceHelper.h"
+#include "FakeProject.h"
+#include "FakeRefreshService.h"
 #include "FakeUiService.h"
 #include "ModuleScope.h"
 #include "TempDir.h"
@@ -12,6 +14,7 @@
 #include "table/StackedDialog.h"
 
 #include <zorhost/HostServices.h>
+#include <zorhost/model/Groups.h>
 #include <zorhost/services/HostModuleManager.h>
 #include <zorhost/services/HostVarUtil.h>
 
@@ -82,130 +85,38 @@ struct Var : IVarObjEx {
     IVarObjEx* Clone() override { return nullptr; }
 };
 
-struct Group : IGroupNode {
-    CString name, description;
-    int level = 0;
-    BOOL visible = 1, fixed = 0;
-    std::vector<CString> members;
-    std::vector<std::unique_ptr<Group>> children;
+using zorhost::model::CGroupCategory;
+using zorhost::model::CGroupNode;
+using zorhost::model::CGroupSet;
+using zorhost::model::CHostAxis;
 
-    Group* AddChildGroup(const char* childName) {
-        children.push_back(std::make_unique<Group>());
-        children.back()->name = childName;
-        return children.back().get();
-    }
-    void GetName(CString& s) override { s = name; }
-    void SetName(const CString& s) override { name = s; }
-    void GetDescription(CString& s) override { s = description; }
-    void SetDescription(const CString& s) override { description = s; }
-    int GetAccessLevel() override { return level; }
-    BOOL IsGroupVisible() override { return visible; }
-    BOOL IsGroupFixed() override { return fixed; }
-    int GetMemberCount() override { return int(members.size()); }
-    BOOL GetMemberAt(int i, CString& key) override {
-        if (i < 0 || i >= int(members.size()))
-            return 0;
-        key = members[size_t(i)];
-        return 1;
-    }
-    BOOL AddMember(const CString& key) override {
-        members.push_back(key);
-        return 1;
-    }
-    BOOL RemoveMember(const CString&) override { return 0; }
-    void ClearMembers() override { members.clear(); }
-    int GetChildCount() override { return int(children.size()); }
-    IGroupNode* GetChildAt(int i) override {
-        return i >= 0 && i < int(children.size()) ? children[size_t(i)].get() : nullptr;
-    }
-    BOOL AddChild(IGroupNode*) override { return 0; }
-    BOOL RemoveChild(IGroupNode*) override { return 0; }
-    IGroupNode* GetParent() override { return nullptr; }
-    IGroupNode* Clone() override { return nullptr; }
-};
-
-struct Category : IGroupCategory {
-    CString name, description;
-    std::vector<std::unique_ptr<Group>> children; // only their names count
-    void Name(const char* childName) {
-        children.push_back(std::make_unique<Group>());
-        children.back()->name = childName;
-    }
-    void GetName(CString& s) override { s = name; }
-    void GetDescription(CString& s) override { s = description; }
-    int GetChildCount() override { return int(children.size()); }
-    IGroupNode* GetChildAt(int i) override {
-        return i >= 0 && i < int(children.size()) ? children[size_t(i)].get() : nullptr;
-    }
-};
-
-struct GroupSet : IGroupSet {
-    std::vector<std::unique_ptr<Group>> groups;
-    std::vector<std::unique_ptr<Category>> categories;
-
-    Group* Add(const char* name) {
-        groups.push_back(std::make_unique<Group>());
-        groups.back()->name = name;
-        return groups.back().get();
-    }
-    Category* AddCategory(const char* name) {
-        categories.push_back(std::make_unique<Category>());
-        categories.back()->name = name;
-        return categories.back().get();
-    }
-    static IGroupNode* FindIn(Group* g, const CString& name) {
-        if (g->name == name)
-            return g;
-        for (auto& c : g->children)
-            if (IGroupNode* f = FindIn(c.get(), name))
-                return f;
-        return nullptr;
-    }
-    int GetCount() override { return int(groups.size()); }
-    IGroupNode* GetAt(int i) override {
-        return i >= 0 && i < int(groups.size()) ? groups[size_t(i)].get() : nullptr;
-    }
-    int GetCategoryCount() override { return int(categories.size()); }
-    IGroupCategory* GetCategoryAt(int i) override {
-        return i >= 0 && i < int(categories.size()) ? categories[size_t(i)].get() : nullptr;
-    }
-    IGroupNode* FindByName(const CString& name) override {
-        for (auto& g : groups)
-            if (IGroupNode* f = FindIn(g.get(), name))
-                return f;
-        return nullptr;
-    }
-    IGroupNode* NewGroup() override { return nullptr; }
-    BOOL AddGroup(IGroupNode*) override { return 0; }
-    BOOL RemoveGroup(IGroupNode*, BOOL) override { return 0; }
-    int GetMemberCount() override { return 0; }
-    BOOL GetMemberAt(int, CString&) override { return 0; }
-    BOOL AddMember(const CString&) override { return 0; }
-    BOOL RemoveMember(const CString&) override { return 0; }
-    IHostAxis* AddAxis() override { return nullptr; }
-};
-
-struct Axis : IHostAxis {
-    CString name;
-    GroupSet set;
-    void GetName(CString& s) override { s = name; }
-    void SetName(const CString& s) override { name = s; }
-    void GetKey(CString& s) override { s = name; }
-    void SetKey(const CString&) override {}
-    UINT GetAddressBase() override { return 0; }
-    IGroupSet* GetGroupSet() override { return &set; }
-};
+// Groups are the reference host's own; these make the shapes the tests need in one line.
+inline CGroupNode* AddGroup(CGroupSet& set, const char* name) {
+    auto* group = new CGroupNode(name);
+    set.AddGroup(group);
+    return group;
+}
+inline CGroupNode* AddChildGroup(CGroupNode* parent, const char* name) {
+    auto* group = new CGroupNode(name);
+    parent->AddChild(group);
+    return group;
+}
+// A category naming `groups` of the same set.
+inline void AddCategory(CGroupSet& set, const char* name, const std::vector<std::string>& groups) {
+    auto category = std::make_unique<CGroupCategory>(name, "");
+    for (const std::string& g : groups)
+        category->AddChildName(CString(g));
+    set.AddCategory(std::move(category));
+}
 
 struct AxisList : IHostAxisList {
-    BOOL valid = 0;
-    std::vector<std::unique_ptr<Axis>> axes;
-    Axis* Add(const char* name) {
-        valid = 1;
-        axes.push_back(std::make_unique<Axis>());
-        axes.back()->name = name;
-        return axes.back().get();
+    std::vector<std::unique_ptr<CHostAxis>> axes;
+    CGroupSet& Add(const char* name) {
+        axes.push_back(std::make_unique<CHostAxis>());
+        axes.back()->SetName(name);
+        return axes.back()->Groups();
     }
-    BOOL IsValid() override { return valid; }
+    BOOL IsValid() override { return axes.empty() ? 0 : 1; }
     int GetCount() override { return int(axes.size()); }
     IHostAxis* GetAt(int i) override {
         return i >= 0 && i < int(axes.size()) ? axes[size_t(i)].get() : nullptr;
@@ -218,7 +129,7 @@ struct Drive : IVarStore, IVarCatalog {
     std::vector<std::unique_ptr<Attr>> attrs;
     std::vector<std::unique_ptr<Var>> vars;
     std::map<CString, Var*> byCode; // first one wins, as in a real store
-    GroupSet groups, custom;
+    CGroupSet groups, custom;
     AxisList axes;
 
     // Adds parameter `code` and returns its attribute to adjust.
@@ -270,38 +181,13 @@ struct Drive : IVarStore, IVarCatalog {
     }
 };
 
-struct ProductInfo : IHostProductInfo {
-    int GetProductKind() override { return 1; }
-};
-
-struct Module : IHostDeviceModule {
-    CString key = "M1", name = "Drive1", version = "V1.00";
-    int axisIndex = 1, level = 0;
-    BOOL online = 1;
-    std::vector<BYTE> label;
+// A module of the shared fake project holding a drive of this file's making.
+struct Module : FakeModule {
     Drive drive;
-    ProductInfo product;
-    BOOL hasCatalog = 1;
-
-    void GetModuleKey(CString& s) override { s = key; }
-    void GetDisplayName(CString& s) override { s = name; }
-    void GetSubName(CString& s) override { s.Empty(); }
-    int GetAxisIndex() override { return axisIndex; }
-    IHostProductInfo* GetProductInfo() override { return &product; }
-    BOOL IsOnline() override { return online; }
-    int GetAccessLevel() override { return level; }
-    void SetAccessLevel(int l) override { level = l; }
-    int GetDeviceAuthority() override { return 0; }
-    void SetDeviceAuthority(int) override {}
-    IVarStore* GetVarList() override { return &drive; }
-    IVarCatalog* GetVarCatalog() override { return hasCatalog ? &drive : nullptr; }
-    const BYTE* GetElecLabel() override { return label.empty() ? nullptr : label.data(); }
-    UINT GetElecLabelSize() override { return UINT(label.size()); }
-    const BYTE* GetPrimaryElecLabel() override { return nullptr; }
-    UINT GetPrimaryElecLabelSize() override { return 0; }
-    void GetVersionText(CString& s) override { s = version; }
-    int GetAxisCopyCount() override { return 0; }
-    IPerUnitTable* GetPerUnitTable() override { return nullptr; }
+    Module() {
+        store = &drive;
+        catalog = &drive;
+    }
 };
 
 struct ProductRecord : IHostProductRecord {
@@ -323,86 +209,10 @@ struct ProductDb : IHostProductDb {
     IVarCatalog* GetProductCatalog(const BYTE*, UINT, const CString&) override { return nullptr; }
 };
 
-struct CommState : IHostCommState {
-    BOOL running = 0;
-    BOOL IsOscilloscopeRunning() override { return running; }
-};
-
-struct ModuleList : IHostModuleList {
-    std::vector<IHostDeviceModule*> modules;
-    IHostDeviceModule* FindModule(const CString& key) override {
-        for (IHostDeviceModule* m : modules) {
-            CString k;
-            m->GetModuleKey(k);
-            if (k == key)
-                return m;
-        }
-        return nullptr;
-    }
-    IHostDeviceModule* FindModuleByNumber(int) override { return nullptr; }
-    int GetModuleCount() override { return int(modules.size()); }
-    IHostDeviceModule* GetModuleAt(int i) override {
-        return i >= 0 && i < int(modules.size()) ? modules[size_t(i)] : nullptr;
-    }
-};
-
-struct Project : IHostProject, IHostWorkspace, IHostProjectRoot {
-    ModuleList list;
-    CommState comm;
-    int connection = 0, listStyle = 0;
-    // IHostProjectRoot
-    IHostProject* GetProject() override { return this; }
-    // IHostProject
-    IHostWorkspace* GetWorkspace() override { return this; }
-    IHostCommState* GetCommState() override { return &comm; }
-    int GetConnectionKind() override { return connection; }
-    // IHostWorkspace
-    IHostModuleList* GetModuleList() override { return &list; }
-    int GetListStyle() override { return listStyle; }
-    BOOL GetProjectDir(CString& dir) override {
-        dir.Empty();
-        return 0;
-    }
-    IVarDatabase* GetDatabase(const BYTE*, UINT, const CString&) override { return nullptr; }
-};
-
 // The reference host's value service with the install folder of the test.
 struct VarUtil : zorhost::CHostVarUtil {
     CString installDir;
     void GetInstallDir(CString& dir) override { dir = installDir; }
-};
-
-struct RefreshItem : IHostRefreshItem {
-    UINT address = 0;
-    int dataType = 0, length = 0;
-    void SetAddress(UINT a) override { address = a; }
-    void SetDataType(int t) override { dataType = t; }
-    void SetLength(int l) override { length = l; }
-};
-
-struct RefreshQuery : IHostRefreshQuery {
-    CString key;
-    std::vector<std::unique_ptr<IHostRefreshItem>> items;
-    void SetKind(int) override {}
-    void SetModuleKey(const CString& k) override { key = k; }
-    IHostRefreshItem* NewItem() override { return new RefreshItem; }
-    BOOL AddItem(IHostRefreshItem* item) override {
-        items.emplace_back(item);
-        return 1;
-    }
-};
-
-// Counts what the pages ask to read; the values themselves stay as they are.
-struct RefreshService : IHostRefreshService {
-    std::vector<IRefreshQueryEvent*> listeners;
-    size_t submitted = 0, lastItems = 0;
-    void AddRefreshListener(IRefreshQueryEvent* l) override { listeners.push_back(l); }
-    void RemoveRefreshListener(IRefreshQueryEvent* l) override { std::erase(listeners, l); }
-    IHostRefreshQuery* NewQuery() override { return new RefreshQuery; }
-    void SubmitQuery(IHostRefreshQuery* query) override {
-        ++submitted;
-        lastItems = query != nullptr ? static_cast<RefreshQuery*>(query)->items.size() : 0;
-    }
 };
 
 struct TransferService : IHostTransferService {
@@ -450,8 +260,8 @@ public:
     FakeUiService ui;
     FakeDeviceHelper helper; // refuses every direct write
     ProductDb products;
-    Project project;
-    RefreshService refresh;
+    FakeProject project;
+    FakeRefreshService refresh; // keeps the listeners, reads nothing
     TransferService transfer;
     zorhost::CHostModuleManager manager;
     std::vector<std::unique_ptr<Module>> modules;

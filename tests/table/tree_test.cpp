@@ -16,7 +16,7 @@ using Texts = std::vector<std::string>;
 class TreeTest : public FrameTest {};
 
 TEST_F(TreeTest, FixedItemsStandInOrderAndAllParametersIsSelected) {
-    ListedGroup("H02", "H02-00", 0x200)->description = "基本控制";
+    ListedGroup("H02", "H02-00", 0x200)->SetDescription("基本控制");
     OpenFrame();
     EXPECT_EQ(Tree().GetItemText(table->GetRootItem()), "参数组");
     EXPECT_EQ(ChildTexts(table->GetRootItem()), (Texts{"已修改参数", "自定义", "所有参数"}));
@@ -30,21 +30,19 @@ TEST_F(TreeTest, FixedItemsStandInOrderAndAllParametersIsSelected) {
 // Only groups with at least one member that a list could show get an item.
 TEST_F(TreeTest, GroupsWithoutListableMembersHaveNoItem) {
     ListedGroup("H02", "H02-00", 0x200);
-    Group* notListed = ListedGroup("H03", "H03-00", 0x300);
+    CGroupNode* notListed = ListedGroup("H03", "H03-00", 0x300);
     module->drive.VarOf("H03-00")->attr->modifyMode = 3;
-    notListed->members.push_back("H03-01");
+    notListed->AddMember("H03-01");
     module->drive.AddParam("H03-01", 0x301)->modifyMode = 3;
-    ListedGroup("H04", "H04-00", 0x400)->fixed = 1;
-    ListedGroup("H05", "H05-00", 0x500)->visible = 0;
+    ListedGroup("H04", "H04-00", 0x400)->SetFlags(true, true);
+    ListedGroup("H05", "H05-00", 0x500)->SetFlags(false, false);
     ListedGroup("H06", "H06-00", 0x600);
     module->drive.VarOf("H06-00")->attr->transferable = 0;
     ListedGroup("H07", "H07-00", 0x700);
     module->drive.VarOf("H07-00")->attr->fixed = 1;
-    Group* unknown = module->drive.groups.Add("H08");
-    unknown->members.push_back("no-such-code");
+    AddGroup(module->drive.groups, "H08")->AddMember("no-such-code");
     // A failing parent hides its children, whatever they hold.
-    Group* parentFails = module->drive.groups.Add("H09");
-    parentFails->AddChildGroup("H09a")->members.push_back("H02-00");
+    AddChildGroup(AddGroup(module->drive.groups, "H09"), "H09a")->AddMember("H02-00");
     OpenFrame();
     EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"H02"}));
 }
@@ -52,16 +50,13 @@ TEST_F(TreeTest, GroupsWithoutListableMembersHaveNoItem) {
 TEST_F(TreeTest, CategoriesHoldTheirGroupsWhichDoNotRepeatAtTopLevel) {
     ListedGroup("H02", "H02-00", 0x200);
     ListedGroup("H03", "H03-00", 0x300);
-    Group* hidden = ListedGroup("H04", "H04-00", 0x400);
-    hidden->level = 3;
+    ListedGroup("H04", "H04-00", 0x400)->SetAccessLevel(3);
     ListedGroup("H05", "H05-00", 0x500);
-    Category* motor = module->drive.groups.AddCategory("电机");
-    motor->Name("H02");
-    Category* empty = module->drive.groups.AddCategory("空类");
-    empty->Name("H04"); // above the level: the category gets nothing and goes again
+    AddCategory(module->drive.groups, "电机", {"H02"});
+    // Above the level: the category gets nothing and goes again.
+    AddCategory(module->drive.groups, "空类", {"H04"});
     // Named in another case: found by no exact lookup, yet not repeated at the top.
-    Category* other = module->drive.groups.AddCategory("其他");
-    other->Name("h03");
+    AddCategory(module->drive.groups, "其他", {"h03"});
     OpenFrame();
     EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"电机", "H05"}));
     HTREEITEM motorItem = FindChild(table->GetAllItem(), "电机");
@@ -71,12 +66,11 @@ TEST_F(TreeTest, CategoriesHoldTheirGroupsWhichDoNotRepeatAtTopLevel) {
 
 TEST_F(TreeTest, AxesAndCustomGroupsAreListed) {
     module->drive.AddParam("H01-00", 0x100);
-    Axis* axis = module->drive.axes.Add("轴1");
-    axis->set.Add("H11")->members.push_back("H01-00");
-    axis->set.Add("H12")->members.push_back("nothing");
+    CGroupSet& axis = module->drive.axes.Add("轴1");
+    AddGroup(axis, "H11")->AddMember("H01-00");
+    AddGroup(axis, "H12")->AddMember("nothing");
     // Custom groups are shown whatever they hold, children too.
-    Group* mine = module->drive.custom.Add("我的");
-    mine->AddChildGroup("子组");
+    AddChildGroup(AddGroup(module->drive.custom, "我的"), "子组");
     OpenFrame();
     EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"轴1"}));
     EXPECT_EQ(ChildTexts(FindChild(table->GetAllItem(), "轴1")), (Texts{"H11"}));
@@ -86,7 +80,7 @@ TEST_F(TreeTest, AxesAndCustomGroupsAreListed) {
 }
 
 TEST_F(TreeTest, RebuildRestoresSelectionAndExpansionButNeverTheModifiedItem) {
-    ListedGroup("H02", "H02-00", 0x200)->AddChildGroup("H02a")->members.push_back("H02-00");
+    AddChildGroup(ListedGroup("H02", "H02-00", 0x200), "H02a")->AddMember("H02-00");
     ListedGroup("H03", "H03-00", 0x300);
     OpenFrame();
     HTREEITEM h02 = FindChild(table->GetAllItem(), "H02");
@@ -113,7 +107,7 @@ TEST_F(TreeTest, RebuildRestoresSelectionAndExpansionButNeverTheModifiedItem) {
 
 TEST_F(TreeTest, AccessLevelChangesAddAndDropGroups) {
     ListedGroup("H02", "H02-00", 0x200);
-    ListedGroup("H03", "H03-00", 0x300)->level = 2;
+    ListedGroup("H03", "H03-00", 0x300)->SetAccessLevel(2);
     ListedGroup("H04", "H04-00", 0x400);
     module->drive.VarOf("H04-00")->attr->level = 2; // only member above level 0
     OpenFrame();
@@ -135,10 +129,10 @@ TEST_F(TreeTest, AccessLevelChangesAddAndDropGroups) {
 }
 
 TEST_F(TreeTest, SelectionCallsThePageOfTheListStyle) {
-    Group* h02 = ListedGroup("H02", "H02-00", 0x200);
-    module->drive.groups.AddCategory("类")->Name("H02");
-    module->drive.axes.Add("轴1")->set.Add("H11")->members.push_back("H02-00");
-    module->drive.custom.Add("我的");
+    CGroupNode* h02 = ListedGroup("H02", "H02-00", 0x200);
+    AddCategory(module->drive.groups, "类", {"H02"});
+    AddGroup(module->drive.axes.Add("轴1"), "H11")->AddMember("H02-00");
+    AddGroup(module->drive.custom, "我的");
     OpenFrame();
     TestPage* page = g_pages[0];
     ASSERT_NE(page, nullptr);
@@ -206,7 +200,7 @@ TEST_F(TreeTest, ModifiedItemAsksToSynchroniseUnlessToldNotTo) {
 
 TEST_F(TreeTest, ContextMenusFollowTheItemUnderTheCursor) {
     ListedGroup("H02", "H02-00", 0x200);
-    module->drive.custom.Add("我的");
+    AddGroup(module->drive.custom, "我的");
     OpenFrame();
     TestPage* page = g_pages[0];
     CAfxRecordingResponder responder;
@@ -221,24 +215,21 @@ TEST_F(TreeTest, ContextMenusFollowTheItemUnderTheCursor) {
     EXPECT_EQ(responder.Count(AfxPrompt::MessageBox), 0u);
     EXPECT_EQ(page->calls.back(), "modified:0");
     ASSERT_EQ(responder.Count(AfxPrompt::PopupMenu), 1u);
-    const CStringArray& modified = responder.Last(AfxPrompt::PopupMenu)->menuItems;
-    bool sawToggle = false;
-    for (int i = 0; i < modified.GetSize(); ++i)
-        if (modified[i] == "32853:不再提示更新")
-            sawToggle = true;
-    EXPECT_TRUE(sawToggle);
+    auto offered = [&](const char* entry) {
+        const CStringArray& items = responder.Last(AfxPrompt::PopupMenu)->menuItems;
+        for (int i = 0; i < items.GetSize(); ++i)
+            if (items[i] == entry)
+                return true;
+        return false;
+    };
+    EXPECT_TRUE(offered("32853:不再提示更新"));
 
     // The toggle taken from the menu flips its own text.
     responder.ChooseMenuCommand(ID_TOGGLE_MODIFIED_PROMPT);
     table->OnTreeContextMenu(centre(table->GetModifiedItem()));
     EXPECT_EQ(table->promptOnModified, 0);
     table->OnTreeContextMenu(centre(table->GetModifiedItem()));
-    const CStringArray& toggled = responder.Last(AfxPrompt::PopupMenu)->menuItems;
-    bool sawRestore = false;
-    for (int i = 0; i < toggled.GetSize(); ++i)
-        if (toggled[i] == "32853:恢复提示更新")
-            sawRestore = true;
-    EXPECT_TRUE(sawRestore);
+    EXPECT_TRUE(offered("32853:恢复提示更新"));
 
     // On "自定义" delete and edit are never offered; the custom branch gets menu 1980.
     table->OnTreeContextMenu(centre(table->GetCustomItem()));
@@ -258,20 +249,19 @@ TEST_F(TreeTest, ContextMenusFollowTheItemUnderTheCursor) {
 class CollectTest : public FrameTest {};
 
 TEST_F(CollectTest, FactoryGroupsHiddenAndUnlistedParametersAreLeftOut) {
-    Group* h00 = ListedGroup("H00", "H00-00", 0x000);
-    Group* h01 = ListedGroup("H01", "H01-00", 0x100);
-    Group* h02 = ListedGroup("H02", "H02-00", 0x200);
-    (void)h00;
-    (void)h01;
-    h02->members.push_back("H02-01");
+    ListedGroup("H00", "H00-00", 0x000);
+    ListedGroup("H01", "H01-00", 0x100);
+    CGroupNode* h02 = ListedGroup("H02", "H02-00", 0x200);
+    h02->AddMember("H02-01");
     module->drive.AddParam("H02-01", 0x201)->modifyMode = 3;
-    h02->members.push_back("H02-02");
+    h02->AddMember("H02-02");
     module->drive.AddParam("H02-02", 0x202)->hidden = 1;
-    h02->members.push_back("H02-03");
+    h02->AddMember("H02-03");
     module->drive.AddParam("H02-03", 0x203)->level = 1;
     // A child's members join the parent's list once each.
-    Group* child = h02->AddChildGroup("H00"); // the factory test is off below the top
-    child->members = {"H02-00", "H02-04"};
+    CGroupNode* child = AddChildGroup(h02, "H00"); // the factory test is off below the top
+    child->AddMember("H02-00");
+    child->AddMember("H02-04");
     module->drive.AddParam("H02-04", 0x204);
 
     auto codes = [&](BOOL includeFactory) {
@@ -300,13 +290,13 @@ TEST_F(CollectTest, FactoryGroupsHiddenAndUnlistedParametersAreLeftOut) {
 
 // Pages list a variable only when the module's catalog knows its address as transferable.
 TEST_F(CollectTest, CatalogVarsAndDescriptions) {
-    ListedGroup("H02", "H02-00", 0x200)->members.push_back("H02-01");
+    ListedGroup("H02", "H02-00", 0x200)->AddMember("H02-01");
     module->drive.AddParam("H02-01", 0x201)->transferable = 0;
     OpenFrame();
     EXPECT_TRUE(table->IsCatalogVar(module->drive.VarOf("H02-00")));
     EXPECT_FALSE(table->IsCatalogVar(module->drive.VarOf("H02-01")));
     EXPECT_FALSE(table->IsCatalogVar(nullptr));
-    module->hasCatalog = 0;
+    module->catalog = nullptr;
     EXPECT_FALSE(table->IsCatalogVar(module->drive.VarOf("H02-00")));
 
     module->drive.VarOf("H02-00")->attr->info = "第一行\n第二行";
@@ -319,10 +309,10 @@ TEST_F(CollectTest, CatalogVarsAndDescriptions) {
 // The device's groups are resolved once per tree build; the user's own groups change under
 // the user's hands and are read afresh every time.
 TEST_F(CollectTest, MembersFollowEditsOfCustomGroupsAndRebuildsOfTheTree) {
-    Group* h02 = ListedGroup("H02", "H02-00", 0x200);
+    CGroupNode* h02 = ListedGroup("H02", "H02-00", 0x200);
     module->drive.AddParam("H02-01", 0x201);
-    Group* mine = module->drive.custom.Add("我的");
-    mine->members.push_back("H02-00");
+    CGroupNode* mine = AddGroup(module->drive.custom, "我的");
+    mine->AddMember("H02-00");
     OpenFrame();
     auto count = [&](IGroupNode* group) {
         std::vector<IVarObjEx*> list;
@@ -333,10 +323,10 @@ TEST_F(CollectTest, MembersFollowEditsOfCustomGroupsAndRebuildsOfTheTree) {
         return list.size();
     };
     EXPECT_EQ(count(mine), 1u);
-    mine->members.push_back("H02-01");
+    mine->AddMember("H02-01");
     EXPECT_EQ(count(mine), 2u);
     EXPECT_EQ(count(nullptr), 1u);
-    h02->members.push_back("H02-01");
+    h02->AddMember("H02-01");
     table->BuildTree();
     EXPECT_EQ(count(nullptr), 2u);
 }
@@ -344,7 +334,7 @@ TEST_F(CollectTest, MembersFollowEditsOfCustomGroupsAndRebuildsOfTheTree) {
 TEST_F(CollectTest, AxesAreCollectedAfterTheFixedGroups) {
     ListedGroup("H02", "H02-00", 0x200);
     module->drive.AddParam("A1-00", 0x1000);
-    module->drive.axes.Add("轴1")->set.Add("A1")->members.push_back("A1-00");
+    AddGroup(module->drive.axes.Add("轴1"), "A1")->AddMember("A1-00");
     table = std::make_unique<CVarTable>();
     table->SetModule(module);
     std::vector<IVarObjEx*> list;

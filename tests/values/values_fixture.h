@@ -1,6 +1,6 @@
-// A small drive for the value-text suites: a device description written for them, loaded
-// into the reference host's project chain (module "M1"), with the host's value service,
-// a device helper whose reads and writes the tests script, and a translator.
+// A small drive for the value-text suites: a device description written for them (in
+// data/), loaded into the reference host's project chain (module "M1"), with the host's
+// value service, a device helper whose reads and writes the tests script, and a translator.
 #pragma once
 
 #include "FakeDeviceHelper.h"
@@ -41,6 +41,3 @@ protected:
 private:
     zorhost::model::CDeviceModule* m_module = nullptr;
 };
-
-// The device's JSON text (also used by the bench).
-const char* ValuesDeviceJson();
