@@ -20,6 +20,7 @@
 #include <QTabWidget>
 #include <QTimer>
 #include <QTreeWidget>
+#include <QTreeWidgetItemIterator>
 
 #include <cstdio>
 #include <functional>
@@ -43,11 +44,16 @@ MainWindow::MainWindow(zorhost::ReferenceHost& host, ProgramServices& services,
     auto* splitter = new QSplitter;
     m_tree = new QTreeWidget;
     m_tree->setColumnCount(2);
-    // The state stays in sight: a long module name is elided (its tip shows it whole).
+    // The state stays in sight: the name takes the room left beside it, and a long name
+    // goes on over more lines rather than being cut.
     m_tree->header()->setStretchLastSection(false);
     m_tree->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     m_tree->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
+    m_tree->setWordWrap(true);
     m_tree->setTextElideMode(Qt::ElideMiddle);
+    // Once the header has settled: the state column's width sets the name column's.
+    QObject::connect(m_tree->header(), &QHeaderView::sectionResized, m_tree,
+                     [this] { QTimer::singleShot(0, m_tree, [this] { FitNameRows(); }); });
     m_tree->setRootIsDecorated(true);
     splitter->addWidget(m_tree);
     m_tabWidget = new QTabWidget;
@@ -256,6 +262,31 @@ void MainWindow::BuildTree() {
                                 Tr("双击打开参数列表", "Double-click to open the parameter list"));
     }
     m_tree->expandAll();
+    FitNameRows();
+}
+
+void MainWindow::FitNameRows() {
+    // A row is as high as its name's lines at the width the name column has now.
+    const QFontMetrics metrics(m_tree->font());
+    const int width = m_tree->header()->sectionSize(0);
+    bool changed = false;
+    for (QTreeWidgetItemIterator it(m_tree); *it != nullptr; ++it) {
+        int depth = m_tree->rootIsDecorated() ? 1 : 0;
+        for (QTreeWidgetItem* p = (*it)->parent(); p != nullptr; p = p->parent())
+            ++depth;
+        const int room = std::max(1, width - depth * m_tree->indentation() - 8);
+        const int lines =
+            metrics.boundingRect(QRect(0, 0, room, 1 << 16), Qt::TextWordWrap, (*it)->text(0))
+                .height() /
+            std::max(1, metrics.lineSpacing());
+        const QSize hint(0, std::max(1, lines) * metrics.lineSpacing() + 4);
+        if ((*it)->sizeHint(0) != hint) {
+            (*it)->setSizeHint(0, hint);
+            changed = true;
+        }
+    }
+    if (changed)
+        m_tree->doItemsLayout();
 }
 
 void MainWindow::UpdateStates() {
@@ -342,7 +373,10 @@ void MainWindow::BuildMenus() {
     for (const CString& key : m_host.ModuleKeys()) {
         CString name;
         m_host.Module(key)->GetDisplayName(name);
-        QMenu* menu = devices->addMenu(QStringLiteral("%1 (%2)").arg(Qs(name), Qs(key)));
+        // Named as in the project tree: a product's name in the chosen language.
+        CString shown;
+        m_services.Ui().TranslateText(shown, name);
+        QMenu* menu = devices->addMenu(QStringLiteral("%1 (%2)").arg(Qs(shown), Qs(key)));
         QAction* open =
             menu->addAction(Tr("打开参数列表", "Open parameter list"), this, [this, key] {
                 QString error;

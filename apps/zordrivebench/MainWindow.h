@@ -57,6 +57,7 @@ private:
     QString Tr(const char* chinese, const char* english) const;
     void BuildMenus();
     void BuildTree();
+    void FitNameRows();
     void UpdateStates();
     void CloseModules();
     void SaveProjectAs();

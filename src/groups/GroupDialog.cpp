@@ -21,9 +21,9 @@ void RegisterGroupDialogResources(HINSTANCE module) {
     // The group tree is wide enough for its labels in English too.
     DlgTemplate picker{IDD_MULTI_SELECT_VAR, "", 940, 420, {}, WS_CHILD};
     picker.controls = {
-        {IDC_MSV_TREE, DlgCtl::Tree, "", 0, 0, 280, 390,
+        {IDC_MSV_TREE, DlgCtl::Tree, "", 0, 0, 320, 390,
          TVS_HASLINES | TVS_HASBUTTONS | TVS_LINESATROOT | TVS_SHOWSELALWAYS},
-        {IDC_MSV_LEFT_LIST, DlgCtl::List, "", 286, 0, 350, 390,
+        {IDC_MSV_LEFT_LIST, DlgCtl::List, "", 326, 0, 310, 390,
          LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS},
         {IDC_MSV_ADD, DlgCtl::Button, ">>", 642, 150, 44, 26},
         {IDC_MSV_REMOVE, DlgCtl::Button, "<<", 642, 190, 44, 26},

@@ -96,6 +96,10 @@ public:
     void Relayout();
     // After a change of language: the access box's entries anew, then the layout.
     void ShowInLanguage();
+    // Width of the columns a user reads first (up to the limits on the first page, up to
+    // the factory value on the second), with the list's frame and scroll bar; with
+    // `valueOnly`, of those up to the value a user edits.
+    int MainColumnsWidth(BOOL valueOnly = FALSE);
     // After a change of language: menus the page holds on to, in the new language.
     virtual void TranslateHeldMenus() {}
     void OnSearchEnter();

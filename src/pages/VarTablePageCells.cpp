@@ -123,6 +123,28 @@ void CVarTablePageBase::BuildColumns() {
         list.AddEditableColumn(9);
 }
 
+int CVarTablePageBase::MainColumnsWidth(BOOL valueOnly) {
+    CListCtrlEx& list = GetList();
+    if (list.GetSafeHwnd() == nullptr)
+        return 0;
+    const BOOL multi = GetMultiAxisFlag() == 1;
+    const CellKind last = valueOnly ? (m_bFirstPage ? CellCurrent : CellSet)
+                                    : (m_bFirstPage ? CellMax : CellFactoryLimit);
+    int width = 0;
+    for (int column = 0; column < list.GetColumnCount(); ++column) {
+        width += list.GetColumnWidth(column);
+        const CellKind kind =
+            m_bFirstPage
+                ? (multi ? KindAt(kKindsPage1Multi, column) : KindAt(kKindsPage1Single, column))
+                : (multi ? KindAt(kKindsPage2Multi, column) : KindAt(kKindsPage2Single, column));
+        if (kind == last)
+            break;
+    }
+    // The frame, and the vertical scroll bar a long list shows.
+    constexpr int kFrameAndScrollBar = 2 * 2 + 16;
+    return width + kFrameAndScrollBar;
+}
+
 int CVarTablePageBase::GetValueColumn() const {
     return GetMultiAxisFlag() == 1 ? 4 : 3;
 }

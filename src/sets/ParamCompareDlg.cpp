@@ -189,6 +189,8 @@ CString CParamCompareDlg::ModuleEntryText(IHostDeviceModule* module) {
         return text;
     CString name, sub;
     module->GetDisplayName(name);
+    // A product's name in the user's language; a name the project gave stays as written.
+    name = VarText::Translate(name);
     module->GetSubName(sub);
     IHostProductInfo* info = module->GetProductInfo();
     const int kind = info != nullptr ? info->GetProductKind() : -1;

@@ -163,7 +163,8 @@ BOOL CShaftCopyDialog::OnInitDialog() {
             continue;
         CString name, text;
         module->GetDisplayName(name);
-        text.Format("%s[%d]", name.GetString(), module->GetAxisIndex());
+        // A product's name in the user's language; a name the project gave stays as written.
+        text.Format("%s[%d]", VarText::Translate(name).GetString(), module->GetAxisIndex());
         for (CComboBox* box :
              {static_cast<CComboBox*>(&m_sourceDevice), static_cast<CComboBox*>(&m_targetDevice)}) {
             const int at = box->AddString(text.GetString());

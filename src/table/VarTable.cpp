@@ -271,6 +271,8 @@ void CVarTable::SelectListPage(int index) {
         return;
     if (m_tree.GetSafeHwnd() == nullptr)
         return;
+    // The pages' main columns differ in width.
+    FitTreeWidth();
     if (HTREEITEM selected = m_tree.GetSelectedItem())
         OnTreeSelection(selected);
 }
@@ -331,6 +333,8 @@ void CVarTable::OnLanguageChanged() {
 void CVarTable::OnSize(UINT nType, int cx, int cy) {
     CZorSkinPDialog::OnSize(nType, cx, cy);
     RecalcLayout();
+    // Another width leaves another room for the tree beside the list's main columns.
+    FitTreeWidth();
 }
 
 void CVarTable::OnSetFocus(CWnd* pOldWnd) {

@@ -360,6 +360,7 @@ private:
     BOOL m_bRebuilding = FALSE;
     // Whether the panel shows the module online: -1 before the first tick.
     int m_shownOnline = -1;
+    int m_fittedTreeWidth = 0; // the group tree's width as last fitted to its texts
 
     static VarTablePageFactory s_pageFactory;
 };

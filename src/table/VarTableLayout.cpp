@@ -71,9 +71,30 @@ void CVarTable::FitTreeWidth() {
     CRect client, r;
     GetClientRect(&client);
     tree->GetWindowRect(&r);
-    // Grows only: a tree the user made wider stays so. The list keeps most of the room.
-    const int need = std::min(ZorSkinTreeContentWidth(&m_tree), client.Width() * 3 / 10);
-    const int width = std::max({kMinTreeWidth, need, int(r.Width())});
+    // A tree the user made wider stays so. The list keeps most of the room: where the
+    // panel is wide enough, room for its main columns, else for those up to the value.
+    int most = client.Width() * 3 / 10;
+    CWnd* splitter = GetDlgItem(int(IDC_TREE_SPLITTER));
+    CRect split;
+    if (splitter != nullptr)
+        splitter->GetWindowRect(&split);
+    for (CVarTablePage* page : {m_pPage1, m_pPage2}) {
+        auto* base = dynamic_cast<CVarTablePageBase*>(page);
+        if (base == nullptr || base->GetSafeHwnd() == nullptr || !base->IsWindowVisible())
+            continue;
+        const int room = client.Width() - split.Width() - base->MainColumnsWidth();
+        const int roomBesideValue = client.Width() - split.Width() - base->MainColumnsWidth(TRUE);
+        if (room >= kMinTreeWidth)
+            most = std::min(most, room);
+        else // the list scrolls anyway: the tree's texts may take what the values leave
+            most = std::max(most, roomBesideValue);
+    }
+    const int need = std::min(ZorSkinTreeContentWidth(&m_tree), most);
+    // A width set here may shrink again (another page, other texts); one the user chose
+    // may not.
+    const int kept = r.Width() == m_fittedTreeWidth ? 0 : int(r.Width());
+    const int width = std::max({kMinTreeWidth, need, kept});
+    m_fittedTreeWidth = width;
     if (width == r.Width())
         return;
     tree->MoveWindow(0, 0, width, r.Height());

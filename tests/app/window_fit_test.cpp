@@ -46,9 +46,6 @@ bool HasCjk(const QString& text) {
 // Every text a widget and its shown children put in front of the user.
 class ShownTexts {
 public:
-    // Names a module carries as its identity (they name its folder) are shown as the
-    // project gives them, in whatever language.
-    explicit ShownTexts(QStringList names = {}) : m_names(std::move(names)) {}
     void Walk(QWidget* root) {
         Visit(root);
         for (QWidget* w : root->findChildren<QWidget*>())
@@ -72,13 +69,9 @@ public:
 
 private:
     void Add(const QString& text) {
-        QString rest = text;
-        for (const QString& name : m_names)
-            rest.remove(name);
-        if (HasCjk(rest) && !chinese.contains(text))
+        if (HasCjk(text) && !chinese.contains(text))
             chinese << text;
     }
-    QStringList m_names;
     void Model(const QAbstractItemModel* model, const QModelIndex& parent, int depth) {
         for (int c = 0; c < model->columnCount(parent); ++c)
             Add(model->headerData(c, Qt::Horizontal).toString());
@@ -153,8 +146,7 @@ public:
 // Walks every window as it is shown (progress boxes come and go inside one call).
 class WindowsShown : public QObject {
 public:
-    WindowsShown(QStringList names, QWidget* mainWindow)
-        : texts(std::move(names)), m_main(mainWindow) {
+    explicit WindowsShown(QWidget* mainWindow) : m_main(mainWindow) {
         qApp->installEventFilter(this);
     }
     ~WindowsShown() override { qApp->removeEventFilter(this); }
@@ -212,21 +204,12 @@ protected:
         QDir().mkpath(dir);
         w->grab().save(dir + QLatin1Char('/') + name + QStringLiteral(".png"));
     }
-    QStringList ModuleNames() {
-        QStringList names;
-        for (const CString& key : host.ModuleKeys()) {
-            CString name;
-            host.Module(key)->GetDisplayName(name);
-            names << AfxToQString(name);
-        }
-        return names;
-    }
     QString Lang() const { return english ? QStringLiteral("en") : QStringLiteral("zh"); }
     // Runs `open`, which brings up one modal dialog of the module, and checks its texts.
     // A window of the module: in English no Chinese, and its controls whole.
     void CheckShown(QWidget* w, const QString& name) {
         Settle();
-        ShownTexts texts(ModuleNames());
+        ShownTexts texts;
         texts.Walk(w);
         if (english) {
             EXPECT_TRUE(texts.chinese.isEmpty())
@@ -399,6 +382,19 @@ protected:
                     << where.toStdString() << ": \"" << text.toStdString() << "\" is cut";
             }
         }
+        // Every shown column of a list is as wide as its title needs.
+        for (QHeaderView* header : root->findChildren<QHeaderView*>()) {
+            if (!header->isVisible() || header->orientation() != Qt::Horizontal)
+                continue;
+            for (int col = 0; col < header->count(); ++col) {
+                if (header->sectionSize(col) > 0) {
+                    EXPECT_GE(header->sectionSize(col), header->sectionSizeHint(col))
+                        << where.toStdString() << ": title \""
+                        << header->model()->headerData(col, Qt::Horizontal).toString().toStdString()
+                        << "\" is cut";
+                }
+            }
+        }
     }
 
     bool english = false;
@@ -431,6 +427,8 @@ TEST_F(WindowFit, EveryControlIsWholeAndTheMainColumnsShowAtCommonSizes) {
                                       .arg(c.size.height())
                                       .arg(c.style == ListStyle::Live ? "live" : "staging", Lang());
             ExpectControlsWhole(&window, where);
+            Shot(&window, QStringLiteral("main_") +
+                              QString(where).replace(QLatin1Char(' '), QLatin1Char('_')));
             QTableView* list = List();
             ASSERT_NE(list, nullptr) << where.toStdString();
             // No empty pane beside the list while nothing is described.
@@ -463,9 +461,16 @@ TEST_F(WindowFit, EveryControlIsWholeAndTheMainColumnsShowAtCommonSizes) {
                 QHeaderView* header = tree->header();
                 EXPECT_LE(header->sectionViewportPosition(1) + header->sectionSize(1),
                           tree->viewport()->width());
-                for (QTreeWidgetItemIterator it(tree); *it != nullptr; ++it)
+                for (QTreeWidgetItemIterator it(tree); *it != nullptr; ++it) {
                     EXPECT_LE(metrics.horizontalAdvance((*it)->text(1)), header->sectionSize(1))
                         << (*it)->text(1).toStdString() << " is cut";
+                    // A long name goes on over more lines, all of them in its row.
+                    const int nameWidth = tree->visualRect(tree->indexFromItem(*it, 0)).width();
+                    const QRect name = metrics.boundingRect(QRect(0, 0, nameWidth - 8, 1 << 16),
+                                                            Qt::TextWordWrap, (*it)->text(0));
+                    EXPECT_LE(name.height(), tree->visualItemRect(*it).height())
+                        << (*it)->text(0).toStdString() << " is cut";
+                }
             }
         }
         Shot(&window, QStringLiteral("main_live_") + Lang());
@@ -479,7 +484,7 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
     tabs->setCurrentIndex(0);
     ASSERT_EQ(tabs->count(), 2);
     MenuByText menus;
-    WindowsShown shownWindows(ModuleNames(), &window);
+    WindowsShown shownWindows(&window);
     for (bool inEnglish : {false, true}) {
         english = inEnglish;
         shownWindows.english = english;
@@ -490,7 +495,7 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
         for (ListStyle style : {ListStyle::Live, ListStyle::Staging}) {
             window.SetListStyle(style);
             Settle();
-            ShownTexts texts(ModuleNames());
+            ShownTexts texts;
             texts.Walk(&window);
             texts.Menu(window.findChild<QMenuBar*>()->actions());
             if (english) {

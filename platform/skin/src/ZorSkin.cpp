@@ -56,6 +56,50 @@ bool LessCell(const CString& a, const CString& b) {
     return AfxToQString(a).localeAwareCompare(AfxToQString(b)) < 0;
 }
 
+// A shown column is never narrower than its title needs in the header's font, so that a
+// title stays whole in any language: widths given in code are what a column has at least.
+// A column of width 0 is hidden on purpose and stays so.
+void WidenToTitle(QHeaderView* header, int first, int last) {
+    for (int col = std::max(first, 0); col <= last && col < header->count(); ++col) {
+        const int size = header->sectionSize(col);
+        if (size > 0 && !header->isSectionHidden(col)) {
+            const int needed = header->sectionSizeHint(col);
+            if (needed > size)
+                header->resizeSection(col, needed);
+        }
+    }
+}
+
+void FitTitles(QHeaderView* header) {
+    if (header->orientation() != Qt::Horizontal || header->property("zorskin.fit").toBool())
+        return;
+    header->setProperty("zorskin.fit", true);
+    WidenToTitle(header, 0, header->count() - 1);
+    // The model of a list stays the same for the list's life; a title may change at any
+    // time (a language change) and a program may set any width.
+    if (QAbstractItemModel* model = header->model()) {
+        QObject::connect(model, &QAbstractItemModel::headerDataChanged, header,
+                         [header](Qt::Orientation o, int first, int last) {
+                             if (o == Qt::Horizontal)
+                                 WidenToTitle(header, first, last);
+                         });
+        QObject::connect(model, &QAbstractItemModel::columnsInserted, header,
+                         [header](const QModelIndex&, int first, int last) {
+                             WidenToTitle(header, first, last);
+                         });
+    }
+    QObject::connect(header, &QHeaderView::sectionResized, header,
+                     [header](int col, int, int) { WidenToTitle(header, col, col); });
+    // Titles are measured in the font and style the header has when shown.
+    QObject::connect(header, &QHeaderView::geometriesChanged, header,
+                     [header] { WidenToTitle(header, 0, header->count() - 1); });
+}
+
+void FitTitlesBelow(QWidget* root) {
+    for (QHeaderView* header : root->findChildren<QHeaderView*>())
+        FitTitles(header);
+}
+
 } // namespace
 
 void ZorSkinApplyStyle(CWnd* pWnd) {
@@ -65,6 +109,7 @@ void ZorSkinApplyStyle(CWnd* pWnd) {
     w->setProperty("zorskin", "dialog");
     w->setAutoFillBackground(true);
     w->setStyleSheet(kSkinStyle);
+    FitTitlesBelow(w);
 }
 
 // ---------------------------------------------------------------- dialog
@@ -122,6 +167,8 @@ void CZorSkinPDialog::OnSize(UINT nType, int cx, int cy) {
 
 // ---------------------------------------------------------------- list
 void CZorSkinPListCtrl::ApplySkinStyle() {
+    if (QWidget* w = W(this))
+        FitTitlesBelow(w);
     SetExtendedStyle(GetExtendedStyle() | LVS_EX_FULLROWSELECT | LVS_EX_GRIDLINES |
                      LVS_EX_DOUBLEBUFFER);
 }
