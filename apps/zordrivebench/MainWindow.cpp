@@ -90,6 +90,9 @@ MainWindow::MainWindow(zorhost::ReferenceHost& host, ProgramServices& services,
 
 MainWindow::~MainWindow() {
     m_stateTimer->stop();
+    // The tree's header resizes its sections while QWidget's destructor hides the children,
+    // when this window is no longer a MainWindow: nothing may call back into it then.
+    QObject::disconnect(m_tree->header(), &QHeaderView::sectionResized, m_tree, nullptr);
     // Panels go while the plug-in and the host's services are still there.
     CloseModules();
     m_tabs->SetActivationHandler(nullptr);
