@@ -51,7 +51,7 @@ CString AttrCode(IVarAttr* attr) {
 CString DecimalText(IHostVarUtil* util, IVarAttr* attr, const Variant& value) {
     CString text;
     const int decimals = attr->GetDecimals();
-    if (decimals > 0 && IsIntegerTag(value.vt))
+    if (decimals > 0 && IsIntegerVarType(value.vt))
         util->FormatVariant(text, Variant::R8(OwnFigure(util, value, decimals)), decimals, 0);
     else
         util->FormatVariant(text, value, decimals, 0);
@@ -127,47 +127,13 @@ bool IsRealType(int type) {
     return type == VT_R4 || type == VT_R8;
 }
 
-bool IsIntegerTag(int tag) {
-    switch (tag) {
-    case VT_I1:
-    case VT_I2:
-    case VT_I4:
-    case VT_UI1:
-    case VT_UI2:
-    case VT_UI4:
-        return true;
-    default:
-        return false;
-    }
-}
-
-// The figures an integer type can hold; false for a type without a fixed range.
+// The figures an integer type can hold; a Boolean reads -1, 0 or 1.
 bool TypeRange(int type, double& lo, double& hi) {
-    switch (type) {
-    case VT_I1:
-        lo = INT8_MIN, hi = INT8_MAX;
-        return true;
-    case VT_UI1:
-        lo = 0, hi = UINT8_MAX;
-        return true;
-    case VT_I2:
-        lo = INT16_MIN, hi = INT16_MAX;
-        return true;
-    case VT_UI2:
-        lo = 0, hi = UINT16_MAX;
-        return true;
-    case VT_BOOL:
+    if (type == VT_BOOL) {
         lo = -1, hi = 1;
         return true;
-    case VT_I4:
-        lo = INT32_MIN, hi = INT32_MAX;
-        return true;
-    case VT_UI4:
-        lo = 0, hi = UINT32_MAX;
-        return true;
-    default:
-        return false;
     }
+    return IntegerVarTypeRange(type, lo, hi);
 }
 
 // Bits shown by the hexadecimal form of a type: a negative 16-bit figure reads 0xFFFF.
@@ -212,7 +178,7 @@ CString ModuleKey(IHostDeviceModule* module) {
 // The figure of `value` in the parameter's own unit: an integer raw figure divided by
 // 10^decimals, anything else as it stands.
 double OwnFigure(IHostVarUtil* util, const Variant& value, int decimals) {
-    return util->VariantToDouble(value, IsIntegerTag(value.vt) ? int(value.vt) : int(VT_R8),
+    return util->VariantToDouble(value, IsIntegerVarType(value.vt) ? int(value.vt) : int(VT_R8),
                                  decimals);
 }
 
@@ -256,7 +222,7 @@ CString EditorValueText(IVarAttr* attr, double raw) {
     if (attr == nullptr || util == nullptr || !std::isfinite(raw))
         return CString();
     Variant value = Variant::OfType(VARTYPE(attr->GetDataType()));
-    if (!IsIntegerTag(value.vt) || !util->DoubleToVariant(raw, value))
+    if (!IsIntegerVarType(value.vt) || !util->DoubleToVariant(raw, value))
         value = Variant::R8(raw);
     return RawValueText(attr, value);
 }

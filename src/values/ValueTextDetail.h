@@ -2,7 +2,7 @@
 #pragma once
 
 #include "module/host/HostFwd.h"
-#include "module/host/Variant.h"
+#include "module/host/VarTypes.h"
 
 #include <afx/CString.h>
 
@@ -15,7 +15,6 @@ constexpr int kReadTimeout_ms = 200;
 constexpr int kReadTries = 3;
 
 bool IsRealType(int type);
-bool IsIntegerTag(int tag);
 // The figures an integer type can hold; false for a type without a fixed range.
 bool TypeRange(int type, double& lo, double& hi);
 // Bits shown by the hexadecimal form of a type: a negative 16-bit figure reads 0xFFFF.

@@ -3,6 +3,8 @@
 
 #include "zorhost/files/BoundedRead.h"
 
+#include "module/host/VarTypes.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <climits>
@@ -18,51 +20,6 @@
 namespace zorhost {
 
 namespace {
-
-bool IsIntegerTag(VARTYPE tag) {
-    switch (tag) {
-    case VT_I1:
-    case VT_I2:
-    case VT_I4:
-    case VT_UI1:
-    case VT_UI2:
-    case VT_UI4:
-        return true;
-    default:
-        return false;
-    }
-}
-
-bool TagRange(VARTYPE tag, double& lo, double& hi) {
-    switch (tag) {
-    case VT_I1:
-        lo = INT8_MIN;
-        hi = INT8_MAX;
-        return true;
-    case VT_I2:
-        lo = INT16_MIN;
-        hi = INT16_MAX;
-        return true;
-    case VT_I4:
-        lo = INT32_MIN;
-        hi = INT32_MAX;
-        return true;
-    case VT_UI1:
-        lo = 0;
-        hi = UINT8_MAX;
-        return true;
-    case VT_UI2:
-        lo = 0;
-        hi = UINT16_MAX;
-        return true;
-    case VT_UI4:
-        lo = 0;
-        hi = UINT32_MAX;
-        return true;
-    default:
-        return false;
-    }
-}
 
 std::string Trimmed(const std::string& s) {
     size_t b = s.find_first_not_of(" \t\r\n");
@@ -237,7 +194,7 @@ void CHostVarUtil::FormatVariant(CString& text, const Variant& value, int decima
     decimals = std::clamp(decimals, 0, 15);
     // Integer variants hold raw figures, as the drive does: 1234 with two places is 12.34.
     // Reals hold the figure itself.
-    if (IsIntegerTag(value.vt))
+    if (IsIntegerVarType(value.vt))
         d /= std::pow(10.0, decimals);
     std::snprintf(buf, sizeof buf, "%.*f", decimals, d);
     std::string s = buf;
@@ -258,7 +215,7 @@ void CHostVarUtil::FormatValueText(CString& text, const Variant& value, int data
         // The bits of the parameter's own width: -1 of a 16-bit parameter reads 0xFFFF.
         unsigned long long bits = 0;
         Variant own = Variant::OfType(VARTYPE(dataType));
-        if (!(IsIntegerTag(own.vt) && DoubleToVariant(VariantAsDouble(value), own) &&
+        if (!(IsIntegerVarType(own.vt) && DoubleToVariant(VariantAsDouble(value), own) &&
               IntegerBits(own, bits)) &&
             !IntegerBits(value, bits)) {
             const double d = std::trunc(VariantAsDouble(value));
@@ -278,14 +235,14 @@ void CHostVarUtil::FormatValueText(CString& text, const Variant& value, int data
 
 double CHostVarUtil::VariantToDouble(const Variant& value, int dataType, int decimals) {
     double d = VariantAsDouble(value);
-    if (decimals > 0 && IsIntegerTag(VARTYPE(dataType)))
+    if (decimals > 0 && IsIntegerVarType(VARTYPE(dataType)))
         d /= std::pow(10.0, std::min(decimals, 15));
     return d;
 }
 
 BOOL CHostVarUtil::DoubleToVariant(double number, Variant& value) {
     double lo = 0, hi = 0;
-    if (TagRange(value.vt, lo, hi)) {
+    if (IntegerVarTypeRange(value.vt, lo, hi)) {
         if (std::isnan(number))
             return 0;
         double r = std::clamp(std::nearbyint(number), lo, hi);
@@ -398,7 +355,7 @@ BOOL CHostVarUtil::ParseVariant(Variant& value, const CString& text, VARTYPE tag
     if (!ParseNumber(text.str(), d))
         return 0;
     double lo = 0, hi = 0;
-    if (TagRange(tag, lo, hi) && (std::nearbyint(d) < lo || std::nearbyint(d) > hi))
+    if (IntegerVarTypeRange(tag, lo, hi) && (std::nearbyint(d) < lo || std::nearbyint(d) > hi))
         return 0;
     if (tag == VT_R4 && std::fabs(d) > 3.4028234663852886e38)
         return 0;
