@@ -1,7 +1,6 @@
 // The report list widget behind CListCtrl: its model, the delegate that paints a cell
 // from one text and one colour request, and the notifications it sends its owner.
 #include "list_p.h"
-#include "list_text_p.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -122,7 +121,7 @@ public:
                                         : (fmt == LVCFMT_CENTER ? Qt::AlignHCenter : Qt::AlignLeft);
         }
         p->setPen(textColor);
-        DrawCellText(p, textRect, align, Q(text), opt.fontMetrics);
+        DrawCellText(p, textRect, align, Q(text), opt.fontMetrics, &m_view->m_textCache);
     }
 
     QSize sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const override {
@@ -207,6 +206,14 @@ void AfxListView::paintEvent(QPaintEvent* e) {
     m_paintOwner = nullptr;
     if (showGrid())
         PaintGrid(e->region());
+}
+
+void AfxListView::changeEvent(QEvent* e) {
+    // The kept lines are those of the old font or the old language's texts.
+    if (e->type() == QEvent::FontChange || e->type() == QEvent::LanguageChange ||
+        e->type() == QEvent::StyleChange)
+        m_textCache.Clear();
+    QTableView::changeEvent(e);
 }
 
 void AfxListView::PaintGrid(const QRegion& region) {
