@@ -57,14 +57,12 @@ std::unique_ptr<QTextLayout> LayOutLine(const QPainter* p, const QString& text) 
 } // namespace
 
 bool CellTextCache::IsBoundTo(const QPainter* p) const {
-    return p->layoutDirection() == m_direction && p->device() != nullptr &&
-           p->device()->logicalDpiY() == m_dpi && p->font() == m_font;
+    return p->layoutDirection() == m_direction && p->font() == m_font;
 }
 
 void CellTextCache::BindTo(const QPainter* p) {
     Clear();
     m_font = p->font();
-    m_dpi = p->device() != nullptr ? p->device()->logicalDpiY() : 0;
     m_direction = p->layoutDirection();
 }
 

@@ -16,9 +16,9 @@ namespace afxi {
 
 // Lines laid out in one font, so a text that shows again (a unit, an attribute, a limit,
 // or the same screen painted anew) is not shaped again, nor elided again for the same
-// width. Bound to the font, resolution and direction of the painter that filled it: another
-// one empties it. Bounded: when full it starts over, which costs no more than painting
-// without it.
+// width. Bound to the font and direction of the painter that filled it, and to a resolution
+// its owner sets: another one empties it. Bounded: when full it starts over, which costs no
+// more than painting without it.
 class CellTextCache {
 public:
     static constexpr size_t kMaxLines = 1024;
@@ -35,6 +35,13 @@ public:
     // Keeps `layout`, laid out by `p`, as the line of `text`. The line stays valid until
     // the next Keep or Clear.
     Line* Keep(const QPainter* p, const QString& text, std::unique_ptr<QTextLayout> layout);
+    // The resolution of the device painted on, told before a paint: the device's own
+    // query costs more than the lookup.
+    void SetResolution(int dpi) {
+        if (dpi != m_dpi)
+            Clear();
+        m_dpi = dpi;
+    }
     void Clear();
     size_t Size() const { return m_lines.size(); }
 

@@ -202,6 +202,7 @@ AfxListView::AfxListView(DWORD style, QWidget* parent)
 void AfxListView::paintEvent(QPaintEvent* e) {
     // Every cell asks its owner for texts and colours: the owner is found once a paint.
     m_paintOwner = Owner();
+    m_textCache.SetResolution(viewport()->logicalDpiY());
     QTableView::paintEvent(e);
     m_paintOwner = nullptr;
     if (showGrid())
