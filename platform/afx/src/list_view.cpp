@@ -35,6 +35,24 @@ public:
             return 0;
         return QProxyStyle::styleHint(hint, option, widget, data);
     }
+    // The view asks for each cell's row panel. These styles paint it only for a selected
+    // or alternate row, and they work out their frame colours first on every call.
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* p,
+                       const QWidget* widget) const override {
+        if (element == PE_PanelItemViewRow && m_plainRowPanel)
+            if (const auto* item = qstyleoption_cast<const QStyleOptionViewItem*>(option))
+                if (!(item->state & State_Selected) &&
+                    !(item->features & QStyleOptionViewItem::Alternate))
+                    return;
+        QProxyStyle::drawPrimitive(element, option, p, widget);
+    }
+    void SetBaseName(const QString& name) {
+        m_plainRowPanel = name.compare("fusion", Qt::CaseInsensitive) == 0 ||
+                          name.compare("windows", Qt::CaseInsensitive) == 0;
+    }
+
+private:
+    bool m_plainRowPanel = false;
 };
 
 // One for all lists, over a style of the application's kind (a proxy owns its base).
@@ -42,8 +60,10 @@ QStyle* SharedListStyle() {
     static QPointer<QStyle> style;
     if (style.isNull()) {
         QStyle* base = QStyleFactory::create(QApplication::style()->name());
-        style = base != nullptr ? new ListStyle(base) : new ListStyle();
-        style->setParent(qApp);
+        auto* list = base != nullptr ? new ListStyle(base) : new ListStyle();
+        list->SetBaseName(list->baseStyle()->name());
+        list->setParent(qApp);
+        style = list;
     }
     return style;
 }
