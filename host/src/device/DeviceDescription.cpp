@@ -30,7 +30,7 @@ ParameterInfo DeviceDescription::InfoOf(std::uint32_t parameter) const {
 // Binary searches over the positions 0 .. n-1 of an order.
 std::uint32_t DeviceDescription::FindByAddress(std::uint32_t address) const {
     const std::size_t n = parameters.size();
-    std::size_t lo = m_nextByAddress.load(std::memory_order_relaxed);
+    std::size_t lo = m_addressHint.next.load(std::memory_order_relaxed);
     if (lo >= n || parameters[ByAddress(lo)].address != address) {
         std::size_t hi = n;
         lo = 0;
@@ -44,7 +44,7 @@ std::uint32_t DeviceDescription::FindByAddress(std::uint32_t address) const {
         if (lo == n || parameters[ByAddress(lo)].address != address)
             return kNoIndex;
     }
-    m_nextByAddress.store(std::uint32_t(lo + 1), std::memory_order_relaxed);
+    m_addressHint.next.store(std::uint32_t(lo + 1), std::memory_order_relaxed);
     return ByAddress(lo);
 }
 

@@ -301,8 +301,14 @@ public:
 private:
     // The position in address order after the last address found. Walks over groups ask
     // for addresses mostly in order, so that position is tried before a search. Only a hint,
-    // checked before use; every thread that looks up shares it.
-    mutable std::atomic<std::uint32_t> m_nextByAddress{0};
+    // checked before use; every thread that looks up shares it, and a copy starts afresh.
+    struct SearchHint {
+        std::atomic<std::uint32_t> next{0};
+        SearchHint() = default;
+        SearchHint(const SearchHint&) {}
+        SearchHint& operator=(const SearchHint&) { return *this; }
+    };
+    mutable SearchHint m_addressHint;
 };
 
 const char* DataTypeName(DataType type); // "u16", "i32", ... as written in device files
