@@ -3,7 +3,7 @@
 //   module's share (texts and colours of every visible cell) and as a whole paint, with
 //   no value changed since the last tick and with every value on screen changed;
 // - opening "所有参数" on a generated 20 000-parameter device: collection and first paint,
-//   together and each alone.
+//   together and each alone, and with no text laid out before.
 // `--shots=DIR` writes PNG screenshots of the list and both dialogs instead.
 #include "module/ModuleResources.h"
 #include "module/ParmiraApp.h"
@@ -27,6 +27,7 @@
 #include <afx/afxtest.h>
 
 #include <QApplication>
+#include <QTableView>
 
 #include <benchmark/benchmark.h>
 
@@ -216,7 +217,16 @@ std::string LargeDeviceFile() {
     return path;
 }
 
-enum class Open { CollectAndPaint, CollectOnly, PaintOnly };
+enum class Open { CollectAndPaint, CollectAndPaintCold, CollectOnly, PaintOnly, PaintOnlyCold };
+
+// Lists keep the texts they laid out until the language changes.
+void ForgetLaidOutTexts() {
+    for (QWidget* widget : QApplication::allWidgets())
+        if (qobject_cast<QTableView*>(widget) != nullptr) {
+            QEvent change(QEvent::LanguageChange);
+            QCoreApplication::sendEvent(widget, &change);
+        }
+}
 
 // The opening with its first paint, the collection alone, or the first paint alone.
 void OpenAllParameters(benchmark::State& state, Open what) {
@@ -234,10 +244,18 @@ void OpenAllParameters(benchmark::State& state, Open what) {
     AfxPumpMessagesUntil([] { return false; }, 50);
     IVarStore* store = scene.table->GetVarList();
     for (auto _ : state) {
-        if (what == Open::PaintOnly)
+        const bool paintOnly = what == Open::PaintOnly || what == Open::PaintOnlyCold;
+        if (what == Open::CollectAndPaintCold) {
+            state.PauseTiming();
+            ForgetLaidOutTexts();
+            state.ResumeTiming();
+        }
+        if (paintOnly)
             state.PauseTiming();
         scene.Page().ShowAllParameters(store);
-        if (what == Open::PaintOnly)
+        if (what == Open::PaintOnlyCold)
+            ForgetLaidOutTexts();
+        if (paintOnly)
             state.ResumeTiming();
         if (what != Open::CollectOnly)
             PaintPending();
@@ -249,15 +267,23 @@ void OpenAllParameters(benchmark::State& state, Open what) {
 void BM_OpenAllParameters20000(benchmark::State& state) {
     OpenAllParameters(state, Open::CollectAndPaint);
 }
+void BM_OpenColdAllParameters20000(benchmark::State& state) {
+    OpenAllParameters(state, Open::CollectAndPaintCold);
+}
 void BM_CollectAllParameters20000(benchmark::State& state) {
     OpenAllParameters(state, Open::CollectOnly);
 }
 void BM_FirstPaintAllParameters20000(benchmark::State& state) {
     OpenAllParameters(state, Open::PaintOnly);
 }
+void BM_FirstPaintColdAllParameters20000(benchmark::State& state) {
+    OpenAllParameters(state, Open::PaintOnlyCold);
+}
 BENCHMARK(BM_OpenAllParameters20000)->Unit(benchmark::kMillisecond)->Iterations(20);
+BENCHMARK(BM_OpenColdAllParameters20000)->Unit(benchmark::kMillisecond)->Iterations(20);
 BENCHMARK(BM_CollectAllParameters20000)->Unit(benchmark::kMillisecond)->Iterations(20);
 BENCHMARK(BM_FirstPaintAllParameters20000)->Unit(benchmark::kMillisecond)->Iterations(20);
+BENCHMARK(BM_FirstPaintColdAllParameters20000)->Unit(benchmark::kMillisecond)->Iterations(20);
 
 // ---------------------------------------------------------------- screenshots
 int TakeShots(const std::string& dir) {

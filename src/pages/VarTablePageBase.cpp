@@ -159,11 +159,16 @@ void CVarTablePageBase::WalkGroups(
     }
     CVarCollector collector(*membership, level, line13, device);
     IVarCatalog* catalog = m_pTable->GetRowCatalog();
+    // A new selection starts both lists empty and gives them the same rows: the group rows
+    // are then copied once rather than taken one by one.
+    const BOOL copyGroup = m_shownVars.IsEmpty() && m_groupVars.IsEmpty();
     const auto row = [&](IVarObjEx* var, IVarAttr* attr) {
         if (PassesFilter(var, attr))
-            AddRow(var, attr, TRUE, catalog, level);
+            AddRow(var, attr, !copyGroup, catalog, level);
     };
     groups([&](IGroupNode* group) { collector.WalkPageRows(group, m_bFirstPage, row); });
+    if (copyGroup)
+        m_groupVars = m_shownVars;
 }
 
 BOOL CVarTablePageBase::PassesFilter(IVarObjEx* var, IVarAttr* attr) const {

@@ -164,9 +164,12 @@ TEST(ListCellTextTest, FastWayPaintsWhatThePlainWayPaints) {
                                "WWWWWWWWWWWWWWWWWWWW",
                                "שלום 12",
                                ""};
-    QImage images[2];
+    QImage images[3];
     for (QImage& image : images)
         image = QImage(400, 60, QImage::Format_ARGB32_Premultiplied);
+    // Shared by all fonts, widths and alignments, as a list's is: a kept line must serve
+    // another rectangle and never another font.
+    afxi::CellTextCache cache;
     for (const QFont& font : {QApplication::font(), bold}) {
         for (const QString& text : texts) {
             const int natural = QFontMetrics(font, &images[0]).horizontalAdvance(text);
@@ -174,7 +177,7 @@ TEST(ListCellTextTest, FastWayPaintsWhatThePlainWayPaints) {
             for (const int width : {natural + 40, natural, natural - 1, 30}) {
                 for (const int align :
                      {int(Qt::AlignLeft), int(Qt::AlignRight), int(Qt::AlignHCenter)}) {
-                    for (int way = 0; way < 2; ++way) {
+                    for (int way = 0; way < 3; ++way) {
                         // Rows of odd and even height above the text's.
                         const int extra = 6 + (width + align) % 2;
                         images[way].fill(Qt::white);
@@ -184,14 +187,16 @@ TEST(ListCellTextTest, FastWayPaintsWhatThePlainWayPaints) {
                         // The metrics of the painter's own font, as a view's paint has them.
                         const QFontMetrics fm = p.fontMetrics();
                         const QRect rect(3, 2, std::max(width, 1), fm.height() + extra);
-                        if (way == 0)
-                            afxi::DrawCellText(&p, rect, align, text, fm);
-                        else
+                        if (way == 2)
                             afxi::DrawCellTextPlain(&p, rect, align, text, fm);
+                        else
+                            afxi::DrawCellText(&p, rect, align, text, fm,
+                                               way == 1 ? &cache : nullptr);
                     }
-                    EXPECT_TRUE(images[0] == images[1])
-                        << text.toStdString() << " width " << width << " align " << align
-                        << " bold " << font.bold();
+                    for (int way = 0; way < 2; ++way)
+                        EXPECT_TRUE(images[way] == images[2])
+                            << text.toStdString() << " width " << width << " align " << align
+                            << " bold " << font.bold() << " cached " << way;
                 }
             }
         }

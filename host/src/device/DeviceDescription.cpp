@@ -29,16 +29,23 @@ ParameterInfo DeviceDescription::InfoOf(std::uint32_t parameter) const {
 
 // Binary searches over the positions 0 .. n-1 of an order.
 std::uint32_t DeviceDescription::FindByAddress(std::uint32_t address) const {
-    std::size_t lo = 0, hi = parameters.size();
-    while (lo < hi) {
-        const std::size_t mid = lo + (hi - lo) / 2;
-        if (parameters[ByAddress(mid)].address < address)
-            lo = mid + 1;
-        else
-            hi = mid;
+    const std::size_t n = parameters.size();
+    std::size_t lo = m_addressHint.next.load(std::memory_order_relaxed);
+    if (lo >= n || parameters[ByAddress(lo)].address != address) {
+        std::size_t hi = n;
+        lo = 0;
+        while (lo < hi) {
+            const std::size_t mid = lo + (hi - lo) / 2;
+            if (parameters[ByAddress(mid)].address < address)
+                lo = mid + 1;
+            else
+                hi = mid;
+        }
+        if (lo == n || parameters[ByAddress(lo)].address != address)
+            return kNoIndex;
     }
-    return lo < parameters.size() && parameters[ByAddress(lo)].address == address ? ByAddress(lo)
-                                                                                  : kNoIndex;
+    m_addressHint.next.store(std::uint32_t(lo + 1), std::memory_order_relaxed);
+    return ByAddress(lo);
 }
 
 std::uint32_t DeviceDescription::FindByCode(std::string_view code, int scope) const {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "controls_p.h"
+#include "list_text_p.h"
 
 #include <QAbstractTableModel>
 #include <QHeaderView>
@@ -100,6 +101,7 @@ public:
     // By row, for the rows on screen at the last paint or comparison.
     std::unordered_map<int, PaintedRow> m_painted;
     bool m_comparing = false;
+    CellTextCache m_textCache;
 
 private:
     void PaintGrid(const QRegion& region);
@@ -108,6 +110,7 @@ private:
 
 protected:
     void paintEvent(QPaintEvent* e) override;
+    void changeEvent(QEvent* e) override;
     void mousePressEvent(QMouseEvent* e) override;
     void mouseDoubleClickEvent(QMouseEvent* e) override;
     void keyPressEvent(QKeyEvent* e) override;

@@ -1,7 +1,6 @@
 // The report list widget behind CListCtrl: its model, the delegate that paints a cell
 // from one text and one colour request, and the notifications it sends its owner.
 #include "list_p.h"
-#include "list_text_p.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
@@ -36,6 +35,24 @@ public:
             return 0;
         return QProxyStyle::styleHint(hint, option, widget, data);
     }
+    // The view asks for each cell's row panel. These styles paint it only for a selected
+    // or alternate row, and they work out their frame colours first on every call.
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* p,
+                       const QWidget* widget) const override {
+        if (element == PE_PanelItemViewRow && m_plainRowPanel)
+            if (const auto* item = qstyleoption_cast<const QStyleOptionViewItem*>(option))
+                if (!(item->state & State_Selected) &&
+                    !(item->features & QStyleOptionViewItem::Alternate))
+                    return;
+        QProxyStyle::drawPrimitive(element, option, p, widget);
+    }
+    void SetBaseName(const QString& name) {
+        m_plainRowPanel = name.compare("fusion", Qt::CaseInsensitive) == 0 ||
+                          name.compare("windows", Qt::CaseInsensitive) == 0;
+    }
+
+private:
+    bool m_plainRowPanel = false;
 };
 
 // One for all lists, over a style of the application's kind (a proxy owns its base).
@@ -43,8 +60,10 @@ QStyle* SharedListStyle() {
     static QPointer<QStyle> style;
     if (style.isNull()) {
         QStyle* base = QStyleFactory::create(QApplication::style()->name());
-        style = base != nullptr ? new ListStyle(base) : new ListStyle();
-        style->setParent(qApp);
+        auto* list = base != nullptr ? new ListStyle(base) : new ListStyle();
+        list->SetBaseName(list->baseStyle()->name());
+        list->setParent(qApp);
+        style = list;
     }
     return style;
 }
@@ -122,7 +141,7 @@ public:
                                         : (fmt == LVCFMT_CENTER ? Qt::AlignHCenter : Qt::AlignLeft);
         }
         p->setPen(textColor);
-        DrawCellText(p, textRect, align, Q(text), opt.fontMetrics);
+        DrawCellText(p, textRect, align, Q(text), opt.fontMetrics, &m_view->m_textCache);
     }
 
     QSize sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const override {
@@ -203,10 +222,19 @@ AfxListView::AfxListView(DWORD style, QWidget* parent)
 void AfxListView::paintEvent(QPaintEvent* e) {
     // Every cell asks its owner for texts and colours: the owner is found once a paint.
     m_paintOwner = Owner();
+    m_textCache.SetResolution(viewport()->logicalDpiY());
     QTableView::paintEvent(e);
     m_paintOwner = nullptr;
     if (showGrid())
         PaintGrid(e->region());
+}
+
+void AfxListView::changeEvent(QEvent* e) {
+    // The kept lines are those of the old font or the old language's texts.
+    if (e->type() == QEvent::FontChange || e->type() == QEvent::LanguageChange ||
+        e->type() == QEvent::StyleChange)
+        m_textCache.Clear();
+    QTableView::changeEvent(e);
 }
 
 void AfxListView::PaintGrid(const QRegion& region) {

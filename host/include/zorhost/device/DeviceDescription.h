@@ -4,6 +4,7 @@
 // Loaded once from a JSON file and shared read-only by every live module of that product;
 // current values, set values and check marks belong to the host's variable objects.
 
+#include <atomic>
 #include <cstdint>
 #include <limits>
 #include <span>
@@ -296,6 +297,18 @@ public:
     std::uint32_t ByCode(std::size_t i) const {
         return codeIndex.empty() ? std::uint32_t(i) : codeIndex[i];
     }
+
+private:
+    // The position in address order after the last address found. Walks over groups ask
+    // for addresses mostly in order, so that position is tried before a search. Only a hint,
+    // checked before use; every thread that looks up shares it, and a copy starts afresh.
+    struct SearchHint {
+        std::atomic<std::uint32_t> next{0};
+        SearchHint() = default;
+        SearchHint(const SearchHint&) {}
+        SearchHint& operator=(const SearchHint&) { return *this; }
+    };
+    mutable SearchHint m_addressHint;
 };
 
 const char* DataTypeName(DataType type); // "u16", "i32", ... as written in device files
