@@ -65,17 +65,6 @@ TEST_F(Window, OneTabPerModuleOpenedAgainOnlyComesToTheFront) {
     EXPECT_EQ(tabs->count(), 2);
 }
 
-TEST_F(Window, SwitchingTheLanguageReachesThePanelsThroughTheBus) {
-    ASSERT_TRUE(Open("ZD3S"));
-    window.SetEnglish(true);
-    // The panel renames its tab when it hears of the change, in the new language.
-    EXPECT_TRUE(WaitFor([&] { return tabs->tabText(0) == QStringLiteral("Parameter list"); }))
-        << tabs->tabText(0).toStdString();
-    window.SetEnglish(false);
-    EXPECT_TRUE(WaitFor([&] { return tabs->tabText(0) == QStringLiteral("参数列表"); }))
-        << tabs->tabText(0).toStdString();
-}
-
 TEST_F(Window, ListStyleAndConnectionGoToTheHost) {
     ASSERT_TRUE(Open("ZD3S"));
     window.SetListStyle(zorhost::project::ListStyle::Staging);

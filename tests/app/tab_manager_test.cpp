@@ -104,19 +104,6 @@ TEST_F(TabManager, ActivateAndRenameActOnTheirTabOnlyAndIgnoreUnknownParents) {
     EXPECT_EQ(activated, (std::vector<uintptr_t>{1, 2}));
 }
 
-TEST_F(TabManager, ThePanelFollowsTheSizeOfItsTab) {
-    Panel a(&destroyed);
-    Open("One", 1, a);
-    widget.resize(1000, 700);
-    QWidget* page = tabs.PageOf(tabs.CurrentParent());
-    ASSERT_NE(page, nullptr);
-    ASSERT_TRUE(AfxPumpMessagesUntil([&] { return page->width() > 900; }, 2000));
-    CRect r;
-    a.GetClientRect(&r);
-    EXPECT_EQ(r.Width(), page->width());
-    EXPECT_EQ(r.Height(), page->height());
-}
-
 TEST_F(TabManager, ClosingDestroysThePanelOnceWhicheverWayTheTabCloses) {
     Panel a(&destroyed), b(&destroyed), c(&destroyed);
     HWND first = Open("One", 1, a);

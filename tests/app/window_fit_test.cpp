@@ -33,14 +33,12 @@ using zorhost::project::ListStyle;
 
 namespace {
 
-bool IsCjk(QChar c) {
-    const ushort u = c.unicode();
-    return (u >= 0x4E00 && u <= 0x9FFF) || (u >= 0x3000 && u <= 0x303F) ||
-           (u >= 0xFF00 && u <= 0xFFEF);
-}
-
 bool HasCjk(const QString& text) {
-    return std::any_of(text.begin(), text.end(), IsCjk);
+    return std::any_of(text.begin(), text.end(), [](QChar c) {
+        const ushort u = c.unicode();
+        return (u >= 0x4E00 && u <= 0x9FFF) || (u >= 0x3000 && u <= 0x303F) ||
+               (u >= 0xFF00 && u <= 0xFFEF);
+    });
 }
 
 // Every text a widget and its shown children put in front of the user.
@@ -152,20 +150,14 @@ public:
     ~WindowsShown() override { qApp->removeEventFilter(this); }
     bool eventFilter(QObject* watched, QEvent* event) override {
         auto* w = qobject_cast<QWidget*>(watched);
-        if (event->type() == QEvent::Show && w != nullptr && w->isWindow() && w != m_main)
-            progressBoxes += qobject_cast<QProgressDialog*>(w) != nullptr ? 1 : 0;
-        if (event->type() == QEvent::Show && w != nullptr && w->isWindow() && w != m_main &&
-            english) {
-            ShownTexts shown = texts;
-            shown.Walk(w);
-            for (const QString& t : shown.chinese)
-                if (!chinese.contains(t))
-                    chinese << t;
-        }
+        if (event->type() != QEvent::Show || w == nullptr || !w->isWindow() || w == m_main)
+            return false;
+        progressBoxes += qobject_cast<QProgressDialog*>(w) != nullptr ? 1 : 0;
+        if (english)
+            texts.Walk(w);
         return false;
     }
-    ShownTexts texts;
-    QStringList chinese;
+    ShownTexts texts; // of the windows shown in English
     bool english = false;
     int progressBoxes = 0;
 
@@ -183,11 +175,12 @@ protected:
     void Settle() {
         AfxPumpMessagesUntil([] { return false; }, 150);
     }
-    void SetEnglish(bool english) {
-        window.SetEnglish(english);
-        const QString caption =
-            english ? QStringLiteral("Parameter list") : QStringLiteral("参数列表");
-        WaitFor([&] { return tabs->count() == 0 || tabs->tabText(0) == caption; });
+    void SetEnglish(bool on) {
+        english = on;
+        window.SetEnglish(on);
+        WaitFor([&] {
+            return tabs->count() == 0 || tabs->tabText(0) == Tr("参数列表", "Parameter list");
+        });
         Settle();
     }
     // The list of the page on top in the current tab.
@@ -204,8 +197,7 @@ protected:
         QDir().mkpath(dir);
         w->grab().save(dir + QLatin1Char('/') + name + QStringLiteral(".png"));
     }
-    QString Lang() const { return english ? QStringLiteral("en") : QStringLiteral("zh"); }
-    // Runs `open`, which brings up one modal dialog of the module, and checks its texts.
+    QString Lang() const { return Tr("zh", "en"); }
     // A window of the module: in English no Chinese, and its controls whole.
     void CheckShown(QWidget* w, const QString& name) {
         Settle();
@@ -218,7 +210,8 @@ protected:
         ExpectControlsWhole(w, name);
         Shot(w, name + QLatin1Char('_') + Lang());
     }
-    // `act`, when given, first does what a user does in the dialog; Cancel ends it.
+    // Runs `open`, which brings up one modal dialog of the module, and checks it. `act`, when
+    // given, first does what a user does in the dialog; Cancel ends it.
     void CheckModal(const QString& name, const std::function<void()>& open,
                     const std::function<void(QWidget*)>& act = {}) {
         CAfxModalDriver driver([&](CDialog& dialog) {
@@ -252,8 +245,11 @@ protected:
         shown->close();
         Settle();
     }
+    QString Tr(const char* zh, const char* en) const {
+        return QString::fromUtf8(english ? en : zh);
+    }
     void PanelButton(const char* zh, const char* en) {
-        PressButton(tabs->currentWidget(), QString::fromUtf8(english ? en : zh));
+        PressButton(tabs->currentWidget(), Tr(zh, en));
     }
     // Clicks the visible button of `dialog` that reads `text`.
     static void PressButton(QWidget* dialog, const QString& text) {
@@ -274,28 +270,23 @@ protected:
             QCoreApplication::sendEvent(view->viewport(), &click);
         }
     }
-    // The group tree's item that reads `text`, clicked.
+    // The group tree's item that reads `text` or "`text`[description]" (with
+    // `withDescription`, only the latter: a group code, not a branch's name).
+    QTreeWidgetItem* Group(const QString& text, bool withDescription = false) {
+        for (QTreeWidget* tree : tabs->currentWidget()->findChildren<QTreeWidget*>())
+            for (QTreeWidgetItemIterator it(tree); *it != nullptr; ++it)
+                if ((!withDescription && (*it)->text(0) == text) ||
+                    (*it)->text(0).startsWith(text + QLatin1Char('[')))
+                    return *it;
+        return nullptr;
+    }
     void ClickGroup(const QString& text, Qt::MouseButton button) {
-        for (QTreeWidget* tree : tabs->currentWidget()->findChildren<QTreeWidget*>())
-            for (QTreeWidgetItemIterator it(tree); *it != nullptr; ++it)
-                if ((*it)->text(0) == text || (*it)->text(0).startsWith(text + QLatin1Char('['))) {
-                    tree->scrollToItem(*it);
-                    Click(tree, tree->visualItemRect(*it).center(), button);
-                    return;
-                }
-        ADD_FAILURE() << "no group " << text.toStdString();
-    }
-    bool HasGroup(const QString& code) {
-        for (QTreeWidget* tree : tabs->currentWidget()->findChildren<QTreeWidget*>())
-            for (QTreeWidgetItemIterator it(tree); *it != nullptr; ++it)
-                if ((*it)->text(0).startsWith(code + QLatin1Char('[')))
-                    return true;
-        return false;
-    }
-    void RightClickGroup(const QString& text) { ClickGroup(text, Qt::RightButton); }
-    void SelectGroup(const QString& text) {
-        ClickGroup(text, Qt::LeftButton);
-        Settle();
+        QTreeWidgetItem* item = Group(text);
+        ASSERT_NE(item, nullptr) << "no group " << text.toStdString();
+        item->treeWidget()->scrollToItem(item);
+        Click(item->treeWidget(), item->treeWidget()->visualItemRect(item).center(), button);
+        if (button == Qt::LeftButton)
+            Settle();
     }
     // Opens the dialog of the first row `opens` takes from the editor of its value cell: its
     // button, or the last entry of its list (a free connector).
@@ -358,26 +349,18 @@ protected:
         for (QWidget* w : root->findChildren<QWidget*>()) {
             if (!w->isVisible() || w->width() == 0)
                 continue;
-            const bool inCell =
-                qobject_cast<QAbstractItemView*>(w->parentWidget()) != nullptr ||
-                (w->parentWidget() != nullptr &&
-                 qobject_cast<QAbstractItemView*>(w->parentWidget()->parentWidget()));
-            if (inCell)
+            QWidget* parent = w->parentWidget();
+            if (qobject_cast<QAbstractItemView*>(parent) != nullptr ||
+                (parent != nullptr && qobject_cast<QAbstractItemView*>(parent->parentWidget())))
                 continue; // an in-cell editor has the cell's size
-            const bool control = qobject_cast<QAbstractButton*>(w) != nullptr ||
-                                 qobject_cast<QComboBox*>(w) != nullptr ||
-                                 qobject_cast<QLabel*>(w) != nullptr;
-            if (!control)
+            auto* button = qobject_cast<QAbstractButton*>(w);
+            auto* label = qobject_cast<QLabel*>(w);
+            if (button == nullptr && label == nullptr && qobject_cast<QComboBox*>(w) == nullptr)
                 continue;
-            const QRect r(w->mapTo(root, QPoint(0, 0)), w->size());
-            const QString text = qobject_cast<QAbstractButton*>(w)
-                                     ? qobject_cast<QAbstractButton*>(w)->text()
-                                 : qobject_cast<QLabel*>(w) ? qobject_cast<QLabel*>(w)->text()
-                                                            : w->objectName();
-            EXPECT_TRUE(inside.contains(r))
+            const QString text = button ? button->text() : label ? label->text() : w->objectName();
+            EXPECT_TRUE(inside.contains(QRect(w->mapTo(root, QPoint(0, 0)), w->size())))
                 << where.toStdString() << ": \"" << text.toStdString() << "\" lies outside";
-            if ((qobject_cast<QAbstractButton*>(w) != nullptr || qobject_cast<QLabel*>(w)) &&
-                !text.isEmpty()) {
+            if ((button != nullptr || label != nullptr) && !text.isEmpty()) {
                 EXPECT_GE(w->width(), w->sizeHint().width())
                     << where.toStdString() << ": \"" << text.toStdString() << "\" is cut";
             }
@@ -416,8 +399,7 @@ TEST_F(WindowFit, EveryControlIsWholeAndTheMainColumnsShowAtCommonSizes) {
                           {{1280, 800}, ListStyle::Staging, 5},
                           {{1024, 768}, ListStyle::Staging, 3}};
     for (bool inEnglish : {false, true}) {
-        english = inEnglish;
-        SetEnglish(english);
+        SetEnglish(inEnglish);
         for (const Case& c : cases) {
             window.SetListStyle(c.style);
             window.resize(c.size);
@@ -486,12 +468,8 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
     MenuByText menus;
     WindowsShown shownWindows(&window);
     for (bool inEnglish : {false, true}) {
-        english = inEnglish;
-        shownWindows.english = english;
-        SetEnglish(english);
-        auto text = [&](const char* zh, const char* en) {
-            return english ? QString::fromUtf8(en) : QString::fromUtf8(zh);
-        };
+        shownWindows.english = inEnglish;
+        SetEnglish(inEnglish);
         for (ListStyle style : {ListStyle::Live, ListStyle::Staging}) {
             window.SetListStyle(style);
             Settle();
@@ -518,7 +496,7 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
                 if (box->isVisible() && !box->isEditable())
                     access = box;
             ASSERT_NE(access, nullptr);
-            const int factory = access->findText(text("厂家参数", "Factory parameters"));
+            const int factory = access->findText(Tr("厂家参数", "Factory parameters"));
             ASSERT_GE(factory, 0);
             access->setCurrentIndex(factory);
             emit access->activated(factory);
@@ -533,6 +511,10 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
         // The other dialogs of the module, each opened as a user opens it; the menus on the
         // way, the message boxes and the windows that show meanwhile are checked as well.
         const QString exported = QDir::temp().filePath(QStringLiteral("walk_%1.csv").arg(Lang()));
+        const auto filterColumns = [&] {
+            menus.take = Tr("筛选列", "Filter columns");
+            RightClickRow();
+        };
         struct Dialog {
             const char* name;
             ListStyle style;
@@ -549,15 +531,8 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
                  PanelButton("轴拷贝", "Axis copy");
              },
              // The same axis on both sides is refused with a message.
-             [&](QWidget* w) { PressButton(w, text("确定", "OK")); }, false},
-            {"columns",
-             ListStyle::Live,
-             [&] {
-                 menus.take = text("筛选列", "Filter columns");
-                 RightClickRow();
-             },
-             {},
-             false},
+             [&](QWidget* w) { PressButton(w, Tr("确定", "OK")); }, false},
+            {"columns", ListStyle::Live, filterColumns, {}, false},
             // Connectors are wired above the lowest access level.
             {"connector", ListStyle::Live,
              [&] {
@@ -565,15 +540,15 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
                  // drive, which may take the factory groups away a moment later: a user who
                  // sees them go logs in again.
                  const auto factoryLevel = [&] {
-                     if (HasGroup(QStringLiteral("H18")))
+                     if (Group(QStringLiteral("H18"), true) != nullptr)
                          return true;
                      CAfxModalDriver login([&](CDialog& dialog) {
                          QWidget* w = AfxWidgetFromHandle(dialog.GetSafeHwnd());
                          w->findChild<QLineEdit*>()->setText(QStringLiteral("2468"));
-                         PressButton(w, text("确定", "OK"));
+                         PressButton(w, Tr("确定", "OK"));
                      });
                      pickFactoryLevel();
-                     return WaitFor([&] { return HasGroup(QStringLiteral("H18")); });
+                     return WaitFor([&] { return Group(QStringLiteral("H18"), true) != nullptr; });
                  };
                  // The tree is built again once the panel has taken the new level; a click
                  // that met the old tree is lost, and a user clicks again.
@@ -584,7 +559,7 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
                  };
                  for (int attempt = 0; attempt < 5 && !showsH18(); ++attempt) {
                      ASSERT_TRUE(factoryLevel());
-                     SelectGroup(QStringLiteral("H18"));
+                     ClickGroup(QStringLiteral("H18"), Qt::LeftButton);
                      AfxPumpMessagesUntil(showsH18, 2000);
                  }
                  ASSERT_TRUE(showsH18());
@@ -600,14 +575,7 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
                  tree->setCurrentItem(tree->topLevelItem(0)->child(0));
              },
              false},
-            {"staging_columns",
-             ListStyle::Staging,
-             [&] {
-                 menus.take = text("筛选列", "Filter columns");
-                 RightClickRow();
-             },
-             {},
-             false},
+            {"staging_columns", ListStyle::Staging, filterColumns, {}, false},
             {"staging_compare",
              ListStyle::Staging,
              [&] { PanelButton("参数比较", "Parameter compare"); },
@@ -616,15 +584,15 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
             // Last: the right click leaves the custom branch selected.
             {"group", ListStyle::Live,
              [&] {
-                 menus.take = text("新建自定义组", "New custom group");
-                 RightClickGroup(text("自定义", "Custom"));
+                 menus.take = Tr("新建自定义组", "New custom group");
+                 ClickGroup(Tr("自定义", "Custom"), Qt::RightButton);
              },
              // A group without a name is refused with a message.
              [&](QWidget* w) {
                  QLineEdit* name = w->findChild<QLineEdit*>();
                  ASSERT_NE(name, nullptr);
                  name->clear();
-                 PressButton(w, text("确定", "OK"));
+                 PressButton(w, Tr("确定", "OK"));
              },
              false},
         };
@@ -641,9 +609,9 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
         }
         // The list export, with its progress box and its closing message.
         window.SetListStyle(ListStyle::Live);
-        SelectGroup(text("所有参数", "All parameters"));
+        ClickGroup(Tr("所有参数", "All parameters"), Qt::LeftButton);
         QFile::remove(exported);
-        menus.take = text("导出", "Export");
+        menus.take = Tr("导出", "Export");
         menus.ChooseFiles({AfxFromQString(exported)});
         RightClickRow();
         EXPECT_TRUE(WaitFor([&] { return QFile::exists(exported); }));
@@ -657,13 +625,13 @@ TEST_F(WindowFit, InEnglishNoWindowOrDialogShowsChinese) {
         QFile::remove(exported);
         if (english) {
             EXPECT_TRUE(menus.Chinese().isEmpty()) << menus.Chinese().join(" | ").toStdString();
-            EXPECT_TRUE(shownWindows.chinese.isEmpty())
-                << shownWindows.chinese.join(" | ").toStdString();
+            EXPECT_TRUE(shownWindows.texts.chinese.isEmpty())
+                << shownWindows.texts.chinese.join(" | ").toStdString();
         }
         EXPECT_GE(menus.Count(AfxPrompt::MessageBox), 3u);
         EXPECT_GE(menus.Count(AfxPrompt::PopupMenu), 5u);
         menus.prompts.clear();
-        shownWindows.chinese.clear();
+        shownWindows.texts.chinese.clear();
     }
 }
 

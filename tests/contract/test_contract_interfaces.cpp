@@ -5,7 +5,6 @@
 
 #include <set>
 #include <type_traits>
-#include <vector>
 
 namespace {
 
@@ -37,37 +36,20 @@ static_assert(std::is_base_of_v<IVarStore, IParamFileTable>);
 
 } // namespace
 
+template <class... Id> bool AllDistinct(const Id&... ids) {
+    return std::set<GUID>{ids...}.size() == sizeof...(ids);
+}
+
 TEST(ContractIds, EveryInterfaceIdIsDistinct) {
-    const std::vector<GUID> ids = {
-        IID_IQXParmira,
-        IID_IMessage_LanguageChanged,
-        IID_IMessage_MDIActive,
-        IID_IMessage_ModuleEvent,
-        IID_IMessage_ModuleUploadEvent,
-        IID_IMessage_ModulePropertyUpdateEvent,
-        IID_IRefreshQueryEvent,
-        IID_IHostMessageBus,
-        IID_IHostModuleManager,
-        IID_IHostProjectRoot,
-        IID_IHostUiService,
-        IID_IHostTabManager,
-        IID_IHostVarUtil,
-        IID_IHostDeviceHelper,
-        IID_IHostProductDb,
-        IID_IHostRefreshService,
-        IID_IHostTransferService,
-        IID_IHostAccessService,
-        IID_IHostParamRecordFactory,
-        IID_IHostVarPicker,
-        IID_IHostHelpService,
-        IID_IHostWorkerThread,
-        IID_IParamFile,
-        IID_IMemoryStream,
-        IID_IHostProgressBox,
-        IID_IOscilloscopePanel,
-    };
-    const std::set<GUID> unique(ids.begin(), ids.end());
-    EXPECT_EQ(unique.size(), ids.size());
+    EXPECT_TRUE(AllDistinct(
+        IID_IQXParmira, IID_IMessage_LanguageChanged, IID_IMessage_MDIActive,
+        IID_IMessage_ModuleEvent, IID_IMessage_ModuleUploadEvent,
+        IID_IMessage_ModulePropertyUpdateEvent, IID_IRefreshQueryEvent, IID_IHostMessageBus,
+        IID_IHostModuleManager, IID_IHostProjectRoot, IID_IHostUiService, IID_IHostTabManager,
+        IID_IHostVarUtil, IID_IHostDeviceHelper, IID_IHostProductDb, IID_IHostRefreshService,
+        IID_IHostTransferService, IID_IHostAccessService, IID_IHostParamRecordFactory,
+        IID_IHostVarPicker, IID_IHostHelpService, IID_IHostWorkerThread, IID_IParamFile,
+        IID_IMemoryStream, IID_IHostProgressBox, IID_IOscilloscopePanel));
 }
 
 TEST(ContractIds, RegistryTextAndBytesAgree) {

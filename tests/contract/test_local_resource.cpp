@@ -27,16 +27,12 @@ protected:
 
 } // namespace
 
-TEST_F(LocalResourceTest, NullModuleHandleLeavesCurrentOne) {
-    {
-        CLocalResource scope(nullptr);
-        EXPECT_EQ(AfxGetResourceHandle(), host);
-    }
-    EXPECT_EQ(AfxGetResourceHandle(), host);
-}
-
 TEST_F(LocalResourceTest, NestedScopesUnwindInOrder) {
     HINSTANCE other = AfxCreateResourceHandle("other");
+    {
+        CLocalResource none(nullptr); // no module handle: the current one stays
+        EXPECT_EQ(AfxGetResourceHandle(), host);
+    }
     {
         CLocalResource outer(module);
         EXPECT_EQ(outer.GetPreviousHandle(), host);

@@ -23,33 +23,17 @@ struct Literal {
 // Reads the escapes of a literal body. \x and octal escapes are kept as written: nothing
 // the module shows is spelt that way, and a wrong guess would only hide a text.
 std::string Unescape(const std::string& body) {
+    static const std::string from = "ntr\\\"'?", to = "\n\t\r\\\"'?";
     std::string out;
     for (size_t i = 0; i < body.size(); ++i) {
         if (body[i] != '\\' || i + 1 == body.size()) {
             out += body[i];
             continue;
         }
-        const char c = body[++i];
-        switch (c) {
-        case 'n':
-            out += '\n';
-            break;
-        case 't':
-            out += '\t';
-            break;
-        case 'r':
-            out += '\r';
-            break;
-        case '\\':
-        case '"':
-        case '\'':
-        case '?':
-            out += c;
-            break;
-        default:
+        const size_t k = from.find(body[++i]);
+        if (k == std::string::npos)
             out += '\\';
-            out += c;
-        }
+        out += k == std::string::npos ? body[i] : to[k];
     }
     return out;
 }

@@ -153,33 +153,29 @@ protected:
 
     CString Text(UINT id) { return dialog.GetDlgItem(int(id))->GetWindowTextString(); }
 
-    void ExpectChinese() {
-        EXPECT_EQ(dialog.GetWindowTextString(), "参数比较");
-        EXPECT_EQ(Text(IDC_NAME_LABEL), "参数名称");
-        EXPECT_EQ(Text(IDC_HIDE_READONLY), "隐藏只读参数");
-        EXPECT_EQ(Text(IDC_CONDITION_BOX), "比较条件");
-        EXPECT_EQ(Text(IDC_TWO_LINES), "上传并保存\n(所有勾选项)");
-        EXPECT_EQ(Text(IDOK), "确定");
-        EXPECT_EQ(list->GetColumnText(0), "参数");
-        EXPECT_EQ(list->GetColumnText(1), "当前值");
-        ExpectDataUntouched();
-    }
-    void ExpectEnglish() {
-        EXPECT_EQ(dialog.GetWindowTextString(), "Parameter compare");
-        EXPECT_EQ(Text(IDC_NAME_LABEL), "Parameter name");
-        EXPECT_EQ(Text(IDC_HIDE_READONLY), "Hide read-only parameters");
-        EXPECT_EQ(Text(IDC_CONDITION_BOX), "Compare by");
-        EXPECT_EQ(Text(IDC_TWO_LINES), "Upload and save\n(all checked)");
-        EXPECT_EQ(Text(IDOK), "OK");
-        EXPECT_EQ(list->GetColumnText(0), "Parameter");
-        EXPECT_EQ(list->GetColumnText(1), "Current value");
-        ExpectDataUntouched();
-    }
-    // Edits and lists hold values, not captions, whatever they read like.
-    void ExpectDataUntouched() {
-        EXPECT_EQ(Text(IDC_VALUE_EDIT), "当前值");
-        EXPECT_EQ(Text(IDC_LEVEL_BOX), "厂家参数");
-        EXPECT_EQ(Text(IDC_UNKNOWN_LABEL), "没有译文");
+    // Captions follow the language; edits and lists hold values, not captions, whatever
+    // they read like.
+    void ExpectLanguage(bool english) {
+        struct Caption {
+            UINT id; // 0: the dialog's own title
+            const char* zh;
+            const char* en;
+        };
+        const Caption captions[] = {
+            {0, "参数比较", "Parameter compare"},
+            {IDC_NAME_LABEL, "参数名称", "Parameter name"},
+            {IDC_HIDE_READONLY, "隐藏只读参数", "Hide read-only parameters"},
+            {IDC_CONDITION_BOX, "比较条件", "Compare by"},
+            {IDC_TWO_LINES, "上传并保存\n(所有勾选项)", "Upload and save\n(all checked)"},
+            {IDOK, "确定", "OK"},
+            {IDC_VALUE_EDIT, "当前值", "当前值"},
+            {IDC_LEVEL_BOX, "厂家参数", "厂家参数"},
+            {IDC_UNKNOWN_LABEL, "没有译文", "没有译文"},
+        };
+        for (const Caption& c : captions)
+            EXPECT_EQ(c.id == 0 ? dialog.GetWindowTextString() : Text(c.id), english ? c.en : c.zh);
+        EXPECT_EQ(list->GetColumnText(0), english ? "Parameter" : "参数");
+        EXPECT_EQ(list->GetColumnText(1), english ? "Current value" : "当前值");
         EXPECT_EQ(list->GetColumnText(2), "Guid");
         EXPECT_EQ(list->GetItemText(0, 0), "出厂值");
     }
@@ -194,16 +190,16 @@ TEST_F(WindowTranslationTest, TranslatorSwitchesBackAndForthWithoutLoss) {
     std::unique_ptr<IHostWindowTranslator> translator(ui.CreateWindowTranslator());
     ASSERT_NE(translator, nullptr);
     translator->Attach(dialog.GetSafeHwnd());
-    ExpectChinese(); // attaching only remembers
+    ExpectLanguage(false); // attaching only remembers
     for (int round = 0; round < 2; ++round) {
         ui.SetLanguage(UiLanguage::English);
         translator->Retranslate(0);
-        ExpectEnglish();
+        ExpectLanguage(true);
         translator->Retranslate(0);
-        ExpectEnglish();
+        ExpectLanguage(true);
         ui.SetLanguage(UiLanguage::Chinese);
         translator->Retranslate(0);
-        ExpectChinese();
+        ExpectLanguage(false);
     }
 }
 
@@ -237,13 +233,13 @@ TEST_F(WindowTranslationTest, TextsSetByCodeAndLateChildrenFollowTheLanguage) {
 TEST_F(WindowTranslationTest, ServiceRetranslatesAWindowWithoutATranslator) {
     ui.SetLanguage(UiLanguage::English);
     ui.RetranslateWindow(dialog.GetSafeHwnd());
-    ExpectEnglish();
+    ExpectLanguage(true);
     // A second translator over the same window agrees with what the first walk kept.
     std::unique_ptr<IHostWindowTranslator> translator(ui.CreateWindowTranslator());
     translator->Attach(dialog.GetSafeHwnd());
     ui.SetLanguage(UiLanguage::Chinese);
     translator->Retranslate(0);
-    ExpectChinese();
+    ExpectLanguage(false);
     ui.RetranslateWindow(nullptr);
 }
 
