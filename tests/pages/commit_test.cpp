@@ -61,6 +61,15 @@ protected:
         List().ClickCell(row, kValueColumn);
         ASSERT_NE(List().GetItemEdit().GetSafeHwnd(), nullptr) << CodeOf(row).GetString();
     }
+    // Opens the numeric edit of `row` and types `value` into it; returns the text typed.
+    CString TypeValue(int row, int value) {
+        CString text;
+        text.Format("%d", value);
+        OpenNumeric(row);
+        if (List().GetItemEdit().GetSafeHwnd() != nullptr)
+            AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+        return text;
+    }
     std::string LastBox() const {
         const AfxPrompt* box = prompts.Last(AfxPrompt::MessageBox);
         return box != nullptr ? box->text.GetString() : "";
@@ -75,10 +84,7 @@ TEST_F(CommitTest, ClickingFromOneValueCellToAnotherCommitsTheFirstAndOpensTheSe
     const int b = rows[1];
     const int value = FreshValue(a);
     const double before_b = RawAt(b);
-    OpenNumeric(a);
-    CString text;
-    text.Format("%d", value);
-    AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+    TypeValue(a, value);
     List().ClickCell(b, kValueColumn);
     EXPECT_EQ(RawAt(a), value);
     EXPECT_EQ(RawAt(b), before_b);
@@ -105,10 +111,7 @@ TEST_F(CommitTest, EscapeInANumericCellWritesNothing) {
     const int row = PlainRows().at(0);
     const double before = RawAt(row);
     const uint64_t requests = drive->RequestCount();
-    OpenNumeric(row);
-    CString text;
-    text.Format("%d", FreshValue(row));
-    AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+    TypeValue(row, FreshValue(row));
     AfxTestPressKey(&List().GetItemEdit(), VK_ESCAPE);
     EXPECT_EQ(List().GetItemEdit().GetSafeHwnd(), nullptr);
     EXPECT_EQ(RawAt(row), before);
@@ -120,10 +123,7 @@ TEST_F(CommitTest, EscapeInANumericCellWritesNothing) {
 TEST_F(CommitTest, ScrollingClosesEditorsTheNumericEditCommitsTheTextEditDrops) {
     const int row = PlainRows().at(0);
     const int value = FreshValue(row);
-    OpenNumeric(row);
-    CString text;
-    text.Format("%d", value);
-    AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+    TypeValue(row, value);
     List().SendMessage(WM_VSCROLL, MAKEWPARAM(SB_LINEDOWN, 0), 0);
     EXPECT_EQ(List().GetItemEdit().GetSafeHwnd(), nullptr);
     EXPECT_EQ(RawAt(row), value);
@@ -147,32 +147,22 @@ TEST_F(CommitTest, ScrollingClosesEditorsTheNumericEditCommitsTheTextEditDrops) 
     EXPECT_EQ(RawAt(hexRow), hexBefore);
 }
 
-TEST_F(CommitTest, ATypedValueReachesTheDriveAndTheNextReadShowsItBlue) {
+// That a typed value reaches the drive and the next read shows it is the round trip's;
+// here the colour of a value away from the factory value.
+TEST_F(CommitTest, AValueAwayFromTheFactoryValueShowsBlueUntilItIsBack) {
     const int row = PlainRows().at(0);
     IVarObjEx* var = Page().GetShownVar(row);
-    const int value = FreshValue(row);
-    OpenNumeric(row);
-    CString text;
-    text.Format("%d", value);
-    AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+    const CString text = TypeValue(row, FreshValue(row));
     AfxTestPressKey(&List().GetItemEdit(), VK_RETURN);
-    EXPECT_EQ(List().GetItemEdit().GetSafeHwnd(), nullptr);
-    EXPECT_EQ(RawAt(row), value);
-    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u);
-
-    // The page writes nothing into the variable: the next read brings the value.
     ReadCycle();
     ReadCycle();
     EXPECT_EQ(List().GetItemText(row, kValueColumn), text);
     EXPECT_EQ(Page().GetCellTextColor(row, kValueColumn), PAGE_NOT_FACTORY_TEXT);
     EXPECT_EQ(Page().GetCellTextColor(row, 1), RGB(0, 0, 0));
 
-    // Back to the factory value: black again.
     IHostVarUtil* util = host.Services().Get<IHostVarUtil>();
     const int factory = int(util->VariantAsDouble(var->GetAttr()->GetFactoryValue()));
-    OpenNumeric(row);
-    text.Format("%d", factory);
-    AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+    TypeValue(row, factory);
     AfxTestPressKey(&List().GetItemEdit(), VK_RETURN);
     ReadCycle();
     ReadCycle();
@@ -191,10 +181,7 @@ TEST_F(CommitTest, ARefusedWriteShowsTheDrivesReason) {
     }
     ASSERT_GE(row, 0);
     const double before = RawAt(row);
-    OpenNumeric(row);
-    CString text;
-    text.Format("%d", FreshValue(row));
-    AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+    TypeValue(row, FreshValue(row));
     AfxTestPressKey(&List().GetItemEdit(), VK_RETURN);
     EXPECT_EQ(RawAt(row), before);
     ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u);

@@ -169,16 +169,9 @@ TEST_F(DialogTest, DigitsJoinWithDigitZeroRightmostInDecimal) {
     EXPECT_EQ(edited, 1111);
 }
 
+// A figure typed and taken as it stands is the round trip's; a field changed after it wins.
 TEST_F(DialogTest, AFigureTypedStandsUntilTheNextFieldChange) {
     LONGLONG edited = -1;
-    RunWriteDialog(
-        "H03-00", 1,
-        [](CWriteVarDialog& d) {
-            AfxTestTypeText(d.GetDlgItem(IDC_WRITE_VALUE), "0x00F0");
-            ClickOk(d);
-        },
-        &edited);
-    EXPECT_EQ(edited, 0xF0);
     RunWriteDialog(
         "H03-00", 1,
         [](CWriteVarDialog& d) {
