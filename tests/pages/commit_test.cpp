@@ -1,10 +1,6 @@
 // The road of a typed value: editor, commit, drive, next read, colour.
 #include "page_fixture.h"
 
-#include "module/host/IHostVarUtil.h"
-#include "module/host/IValueInfo.h"
-#include "module/host/IVarAttr.h"
-#include "module/host/IVarObjEx.h"
 #include "zorhost/sim/DriveLink.h"
 #include "zorhost/sim/SimulatedDrive.h"
 
@@ -22,13 +18,12 @@ protected:
         OpenFrame();
     }
     // Plain integer parameters that can be changed at any time, in row order.
-    std::vector<int> PlainRows(int modifyMode = 0) {
+    std::vector<int> PlainRows() {
         std::vector<int> rows;
         for (int i = 0; i < Page().GetShownCount(); ++i) {
             IVarAttr* a = Page().GetShownVar(i)->GetAttr();
-            const int kind = a->GetValueInfo() ? a->GetValueInfo()->GetKind() : 0;
             // Parameters above the level the drive grants after power-on are refused.
-            if (a->GetModifyMode() == modifyMode && kind == 0 && a->GetDisplayFormat() == 0 &&
+            if (a->GetModifyMode() == 0 && Kind(a) == 0 && a->GetDisplayFormat() == 0 &&
                 a->GetAccessLevel() <= zorhost::sim::SimulatedDrive::kBaseAuthority &&
                 a->GetDecimals() == 0 && !a->IsMinLinked() && !a->IsMaxLinked())
                 rows.push_back(i);
@@ -129,13 +124,9 @@ TEST_F(CommitTest, ScrollingClosesEditorsTheNumericEditCommitsTheTextEditDrops) 
     EXPECT_EQ(RawAt(row), value);
 
     // A hexadecimal cell uses the text edit, which drops what was typed.
-    int hexRow = -1;
-    for (int i = 0; i < Page().GetShownCount() && hexRow < 0; ++i) {
-        IVarAttr* a = Page().GetShownVar(i)->GetAttr();
-        if (a->GetModifyMode() == 0 && a->GetDisplayFormat() == 1 &&
-            (a->GetValueInfo() == nullptr || a->GetValueInfo()->GetKind() == 0))
-            hexRow = i;
-    }
+    const int hexRow = FindRow([](IVarAttr* a) {
+        return a->GetModifyMode() == 0 && a->GetDisplayFormat() == 1 && Kind(a) == 0;
+    });
     ASSERT_GE(hexRow, 0);
     const double hexBefore = RawAt(hexRow);
     List().EnsureVisible(hexRow, FALSE);
@@ -172,13 +163,11 @@ TEST_F(CommitTest, AValueAwayFromTheFactoryValueShowsBlueUntilItIsBack) {
 
 TEST_F(CommitTest, ARefusedWriteShowsTheDrivesReason) {
     // A parameter above the level the drive grants after power-on: the drive refuses it.
-    int row = -1;
-    for (int i = 0; i < Page().GetShownCount() && row < 0; ++i) {
-        IVarAttr* a = Page().GetShownVar(i)->GetAttr();
-        if (a->GetModifyMode() == 0 && a->GetDisplayFormat() == 0 && a->GetValueInfo() == nullptr &&
-            a->GetAccessLevel() > zorhost::sim::SimulatedDrive::kBaseAuthority)
-            row = i;
-    }
+    const int row = FindRow([](IVarAttr* a) {
+        return a->GetModifyMode() == 0 && a->GetDisplayFormat() == 0 &&
+               a->GetValueInfo() == nullptr &&
+               a->GetAccessLevel() > zorhost::sim::SimulatedDrive::kBaseAuthority;
+    });
     ASSERT_GE(row, 0);
     const double before = RawAt(row);
     TypeValue(row, FreshValue(row));

@@ -2,11 +2,6 @@
 // them, against the demo servo's value meanings and connector groups.
 #include "page_fixture.h"
 
-#include "module/host/IConnectorGroup.h"
-#include "module/host/IConnectorTable.h"
-#include "module/host/IVarAttr.h"
-#include "module/host/IVarCatalog.h"
-#include "module/host/IVarObjEx.h"
 #include "values/WriteLinkerVarDialog.h"
 #include "values/WriteVarDialog.h"
 

@@ -1,12 +1,6 @@
 // Which editor a click opens, and how the list closes its editors.
 #include "page_fixture.h"
 
-#include "module/host/IValueInfo.h"
-#include "module/host/IVarAttr.h"
-#include "module/host/IVarObjEx.h"
-
-#include <functional>
-
 namespace pt {
 namespace {
 
@@ -19,15 +13,6 @@ protected:
         PageTest::SetUp();
         OpenFrame();
     }
-    // The first shown row whose parameter matches.
-    int FindRow(const std::function<bool(IVarAttr*)>& match) {
-        for (int i = 0; i < Page().GetShownCount(); ++i)
-            if (match(Page().GetShownVar(i)->GetAttr()))
-                return i;
-        return -1;
-    }
-    static int Kind(IVarAttr* a) { return a->GetValueInfo() ? a->GetValueInfo()->GetKind() : 0; }
-
     enum Opened { None, Numeric, Text, Combo, Button };
     Opened OpenedEditor() {
         CListCtrlEx& list = List();

@@ -4,7 +4,6 @@
 #include "page_fixture.h"
 
 #include "groups/LoginDialog.h"
-#include "module/host/IHostDeviceModule.h"
 
 #include <afx/afxtest.h>
 

@@ -6,11 +6,6 @@
 #include "TempDir.h"
 #include "page_fixture.h"
 
-#include "module/host/IConnectorTable.h"
-#include "module/host/IHostVarUtil.h"
-#include "module/host/IVarAttr.h"
-#include "module/host/IVarCatalog.h"
-#include "module/host/IVarObjEx.h"
 #include "values/WriteLinkerVarDialog.h"
 #include "values/WriteVarDialog.h"
 #include "zorhost/sim/SimulatedDrive.h"

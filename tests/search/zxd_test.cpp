@@ -4,9 +4,6 @@
 #include "page_fixture.h"
 
 #include "files/ZxdExport.h"
-#include "module/host/IHostDeviceModule.h"
-#include "module/host/IVarAttr.h"
-#include "module/host/IVarObjEx.h"
 #include "table/TableResources.h"
 
 #include <afx/afxtest.h>

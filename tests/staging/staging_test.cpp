@@ -1,10 +1,4 @@
 #include "TempDir.h"
-#include "module/host/IHostModuleManager.h"
-#include "module/host/IParamFile.h"
-#include "module/host/IParamFileTable.h"
-#include "module/host/IVarAttr.h"
-#include "module/host/IVarObjEx.h"
-#include "module/host/IVarStore.h"
 #include "page_fixture.h"
 #include "pages/VarTablePage2.h"
 
