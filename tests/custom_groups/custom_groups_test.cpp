@@ -358,18 +358,13 @@ TEST_F(CustomGroupTest, PickerMovesOnlyConsecutiveBlocksAwayFromTheEdge) {
 TEST_F(CustomGroupTest, DamagedStoreIsReportedKeptAsideAndTheModuleStillWorks) {
     fs::create_directories(fs::path(StoreFile()).parent_path());
     std::ofstream(StoreFile()) << "{\"format\": 1, \"groups\": [ {\"name\": \"x\", ";
-    ClosePanel();
-    theApp.SetQueryInterfaceCallback(0, nullptr);
-    host = std::make_unique<zorhost::ReferenceHost>();
-    OpenProject();
+    Restart();
     ASSERT_EQ(host->StoreProblems().size(), 1u);
     const std::string& problem = host->StoreProblems()[0];
     EXPECT_NE(problem.find(StoreFile()), std::string::npos) << problem;
     EXPECT_NE(problem.find("at byte"), std::string::npos) << problem;
     EXPECT_TRUE(fs::exists(StoreFile() + ".damaged"));
     EXPECT_EQ(Custom()->GetCount(), 0);
-
-    OpenPanel();
     table->CreateCustomGroup({Var(1)}, "Fresh");
     EXPECT_EQ(CustomItemTexts(), std::vector<std::string>{"Fresh"});
     Restart();
