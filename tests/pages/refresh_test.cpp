@@ -133,12 +133,6 @@ TEST_F(RefreshTest, ShowModifiedKeepsOnlyReadValuesThatDifferFromFactoryThenAllR
     EXPECT_GT(Page().GetShownCount(), int(rows.size()));
 }
 
-} // namespace
-} // namespace pt
-
-namespace pt {
-namespace {
-
 class CollectionTest : public PageTest {};
 
 TEST_F(CollectionTest, AnAxisShowsItsOwnGroupsAndTheCustomRootKeepsTheSearchBase) {
