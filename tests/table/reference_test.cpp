@@ -96,8 +96,11 @@ TEST_F(ReferenceTest, PanelOfALine13DriveShowsTreeCountsAndNotice) {
     EXPECT_FALSE(panel.GetNoticeText().IsEmpty());
     for (int i = 0; i < 5; ++i)
         host.Tick(100);
-    AfxPumpMessagesUntil([] { return false; }, 600); // a tick of the worker repaints
-    ShootIfAsked(&parent, "parmira_panel.png");
+    // The picture waits for a tick of the worker to repaint; the test itself waits for nothing.
+    if (std::getenv("PARMIRA_SCREENSHOT_DIR") != nullptr) {
+        AfxPumpMessagesUntil([] { return false; }, 600);
+        ShootIfAsked(&parent, "parmira_panel.png");
+    }
     panel.DestroyWindow();
     parent.DestroyWindow();
 }
