@@ -2,10 +2,6 @@
 
 #include "groups/LoginDialog.h"
 #include "module/ParmiraApp.h"
-#include "module/host/IHostRefreshItem.h"
-#include "module/host/IHostRefreshQuery.h"
-#include "module/host/IVarAttr.h"
-#include "module/host/IVarObjEx.h"
 
 #include <afx/afxres.h>
 

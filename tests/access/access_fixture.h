@@ -6,9 +6,7 @@
 
 #include "controls/NoWheelComboBox.h"
 #include "groups/AccessSelector.h"
-#include "module/host/IHostDeviceHelper.h"
-#include "module/host/IHostUiService.h"
-#include "module/host/IHostWindowTranslator.h"
+#include "module/host/HostContract.h"
 #include "zorhost/ReferenceHost.h"
 
 #include "FakeDeviceHelper.h"

@@ -54,8 +54,6 @@ protected:
 
 TEST_F(LoginDialogTest, OkHandsBackTypedTextAndApplyToAll) {
     CLoginDialog dlg;
-    EXPECT_EQ(dlg.GetPassword(), "");
-    EXPECT_EQ(dlg.m_nApplyToAll, 1);
     const INT_PTR result = RunLogin(dlg, [](CDialog& d) {
         CString title;
         d.GetWindowText(title);
@@ -206,21 +204,16 @@ TEST(NoWheelComboBoxTest, WheelChangesNothing) {
                       Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(w, &e);
     };
-    for (CComboBox* box : {static_cast<CComboBox*>(&page.box)}) {
-        for (const char* text : {"a", "b", "c"})
-            box->AddString(text);
-        box->SetCurSel(0);
-        wheel(*box);
-        EXPECT_EQ(box->GetCurSel(), 0);
-    }
     // The control: the same wheel turns a plain box of the framework.
     CComboBox plain;
     ASSERT_TRUE(plain.Create(CBS_DROPDOWNLIST | WS_CHILD | WS_VISIBLE, CRect(10, 40, 170, 64),
                              &page, 1007));
-    for (const char* text : {"a", "b", "c"})
-        plain.AddString(text);
-    plain.SetCurSel(0);
-    wheel(plain);
-    EXPECT_EQ(plain.GetCurSel(), 1);
+    for (CComboBox* box : {static_cast<CComboBox*>(&page.box), &plain}) {
+        for (const char* text : {"a", "b", "c"})
+            box->AddString(text);
+        box->SetCurSel(0);
+        wheel(*box);
+        EXPECT_EQ(box->GetCurSel(), box == &plain ? 1 : 0);
+    }
     page.DestroyWindow();
 }

@@ -2,13 +2,14 @@
 // offline, and the poll that lets the tool's level follow the drive's "Authority".
 #include "access_fixture.h"
 
+#include "TempDir.h"
+#include "TestFiles.h"
+
 #include "groups/LoginDialog.h"
 
 #include <climits>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
-#include <sstream>
 
 namespace {
 
@@ -203,56 +204,18 @@ TEST_F(AccessTest, ModelOneOfflineLoginChecksPassword) {
 }
 
 // ---------------------------------------------------------------- model 2
-TEST_F(AccessTest, ModelTwoLevelGrantedByDriveNeedsNoPassword) {
-    Open({{kServo, "servo", true, 1}});
-    Module("servo")->SetDeviceAuthority(2);
-    Fill();
-    selector.m_relockPending = 1;
-    LoginAnswers answers;
-    Choose(2);
-    Choose(0);
-    EXPECT_EQ(frame.calls, (Strings{"apply 2", "apply 0"}));
-    EXPECT_EQ(selector.m_relockPending, 0);
-    EXPECT_EQ(answers.Shown(), 0);
-    EXPECT_TRUE(helper.namedWrites.empty());
-}
-
-TEST_F(AccessTest, ModelTwoLoginOnlineAndOffline) {
-    Open({{kServo, "servo", true, 1}});
-    auto* servo = Module("servo");
-    servo->SetDeviceAuthority(1);
+// Offline nothing goes to the drive: the word sets the level, a wrong text brings only
+// the box and the first entry.
+TEST_F(AccessTest, ModelTwoOfflineLoginChecksThePassword) {
+    Open({{kServo, "servo", false, 1}});
     Fill();
     LoginAnswers answers;
-
-    // Cancel: the chosen entry stays, nothing is written or applied.
-    answers.Cancel();
-    Choose(3);
-    EXPECT_EQ(Selected(), 3);
-    EXPECT_TRUE(helper.namedWrites.empty());
-    EXPECT_TRUE(frame.calls.empty());
-    EXPECT_EQ(selector.m_relockPending, 0);
-
-    // Online with the code: it goes to the drive and the level is set at once.
-    answers.Ok(Code().GetString());
-    Choose(2);
-    EXPECT_EQ(helper.NamedWriteLog(), Strings{"InputPassword=" + Code().str()});
-    EXPECT_EQ(frame.calls, Strings{"apply 2"});
-    EXPECT_EQ(servo->GetAccessLevel(), 2);
-    EXPECT_EQ(selector.m_relockPending, 1);
-
-    // Offline with the word: nothing goes out, the level is set.
-    SetOnline(false);
-    helper.namedWrites.clear();
-    frame.calls.clear();
-    selector.m_relockPending = 0;
     answers.Ok(Word().GetString());
     Choose(3);
-    EXPECT_TRUE(helper.namedWrites.empty());
     EXPECT_EQ(frame.calls, Strings{"apply 3"});
     EXPECT_EQ(selector.m_relockPending, 1);
 
-    // Offline with a wrong text: the box, the first entry, nothing else.
-    servo->SetAccessLevel(1);
+    Module("servo")->SetAccessLevel(1);
     frame.calls.clear();
     selector.m_relockPending = 0;
     answers.Ok("4321");
@@ -260,9 +223,9 @@ TEST_F(AccessTest, ModelTwoLoginOnlineAndOffline) {
     EXPECT_EQ(Selected(), 0);
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u);
     EXPECT_TRUE(frame.calls.empty());
-    EXPECT_TRUE(helper.namedWrites.empty());
     EXPECT_EQ(selector.m_relockPending, 0);
-    EXPECT_EQ(servo->GetAccessLevel(), 1);
+    EXPECT_EQ(Module("servo")->GetAccessLevel(), 1);
+    EXPECT_TRUE(helper.namedWrites.empty());
 }
 
 // What the drive's register receives is the decimal reading of the text.
@@ -332,7 +295,10 @@ TEST_F(AccessTest, PollRaisesLevelAfterAcceptedPassword) {
     LoginAnswers answers;
     answers.Ok(Code().GetString());
     Choose(2); // the code passes here too: expert at once; the drive grants factory
+    EXPECT_EQ(helper.NamedWriteLog(), Strings{"InputPassword=" + Code().str()});
+    EXPECT_EQ(frame.calls, Strings{"apply 2"});
     EXPECT_EQ(servo->GetAccessLevel(), 2);
+    EXPECT_EQ(selector.m_relockPending, 1);
     frame.calls.clear();
     ReadAuthority();
     selector.PollAuthority();
@@ -347,28 +313,6 @@ TEST_F(AccessTest, PollRaisesLevelAfterAcceptedPassword) {
     EXPECT_EQ(frame.calls.size(), 1u);
 }
 
-// A code the drive refuses leaves its grant where it was; the tool shows that grant.
-TEST_F(AccessTest, RefusedCodeLeavesDriveGrant) {
-    Open({{kServo, "servo", true, 1}});
-    Fill();
-    ReadAuthority();
-    selector.PollAuthority();
-    LoginAnswers answers;
-    answers.Ok("1111");
-    Choose(3);
-    EXPECT_EQ(helper.NamedWriteLog(), Strings{"InputPassword=1111"});
-    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u);
-    EXPECT_EQ(Selected(), 0);
-    EXPECT_EQ(selector.m_relockPending, 1);
-    ReadAuthority();
-    selector.PollAuthority();
-    EXPECT_EQ(Drive("servo")->Authority(), 1);
-    EXPECT_EQ(frame.calls, Strings{"apply 1"});
-    EXPECT_EQ(Module("servo")->GetAccessLevel(), 1);
-    EXPECT_EQ(Selected(), 1);
-    EXPECT_EQ(selector.m_relockPending, 0);
-}
-
 TEST_F(AccessTest, PollFallAlwaysReachesToolRiseOnlyAfterPassword) {
     Open({{kServo, "servo", true, 2}});
     auto* servo = Module("servo");
@@ -376,9 +320,12 @@ TEST_F(AccessTest, PollFallAlwaysReachesToolRiseOnlyAfterPassword) {
     Fill();
     selector.PollAuthority();
     LoginAnswers answers;
-    Choose(1); // granted already: no dialog
+    selector.m_relockPending = 1;
+    Choose(1); // granted already: no dialog, and nothing waits for the drive
     Choose(2);
     ASSERT_EQ(selector.m_authorityIndex, 2);
+    EXPECT_EQ(frame.calls, (Strings{"apply 1", "apply 2"}));
+    EXPECT_EQ(selector.m_relockPending, 0);
     frame.calls.clear();
 
     // A rise without a password going out waits for the user.
@@ -402,6 +349,7 @@ TEST_F(AccessTest, PollFallAlwaysReachesToolRiseOnlyAfterPassword) {
     }
     EXPECT_EQ(frame.calls, (Strings{"apply 0", "apply 0"}));
     EXPECT_EQ(answers.Shown(), 0);
+    EXPECT_TRUE(helper.namedWrites.empty());
 }
 
 TEST_F(AccessTest, PollOnlyForOnlineModelTwo) {
@@ -438,22 +386,14 @@ TEST_F(AccessTest, PollOnlyForOnlineModelTwo) {
 
 // A model 2 description without "Authority": the level stays whatever the drive does.
 TEST_F(AccessTest, ModelTwoWithoutAuthorityKeepsLevel) {
-    std::ifstream in(PARMIRA_SOURCE_DIR "/devices/zd3s_servo.json");
-    std::stringstream text;
-    text << in.rdbuf();
-    std::string json = text.str();
+    std::string json = Slurp(PARMIRA_SOURCE_DIR "/devices/zd3s_servo.json");
     const std::string line = "{\"name\": \"Authority\", \"code\": \"H0B-40\"},";
     const size_t at = json.find(line);
     ASSERT_NE(at, std::string::npos);
     json.erase(at, line.size());
-    const std::filesystem::path dir =
-        std::filesystem::path(::testing::TempDir()) / "parmira_access_no_authority";
-    std::filesystem::create_directories(dir);
-    const std::string path = (dir / "servo_without_authority.json").string();
-    std::ofstream(path) << json;
-
-    Open({{path.c_str(), "servo", true, 3}});
-    std::filesystem::remove_all(dir);
+    TempDir dir;
+    std::ofstream(dir / "servo_without_authority.json") << json;
+    Open({{(dir / "servo_without_authority.json").c_str(), "servo", true, 3}});
     auto* servo = Module("servo");
     ASSERT_EQ(helper.FindNamedVar(servo, "Authority"), nullptr);
     Fill();
@@ -504,11 +444,18 @@ TEST_F(AccessTest, RefusedAndCancelledLoginsAgreeWithTheDriveAfterOnePoll) {
         EXPECT_EQ(Selected(), cancel ? 2 : 0);
         EXPECT_EQ(selector.m_authorityIndex, cancel ? 2 : 0);
         EXPECT_EQ(Module("servo")->GetAccessLevel(), 0);
+        // A refused code went to the drive and waits for its answer; a cancel sends nothing.
+        EXPECT_EQ(helper.NamedWriteLog(), cancel ? Strings{} : Strings{"InputPassword=1111"});
+        EXPECT_EQ(selector.m_relockPending, cancel ? 0 : 1);
+        EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u); // the refusal's, once
+        EXPECT_TRUE(frame.calls.empty());
         ReadAuthority();
         selector.PollAuthority();
         EXPECT_EQ(Drive("servo")->Authority(), 1);
+        EXPECT_EQ(frame.calls, Strings{"apply 1"});
         EXPECT_EQ(Selected(), 1);
         EXPECT_EQ(Module("servo")->GetAccessLevel(), 1);
+        EXPECT_EQ(selector.m_relockPending, 0);
         frame.calls.clear();
         helper.namedWrites.clear();
     }

@@ -4,13 +4,7 @@
 #include "groups/GroupDialog.h"
 #include "groups/MultiSelectVarDialog.h"
 #include "module/ParmiraApp.h"
-#include "module/host/IGroupNode.h"
-#include "module/host/IGroupSet.h"
-#include "module/host/IHostDeviceModule.h"
-#include "module/host/IParamFile.h"
-#include "module/host/IParamFileTable.h"
-#include "module/host/IVarDatabase.h"
-#include "module/host/IVarObjEx.h"
+#include "module/host/HostContract.h"
 #include "table/ParmiraDialog.h"
 #include "table/TableResources.h"
 #include "table/VarTable.h"
@@ -119,6 +113,12 @@ protected:
     }
 
     IGroupSet* Custom() { return host->Module("ZD3S")->GetVarList()->GetGroupRoot(1); }
+    // The name of the custom group at `index` of the top level.
+    std::string NameOf(int index) {
+        CString name;
+        Custom()->GetAt(index)->GetName(name);
+        return name.str();
+    }
     IVarObjEx* Var(int index) { return host->Module("ZD3S")->GetVarList()->GetAt(index); }
     std::string StoreFile() const { return dir / "line2/Spindle_ZD3S/Variables.dat"; }
 
@@ -231,9 +231,7 @@ TEST_F(CustomGroupTest, EditKeepsOrChangesNameAndDescriptionAsTold) {
         AfxTestTypeText(dlg.GetDlgItem(IDC_GROUP_NAME), "Other");
         Click(dlg, IDCANCEL);
     });
-    CString name;
-    Custom()->GetAt(0)->GetName(name);
-    EXPECT_EQ(name, CString("Alpha"));
+    EXPECT_EQ(NameOf(0), "Alpha");
 
     // Blanks and a taken name are refused and the dialog stays; a change of case passes.
     int refusals = 0;
@@ -252,8 +250,7 @@ TEST_F(CustomGroupTest, EditKeepsOrChangesNameAndDescriptionAsTold) {
     EXPECT_EQ(prompts.prompts[1].text, CString("错误,对象'Beta'已经存在."));
     EXPECT_EQ(prompts.prompts[1].caption, CString("警告"));
     EXPECT_EQ(prompts.prompts[1].Icon(), UINT(MB_ICONWARNING));
-    Custom()->GetAt(0)->GetName(name);
-    EXPECT_EQ(name, CString("ALPHA"));
+    EXPECT_EQ(NameOf(0), "ALPHA");
     EXPECT_EQ(MemberKeys(Custom()->GetAt(0)).size(), 2u);
     EXPECT_NE(CustomItem("ALPHA[first]"), nullptr);
 }
@@ -314,11 +311,8 @@ TEST_F(CustomGroupTest, AddToGroupMenuKeepsMembersAddsNoDoubleAndMakesNewGroups)
     // A taken name gets "new" once, without a second test.
     table->CreateCustomGroup({Var(5)}, "Alpha");
     table->CreateCustomGroup({Var(5)}, "Alpha");
-    CString n1, n2;
-    Custom()->GetAt(3)->GetName(n1);
-    Custom()->GetAt(4)->GetName(n2);
-    EXPECT_EQ(n1, CString("Alphanew"));
-    EXPECT_EQ(n2, CString("Alphanew"));
+    EXPECT_EQ(NameOf(3), "Alphanew");
+    EXPECT_EQ(NameOf(4), "Alphanew");
     EXPECT_EQ(CustomItemTexts().size(), 5u);
     table->AddVarsToCustomRoot({Var(6)});
     ShootIfAsked(parent.get(), "custom_group_tree.png");
@@ -364,18 +358,13 @@ TEST_F(CustomGroupTest, PickerMovesOnlyConsecutiveBlocksAwayFromTheEdge) {
 TEST_F(CustomGroupTest, DamagedStoreIsReportedKeptAsideAndTheModuleStillWorks) {
     fs::create_directories(fs::path(StoreFile()).parent_path());
     std::ofstream(StoreFile()) << "{\"format\": 1, \"groups\": [ {\"name\": \"x\", ";
-    ClosePanel();
-    theApp.SetQueryInterfaceCallback(0, nullptr);
-    host = std::make_unique<zorhost::ReferenceHost>();
-    OpenProject();
+    Restart();
     ASSERT_EQ(host->StoreProblems().size(), 1u);
     const std::string& problem = host->StoreProblems()[0];
     EXPECT_NE(problem.find(StoreFile()), std::string::npos) << problem;
     EXPECT_NE(problem.find("at byte"), std::string::npos) << problem;
     EXPECT_TRUE(fs::exists(StoreFile() + ".damaged"));
     EXPECT_EQ(Custom()->GetCount(), 0);
-
-    OpenPanel();
     table->CreateCustomGroup({Var(1)}, "Fresh");
     EXPECT_EQ(CustomItemTexts(), std::vector<std::string>{"Fresh"});
     Restart();

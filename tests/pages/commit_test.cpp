@@ -1,10 +1,6 @@
 // The road of a typed value: editor, commit, drive, next read, colour.
 #include "page_fixture.h"
 
-#include "module/host/IHostVarUtil.h"
-#include "module/host/IValueInfo.h"
-#include "module/host/IVarAttr.h"
-#include "module/host/IVarObjEx.h"
 #include "zorhost/sim/DriveLink.h"
 #include "zorhost/sim/SimulatedDrive.h"
 
@@ -22,13 +18,12 @@ protected:
         OpenFrame();
     }
     // Plain integer parameters that can be changed at any time, in row order.
-    std::vector<int> PlainRows(int modifyMode = 0) {
+    std::vector<int> PlainRows() {
         std::vector<int> rows;
         for (int i = 0; i < Page().GetShownCount(); ++i) {
             IVarAttr* a = Page().GetShownVar(i)->GetAttr();
-            const int kind = a->GetValueInfo() ? a->GetValueInfo()->GetKind() : 0;
             // Parameters above the level the drive grants after power-on are refused.
-            if (a->GetModifyMode() == modifyMode && kind == 0 && a->GetDisplayFormat() == 0 &&
+            if (a->GetModifyMode() == 0 && Kind(a) == 0 && a->GetDisplayFormat() == 0 &&
                 a->GetAccessLevel() <= zorhost::sim::SimulatedDrive::kBaseAuthority &&
                 a->GetDecimals() == 0 && !a->IsMinLinked() && !a->IsMaxLinked())
                 rows.push_back(i);
@@ -61,6 +56,15 @@ protected:
         List().ClickCell(row, kValueColumn);
         ASSERT_NE(List().GetItemEdit().GetSafeHwnd(), nullptr) << CodeOf(row).GetString();
     }
+    // Opens the numeric edit of `row` and types `value` into it; returns the text typed.
+    CString TypeValue(int row, int value) {
+        CString text;
+        text.Format("%d", value);
+        OpenNumeric(row);
+        if (List().GetItemEdit().GetSafeHwnd() != nullptr)
+            AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+        return text;
+    }
     std::string LastBox() const {
         const AfxPrompt* box = prompts.Last(AfxPrompt::MessageBox);
         return box != nullptr ? box->text.GetString() : "";
@@ -75,10 +79,7 @@ TEST_F(CommitTest, ClickingFromOneValueCellToAnotherCommitsTheFirstAndOpensTheSe
     const int b = rows[1];
     const int value = FreshValue(a);
     const double before_b = RawAt(b);
-    OpenNumeric(a);
-    CString text;
-    text.Format("%d", value);
-    AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+    TypeValue(a, value);
     List().ClickCell(b, kValueColumn);
     EXPECT_EQ(RawAt(a), value);
     EXPECT_EQ(RawAt(b), before_b);
@@ -105,10 +106,7 @@ TEST_F(CommitTest, EscapeInANumericCellWritesNothing) {
     const int row = PlainRows().at(0);
     const double before = RawAt(row);
     const uint64_t requests = drive->RequestCount();
-    OpenNumeric(row);
-    CString text;
-    text.Format("%d", FreshValue(row));
-    AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+    TypeValue(row, FreshValue(row));
     AfxTestPressKey(&List().GetItemEdit(), VK_ESCAPE);
     EXPECT_EQ(List().GetItemEdit().GetSafeHwnd(), nullptr);
     EXPECT_EQ(RawAt(row), before);
@@ -120,22 +118,15 @@ TEST_F(CommitTest, EscapeInANumericCellWritesNothing) {
 TEST_F(CommitTest, ScrollingClosesEditorsTheNumericEditCommitsTheTextEditDrops) {
     const int row = PlainRows().at(0);
     const int value = FreshValue(row);
-    OpenNumeric(row);
-    CString text;
-    text.Format("%d", value);
-    AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+    TypeValue(row, value);
     List().SendMessage(WM_VSCROLL, MAKEWPARAM(SB_LINEDOWN, 0), 0);
     EXPECT_EQ(List().GetItemEdit().GetSafeHwnd(), nullptr);
     EXPECT_EQ(RawAt(row), value);
 
     // A hexadecimal cell uses the text edit, which drops what was typed.
-    int hexRow = -1;
-    for (int i = 0; i < Page().GetShownCount() && hexRow < 0; ++i) {
-        IVarAttr* a = Page().GetShownVar(i)->GetAttr();
-        if (a->GetModifyMode() == 0 && a->GetDisplayFormat() == 1 &&
-            (a->GetValueInfo() == nullptr || a->GetValueInfo()->GetKind() == 0))
-            hexRow = i;
-    }
+    const int hexRow = FindRow([](IVarAttr* a) {
+        return a->GetModifyMode() == 0 && a->GetDisplayFormat() == 1 && Kind(a) == 0;
+    });
     ASSERT_GE(hexRow, 0);
     const double hexBefore = RawAt(hexRow);
     List().EnsureVisible(hexRow, FALSE);
@@ -147,32 +138,22 @@ TEST_F(CommitTest, ScrollingClosesEditorsTheNumericEditCommitsTheTextEditDrops) 
     EXPECT_EQ(RawAt(hexRow), hexBefore);
 }
 
-TEST_F(CommitTest, ATypedValueReachesTheDriveAndTheNextReadShowsItBlue) {
+// That a typed value reaches the drive and the next read shows it is the round trip's;
+// here the colour of a value away from the factory value.
+TEST_F(CommitTest, AValueAwayFromTheFactoryValueShowsBlueUntilItIsBack) {
     const int row = PlainRows().at(0);
     IVarObjEx* var = Page().GetShownVar(row);
-    const int value = FreshValue(row);
-    OpenNumeric(row);
-    CString text;
-    text.Format("%d", value);
-    AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+    const CString text = TypeValue(row, FreshValue(row));
     AfxTestPressKey(&List().GetItemEdit(), VK_RETURN);
-    EXPECT_EQ(List().GetItemEdit().GetSafeHwnd(), nullptr);
-    EXPECT_EQ(RawAt(row), value);
-    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u);
-
-    // The page writes nothing into the variable: the next read brings the value.
     ReadCycle();
     ReadCycle();
     EXPECT_EQ(List().GetItemText(row, kValueColumn), text);
     EXPECT_EQ(Page().GetCellTextColor(row, kValueColumn), PAGE_NOT_FACTORY_TEXT);
     EXPECT_EQ(Page().GetCellTextColor(row, 1), RGB(0, 0, 0));
 
-    // Back to the factory value: black again.
     IHostVarUtil* util = host.Services().Get<IHostVarUtil>();
     const int factory = int(util->VariantAsDouble(var->GetAttr()->GetFactoryValue()));
-    OpenNumeric(row);
-    text.Format("%d", factory);
-    AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+    TypeValue(row, factory);
     AfxTestPressKey(&List().GetItemEdit(), VK_RETURN);
     ReadCycle();
     ReadCycle();
@@ -182,19 +163,14 @@ TEST_F(CommitTest, ATypedValueReachesTheDriveAndTheNextReadShowsItBlue) {
 
 TEST_F(CommitTest, ARefusedWriteShowsTheDrivesReason) {
     // A parameter above the level the drive grants after power-on: the drive refuses it.
-    int row = -1;
-    for (int i = 0; i < Page().GetShownCount() && row < 0; ++i) {
-        IVarAttr* a = Page().GetShownVar(i)->GetAttr();
-        if (a->GetModifyMode() == 0 && a->GetDisplayFormat() == 0 && a->GetValueInfo() == nullptr &&
-            a->GetAccessLevel() > zorhost::sim::SimulatedDrive::kBaseAuthority)
-            row = i;
-    }
+    const int row = FindRow([](IVarAttr* a) {
+        return a->GetModifyMode() == 0 && a->GetDisplayFormat() == 0 &&
+               a->GetValueInfo() == nullptr &&
+               a->GetAccessLevel() > zorhost::sim::SimulatedDrive::kBaseAuthority;
+    });
     ASSERT_GE(row, 0);
     const double before = RawAt(row);
-    OpenNumeric(row);
-    CString text;
-    text.Format("%d", FreshValue(row));
-    AfxTestTypeText(&List().GetItemEdit(), text.GetString());
+    TypeValue(row, FreshValue(row));
     AfxTestPressKey(&List().GetItemEdit(), VK_RETURN);
     EXPECT_EQ(RawAt(row), before);
     ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u);

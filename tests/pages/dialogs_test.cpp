@@ -2,11 +2,6 @@
 // them, against the demo servo's value meanings and connector groups.
 #include "page_fixture.h"
 
-#include "module/host/IConnectorGroup.h"
-#include "module/host/IConnectorTable.h"
-#include "module/host/IVarAttr.h"
-#include "module/host/IVarCatalog.h"
-#include "module/host/IVarObjEx.h"
 #include "values/WriteLinkerVarDialog.h"
 #include "values/WriteVarDialog.h"
 
@@ -24,20 +19,20 @@ protected:
         PageTest::SetUp();
         OpenFrame();
     }
-    // Runs the packed-value dialog on `code` holding `value`; `act` works inside it.
-    INT_PTR RunWriteDialog(const char* code, int value,
-                           const std::function<void(CWriteVarDialog&)>& act,
-                           LONGLONG* edited = nullptr) {
+    // Runs the packed-value dialog on `code` holding `value`; `act` works inside it. The
+    // value it gives back when it ends with OK, -1 when it does not.
+    LONGLONG RunWriteDialog(const char* code, int value,
+                            const std::function<void(CWriteVarDialog&)>& act) {
         IVarObjEx* var = Var(code);
         EXPECT_NE(var, nullptr) << code;
         var->SetValue(Variant::UI2(uint16_t(value)));
         CWriteVarDialog dialog(&Page());
         dialog.SetItem(var);
         CAfxModalDriver driver([&](CDialog& d) { act(static_cast<CWriteVarDialog&>(d)); });
-        const INT_PTR result = dialog.DoModal();
-        if (edited != nullptr)
-            *edited = dialog.GetEditedValue();
-        return result;
+        return dialog.DoModal() == IDOK ? dialog.GetEditedValue() : -1;
+    }
+    static CString Figure(CDialog& d) {
+        return d.GetDlgItem(IDC_WRITE_VALUE)->GetWindowTextString();
     }
     static void ClickOk(CDialog& d) { static_cast<CButton*>(d.GetDlgItem(IDOK))->Click(); }
     static CString Field(CWriteVarDialog& d, int row) {
@@ -95,23 +90,18 @@ protected:
 };
 
 TEST_F(DialogTest, BitsShowTheValueAndJoinOnlyListedBits) {
-    LONGLONG edited = -1;
-    const INT_PTR r = RunWriteDialog(
-        "H03-00", 5,
-        [](CWriteVarDialog& d) {
-            ASSERT_EQ(d.GetGrid()->GetRowCount(), 16);
-            EXPECT_EQ(d.GetGrid()->GetCellText(0, 0), "bit0");
-            EXPECT_EQ(Field(d, 0), "1");
-            EXPECT_EQ(Field(d, 1), "0");
-            EXPECT_EQ(Field(d, 2), "1");
-            EXPECT_EQ(d.GetDlgItem(IDC_WRITE_VALUE)->GetWindowTextString(), "0x0005");
-            Choose(d, 0, "0");
-            EXPECT_EQ(d.GetDlgItem(IDC_WRITE_VALUE)->GetWindowTextString(), "0x0004");
-            ClickOk(d);
-        },
-        &edited);
-    EXPECT_EQ(r, IDOK);
-    EXPECT_EQ(edited, 4);
+    const auto act = [](CWriteVarDialog& d) {
+        ASSERT_EQ(d.GetGrid()->GetRowCount(), 16);
+        EXPECT_EQ(d.GetGrid()->GetCellText(0, 0), "bit0");
+        EXPECT_EQ(Field(d, 0), "1");
+        EXPECT_EQ(Field(d, 1), "0");
+        EXPECT_EQ(Field(d, 2), "1");
+        EXPECT_EQ(Figure(d), "0x0005");
+        Choose(d, 0, "0");
+        EXPECT_EQ(Figure(d), "0x0004");
+        ClickOk(d);
+    };
+    EXPECT_EQ(RunWriteDialog("H03-00", 5, act), 4);
 }
 
 TEST_F(DialogTest, AReadOnlyBitFieldShowsItsFieldsButOffersNothing) {
@@ -121,74 +111,55 @@ TEST_F(DialogTest, AReadOnlyBitFieldShowsItsFieldsButOffersNothing) {
         EXPECT_EQ(d.GetGrid()->GetRowCount(), 9);
         EXPECT_FALSE(d.GetDlgItem(IDOK)->IsWindowEnabled());
         EXPECT_FALSE(d.GetDlgItem(IDC_WRITE_VALUE)->IsWindowEnabled());
-        EXPECT_EQ(d.GetDlgItem(IDC_WRITE_VALUE)->GetWindowTextString(), "0x0603");
+        EXPECT_EQ(Figure(d), "0x0603");
         Choose(d, 1, "0");
-        EXPECT_EQ(d.GetDlgItem(IDC_WRITE_VALUE)->GetWindowTextString(), "0x0001");
+        EXPECT_EQ(Figure(d), "0x0001");
         d.EndDialog(IDCANCEL);
     });
 }
 
 TEST_F(DialogTest, RangesJoinAtTheirFirstBitAndNameASingleBitAlone) {
     // Parity 1 (bits 0-1), two stop bits (bit 2), low word first (bit 4).
-    LONGLONG edited = -1;
-    RunWriteDialog(
-        "H0C-02", 0x15,
-        [](CWriteVarDialog& d) {
-            ASSERT_EQ(d.GetGrid()->GetRowCount(), 3);
-            EXPECT_EQ(d.GetGrid()->GetCellText(0, 0), "bit0-bit1");
-            EXPECT_EQ(d.GetGrid()->GetCellText(1, 0), "bit2");
-            EXPECT_EQ(Field(d, 0).Left(2), "1[");
-            EXPECT_EQ(Field(d, 1).Left(2), "1[");
-            EXPECT_EQ(Field(d, 2).Left(2), "1[");
-            Choose(d, 0, "2");
-            EXPECT_EQ(d.GetDlgItem(IDC_WRITE_VALUE)->GetWindowTextString(), "0x0016");
-            ClickOk(d);
-        },
-        &edited);
-    EXPECT_EQ(edited, 0x16);
+    const auto act = [](CWriteVarDialog& d) {
+        ASSERT_EQ(d.GetGrid()->GetRowCount(), 3);
+        EXPECT_EQ(d.GetGrid()->GetCellText(0, 0), "bit0-bit1");
+        EXPECT_EQ(d.GetGrid()->GetCellText(1, 0), "bit2");
+        EXPECT_EQ(Field(d, 0).Left(2), "1[");
+        EXPECT_EQ(Field(d, 1).Left(2), "1[");
+        EXPECT_EQ(Field(d, 2).Left(2), "1[");
+        Choose(d, 0, "2");
+        EXPECT_EQ(Figure(d), "0x0016");
+        ClickOk(d);
+    };
+    EXPECT_EQ(RunWriteDialog("H0C-02", 0x15, act), 0x16);
 }
 
 TEST_F(DialogTest, DigitsJoinWithDigitZeroRightmostInDecimal) {
-    LONGLONG edited = -1;
-    RunWriteDialog(
-        "H02-22", 110,
-        [](CWriteVarDialog& d) {
-            ASSERT_EQ(d.GetGrid()->GetRowCount(), 4);
-            EXPECT_EQ(d.GetGrid()->GetCellText(0, 0), "0000X");
-            EXPECT_EQ(d.GetGrid()->GetCellText(3, 0), "0X000");
-            EXPECT_EQ(Field(d, 0).Left(1), "0");
-            EXPECT_EQ(Field(d, 1).Left(1), "1");
-            EXPECT_EQ(Field(d, 2).Left(1), "1");
-            EXPECT_EQ(d.GetDlgItem(IDC_WRITE_VALUE)->GetWindowTextString(), "00110");
-            Choose(d, 0, "1");
-            Choose(d, 3, "1");
-            EXPECT_EQ(d.GetDlgItem(IDC_WRITE_VALUE)->GetWindowTextString(), "01111");
-            ClickOk(d);
-        },
-        &edited);
-    EXPECT_EQ(edited, 1111);
+    const auto act = [](CWriteVarDialog& d) {
+        ASSERT_EQ(d.GetGrid()->GetRowCount(), 4);
+        EXPECT_EQ(d.GetGrid()->GetCellText(0, 0), "0000X");
+        EXPECT_EQ(d.GetGrid()->GetCellText(3, 0), "0X000");
+        EXPECT_EQ(Field(d, 0).Left(1), "0");
+        EXPECT_EQ(Field(d, 1).Left(1), "1");
+        EXPECT_EQ(Field(d, 2).Left(1), "1");
+        EXPECT_EQ(Figure(d), "00110");
+        Choose(d, 0, "1");
+        Choose(d, 3, "1");
+        EXPECT_EQ(Figure(d), "01111");
+        ClickOk(d);
+    };
+    EXPECT_EQ(RunWriteDialog("H02-22", 110, act), 1111);
 }
 
+// A figure typed and taken as it stands is the round trip's; a field changed after it wins.
 TEST_F(DialogTest, AFigureTypedStandsUntilTheNextFieldChange) {
-    LONGLONG edited = -1;
-    RunWriteDialog(
-        "H03-00", 1,
-        [](CWriteVarDialog& d) {
-            AfxTestTypeText(d.GetDlgItem(IDC_WRITE_VALUE), "0x00F0");
-            ClickOk(d);
-        },
-        &edited);
-    EXPECT_EQ(edited, 0xF0);
-    RunWriteDialog(
-        "H03-00", 1,
-        [](CWriteVarDialog& d) {
-            AfxTestTypeText(d.GetDlgItem(IDC_WRITE_VALUE), "0x00F0");
-            Choose(d, 1, "1");
-            EXPECT_EQ(d.GetDlgItem(IDC_WRITE_VALUE)->GetWindowTextString(), "0x0003");
-            ClickOk(d);
-        },
-        &edited);
-    EXPECT_EQ(edited, 3);
+    const auto act = [](CWriteVarDialog& d) {
+        AfxTestTypeText(d.GetDlgItem(IDC_WRITE_VALUE), "0x00F0");
+        Choose(d, 1, "1");
+        EXPECT_EQ(Figure(d), "0x0003");
+        ClickOk(d);
+    };
+    EXPECT_EQ(RunWriteDialog("H03-00", 1, act), 3);
 }
 
 TEST(WriteVarDialogParse, HexFieldsReadAfterThePrefixAndStopAtTheFirstOtherCharacter) {

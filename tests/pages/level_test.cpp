@@ -1,14 +1,13 @@
 // The demo servo seen by a user who logs in: the list and the tree follow the level the
 // drive grants, through the access box, the login dialog and the authority poll.
+#include "TempDir.h"
 #include "page_fixture.h"
 
 #include "groups/LoginDialog.h"
-#include "module/host/IHostDeviceModule.h"
 
 #include <afx/afxtest.h>
 
-#include <cstdlib>
-#include <string>
+#include <vector>
 
 namespace pt {
 namespace {
@@ -27,11 +26,6 @@ int CountTreeItems(CTreeCtrl& tree) {
             stack.push_back(c);
     }
     return n;
-}
-
-std::string ShotPath(const char* name) {
-    const char* env = std::getenv("PARMIRA_SCREENSHOT_DIR");
-    return (env ? std::string(env) : ::testing::TempDir()) + "/" + name;
 }
 
 class LevelTest : public PageTest {
@@ -59,7 +53,7 @@ TEST_F(LevelTest, LoggingInWithTheFactoryCodeBringsTheHiddenGroupsAndRows) {
     ASSERT_EQ(module->GetAccessLevel(), 1);
     const int rowsBefore = Page().GetShownCount();
     const int itemsBefore = CountTreeItems(table->GetTree());
-    EXPECT_TRUE(AfxTestGrabWindow(&parent, ShotPath("level_before.png").c_str()));
+    ShootIfAsked(&parent, "level_before.png");
 
     int dialogs = 0;
     CAfxModalDriver driver([&](CDialog& dlg) {
@@ -74,7 +68,7 @@ TEST_F(LevelTest, LoggingInWithTheFactoryCodeBringsTheHiddenGroupsAndRows) {
     EXPECT_EQ(module->GetAccessLevel(), 3);
     EXPECT_GT(Page().GetShownCount(), rowsBefore);
     EXPECT_GT(CountTreeItems(table->GetTree()), itemsBefore);
-    EXPECT_TRUE(AfxTestGrabWindow(&parent, ShotPath("level_after.png").c_str()));
+    ShootIfAsked(&parent, "level_after.png");
 }
 
 } // namespace

@@ -2,9 +2,6 @@
 // the tips over packed values.
 #include "page_fixture.h"
 
-#include "module/host/IVarAttr.h"
-#include "module/host/IVarObjEx.h"
-
 #include <afx/afxqt.h>
 #include <afx/afxtest.h>
 
@@ -132,10 +129,7 @@ TEST_F(Page1Test, TheTipOverAPackedValueListsEachFieldWithItsValue) {
 
 TEST_F(Page1Test, AHiddenValueShowsStarsAndAPasswordEdit) {
     OpenFrame("ZD3S");
-    int row = -1;
-    for (int i = 0; i < Page().GetShownCount() && row < 0; ++i)
-        if (Page().GetShownVar(i)->GetAttr()->GetDisplayFormat() == 4)
-            row = i;
+    const int row = FindRow([](IVarAttr* a) { return a->GetDisplayFormat() == 4; });
     ASSERT_GE(row, 0) << "the demo servo shows a hidden parameter";
     EXPECT_EQ(List().GetItemText(row, 3), "******");
     EXPECT_EQ(List().GetItemText(row, 5), "******");

@@ -1,11 +1,5 @@
 #include "page_fixture.h"
 
-#include "module/host/IGroupNode.h"
-#include "module/host/IGroupSet.h"
-#include "module/host/IVarAttr.h"
-#include "module/host/IVarObjEx.h"
-#include "module/host/IVarStore.h"
-
 namespace pt {
 
 namespace {
@@ -70,6 +64,17 @@ int PageTest::RowOf(const char* code, CVarTablePage* page) {
     return -1;
 }
 
+int PageTest::FindRow(const std::function<bool(IVarAttr*)>& match) {
+    for (int i = 0; i < Page().GetShownCount(); ++i)
+        if (match(Page().GetShownVar(i)->GetAttr()))
+            return i;
+    return -1;
+}
+
+int PageTest::Kind(IVarAttr* a) {
+    return a->GetValueInfo() != nullptr ? a->GetValueInfo()->GetKind() : 0;
+}
+
 IVarObjEx* PageTest::Var(const char* code) {
     return Store()->FindByCode(code);
 }
@@ -94,10 +99,6 @@ void PageTest::ReadCycle() {
 void PageTest::Pump() {
     int n = 0;
     AfxPumpMessagesUntil([&] { return ++n > 3; }, 200);
-}
-
-void PageTest::TypeIntoEdit(CWnd& edit, const char* text) {
-    AfxTestTypeText(&edit, text);
 }
 
 } // namespace pt

@@ -3,6 +3,7 @@
 // top-level test window.
 #pragma once
 
+#include "module/host/HostContract.h"
 #include "pages/VarTablePage1.h"
 #include "table/VarTable.h"
 #include "zorhost/ReferenceHost.h"
@@ -14,6 +15,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -37,14 +39,16 @@ protected:
     // The row of `code` among the rows `page` (the first page unless told) shows, -1 when
     // it is not shown.
     int RowOf(const char* code, CVarTablePage* page = nullptr);
+    // The first row of the first page whose parameter matches, -1 when none does.
+    int FindRow(const std::function<bool(IVarAttr*)>& match);
+    // The kind of a parameter's value meaning, 0 for a plain number.
+    static int Kind(IVarAttr* a);
     IVarObjEx* Var(const char* code);
     UINT Address(const char* code);
     double DriveValue(const char* code);
     // Runs one read cycle for what the page asked, the way the host's clock does.
     void ReadCycle();
     void Pump();
-    // Types `text` into the open numeric edit of the list.
-    void TypeIntoEdit(CWnd& edit, const char* text);
 
     zorhost::ReferenceHost host;
     ModuleScope scope{"pages-test"};

@@ -1,17 +1,6 @@
 // What the live list asks the host to read.
 #include "page_fixture.h"
 
-#include "module/host/IHostDeviceHelper.h"
-#include "module/host/IHostVarUtil.h"
-#include "module/host/IVarAttr.h"
-#include "module/host/IVarObjEx.h"
-
-#include "module/host/IGroupNode.h"
-#include "module/host/IGroupSet.h"
-#include "module/host/IHostAxis.h"
-#include "module/host/IHostAxisList.h"
-#include "module/host/IVarStore.h"
-
 #include <algorithm>
 #include <functional>
 #include <set>
@@ -95,12 +84,7 @@ TEST_F(RefreshTest, AnOfflineModuleSendsNoQueryAndKeepsItsLinkedVariables) {
 }
 
 TEST_F(RefreshTest, ALinkTargetIsReadOnlyAfterAPaintAskedForIt) {
-    int row = -1;
-    for (int i = 0; i < Page().GetShownCount() && row < 0; ++i) {
-        IVarAttr* a = Page().GetShownVar(i)->GetAttr();
-        if (a->IsMaxLinked() || a->IsMinLinked())
-            row = i;
-    }
+    const int row = FindRow([](IVarAttr* a) { return a->IsMaxLinked() || a->IsMinLinked(); });
     ASSERT_GE(row, 0) << "the demo servo has a linked limit";
     IVarAttr* a = Page().GetShownVar(row)->GetAttr();
     const int column = a->IsMaxLinked() ? 7 : 6;
@@ -148,12 +132,6 @@ TEST_F(RefreshTest, ShowModifiedKeepsOnlyReadValuesThatDifferFromFactoryThenAllR
     ShowGroup("H03");
     EXPECT_GT(Page().GetShownCount(), int(rows.size()));
 }
-
-} // namespace
-} // namespace pt
-
-namespace pt {
-namespace {
 
 class CollectionTest : public PageTest {};
 

@@ -6,11 +6,6 @@
 #include "TempDir.h"
 #include "page_fixture.h"
 
-#include "module/host/IConnectorTable.h"
-#include "module/host/IHostVarUtil.h"
-#include "module/host/IVarAttr.h"
-#include "module/host/IVarCatalog.h"
-#include "module/host/IVarObjEx.h"
 #include "values/WriteLinkerVarDialog.h"
 #include "values/WriteVarDialog.h"
 #include "zorhost/sim/SimulatedDrive.h"
@@ -189,19 +184,14 @@ protected:
         }
         return text;
     }
-    CString Meaning(const Case& c, int raw) {
-        if (c.editor == Listed)
-            return raw == 10 ? "[十]" : raw == 5 ? "[五]" : "";
-        return "";
-    }
-    CString ConnectorText(int value) {
-        return value == kSignal1 ? "H12-01[信号1]" : value == kSignal2 ? "H12-02[信号2]" : "?";
-    }
-    // What the value cell of the list must read for `raw`.
+    // What the value cell of the list must read for `raw`: a connector names its target,
+    // an enumeration adds its entry's name.
     CString CellFor(const Case& c, int raw) {
         if (c.editor == Connector)
-            return ConnectorText(raw);
-        return Shown(c, raw) + Meaning(c, raw);
+            return raw == kSignal1 ? "H12-01[信号1]" : raw == kSignal2 ? "H12-02[信号2]" : "?";
+        if (c.editor == Listed && (raw == 5 || raw == 10))
+            return Shown(c, raw) + (raw == 10 ? "[十]" : "[五]");
+        return Shown(c, raw);
     }
 
     // Types `text` key by key into the open cell edit, as a user does.
@@ -265,7 +255,11 @@ protected:
     }
     CString ValueCell(int row) { return L().GetItemText(row, page->GetValueColumn()); }
 
-    void RunAll();
+    // A case that fails stops there; the others still run.
+    void RunAll() {
+        for (const Case& c : cases)
+            RunCase(c);
+    }
     void RunCase(const Case& c);
 
     std::vector<Case> cases = AllCases();
@@ -273,12 +267,6 @@ protected:
     CVarTablePageBase* page = nullptr;
     CAfxRecordingResponder prompts;
 };
-
-void RoundTripTest::RunAll() {
-    // A case that fails stops there; the others still run.
-    for (const Case& c : cases)
-        RunCase(c);
-}
 
 void RoundTripTest::RunCase(const Case& c) {
     {

@@ -2,10 +2,6 @@
 // and the column dialog.
 #include "page_fixture.h"
 
-#include "module/host/IGroupNode.h"
-#include "module/host/IGroupSet.h"
-#include "module/host/IVarAttr.h"
-#include "module/host/IVarObjEx.h"
 #include "pages/ConfigListDlg.h"
 #include "pages/RowCommands.h"
 

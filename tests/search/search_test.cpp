@@ -2,10 +2,6 @@
 // page, the present language and the access level.
 #include "page_fixture.h"
 
-#include "module/host/IGroupNode.h"
-#include "module/host/IGroupSet.h"
-#include "module/host/IVarAttr.h"
-#include "module/host/IVarObjEx.h"
 #include "pages/VarTablePage2.h"
 
 #include <afx/afxtest.h>

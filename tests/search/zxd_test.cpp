@@ -1,11 +1,9 @@
 // The compressed export: value words and checksums, and whole files written from the live
 // list of the demo servo, read back byte by byte.
+#include "TempDir.h"
 #include "page_fixture.h"
 
 #include "files/ZxdExport.h"
-#include "module/host/IHostDeviceModule.h"
-#include "module/host/IVarAttr.h"
-#include "module/host/IVarObjEx.h"
 #include "table/TableResources.h"
 
 #include <afx/afxtest.h>
@@ -17,8 +15,6 @@
 #include <fstream>
 #include <iterator>
 #include <string>
-
-#include <unistd.h>
 
 namespace pt {
 namespace {
@@ -58,18 +54,8 @@ TEST(ZxdRecordTest, ValueWordsAndTheChecksumRule) {
 
 class ZxdFileTest : public PageTest {
 protected:
-    // Per process: other checkouts on this machine run the same suite at the same time.
-    std::filesystem::path dir =
-        std::filesystem::temp_directory_path() / ("parmira-zxd-test-" + std::to_string(::getpid()));
-    void SetUp() override {
-        PageTest::SetUp();
-        std::filesystem::remove_all(dir);
-        std::filesystem::create_directories(dir);
-    }
-    void TearDown() override {
-        PageTest::TearDown();
-        std::filesystem::remove_all(dir);
-    }
+    TempDir temp;
+    std::filesystem::path dir{temp.Path()};
     // Checks the layout of `bytes` for `rows` records and returns the inflated image.
     std::string CheckFile(const std::string& bytes, uint32_t rows) {
         EXPECT_GE(bytes.size(), 256u + 16u * rows + 12u);

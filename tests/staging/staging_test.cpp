@@ -1,9 +1,4 @@
-#include "module/host/IHostModuleManager.h"
-#include "module/host/IParamFile.h"
-#include "module/host/IParamFileTable.h"
-#include "module/host/IVarAttr.h"
-#include "module/host/IVarObjEx.h"
-#include "module/host/IVarStore.h"
+#include "TempDir.h"
 #include "page_fixture.h"
 #include "pages/VarTablePage2.h"
 
@@ -60,15 +55,14 @@ protected:
         file->SetElecLabel(label.data(), UINT(label.size()));
         for (const char* code : {"H06-02", "H01-00"})
             file->GetVarList()->FindByCode(code)->SetValue(Variant::UI2(value));
-        const std::string path = (std::filesystem::temp_directory_path() /
-                                  ("staging-" + std::to_string(::getpid()) + ".zorparam"))
-                                     .string();
+        const std::string path = temp / "staging.zorparam";
         EXPECT_TRUE(file->Save(CString(path.c_str())));
         file->Release();
         return path;
     }
 
     CAfxRecordingResponder prompts;
+    TempDir temp;
 };
 
 TEST_F(StagingTest, TypedValueWaitsForTheWriteOfCheckedRowsInListOrder) {
@@ -166,9 +160,7 @@ TEST_F(StagingTest, FilterButtonShowsCheckedRowsAndCancels) {
 TEST_F(StagingTest, WorkbookGoesToTheDrivesAndOnlyLowerCaseExtensionsAreWorkbooks) {
     const std::filesystem::path source =
         std::filesystem::path(PARMIRA_SOURCE_DIR) / "tests/workbook/data/recipe.xlsx";
-    const std::filesystem::path dir =
-        std::filesystem::temp_directory_path() / ("staging-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(dir);
+    const std::filesystem::path dir{temp.Path()};
     std::filesystem::copy_file(source, dir / "RECIPE.XLSX",
                                std::filesystem::copy_options::overwrite_existing);
     // Upper case: taken for a parameter file, which this workbook is not; nothing is sent.
@@ -181,7 +173,6 @@ TEST_F(StagingTest, WorkbookGoesToTheDrivesAndOnlyLowerCaseExtensionsAreWorkbook
     Page2().OpenRecipe();
     EXPECT_EQ(Writes(), std::vector<UINT>{26u});
     EXPECT_EQ(SuccessBoxes(), 0u); // this route is not listened to
-    std::filesystem::remove_all(dir);
 }
 
 TEST_F(StagingTest, ParameterFileFillsSetValuesAfterTheTypeQuestion) {
@@ -205,15 +196,12 @@ TEST_F(StagingTest, ParameterFileFillsSetValuesAfterTheTypeQuestion) {
     EXPECT_TRUE(Var("H01-00")->GetSetValue().IsEmpty());
     EXPECT_FALSE(Var("H01-00")->IsChecked());
     EXPECT_TRUE(Writes().empty()); // opening writes nothing
-    std::filesystem::remove(path);
 }
 
 TEST_F(StagingTest, SavedSetValuesAreTheCheckedRowsStagedValues) {
     Stage("H06-02", 1500, TRUE);
     Stage("H06-03", 2, FALSE);
-    const std::string path = (std::filesystem::temp_directory_path() /
-                              ("staged-" + std::to_string(::getpid()) + ".zorparam"))
-                                 .string();
+    const std::string path = temp / "staged.zorparam";
     ASSERT_TRUE(Page2().SaveSetValuesAs(CString(path.c_str())));
     auto* file = static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
     file->LoadContext(module);
@@ -222,7 +210,6 @@ TEST_F(StagingTest, SavedSetValuesAreTheCheckedRowsStagedValues) {
     EXPECT_EQ(file->GetVarList()->FindByCode("H06-02")->GetValue(), Variant::UI2(1500));
     file->Release();
     EXPECT_FALSE(Page2().SaveSetValuesAs(CString((path + ".txt").c_str())));
-    std::filesystem::remove(path);
 }
 
 // The staging list's "上传并保存(所有勾选项)": the checked rows are read from the drive, then
@@ -232,9 +219,7 @@ TEST_F(StagingTest, UploadOfCheckedRowsSavesDriveValuesOnlyWhenEveryReadSucceede
     Var("H06-02")->SetChecked(TRUE);
     Var("H06-03")->SetChecked(TRUE);
     Var("H06-02")->SetValue(Variant::UI2(7777)); // stale until the upload replaces it
-    const std::string path = (std::filesystem::temp_directory_path() /
-                              ("uploaded-" + std::to_string(::getpid()) + ".zorparam"))
-                                 .string();
+    const std::string path = temp / "uploaded.zorparam";
     auto click = [&] {
         Page2().SendMessage(WM_COMMAND, MAKEWPARAM(IDC_PAGE_SAVE_CHECKED, BN_CLICKED), 0);
     };
@@ -302,7 +287,6 @@ TEST_F(StagingTest, FrameOpenAndDownloadWritesTheChosenFile) {
     EXPECT_NE(DriveValue("H01-00"), 4321); // read-only parameters are left out
     host.Transfer().SetFileChooser({});
     host.Transfer().SetQuestion({});
-    std::filesystem::remove(path);
 }
 
 } // namespace

@@ -21,48 +21,43 @@ protected:
         module->axisIndex = 3;
         module->version = "V2.10";
         module->label = {0x0D, 0x00, 0x1A, 0x01, 0xAB};
-        CGroupNode* h00 = AddGroup(module->drive.groups, "H00");
-        Attr* a = module->drive.AddParam("H00-00", 0);
-        a->name = "电机编号";
-        a->dataType = VT_UI2;
-        a->factory = Variant::I4(14000);
-        a->maximum = Variant::I4(65535);
-        a->modifyMode = 1;
-        module->drive.VarOf("H00-00")->value = Variant::I4(14101);
-        h00->AddMember("H00-00");
-
-        CGroupNode* h02 = AddGroup(module->drive.groups, "H02");
-        a = module->drive.AddParam("H02-02", 0x202);
-        a->name = "速度,增益"; // a comma shifts the row; nothing guards it
-        a->unit = "Hz";
-        a->decimals = 1;
-        a->dataType = VT_R8;
-        a->factory = Variant::R8(40);
-        a->minimum = Variant::R8(1);
-        a->maximum = Variant::R8(2000.5);
-        a->modifyMode = 0;
-        module->drive.VarOf("H02-02")->value = Variant::R8(-12.34);
-        h02->AddMember("H02-02");
-        a = module->drive.AddParam("H02-05", 0x205);
-        a->modifyMode = 2;
-        a->dataType = VT_I2;
-        a->minimum = Variant::I4(-100);
-        module->drive.VarOf("H02-05")->value = Variant();
-        h02->AddMember("H02-05");
-        a = module->drive.AddParam("H02-07", 0x207);
-        a->name = "转矩限制";
-        a->unit = "%";
-        a->decimals = 2; // held by the drive as a raw figure: 1234 is 12.34
-        a->dataType = VT_I2;
-        a->factory = Variant::I2(40);
-        a->minimum = Variant::I2(-32768);
-        a->maximum = Variant::I2(32767);
-        a->modifyMode = 0;
-        module->drive.VarOf("H02-07")->value = Variant::I2(-1234);
-        h02->AddMember("H02-07");
-        a = module->drive.AddParam("H02-06", 0x206);
-        a->modifyMode = 3; // never in a list or a file
-        h02->AddMember("H02-06");
+        struct Param {
+            int group;
+            const char *code, *name, *unit;
+            UINT address;
+            int dataType, decimals, modifyMode;
+            Variant factory, minimum, maximum, value;
+        };
+        using V = Variant;
+        // A comma in a name shifts the row; nothing guards it. H02-07 is held as a raw
+        // figure (-1234 is -12.34); H02-06, never changed, is in no list and no file.
+        const Param params[] = {
+            {0, "H00-00", "电机编号", "", 0, VT_UI2, 0, 1, V::I4(14000), V::I4(0), V::I4(65535),
+             V::I4(14101)},
+            {1, "H02-02", "速度,增益", "Hz", 0x202, VT_R8, 1, 0, V::R8(40), V::R8(1), V::R8(2000.5),
+             V::R8(-12.34)},
+            {1, "H02-05", nullptr, "", 0x205, VT_I2, 0, 2, V::I4(0), V::I4(-100), V::I4(100), V()},
+            {1, "H02-07", "转矩限制", "%", 0x207, VT_I2, 2, 0, V::I2(40), V::I2(-32768),
+             V::I2(32767), V::I2(-1234)},
+            {1, "H02-06", nullptr, "", 0x206, VT_I4, 0, 3, V::I4(0), V::I4(0), V::I4(100),
+             V::I4(0)},
+        };
+        CGroupNode* groups[] = {AddGroup(module->drive.groups, "H00"),
+                                AddGroup(module->drive.groups, "H02")};
+        for (const Param& p : params) {
+            Attr* a = module->drive.AddParam(p.code, p.address);
+            if (p.name != nullptr)
+                a->name = p.name;
+            a->unit = p.unit;
+            a->dataType = p.dataType;
+            a->decimals = p.decimals;
+            a->modifyMode = p.modifyMode;
+            a->factory = p.factory;
+            a->minimum = p.minimum;
+            a->maximum = p.maximum;
+            module->drive.VarOf(p.code)->value = p.value;
+            groups[p.group]->AddMember(p.code);
+        }
     }
     std::string Golden() { return Slurp(PARMIRA_SOURCE_DIR "/tests/table/data/param_table.csv"); }
     std::string Out(const char* name) { return host.tempDir + "/" + name; }

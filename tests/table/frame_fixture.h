@@ -17,12 +17,14 @@ protected:
     void SetUp() override { module = host.AddModule("M1"); }
     void TearDown() override { CloseFrame(); }
 
-    // Builds the frame's window for the module as it stands now.
-    void OpenFrame() {
+    // Builds the window of the frame (`made`, or a plain one) for the module as it stands
+    // now, or for none.
+    void OpenFrame(CVarTable* made = nullptr, bool withModule = true) {
         ASSERT_TRUE(parent.Create(9901, nullptr));
-        table = std::make_unique<CVarTable>();
+        table.reset(made != nullptr ? made : new CVarTable);
         table->SetWorkspace(&host.project);
-        table->SetModule(module);
+        if (withModule)
+            table->SetModule(module);
         ASSERT_TRUE(table->Create(IDD_VAR_TABLE, &parent));
     }
     void CloseFrame() {

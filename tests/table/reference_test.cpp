@@ -53,16 +53,11 @@ TEST_F(ReferenceTest, ExportOfADemoDriveWritesOneRowPerCollectedParameter) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir / "new"),
                             std::filesystem::directory_iterator()),
               1);
+    // The head's layout is the table test's golden file; here the drive's own line.
     ASSERT_GT(lines.size(), 7u);
-    EXPECT_EQ(lines[0], "Sign,Time");
-    EXPECT_EQ(lines[2], "");
-    EXPECT_EQ(lines[3], "DriveName,BusID,Version,ElecData");
     EXPECT_EQ(lines[4].substr(lines[4].find(',')),
               ",1,V3.02.07,000D00210000030200000000000000015A4433532D355235"
               "0000000000000000");
-    EXPECT_EQ(lines[5], "");
-    EXPECT_EQ(lines[6],
-              "参数,参数名称,当前值,出厂值,单位,最小值,最大值,修改方式,通讯地址(Dec),变量类型");
 
     CVarTable table;
     table.SetModule(host.Module("ZD3S"));
@@ -101,8 +96,11 @@ TEST_F(ReferenceTest, PanelOfALine13DriveShowsTreeCountsAndNotice) {
     EXPECT_FALSE(panel.GetNoticeText().IsEmpty());
     for (int i = 0; i < 5; ++i)
         host.Tick(100);
-    AfxPumpMessagesUntil([] { return false; }, 600); // a tick of the worker repaints
-    ShootIfAsked(&parent, "parmira_panel.png");
+    // The picture waits for a tick of the worker to repaint; the test itself waits for nothing.
+    if (std::getenv("PARMIRA_SCREENSHOT_DIR") != nullptr) {
+        AfxPumpMessagesUntil([] { return false; }, 600);
+        ShootIfAsked(&parent, "parmira_panel.png");
+    }
     panel.DestroyWindow();
     parent.DestroyWindow();
 }

@@ -30,14 +30,9 @@ protected:
 
 class RefreshTest : public FrameTest {
 protected:
-    void OpenCounting() {
-        ASSERT_TRUE(parent.Create(9901, nullptr));
-        auto* counting = new CountingTable;
-        counter = counting;
-        table.reset(counting);
-        table->SetWorkspace(&host.project);
-        table->SetModule(module);
-        ASSERT_TRUE(table->Create(IDD_VAR_TABLE, &parent));
+    void OpenCounting(bool withModule = true) {
+        counter = new CountingTable;
+        OpenFrame(counter, withModule);
     }
     CountingTable* counter = nullptr;
 };
@@ -143,18 +138,9 @@ TEST_F(RefreshTest, WithoutWorkerTheFrameStillRuns) {
     EXPECT_EQ(g_pages[0]->repaints, 1);
 }
 
-} // namespace
-
-namespace {
-
 // No module at all: the fixed items stand alone, no list is filled, the worker still ticks.
 TEST_F(RefreshTest, WithoutModuleTheTreeIsBareButTheWorkerRuns) {
-    ASSERT_TRUE(parent.Create(9901, nullptr));
-    auto* counting = new CountingTable;
-    counter = counting;
-    table.reset(counting);
-    table->SetWorkspace(&host.project);
-    ASSERT_TRUE(table->Create(IDD_VAR_TABLE, &parent));
+    OpenCounting(false);
     EXPECT_EQ(Tree().GetCount(), 4u);
     EXPECT_TRUE(g_pages[0]->calls.empty());
     EXPECT_TRUE(AfxPumpMessagesUntil([&] { return counter->ticks >= 1; }, 5000));

@@ -347,10 +347,6 @@ TEST_F(CollectTest, AxesAreCollectedAfterTheFixedGroups) {
     EXPECT_EQ(list[1], module->drive.VarOf("A1-00"));
 }
 
-} // namespace
-
-namespace {
-
 // Dragging a bar resizes the tree or the text box; the stacked area takes the rest. The
 // text box takes room only while it has a text.
 TEST_F(TreeTest, SplittersResizeTheirNeighbourAndTheLayoutFollows) {
