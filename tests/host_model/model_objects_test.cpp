@@ -304,7 +304,7 @@ TEST(HostModel, ConnectorValuesAndCodesAreInverse) {
             ++checked;
         }
     }
-    EXPECT_GT(checked, 3);
+    EXPECT_GT(checked, 20);
     EXPECT_EQ(table->GetEntryCount(0), 0);
     EXPECT_EQ(table->GetEntryCount(4), 0);
     EXPECT_EQ(table->FindByValueText("abc"), nullptr);
@@ -312,6 +312,10 @@ TEST(HostModel, ConnectorValuesAndCodesAreInverse) {
     EXPECT_EQ(table->FindByValueText(""), nullptr);
     EXPECT_EQ(table->FindByValueText("99999"), nullptr);
     EXPECT_EQ(table->ValueFromCode("H00-04", 1), -1) << "not a signal";
+    CString bSource;
+    table->GetEntry(0, 1)->GetGroupKey(bSource);
+    bSource = CString(Members(set->FindByName(bSource)).at(0));
+    EXPECT_EQ(table->ValueFromCode(bSource, 4), -1) << "a B source is no KF source";
 }
 
 TEST(HostModel, FunctionEntriesAndPerUnitBases) {

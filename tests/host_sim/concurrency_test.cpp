@@ -7,8 +7,6 @@
 
 using namespace simtest;
 
-namespace {} // namespace
-
 // Recipes read and write one parameter at a time on a worker while the user-interface
 // thread keeps ticking: drive steps, refresh cycles and the worker's traffic share the drive.
 TEST_F(DemoHost, WorkerTrafficBesideTheHostTick) {

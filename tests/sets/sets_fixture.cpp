@@ -27,3 +27,10 @@ UINT SetsTest::Poke(const CString& key, const CString& code, double raw) {
     EXPECT_TRUE(host.Drive(key)->PokeRaw(var->GetInstanceAddress(), raw)) << code;
     return var->GetInstanceAddress();
 }
+
+size_t SetsTest::Boxes(const char* text) const {
+    size_t n = 0;
+    for (const AfxPrompt& p : prompts.prompts)
+        n += p.kind == AfxPrompt::MessageBox && p.text == CString(text);
+    return n;
+}

@@ -20,8 +20,11 @@ protected:
     double Peek(const CString& key, const CString& code);
     // Changes the parameter on the drive itself (as a panel or another tool would).
     UINT Poke(const CString& key, const CString& code, double raw);
+    // How many message boxes showed `text`.
+    size_t Boxes(const char* text) const;
 
     zorhost::ReferenceHost host;
     ModuleScope scope{"sets-test"};
     TempDir dir;
+    CAfxRecordingResponder prompts;
 };

@@ -52,14 +52,6 @@ protected:
         nm.ptAction = POINT{r.left + 6, (r.top + r.bottom) / 2};
         dlg.SendMessage(WM_NOTIFY, IDC_SHAFT_LIST, reinterpret_cast<LPARAM>(&nm));
     }
-    size_t Boxes(const char* text) const {
-        size_t n = 0;
-        for (const AfxPrompt& p : prompts.prompts)
-            n += p.kind == AfxPrompt::MessageBox && p.text == CString(text);
-        return n;
-    }
-
-    CAfxRecordingResponder prompts;
 };
 
 // Only what differs between axis 1 and axis 2 is listed, and only the ticked rows are
