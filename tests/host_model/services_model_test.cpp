@@ -7,6 +7,7 @@
 #include "zorhost/services/HostProductDb.h"
 
 #include "ShippedDevices.h"
+#include "TextOf.h"
 
 #include <gtest/gtest.h>
 
@@ -54,14 +55,12 @@ TEST(HostProductDb, FindsProductsAndCatalogsByLabelAndVersion) {
     EXPECT_EQ(record->GetLineId(), 13u);
 
     // The module's own catalog: multi-axis for the four-axis drive only.
-    CString version;
-    four.GetVersionText(version);
-    IVarCatalog* catalog =
-        db.GetProductCatalog(four.GetElecLabel(), four.GetElecLabelSize(), version);
+    IVarCatalog* catalog = db.GetProductCatalog(four.GetElecLabel(), four.GetElecLabelSize(),
+                                                TextOf(&four, &CDeviceModule::GetVersionText));
     EXPECT_EQ(catalog, four.GetVarCatalog());
     ASSERT_TRUE(catalog && catalog->GetAxisList());
     EXPECT_TRUE(catalog->GetAxisList()->IsValid());
-    one.GetVersionText(version);
+    const CString version = TextOf(&one, &CDeviceModule::GetVersionText);
     catalog = db.GetProductCatalog(one.GetElecLabel(), one.GetElecLabelSize(), version);
     ASSERT_TRUE(catalog && catalog->GetAxisList());
     EXPECT_FALSE(catalog->GetAxisList()->IsValid());
@@ -90,16 +89,13 @@ TEST(HostProjectModel, SubNameAndPrimaryLabelComeFromTheDescription) {
     };
     // Without them: the model designation of the product name, and no primary label.
     CDeviceModule plain(LoadShippedDevice("zd3s_servo.json"), "P", 1);
-    CString name;
-    plain.GetSubName(name);
-    EXPECT_EQ(name, CString("ZD3-S"));
+    EXPECT_EQ(TextOf(&plain, &CDeviceModule::GetSubName), CString("ZD3-S"));
     EXPECT_EQ(plain.GetPrimaryElecLabel(), nullptr);
 
     auto r = withProductKeys("\"subName\": \"S3\", \"primaryElectronicLabel\": \"0102 03\", ");
     ASSERT_TRUE(r) << r.error.ToString();
     CDeviceModule module(r.device, "C", 1);
-    module.GetSubName(name);
-    EXPECT_EQ(name, CString("S3"));
+    EXPECT_EQ(TextOf(&module, &CDeviceModule::GetSubName), CString("S3"));
     ASSERT_EQ(module.GetPrimaryElecLabelSize(), 3u);
     EXPECT_EQ(module.GetPrimaryElecLabel()[0], 1);
     EXPECT_EQ(module.GetPrimaryElecLabel()[2], 3);
@@ -119,8 +115,7 @@ TEST(HostProjectModel, CustomGroupsSurviveTheWorkspaceDatabase) {
     CDeviceModule* module =
         workspace.Modules().Add(std::make_unique<CDeviceModule>(servo, "ZD3S", 1));
     ASSERT_NE(module, nullptr);
-    CString version;
-    module->GetVersionText(version);
+    const CString version = TextOf(module, &CDeviceModule::GetVersionText);
     EXPECT_EQ(workspace.GetDatabase(module->GetElecLabel(), module->GetElecLabelSize(), "V0"),
               nullptr);
     IVarDatabase* db =
@@ -153,12 +148,10 @@ TEST(HostProjectModel, CustomGroupsSurviveTheWorkspaceDatabase) {
     IGroupSet* back = other.GetGroupRoot(1);
     ASSERT_EQ(back->GetCount(), 1);
     IGroupNode* g2 = back->GetAt(0);
-    CString text;
-    g2->GetName(text);
-    EXPECT_EQ(text, CString("调试"));
-    g2->GetDescription(text);
-    EXPECT_EQ(text, CString("常用"));
+    EXPECT_EQ(TextOf(g2, &IGroupNode::GetName), CString("调试"));
+    EXPECT_EQ(TextOf(g2, &IGroupNode::GetDescription), CString("常用"));
     ASSERT_EQ(g2->GetMemberCount(), 2);
+    CString text;
     g2->GetMemberAt(1, text);
     EXPECT_EQ(text, CString("H05-14"));
     ASSERT_EQ(g2->GetChildCount(), 1);

@@ -40,6 +40,16 @@ inline zorhost::link::LinkSettings TcpLink(int port) {
     return s;
 }
 
+// A project of one servo at `key` that zordrive-sim serves at `port`.
+inline zorhost::ProjectSetup TcpProject(const char* key, int port) {
+    zorhost::ProjectSetup setup;
+    zorhost::ModuleSetup& m = setup.modules.emplace_back();
+    m.deviceFile = "zd3s_servo.json";
+    m.key = key;
+    m.link = TcpLink(port);
+    return setup;
+}
+
 class TcpHost : public ::testing::Test, public IMessage_ModuleUploadEvent {
 protected:
     static constexpr const char* kKey = "SERVO";
@@ -49,14 +59,8 @@ protected:
             std::vector<std::string>{"--tcp", "127.0.0.1:0", "zd3s_servo.json"});
         ASSERT_TRUE(sim->Started()) << "zordrive-sim did not start";
         Address("H00-00"); // loads the description
-        zorhost::ProjectSetup setup;
-        zorhost::ModuleSetup m;
-        m.deviceFile = "zd3s_servo.json";
-        m.key = kKey;
-        m.link = TcpLink(sim->Port());
-        setup.modules.push_back(m);
         std::string error;
-        ASSERT_TRUE(host.LoadProject(setup, &error)) << error;
+        ASSERT_TRUE(host.LoadProject(TcpProject(kKey, sim->Port()), &error)) << error;
         host.Services().Get<IHostMessageBus>()->Subscribe(IMessage_ModuleUploadEvent::kIID, this);
     }
     void TearDown() override {

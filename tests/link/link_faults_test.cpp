@@ -252,13 +252,9 @@ TEST_F(LinkFaults, AWaitEndsAtOnceWhenTheProjectClosesOrTheDriveDies) {
             sim = std::make_unique<SimProcess>(
                 std::vector<std::string>{"--tcp", "127.0.0.1:0", "zd3s_servo.json"});
             ASSERT_TRUE(sim->Started());
-            zorhost::ProjectSetup setup;
-            zorhost::ModuleSetup& m = setup.modules.emplace_back();
-            m.deviceFile = "zd3s_servo.json";
-            m.key = kKey;
-            m.link = TcpLink(sim->Port());
-            m.link.timeout_ms = 3 * kHeld_ms; // the drive is slow, not gone
-            m.link.retries = 0;
+            zorhost::ProjectSetup setup = TcpProject(kKey, sim->Port());
+            setup.modules[0].link.timeout_ms = 3 * kHeld_ms; // the drive is slow, not gone
+            setup.modules[0].link.retries = 0;
             ASSERT_TRUE(host.LoadProject(setup));
             ASSERT_TRUE(host.Module(kKey)->IsOnline());
             ASSERT_TRUE(sim->Command("latency " + std::to_string(kHeld_ms)));

@@ -2,7 +2,7 @@
 // the recipe file through the host's file object, and what the user is shown.
 #include "recipe_fixture.h"
 
-#include "../link/SimProcess.h"
+#include "../link/LinkFixture.h"
 
 #include "module/ParmiraApp.h"
 #include "module/host/IHostDeviceModule.h"
@@ -393,18 +393,7 @@ protected:
         sim = std::make_unique<linktest::SimProcess>(
             std::vector<std::string>{"--tcp", "127.0.0.1:0", "zd3s_servo.json"});
         ASSERT_TRUE(sim->Started());
-        zorhost::ProjectSetup setup;
-        zorhost::ModuleSetup m;
-        m.deviceFile = "zd3s_servo.json";
-        m.key = kKey;
-        m.link.kind = zorhost::link::LinkKind::ModbusTcp;
-        m.link.port = sim->Port();
-        m.link.timeout_ms = 300;
-        m.link.retries = 1;
-        m.link.reconnectMin_ms = 50;
-        m.link.reconnectMax_ms = 400;
-        setup.modules.push_back(m);
-        ASSERT_TRUE(host.LoadProject(setup));
+        ASSERT_TRUE(host.LoadProject(linktest::TcpProject(kKey, sim->Port())));
         ASSERT_TRUE(Module()->IsOnline());
         host.SetLinkStateHandler([this] {
             if (!Module()->IsOnline())
