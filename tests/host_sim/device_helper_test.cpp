@@ -99,11 +99,21 @@ TEST_F(DemoHost, DirectAccessTriesAgainOnlyWhenTryingCanHelp) {
     EXPECT_EQ(value, Variant::UI2(250));
     d.ClearFailures();
 
+    // A recipe's access is one request, not the tries of an interactive write.
+    d.SetFailure(FailureMode::FailWrites, {a});
+    d.SetFailure(FailureMode::FailReads, {a});
+    d.TakeRequests();
+    double number = 0;
+    EXPECT_FALSE(helper.WriteParameter("ZD3S", a, 100));
+    EXPECT_FALSE(helper.ReadParameter("ZD3S", a, number));
+    EXPECT_FALSE(helper.WriteParameterAs("ZD3S", a, 18, 100));
+    EXPECT_EQ(d.TakeRequests().size(), 3u);
+    d.ClearFailures();
+
     host.SetOnline("ZD3S", false);
     errors.clear();
     EXPECT_FALSE(helper.WriteVarDirect("ZD3S", a, 18, Variant::UI2(7), result, errors, 1, 200, 3));
     EXPECT_NE(errors.at(0).str().find("设备离线"), std::string::npos);
-    double number = 0;
     EXPECT_FALSE(helper.ReadParameter("ZD3S", a, number));
     host.SetOnline("ZD3S", true);
 

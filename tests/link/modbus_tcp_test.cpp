@@ -170,22 +170,6 @@ TEST_F(TcpHost, DownloadInBlocksNamesExactlyTheRefusedParameter) {
     EXPECT_EQ(raw, 60);
 }
 
-// A drive that stops answering costs a bounded wait, then the module is offline; it is
-// found again once it answers.
-TEST_F(TcpHost, SilentDriveTimesOutAndReturns) {
-    ASSERT_TRUE(sim->Command("silent on"));
-    double value = 0;
-    QElapsedTimer clock;
-    clock.start();
-    EXPECT_FALSE(host.DeviceHelper().ReadParameter(kKey, Address("H02-08"), value));
-    EXPECT_LT(clock.elapsed(), 5000);
-    EXPECT_TRUE(PumpUntil([&] { return !host.Module(kKey)->IsOnline(); }, 3000));
-    ASSERT_TRUE(sim->Command("silent off"));
-    EXPECT_TRUE(PumpUntil([&] { return host.Module(kKey)->IsOnline(); }, 5000));
-    EXPECT_TRUE(host.DeviceHelper().ReadParameter(kKey, Address("H02-08"), value));
-    EXPECT_EQ(value, 250);
-}
-
 // The host runs and stops a drive on the wire by its run command; the drive's own rules
 // follow (a parameter changed only at a stop is refused while it runs).
 TEST_F(TcpHost, RunCommandCrossesTheLink) {
