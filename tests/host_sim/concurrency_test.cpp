@@ -1,7 +1,5 @@
 #include "SimFixture.h"
 
-#include "module/host/IVarAttr.h"
-
 #include <atomic>
 #include <thread>
 
@@ -26,13 +24,7 @@ TEST_F(DemoHost, WorkerTrafficBesideTheHostTick) {
     });
     IVarObjEx* speedVar = Var("ZD3S", speed);
     while (!done) {
-        std::unique_ptr<IHostRefreshQuery> q(host.Refresh().NewQuery());
-        q->SetModuleKey("ZD3S");
-        IHostRefreshItem* item = q->NewItem();
-        item->SetAddress(speed);
-        item->SetDataType(speedVar->GetAttr()->GetDataType());
-        q->AddItem(item);
-        host.Refresh().SubmitQuery(q.get());
+        Submit(host.Refresh(), "ZD3S", {speedVar});
         host.Tick(10);
     }
     worker.join();
