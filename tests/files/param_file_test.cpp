@@ -1,5 +1,6 @@
 // The host's parameter file: .zorparam save and open, the table reader, refusals of
 // broken input, and the atomic replace.
+#include "TextOf.h"
 #include "files_fixture.h"
 #include "module/host/IGroupCategory.h"
 #include "module/host/IHostAxis.h"
@@ -124,9 +125,7 @@ TEST_F(ParamFileTest, SaveThenOpenGivesBackEveryValueLabelVersionAndGroup) {
     EXPECT_EQ(read.VersionText(), "V3.01");
     EXPECT_EQ(read.AccessLevel(), 2);
     IParamFileTable* t = back->GetVarList();
-    CString text;
-    t->GetVersionText(text);
-    EXPECT_EQ(text, "V3.01-table");
+    EXPECT_EQ(TextOf(t, &IParamFileTable::GetVersionText), "V3.01-table");
     ASSERT_EQ(t->GetCount(), int(TypedCases().size()));
     // Everything a variable and its attribute hold, as one comparable value.
     auto whole = [](IVarObjEx* v) {
@@ -145,14 +144,13 @@ TEST_F(ParamFileTest, SaveThenOpenGivesBackEveryValueLabelVersionAndGroup) {
     EXPECT_EQ(t->FindByAddress(0x1003), t->GetAt(3));
     IGroupNode* h02 = t->GetGroupRoot(0)->FindByName("H02");
     ASSERT_NE(h02, nullptr);
-    h02->GetDescription(text);
-    EXPECT_EQ(text, "基本控制");
+    EXPECT_EQ(TextOf(h02, &IGroupNode::GetDescription), "基本控制");
     ASSERT_EQ(h02->GetChildCount(), 1);
+    CString text;
     h02->GetChildAt(0)->GetMemberAt(0, text);
     EXPECT_EQ(text, "A2.P4");
     ASSERT_TRUE(t->GetAxisList()->IsValid());
-    t->GetAxisList()->GetAt(0)->GetKey(text);
-    EXPECT_EQ(text, "A2");
+    EXPECT_EQ(TextOf(t->GetAxisList()->GetAt(0), &IHostAxis::GetKey), "A2");
     EXPECT_NE(t->GetAxisList()->GetAt(0)->GetGroupSet()->FindByName("H05"), nullptr);
     ASSERT_EQ(t->GetGroupRoot(1)->GetMemberCount(), 1);
 
@@ -319,9 +317,7 @@ TEST_F(ParamFileTest, FileWrittenFromTheFormatNoteReads) {
     EXPECT_EQ(t->GetAt(1)->GetAttr(), nullptr);
     EXPECT_TRUE(t->GetAt(1)->GetSetValue() == Variant::Str("abc"));
     ASSERT_EQ(t->GetGroupRoot(0)->GetCategoryCount(), 1);
-    CString key;
-    t->GetAxisList()->GetAt(0)->GetKey(key);
-    EXPECT_EQ(key, "A1");
+    EXPECT_EQ(TextOf(t->GetAxisList()->GetAt(0), &IHostAxis::GetKey), "A1");
     EXPECT_EQ(t->GetGroupRoot(1)->GetMemberCount(), 1);
     // And it comes out again byte for byte.
     EXPECT_EQ(file.ToBytes(), seed.substr(1));
@@ -349,9 +345,7 @@ TEST_F(ParamFileTest, TableReaderTakesWhatTheWritersWriteAndNamesTheBadLine) {
     EXPECT_TRUE(t->GetAt(0)->GetValue() == Variant::UI2(14101));
     EXPECT_EQ(t->GetAt(0)->GetAttr()->GetModifyMode(), 1);
     // The comma in the name went back into the name.
-    CString name;
-    t->GetAt(1)->GetAttr()->GetName(name);
-    EXPECT_EQ(name, "速度,增益");
+    EXPECT_EQ(TextOf(t->GetAt(1)->GetAttr(), &IVarAttr::GetName), "速度,增益");
     EXPECT_TRUE(t->GetAt(1)->GetValue() == Variant::R8(-12.3));
     // Integer types hold raw figures; a limit naming a parameter stays linked.
     EXPECT_TRUE(t->GetAt(2)->GetValue() == Variant::I2(-1234));

@@ -88,7 +88,6 @@ TEST_F(AppTest, FanOutSurvivesListenersRemovingThemselves) {
     EXPECT_EQ(theApp.activeViewListeners.GetCount(), 0);
 }
 
-// ---------------------------------------------------------------- accessors
 struct Host {
     FakeModuleManager manager;
     bool offerManager = true;
@@ -101,21 +100,10 @@ struct Host {
     }
 };
 
+// Services are asked of the callback at every use, and host objects are made through the
+// module manager.
 TEST_F(AppTest, AccessorsAskTheCallbackEveryTime) {
     EXPECT_EQ(theApp.GetModuleManager(), nullptr); // no callback yet
-    Host host;
-    theApp.SetQueryInterfaceCallback(reinterpret_cast<uintptr_t>(&host), &Host::Query);
-    const int before = host.queries;
-    EXPECT_EQ(theApp.GetModuleManager(), &host.manager);
-    EXPECT_EQ(theApp.GetModuleManager(), &host.manager);
-    EXPECT_EQ(host.queries, before + 2);
-    // A service the host takes back is gone at the next use.
-    host.offerManager = false;
-    EXPECT_EQ(theApp.GetModuleManager(), nullptr);
-    EXPECT_EQ(theApp.GetTabManager(), nullptr);
-}
-
-TEST_F(AppTest, HostObjectsAreMadeThroughTheModuleManager) {
     Host host;
     struct Stream : IMemoryStream {
         void Reset(int) override {}
@@ -125,11 +113,18 @@ TEST_F(AppTest, HostObjectsAreMadeThroughTheModuleManager) {
     } stream;
     host.manager.made[IID_IMemoryStream] = static_cast<IMemoryStream*>(&stream);
     theApp.SetQueryInterfaceCallback(reinterpret_cast<uintptr_t>(&host), &Host::Query);
+    const int before = host.queries;
+    EXPECT_EQ(theApp.GetModuleManager(), &host.manager);
+    EXPECT_EQ(theApp.GetModuleManager(), &host.manager);
+    EXPECT_EQ(host.queries, before + 2);
     EXPECT_EQ(theApp.CreateMemoryStream(), &stream);
     EXPECT_EQ(theApp.CreateWorkerThread(), nullptr);
     ASSERT_EQ(host.manager.asked.size(), 2u);
     EXPECT_EQ(host.manager.asked[0], IID_IMemoryStream);
+    // A service the host takes back is gone at the next use.
     host.offerManager = false;
+    EXPECT_EQ(theApp.GetModuleManager(), nullptr);
+    EXPECT_EQ(theApp.GetTabManager(), nullptr);
     EXPECT_EQ(theApp.CreateMemoryStream(), nullptr);
     EXPECT_EQ(host.manager.asked.size(), 2u);
 }
