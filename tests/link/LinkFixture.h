@@ -6,6 +6,8 @@
 #include "module/host/IMessage_ModuleUploadEvent.h"
 #include "zorhost/ReferenceHost.h"
 #include "zorhost/device/DeviceLoader.h"
+#include "zorhost/link/RegisterMap.h"
+#include "zorhost/services/ParamRecord.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -49,6 +51,25 @@ inline zorhost::ProjectSetup TcpProject(const char* key, int port) {
     m.link = TcpLink(port);
     return setup;
 }
+
+// Records for a download, owned here.
+struct Records {
+    std::vector<std::unique_ptr<zorhost::CParamRecord>> owned;
+    std::vector<IRWDataItem*> items;
+    void Add(std::uint32_t address, const Variant& value) {
+        auto& r = owned.emplace_back(std::make_unique<zorhost::CParamRecord>());
+        r->SetRecordAddress(address);
+        r->SetRecordValue(value);
+        items.push_back(r.get());
+    }
+    // Every parameter a user may change at any time, with the raw value `raw` gives it.
+    template <class Raw> void AddWritable(const zorhost::device::DeviceDescription& d, Raw raw) {
+        for (const auto& p : d.parameters)
+            if (p.modifyMode == zorhost::device::ModifyMode::Any && p.accessLevel <= 1 &&
+                zorhost::sim::RegisterCount(p.dataType) > 0)
+                Add(p.address, zorhost::RawToVariant(p.dataType, raw(p)));
+    }
+};
 
 class TcpHost : public ::testing::Test, public IMessage_ModuleUploadEvent {
 protected:

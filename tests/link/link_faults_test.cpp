@@ -5,7 +5,6 @@
 #include "LinkFixture.h"
 
 #include "zorhost/services/HostDeviceHelper.h"
-#include "zorhost/services/ParamRecord.h"
 
 #include <QTimer>
 
@@ -101,33 +100,26 @@ TEST_F(LinkFaults, DownloadNamesEveryWriteThatDidNotHappen) {
             SCOPED_TRACE(std::string(fault.name) + " at step " + std::to_string(stage));
             ++round;
             // Values that differ from the last round's wherever the limits allow.
-            std::vector<std::unique_ptr<zorhost::CParamRecord>> owned;
-            std::vector<IRWDataItem*> records;
+            Records records;
             std::map<std::uint32_t, std::pair<zorhost::device::DataType, double>> sent;
-            for (const auto& p : device->parameters) {
-                if (p.modifyMode != zorhost::device::ModifyMode::Any || p.accessLevel > 1 ||
-                    zorhost::sim::RegisterCount(p.dataType) == 0)
-                    continue;
+            records.AddWritable(*device, [&](const zorhost::device::ParameterDef& p) {
                 double raw = p.factoryValue;
                 if (round % 2 && !p.IsMinLinked() && !p.IsMaxLinked() && raw + 1 <= p.maxValue)
                     raw += 1;
-                auto& r = owned.emplace_back(std::make_unique<zorhost::CParamRecord>());
-                r->SetRecordAddress(p.address);
-                r->SetRecordValue(zorhost::RawToVariant(p.dataType, raw));
-                records.push_back(r.get());
                 sent[p.address] = {p.dataType, raw};
-            }
+                return raw;
+            });
             Arm(fault, stage);
             downloads.clear();
             QElapsedTimer clock;
             clock.start();
-            EXPECT_FALSE(host.Transfer().DownloadRecords(nullptr, kKey, records));
+            EXPECT_FALSE(host.Transfer().DownloadRecords(nullptr, kKey, records.items));
             EXPECT_LT(clock.elapsed(), kBound_ms);
             ASSERT_EQ(downloads.size(), 1u);
             EXPECT_FALSE(downloads[0]);
             for (const auto& f : host.Transfer().LastDownloadFailures())
                 sent.erase(f.address);
-            EXPECT_LT(sent.size(), records.size());
+            EXPECT_LT(sent.size(), records.items.size());
             Recover(fault);
             zorhost::link::ModbusLink other(device, TcpLink(sim->Port()));
             ASSERT_TRUE(other.WaitOnline(3000));
@@ -198,15 +190,10 @@ TEST_F(LinkFaults, TransfersKeepTheWindowTurning) {
     EXPECT_TRUE(ends.back());
     EXPECT_GT(ticks, 10) << "the upload held the event loop";
     ticks = 0;
-    std::vector<std::unique_ptr<zorhost::CParamRecord>> owned;
-    std::vector<IRWDataItem*> records;
-    for (const char* code : {"H02-08", "H02-09", "H02-10"}) {
-        auto& r = owned.emplace_back(std::make_unique<zorhost::CParamRecord>());
-        r->SetRecordAddress(Address(code));
-        r->SetRecordValue(Variant::UI2(100));
-        records.push_back(r.get());
-    }
-    EXPECT_TRUE(host.Transfer().DownloadRecords(nullptr, kKey, records));
+    Records records;
+    for (const char* code : {"H02-08", "H02-09", "H02-10"})
+        records.Add(Address(code), Variant::UI2(100));
+    EXPECT_TRUE(host.Transfer().DownloadRecords(nullptr, kKey, records.items));
     EXPECT_GT(ticks, 1) << "the download held the event loop";
 }
 

@@ -1,9 +1,7 @@
 #include "LinkFixture.h"
 
 #include "module/host/IVarAttr.h"
-#include "zorhost/link/RegisterMap.h"
 #include "zorhost/services/HostDeviceHelper.h"
-#include "zorhost/services/ParamRecord.h"
 
 using namespace linktest;
 using zorhost::sim::LinkStatus;
@@ -138,31 +136,22 @@ TEST_F(TcpHost, KilledSimulatorEndsTheUploadAndIsFoundAgain) {
 // A download writes neighbours in blocks; the one value the drive refuses is the only
 // failure, named with the drive's reason, and the rest of its block still arrives.
 TEST_F(TcpHost, DownloadInBlocksNamesExactlyTheRefusedParameter) {
-    std::vector<std::unique_ptr<zorhost::CParamRecord>> owned;
-    std::vector<IRWDataItem*> records;
-    for (const auto& p : device->parameters)
-        if (p.modifyMode == zorhost::device::ModifyMode::Any && p.accessLevel <= 1 &&
-            zorhost::sim::RegisterCount(p.dataType) > 0) {
-            double raw = p.factoryValue;
-            if (p.address == Address("H02-08"))
-                raw = 600; // above its limit of 500
-            if (p.address == Address("H02-09"))
-                raw = 60;
-            auto& r = owned.emplace_back(std::make_unique<zorhost::CParamRecord>());
-            r->SetRecordAddress(p.address);
-            r->SetRecordValue(zorhost::RawToVariant(p.dataType, raw));
-            records.push_back(r.get());
-        }
-    ASSERT_GT(records.size(), 100u);
+    Records records;
+    records.AddWritable(*device, [&](const zorhost::device::ParameterDef& p) {
+        if (p.address == Address("H02-08"))
+            return 600.0; // above its limit of 500
+        return p.address == Address("H02-09") ? 60.0 : p.factoryValue;
+    });
+    ASSERT_GT(records.items.size(), 100u);
     zorhost::link::ModbusLink& link = *host.FieldLink(kKey);
     const auto before = link.Traffic().requests;
-    EXPECT_FALSE(host.Transfer().DownloadRecords(nullptr, kKey, records));
+    EXPECT_FALSE(host.Transfer().DownloadRecords(nullptr, kKey, records.items));
     const auto& failures = host.Transfer().LastDownloadFailures();
     ASSERT_EQ(failures.size(), 1u);
     EXPECT_EQ(failures[0].address, Address("H02-08"));
     EXPECT_NE(failures[0].reason.str().find("H02-08: 设定值超出范围(0~500)"), std::string::npos)
         << failures[0].reason.str();
-    EXPECT_LT(link.Traffic().requests - before, records.size() / 3);
+    EXPECT_LT(link.Traffic().requests - before, records.items.size() / 3);
     double raw = 0;
     ASSERT_TRUE(
         zorhost::sim::ReadRaw(link, Address("H02-09"), zorhost::device::DataType::UInt16, raw, 300)
