@@ -9,10 +9,11 @@
 #include "ShippedDevices.h"
 #include "TextOf.h"
 
+#include <afx/afxtest.h>
+
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QThread>
@@ -25,14 +26,6 @@ using zorhost::CHostMessageBus;
 using zorhost::CHostProductDb;
 
 namespace {
-
-// Runs the event loop until `done` holds or five seconds passed.
-template <class Done> bool PumpUntil(Done done) {
-    QDeadlineTimer deadline(5000);
-    while (!done() && !deadline.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    return done();
-}
 
 TEST(HostProductDb, FindsProductsAndCatalogsByLabelAndVersion) {
     auto servo = LoadShippedDevice("zd3s_servo.json");
@@ -268,7 +261,7 @@ TEST(HostMessageBus, EventsRaisedOnAWorkerArriveOnTheUiThread) {
     worker.join();
     EXPECT_TRUE(raised);
     EXPECT_TRUE(l.heard.empty()) << "queued, not called on the worker";
-    ASSERT_TRUE(PumpUntil([&] { return l.heard.size() == 20; }));
+    ASSERT_TRUE(AfxPumpMessagesUntil([&] { return l.heard.size() == 20; }, 5000));
     EXPECT_TRUE(l.onUiThread);
     EXPECT_EQ(l.heard.front(), "up M0 ok");
     EXPECT_EQ(l.heard.back(), "up M19 ok") << "in the order raised";

@@ -9,7 +9,8 @@
 #include "zorhost/link/RegisterMap.h"
 #include "zorhost/services/ParamRecord.h"
 
-#include <QCoreApplication>
+#include <afx/afxtest.h>
+
 #include <QElapsedTimer>
 
 #include <gtest/gtest.h>
@@ -18,17 +19,6 @@
 #include <memory>
 
 namespace linktest {
-
-inline bool PumpUntil(const std::function<bool()>& done, int timeout_ms) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!done()) {
-        if (clock.elapsed() > timeout_ms)
-            return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
-    return true;
-}
 
 inline zorhost::link::LinkSettings TcpLink(int port) {
     zorhost::link::LinkSettings s;

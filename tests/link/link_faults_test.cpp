@@ -6,6 +6,7 @@
 
 #include "zorhost/services/HostDeviceHelper.h"
 
+#include <QCoreApplication>
 #include <QTimer>
 
 #include <map>
@@ -62,11 +63,12 @@ protected:
     // Ends the fault and waits for the module to be back.
     void Recover(const Fault& fault) {
         host.Transfer().SetStepHook(nullptr);
-        EXPECT_TRUE(PumpUntil([&] { return sawOffline; }, 3000)) << "the module showed offline";
+        EXPECT_TRUE(AfxPumpMessagesUntil([&] { return sawOffline; }, 3000))
+            << "the module showed offline";
         if (fault.off) {
             ASSERT_TRUE(sim->Command(fault.off));
         }
-        ASSERT_TRUE(PumpUntil([&] { return host.Module(kKey)->IsOnline(); }, 8000));
+        ASSERT_TRUE(AfxPumpMessagesUntil([&] { return host.Module(kKey)->IsOnline(); }, 8000));
     }
 
     bool sawOffline = false;
@@ -155,14 +157,14 @@ TEST_F(LinkFaults, RefreshNeverHoldsTheWindow) {
         return stored;
     };
     auto storesWithin = [&](int timeout_ms) {
-        return PumpUntil([&] { return cycle() > 0; }, timeout_ms);
+        return AfxPumpMessagesUntil([&] { return cycle() > 0; }, timeout_ms);
     };
     ASSERT_TRUE(storesWithin(3000));
     for (const Fault& fault : kFaults) {
         SCOPED_TRACE(fault.name);
         sawOffline = false;
         ASSERT_TRUE(sim->Command(fault.on));
-        EXPECT_TRUE(PumpUntil(
+        EXPECT_TRUE(AfxPumpMessagesUntil(
             [&] {
                 cycle();
                 return sawOffline;

@@ -118,7 +118,7 @@ TEST_F(TcpHost, KilledSimulatorEndsTheUploadAndIsFoundAgain) {
     ASSERT_EQ(ends.size(), 1u);
     EXPECT_FALSE(ends[0]);
     EXPECT_LT(lastStep, 230) << "the upload stops at the first unanswered block";
-    EXPECT_TRUE(PumpUntil([&] { return !host.Module(kKey)->IsOnline(); }, 3000));
+    EXPECT_TRUE(AfxPumpMessagesUntil([&] { return !host.Module(kKey)->IsOnline(); }, 3000));
     EXPECT_EQ(host.FieldLink(kKey)->Read(0, std::span<std::uint16_t>(), 0).status,
               LinkStatus::Refused)
         << "a request without registers never goes out";
@@ -128,7 +128,7 @@ TEST_F(TcpHost, KilledSimulatorEndsTheUploadAndIsFoundAgain) {
     sim = std::make_unique<SimProcess>(
         std::vector<std::string>{"--tcp", "127.0.0.1:" + std::to_string(port), "zd3s_servo.json"});
     ASSERT_TRUE(sim->Started());
-    EXPECT_TRUE(PumpUntil([&] { return host.Module(kKey)->IsOnline(); }, 5000));
+    EXPECT_TRUE(AfxPumpMessagesUntil([&] { return host.Module(kKey)->IsOnline(); }, 5000));
     EXPECT_TRUE(host.Transfer().UploadModule(nullptr, kKey));
     EXPECT_TRUE(ends.back());
 }
