@@ -18,7 +18,6 @@
 #include <QTemporaryDir>
 #include <QThread>
 
-#include <atomic>
 #include <thread>
 
 using namespace zorhost::model;
@@ -252,14 +251,10 @@ TEST(HostMessageBus, EventsRaisedOnAWorkerArriveOnTheUiThread) {
     CHostMessageBus bus;
     Listener l;
     bus.Subscribe(IMessage_ModuleUploadEvent::kIID, AsSink<IMessage_ModuleUploadEvent>(&l));
-    std::atomic<bool> raised{false};
-    std::thread worker([&] {
+    std::thread([&] {
         for (int i = 0; i < 20; ++i)
             bus.RaiseModuleUploaded(CString("M" + std::to_string(i)), 1);
-        raised = true;
-    });
-    worker.join();
-    EXPECT_TRUE(raised);
+    }).join();
     EXPECT_TRUE(l.heard.empty()) << "queued, not called on the worker";
     ASSERT_TRUE(AfxPumpMessagesUntil([&] { return l.heard.size() == 20; }, 5000));
     EXPECT_TRUE(l.onUiThread);
@@ -271,17 +266,15 @@ TEST(HostMessageBus, EventsRaisedOnAWorkerArriveOnTheUiThread) {
     bus.Unsubscribe(IMessage_ModuleUploadEvent::kIID, AsSink<IMessage_ModuleUploadEvent>(&l));
     QCoreApplication::processEvents();
     EXPECT_EQ(l.heard.size(), 20u);
-}
 
-TEST(HostMessageBus, QueuedEventsOfADestroyedBusAreDropped) {
-    Listener l;
+    // Nor are the queued events of a bus that is gone.
     {
-        CHostMessageBus bus;
-        bus.Subscribe(IMessage_LanguageChanged::kIID, AsSink<IMessage_LanguageChanged>(&l));
-        std::thread([&] { bus.RaiseLanguageChanged(); }).join();
+        CHostMessageBus gone;
+        gone.Subscribe(IMessage_LanguageChanged::kIID, AsSink<IMessage_LanguageChanged>(&l));
+        std::thread([&] { gone.RaiseLanguageChanged(); }).join();
     }
     QCoreApplication::processEvents();
-    EXPECT_TRUE(l.heard.empty());
+    EXPECT_EQ(l.heard.size(), 20u);
 }
 
 } // namespace
