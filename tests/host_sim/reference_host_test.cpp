@@ -37,6 +37,7 @@ TEST_F(DemoHost, DemoProjectAndTheServicesThroughTheCallback) {
     EXPECT_EQ(Ask<IHostTransferService>(host), &host.Transfer());
     EXPECT_EQ(Ask<IHostAccessService>(host), &host.Access());
     EXPECT_EQ(Ask<IHostHelpService>(host), &host.Help());
+    EXPECT_NE(Ask<IHostVarPicker>(host), nullptr) << "one of the services the module may ask for";
     EXPECT_NE(Ask<IHostVarUtil>(host), nullptr);
     EXPECT_EQ(Ask<IHostMessageBus>(host), &host.Bus());
     EXPECT_EQ(Ask<IHostUiService>(host), &host.Ui());

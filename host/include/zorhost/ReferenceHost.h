@@ -8,6 +8,7 @@
 //     host.Tick(100);                        // drives move, one refresh cycle runs
 #pragma once
 
+#include "module/host/IHostVarPicker.h"
 #include "zorhost/HostServices.h"
 #include "zorhost/link/ModbusLink.h"
 #include "zorhost/model/ProjectModel.h"
@@ -169,6 +170,9 @@ private:
     CHostTransferService m_transfer;
     CHostAccessService m_access;
     CHostHelpService m_help;
+    // The module asks for the picker but calls none of its operations, so an object of the
+    // contract's own class is all the host has to offer.
+    IHostVarPicker m_varPicker;
     COscilloscopePanel m_scope;
     CHostCommState m_commState;
     CHostParamRecordFactory m_recordFactory;

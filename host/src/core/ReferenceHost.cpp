@@ -82,6 +82,7 @@ void ReferenceHost::RegisterServices() {
     m_services.Register<IHostTransferService>(&m_transfer);
     m_services.Register<IHostAccessService>(&m_access);
     m_services.Register<IHostHelpService>(&m_help);
+    m_services.Register<IHostVarPicker>(&m_varPicker);
     m_services.Register<IHostMessageBus>(&m_bus);
     m_services.Register<IHostUiService>(&m_ui);
     m_services.Register<IHostProductDb>(&m_productDb);
@@ -89,7 +90,6 @@ void ReferenceHost::RegisterServices() {
     // IHostTabManager belongs to the program's main window, which registers it itself.
     m_services.Register<IHostParamRecordFactory>(&m_recordFactory);
     m_transfer.SetModuleManager(&m_moduleManager);
-    // TODO(host services): IHostVarPicker comes with the file side of the host.
 }
 
 void ReferenceHost::SetTransferEndHandler(TransferEndHandler handler) {
