@@ -1,6 +1,7 @@
 // The parameter compare against the reference host's demo drives: the dialog's flow from
 // the upload to the result lists and the CSV file, and the matching core it shares with
 // the command line.
+#include "TestFiles.h"
 #include "sets_fixture.h"
 
 #include "module/ModuleResources.h"
@@ -22,9 +23,7 @@
 #include <afx/afxres.h>
 #include <zorhost/files/ParamSetCompare.h>
 
-#include <fstream>
 #include <set>
-#include <sstream>
 
 namespace {
 
@@ -41,12 +40,9 @@ std::set<std::string> Codes(const CVarCompareRstList& list) {
     return codes;
 }
 
-// A file of tests/sets/data, or any file when `ours` is false.
-std::string ReadText(const std::string& name, bool ours = true) {
-    std::ifstream in(ours ? PARMIRA_SOURCE_DIR "/tests/sets/data/" + name : name, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
+// A reference file of this suite.
+std::string Data(const std::string& name) {
+    return Slurp(PARMIRA_SOURCE_DIR "/tests/sets/data/" + name);
 }
 
 std::vector<IVarObjEx*> ModuleVars(zorhost::ReferenceHost& host, const CString& key) {
@@ -161,16 +157,16 @@ TEST_F(CompareTest, ShownCellsAndTheSavedTableMatchTheirReferenceFiles) {
     dlg.CheckRadioButton(int(IDC_COMPARE_SHOW_DIFFERENT), int(IDC_COMPARE_SHOW_SAME),
                          int(IDC_COMPARE_SHOW_SAME));
     Command(IDC_COMPARE_SHOW_SAME, BN_CLICKED);
-    EXPECT_EQ(different + "--\n" + cells(), ReadText("compare_cells.txt"));
+    EXPECT_EQ(different + "--\n" + cells(), Data("compare_cells.txt"));
 
     const std::string saved = dir / "same.csv";
     prompts.ChooseFiles({CString(saved.c_str())});
     Command(IDC_COMPARE_SAVE, BN_CLICKED);
     EXPECT_EQ(prompts.Last(AfxPrompt::FileDialog)->text, "Var_Offline");
-    std::string table = ReadText(saved, false);
+    std::string table = Slurp(saved);
     ASSERT_EQ(table.rfind("Time,", 0), 0u);
     table.erase(0, table.find('\n') + 1);
-    EXPECT_EQ(table, ReadText("compare_same.csv"));
+    EXPECT_EQ(table, Data("compare_same.csv"));
 }
 
 // "******" parameters, non-transferable ones and, when asked, read-only ones never come
