@@ -91,6 +91,7 @@ TEST_F(PanelTest, EachWayOfClosingHandsThePanelBack) {
         IQXParmira* other = Create();
         p->ShowPanel(0, "K0");
         other->ShowPanel(0, "K3");
+        ASSERT_TRUE(HasPanel(0));
         if (way == HostsTab) {
             host.tabs.CloseTab(Tab(0).handle);
             p->SelectListPage(1);
