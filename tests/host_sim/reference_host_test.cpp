@@ -1,4 +1,5 @@
 #include "SimFixture.h"
+#include "TextOf.h"
 
 #include "module/host/IHostModuleManager.h"
 
@@ -28,9 +29,7 @@ TEST_F(DemoHost, DemoProjectAndTheServicesThroughTheCallback) {
         IHostDeviceModule* m = list->GetModuleAt(i);
         EXPECT_TRUE(m->IsOnline());
         EXPECT_EQ(m->GetAxisIndex(), i + 1);
-        CString name;
-        m->GetDisplayName(name);
-        EXPECT_FALSE(name.IsEmpty());
+        EXPECT_FALSE(TextOf(m, &IHostDeviceModule::GetDisplayName).IsEmpty());
     }
     EXPECT_EQ(Ask<IHostRefreshService>(host), &host.Refresh());
     EXPECT_EQ(Ask<IHostDeviceHelper>(host), &host.DeviceHelper());

@@ -2,6 +2,7 @@
 // the upload to the result lists and the CSV file, and the matching core it shares with
 // the command line.
 #include "TestFiles.h"
+#include "TextOf.h"
 #include "sets_fixture.h"
 
 #include "module/ModuleResources.h"
@@ -28,9 +29,7 @@
 namespace {
 
 std::string Code(const CVarCompareRst* row) {
-    CString code;
-    row->m_pAttr1->GetCode(code);
-    return code.GetString();
+    return TextOf(row->m_pAttr1, &IVarAttr::GetCode).str();
 }
 
 std::set<std::string> Codes(const CVarCompareRstList& list) {
