@@ -225,26 +225,21 @@ TEST_F(RecipeJobTest, ReadFailureNamesTheParameterAndWritesNoFile) {
     EXPECT_FALSE(std::filesystem::exists(path));
 }
 
-TEST_F(RecipeJobTest, FactoryCodeRefusedStopsARestoreBeforeAnyWrite) {
-    const std::string path = temp / "y.zorparam";
-    ASSERT_EQ(Backup(path), "配方保存成功！");
-    Drive().SetFailure(FailureMode::RefuseWrites, {kFactoryCodeAddress});
-    Drive().TakeRequests();
-    EXPECT_TRUE(RestoreLists(path).empty());
-    EXPECT_EQ(LastMessage(), "厂家密码写失败!");
-    const auto requests = Drive().TakeRequests();
-    ASSERT_EQ(requests.size(), 1u);
-    EXPECT_EQ(requests[0].address, kFactoryCodeAddress);
-}
-
-// A backup without the factory level reads nothing and keeps the values on hand.
-TEST_F(RecipeJobTest, FactoryCodeRefusedAtBackupSavesWithoutReading) {
+// Without the factory level a backup reads nothing and keeps the values on hand, and a
+// restore stops before any write.
+TEST_F(RecipeJobTest, FactoryCodeRefusedSavesWithoutReadingAndStopsARestore) {
     Drive().SetFailure(FailureMode::RefuseWrites, {kFactoryCodeAddress});
     Drive().TakeRequests();
     const std::string path = temp / "z.zorparam";
     EXPECT_EQ(Backup(path), "配方保存成功！");
     EXPECT_EQ(Drive().TakeRequests().size(), 1u);
     EXPECT_TRUE(std::filesystem::exists(path));
+
+    EXPECT_TRUE(RestoreLists(path).empty());
+    EXPECT_EQ(LastMessage(), "厂家密码写失败!");
+    const auto requests = Drive().TakeRequests();
+    ASSERT_EQ(requests.size(), 1u);
+    EXPECT_EQ(requests[0].address, kFactoryCodeAddress);
 }
 
 // The window goes while the worker reads at the pace of a real link: the close waits
