@@ -84,6 +84,19 @@ TEST(HostModel, FourAxisDriveFindsEachAxisInstanceInStoreAndCatalog) {
     EXPECT_EQ(store->FindByCode("A5.H02-41"), nullptr);
     EXPECT_EQ(store->FindByCode("H02-41"), store->FindByAddress(0x0229)) << "a bare code: axis 1";
     EXPECT_EQ(catalog->FindAttrByCode("A2.H99-99"), nullptr);
+
+    // Per-unit bases of another axis lie at that axis: each axis holds its own base values.
+    IPerUnitTable* table = module.GetPerUnitTable();
+    ASSERT_NE(table, nullptr);
+    IPerUnitBase* first = table->FindByCode("H07-00");
+    IPerUnitBase* third = table->FindByCode("A3.H07-00");
+    ASSERT_TRUE(first && third);
+    EXPECT_NE(first, third);
+    EXPECT_EQ(table->FindByCode("A1.H07-01"), first);
+    ASSERT_TRUE(first->GetEntry(2) && third->GetEntry(2));
+    EXPECT_EQ(first->GetEntry(2)->GetAddress(), 0x0002u) << "H00-02 of the first axis";
+    EXPECT_EQ(third->GetEntry(2)->GetAddress(), 0x4002u);
+    EXPECT_NE(store->FindByAddress(0x4002), nullptr);
 }
 
 TEST(HostModel, ModulesOfOneDescriptionShareTheCatalogButNotTheirState) {
@@ -344,23 +357,6 @@ TEST(HostModel, FunctionEntriesAndPerUnitBases) {
     EXPECT_EQ(table->FindById(1)->GetEntry(2)->GetValue(), 1.27) << "held in the table";
     module.PerUnitTable().ForgetValues();
     EXPECT_FALSE(torque->HasValue());
-}
-
-TEST(HostModel, PerUnitBasesOfAnotherAxisLieAtThatAxis) {
-    auto dev = LoadShippedDevice("zd4m_four_axis.json");
-    ASSERT_TRUE(dev);
-    CDeviceModule module(dev, "ZD4M", 1);
-    IPerUnitTable* table = module.GetPerUnitTable();
-    ASSERT_NE(table, nullptr);
-    IPerUnitBase* first = table->FindByCode("H07-00");
-    IPerUnitBase* third = table->FindByCode("A3.H07-00");
-    ASSERT_TRUE(first && third);
-    EXPECT_NE(first, third) << "each axis holds its own base values";
-    EXPECT_EQ(table->FindByCode("A1.H07-01"), first);
-    ASSERT_TRUE(first->GetEntry(2) && third->GetEntry(2));
-    EXPECT_EQ(first->GetEntry(2)->GetAddress(), 0x0002u) << "H00-02 of the first axis";
-    EXPECT_EQ(third->GetEntry(2)->GetAddress(), 0x4002u);
-    EXPECT_NE(module.GetVarList()->FindByAddress(0x4002), nullptr);
 }
 
 } // namespace
