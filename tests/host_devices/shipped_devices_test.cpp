@@ -25,9 +25,16 @@ const char* const kShipped[] = {"zd3s_servo.json", "zd4m_four_axis.json", "zv5_i
 
 class ShippedDevice : public ::testing::TestWithParam<const char*> {};
 
-TEST_P(ShippedDevice, AddressesFollowCodesAndAxisBases) {
+TEST_P(ShippedDevice, LabelCarriesTheProductNumbersAndAddressesFollowCodes) {
     auto d = LoadShippedDevice(GetParam());
     ASSERT_TRUE(d);
+    const auto& label = d->product.electronicLabel;
+    ASSERT_GE(label.size(), 16u);
+    EXPECT_LE(label.size(), 32u);
+    EXPECT_EQ(label[0] * 256u + label[1], d->product.lineId);
+    EXPECT_EQ(label[2] * 256u + label[3], d->product.productId);
+    EXPECT_EQ(label[4] * 256u + label[5], d->product.subProductId);
+
     ASSERT_FALSE(d->parameters.empty());
     for (std::uint32_t i = 0; i < d->parameters.size(); ++i) {
         const ParameterDef& p = d->parameters[i];
@@ -98,17 +105,6 @@ TEST_P(ShippedDevice, GroupsLinksAndTablesPointAtRealEntries) {
     for (const PerUnitTable& t : d->perUnitTables)
         for (const PerUnitBase& b : t.bases)
             EXPECT_EQ(d->FindByAddress(b.address), b.parameter);
-}
-
-TEST_P(ShippedDevice, LabelCarriesTheProductNumbers) {
-    auto d = LoadShippedDevice(GetParam());
-    ASSERT_TRUE(d);
-    const auto& label = d->product.electronicLabel;
-    ASSERT_GE(label.size(), 16u);
-    EXPECT_LE(label.size(), 32u);
-    EXPECT_EQ(label[0] * 256u + label[1], d->product.lineId);
-    EXPECT_EQ(label[2] * 256u + label[3], d->product.productId);
-    EXPECT_EQ(label[4] * 256u + label[5], d->product.subProductId);
 }
 
 INSTANTIATE_TEST_SUITE_P(AllFiles, ShippedDevice, ::testing::ValuesIn(kShipped));
