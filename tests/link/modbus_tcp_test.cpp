@@ -4,7 +4,11 @@
 #include "zorhost/services/HostDeviceHelper.h"
 
 using namespace linktest;
+using zorhost::device::DataType;
+using zorhost::device::ParameterDef;
 using zorhost::sim::LinkStatus;
+using zorhost::sim::ReadRaw;
+using zorhost::sim::WriteRaw;
 
 // What the module does every day, over a real protocol stack: a typed value reaches the
 // drive, a 32-bit value keeps its sign, an upload brings the drive's values in blocks,
@@ -23,18 +27,12 @@ TEST_F(TcpHost, KeyFlowsCrossModbusTcp) {
     zorhost::link::ModbusLink other(device, TcpLink(sim->Port()));
     ASSERT_TRUE(other.WaitOnline(3000));
     double raw = 0;
-    ASSERT_TRUE(
-        zorhost::sim::ReadRaw(other, Address("H02-08"), zorhost::device::DataType::UInt16, raw, 300)
-            .ok());
+    ASSERT_TRUE(ReadRaw(other, Address("H02-08"), DataType::UInt16, raw, 300).ok());
     EXPECT_EQ(raw, 321);
-    ASSERT_TRUE(
-        zorhost::sim::ReadRaw(other, Address("H05-34"), zorhost::device::DataType::Int32, raw, 300)
-            .ok());
+    ASSERT_TRUE(ReadRaw(other, Address("H05-34"), DataType::Int32, raw, 300).ok());
     EXPECT_EQ(raw, -123456);
 
-    ASSERT_TRUE(zorhost::sim::WriteRaw(other, Address("H02-09"), zorhost::device::DataType::UInt16,
-                                       777, 300)
-                    .ok());
+    ASSERT_TRUE(WriteRaw(other, Address("H02-09"), DataType::UInt16, 777, 300).ok());
     const zorhost::link::LinkTraffic before = host.FieldLink(kKey)->Traffic();
     EXPECT_TRUE(host.Transfer().UploadModule(nullptr, kKey));
     ASSERT_EQ(ends.size(), 1u);
@@ -137,7 +135,7 @@ TEST_F(TcpHost, KilledSimulatorEndsTheUploadAndIsFoundAgain) {
 // failure, named with the drive's reason, and the rest of its block still arrives.
 TEST_F(TcpHost, DownloadInBlocksNamesExactlyTheRefusedParameter) {
     Records records;
-    records.AddWritable(*device, [&](const zorhost::device::ParameterDef& p) {
+    records.AddWritable(*device, [&](const ParameterDef& p) {
         if (p.address == Address("H02-08"))
             return 600.0; // above its limit of 500
         return p.address == Address("H02-09") ? 60.0 : p.factoryValue;
@@ -153,9 +151,7 @@ TEST_F(TcpHost, DownloadInBlocksNamesExactlyTheRefusedParameter) {
         << failures[0].reason.str();
     EXPECT_LT(link.Traffic().requests - before, records.items.size() / 3);
     double raw = 0;
-    ASSERT_TRUE(
-        zorhost::sim::ReadRaw(link, Address("H02-09"), zorhost::device::DataType::UInt16, raw, 300)
-            .ok());
+    ASSERT_TRUE(ReadRaw(link, Address("H02-09"), DataType::UInt16, raw, 300).ok());
     EXPECT_EQ(raw, 60);
 }
 
@@ -167,8 +163,8 @@ TEST_F(TcpHost, RunCommandCrossesTheLink) {
         SCOPED_TRACE(running ? "running" : "stopped");
         ASSERT_TRUE(host.SetRunning(kKey, running).ok());
         double state = -1;
-        ASSERT_TRUE(zorhost::sim::ReadRaw(*host.FieldLink(kKey), zorhost::link::kRunRegister,
-                                          zorhost::device::DataType::UInt16, state, 300)
+        ASSERT_TRUE(ReadRaw(*host.FieldLink(kKey), zorhost::link::kRunRegister, DataType::UInt16,
+                            state, 300)
                         .ok());
         EXPECT_EQ(state, running ? 1 : 0);
         EXPECT_EQ(helper.WriteParameter(kKey, Address("H02-00"), 2), running ? 0 : 1);
