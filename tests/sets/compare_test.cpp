@@ -58,18 +58,11 @@ protected:
         ASSERT_TRUE(dlg.Create(IDD_PARAM_COMPARE, nullptr));
     }
     void TearDown() override { dlg.DestroyWindow(); }
-    void Command(UINT id, UINT code) {
-        dlg.SendMessage(WM_COMMAND, MAKEWPARAM(WORD(id), WORD(code)), 0);
-    }
     // Object 2 takes the current values instead of the factory values.
-    void SecondSideCurrent() {
-        auto* kind = static_cast<CComboBox*>(dlg.GetDlgItem(int(IDC_COMPARE_KIND2)));
-        kind->SetCurSel(0);
-        Command(IDC_COMPARE_KIND2, CBN_SELCHANGE);
-    }
+    void SecondSideCurrent() { Select(dlg, IDC_COMPARE_KIND2, 0); }
     // Presses "开始比较" and waits for the worker's end.
     void Run() {
-        Command(IDC_COMPARE_START, BN_CLICKED);
+        Press(dlg, IDC_COMPARE_START);
         ASSERT_TRUE(AfxPumpMessagesUntil([&] { return !dlg.IsComparing(); }, 10000));
     }
     // The servo read whole and saved as a parameter file, as its upload would leave it.
@@ -132,9 +125,7 @@ TEST_F(CompareTest, ShownCellsAndTheSavedTableMatchTheirReferenceFiles) {
                                                      {"H07-20", 123456789}})
         Poke("ZD3S", code, raw);
     prompts.ChooseFiles({path});
-    auto* source = static_cast<CComboBox*>(dlg.GetDlgItem(int(IDC_COMPARE_SOURCE2)));
-    source->SetCurSel(source->GetCount() - 1);
-    Command(IDC_COMPARE_SOURCE2, CBN_SELCHANGE);
+    Select(dlg, IDC_COMPARE_SOURCE2, -1); // the file
     EXPECT_FALSE(dlg.GetDlgItem(int(IDC_COMPARE_UPLOAD2))->IsWindowVisible());
     CString shown;
     dlg.GetDlgItemText(int(IDC_COMPARE_PATH2), shown);
@@ -155,12 +146,12 @@ TEST_F(CompareTest, ShownCellsAndTheSavedTableMatchTheirReferenceFiles) {
               (std::set<std::string>{"H00-08", "H00-05", "H00-03", "H01-17", "H07-08", "H07-20"}));
     dlg.CheckRadioButton(int(IDC_COMPARE_SHOW_DIFFERENT), int(IDC_COMPARE_SHOW_SAME),
                          int(IDC_COMPARE_SHOW_SAME));
-    Command(IDC_COMPARE_SHOW_SAME, BN_CLICKED);
+    Press(dlg, IDC_COMPARE_SHOW_SAME);
     EXPECT_EQ(different + "--\n" + cells(), Data("compare_cells.txt"));
 
     const std::string saved = dir / "same.csv";
     prompts.ChooseFiles({CString(saved.c_str())});
-    Command(IDC_COMPARE_SAVE, BN_CLICKED);
+    Press(dlg, IDC_COMPARE_SAVE);
     EXPECT_EQ(prompts.Last(AfxPrompt::FileDialog)->text, "Var_Offline");
     std::string table = Slurp(saved);
     ASSERT_EQ(table.rfind("Time,", 0), 0u);
@@ -325,11 +316,8 @@ TEST_F(SetsTest, ThePagesButtonsOpenTheFramesCompareDialogAndTheAxisCopy) {
     ASSERT_NE(table, nullptr);
     CVarTablePage* page = table->GetPage1();
     ASSERT_NE(page, nullptr);
-    auto press = [&](UINT id) {
-        page->SendMessage(WM_COMMAND, MAKEWPARAM(WORD(id), WORD(BN_CLICKED)), 0);
-    };
 
-    press(1993);
+    Press(*page, 1993);
     CParamCompareDlg* dlg = table->GetCompareDialog();
     ASSERT_NE(dlg, nullptr);
     EXPECT_TRUE(dlg->IsWindowVisible());
@@ -337,7 +325,7 @@ TEST_F(SetsTest, ThePagesButtonsOpenTheFramesCompareDialogAndTheAxisCopy) {
     EXPECT_EQ(source->GetItemDataPtr(source->GetCurSel()), host.Module("ZD4M"));
     dlg->SendMessage(WM_CLOSE);
     EXPECT_FALSE(dlg->IsWindowVisible());
-    press(1993);
+    Press(*page, 1993);
     EXPECT_EQ(table->GetCompareDialog(), dlg);
     EXPECT_TRUE(dlg->IsWindowVisible());
 
@@ -347,7 +335,7 @@ TEST_F(SetsTest, ThePagesButtonsOpenTheFramesCompareDialogAndTheAxisCopy) {
         EXPECT_EQ(shown->GetTargetDevice(), host.Module("ZD4M"));
         d.EndDialog(IDCANCEL);
     });
-    press(1997);
+    Press(*page, 1997);
     EXPECT_EQ(driver.runs, 1);
     EXPECT_NE(shown, nullptr);
 

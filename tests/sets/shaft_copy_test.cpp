@@ -30,14 +30,6 @@ protected:
         CAfxModalDriver driver([&](CDialog& d) { act(static_cast<CShaftCopyDialog&>(d)); });
         return int(dlg.DoModal());
     }
-    static void Select(CShaftCopyDialog& dlg, UINT id, int index) {
-        auto* box = static_cast<CComboBox*>(dlg.GetDlgItem(int(id)));
-        box->SetCurSel(index);
-        dlg.SendMessage(WM_COMMAND, MAKEWPARAM(WORD(id), WORD(CBN_SELCHANGE)), 0);
-    }
-    static void Press(CShaftCopyDialog& dlg, UINT id) {
-        dlg.SendMessage(WM_COMMAND, MAKEWPARAM(WORD(id), WORD(BN_CLICKED)), 0);
-    }
     // A click on the row's check box: the list turns it, then tells the dialog.
     static void ClickCheckBox(CShaftCopyDialog& dlg, int row) {
         CListCtrl& list = dlg.GetList();
