@@ -1,12 +1,12 @@
 // The host's parameter file: .zorparam save and open, the table reader, refusals of
 // broken input, and the atomic replace.
-#include "TestFiles.h"
+#include "TextOf.h"
+#include "files_fixture.h"
 #include "module/host/IGroupCategory.h"
 #include "module/host/IHostAxis.h"
 #include "module/host/IHostAxisList.h"
 #include "module/host/IValueInfo.h"
 #include "module/host/IVarObjEx.h"
-#include "zorhost/ReferenceHost.h"
 #include "zorhost/files/MemoryStream.h"
 #include "zorhost/files/ParamFile.h"
 #include "zorhost/files/ParamTableReader.h"
@@ -14,14 +14,12 @@
 
 #include <gtest/gtest.h>
 
-#include <QTemporaryDir>
-
 #include <zlib.h>
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <sys/stat.h>
+#include <tuple>
 #include <unistd.h>
 
 using namespace zorhost;
@@ -38,20 +36,11 @@ size_t FilesIn(const std::string& dir) {
                                 std::filesystem::directory_iterator()));
 }
 
-class ParamFileTest : public ::testing::Test {
+class ParamFileTest : public ft::FilesTest {
 protected:
-    void SetUp() override {
-        std::string error;
-        ASSERT_TRUE(host.LoadDemo(&error)) << error;
-        ASSERT_TRUE(dir.isValid());
-    }
-    std::string Path(const char* name) { return dir.path().toStdString() + "/" + name; }
     IParamFile* NewFile() {
         return static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
     }
-
-    ReferenceHost host;
-    QTemporaryDir dir;
 };
 
 // One variable of each data type, with a value the type can only just hold.
@@ -136,51 +125,32 @@ TEST_F(ParamFileTest, SaveThenOpenGivesBackEveryValueLabelVersionAndGroup) {
     EXPECT_EQ(read.VersionText(), "V3.01");
     EXPECT_EQ(read.AccessLevel(), 2);
     IParamFileTable* t = back->GetVarList();
-    CString text;
-    t->GetVersionText(text);
-    EXPECT_EQ(text, "V3.01-table");
+    EXPECT_EQ(TextOf(t, &IParamFileTable::GetVersionText), "V3.01-table");
     ASSERT_EQ(t->GetCount(), int(TypedCases().size()));
-    for (int i = 0; i < t->GetCount(); ++i) {
-        SCOPED_TRACE(i);
-        IVarObjEx* original = table->GetAt(i);
-        IVarObjEx* v = t->GetAt(i);
-        EXPECT_TRUE(v->GetValue() == original->GetValue());
-        EXPECT_TRUE(v->GetSetValue() == original->GetSetValue());
-        EXPECT_TRUE(v->GetLastReadValue() == original->GetLastReadValue());
-        EXPECT_EQ(v->IsChecked(), original->IsChecked());
-        EXPECT_EQ(v->GetPerUnitMode(), original->GetPerUnitMode());
-        CString a, b;
-        v->GetInstanceGuid(a);
-        original->GetInstanceGuid(b);
-        EXPECT_EQ(a, b);
+    // Everything a variable and its attribute hold, as one comparable value.
+    auto whole = [](IVarObjEx* v) {
+        CString key;
+        v->GetInstanceGuid(key);
         const AttrFields& f = static_cast<CFileVarAttr*>(v->GetAttr())->Fields();
-        const AttrFields& g = static_cast<CFileVarAttr*>(original->GetAttr())->Fields();
-        EXPECT_EQ(f.code, g.code);
-        EXPECT_EQ(f.name, g.name);
-        EXPECT_EQ(f.address, g.address);
-        EXPECT_EQ(f.dataType, g.dataType);
-        EXPECT_EQ(f.decimals, g.decimals);
-        EXPECT_TRUE(f.factoryValue == g.factoryValue);
-        EXPECT_TRUE(f.minValue == g.minValue);
-        EXPECT_EQ(f.minLinked, g.minLinked);
-        EXPECT_EQ(f.modifyMode, g.modifyMode);
-        EXPECT_EQ(f.displayFormat, g.displayFormat);
-        EXPECT_EQ(f.accessLevel, g.accessLevel);
-        EXPECT_EQ(f.hiddenForUser, g.hiddenForUser);
-        EXPECT_EQ(f.fixed, g.fixed);
-    }
+        return std::make_tuple(v->GetValue(), v->GetSetValue(), v->GetLastReadValue(),
+                               v->IsChecked(), v->GetPerUnitMode(), key, f.code, f.name, f.address,
+                               f.dataType, f.decimals, f.factoryValue, f.minValue, f.minLinked,
+                               f.modifyMode, f.displayFormat, f.accessLevel, f.hiddenForUser,
+                               f.fixed);
+    };
+    for (int i = 0; i < t->GetCount(); ++i)
+        EXPECT_TRUE(whole(t->GetAt(i)) == whole(table->GetAt(i))) << i;
     EXPECT_EQ(t->FindByCode("A2.P4"), t->GetAt(4));
     EXPECT_EQ(t->FindByAddress(0x1003), t->GetAt(3));
     IGroupNode* h02 = t->GetGroupRoot(0)->FindByName("H02");
     ASSERT_NE(h02, nullptr);
-    h02->GetDescription(text);
-    EXPECT_EQ(text, "基本控制");
+    EXPECT_EQ(TextOf(h02, &IGroupNode::GetDescription), "基本控制");
     ASSERT_EQ(h02->GetChildCount(), 1);
+    CString text;
     h02->GetChildAt(0)->GetMemberAt(0, text);
     EXPECT_EQ(text, "A2.P4");
     ASSERT_TRUE(t->GetAxisList()->IsValid());
-    t->GetAxisList()->GetAt(0)->GetKey(text);
-    EXPECT_EQ(text, "A2");
+    EXPECT_EQ(TextOf(t->GetAxisList()->GetAt(0), &IHostAxis::GetKey), "A2");
     EXPECT_NE(t->GetAxisList()->GetAt(0)->GetGroupSet()->FindByName("H05"), nullptr);
     ASSERT_EQ(t->GetGroupRoot(1)->GetMemberCount(), 1);
 
@@ -347,9 +317,7 @@ TEST_F(ParamFileTest, FileWrittenFromTheFormatNoteReads) {
     EXPECT_EQ(t->GetAt(1)->GetAttr(), nullptr);
     EXPECT_TRUE(t->GetAt(1)->GetSetValue() == Variant::Str("abc"));
     ASSERT_EQ(t->GetGroupRoot(0)->GetCategoryCount(), 1);
-    CString key;
-    t->GetAxisList()->GetAt(0)->GetKey(key);
-    EXPECT_EQ(key, "A1");
+    EXPECT_EQ(TextOf(t->GetAxisList()->GetAt(0), &IHostAxis::GetKey), "A1");
     EXPECT_EQ(t->GetGroupRoot(1)->GetMemberCount(), 1);
     // And it comes out again byte for byte.
     EXPECT_EQ(file.ToBytes(), seed.substr(1));
@@ -377,9 +345,7 @@ TEST_F(ParamFileTest, TableReaderTakesWhatTheWritersWriteAndNamesTheBadLine) {
     EXPECT_TRUE(t->GetAt(0)->GetValue() == Variant::UI2(14101));
     EXPECT_EQ(t->GetAt(0)->GetAttr()->GetModifyMode(), 1);
     // The comma in the name went back into the name.
-    CString name;
-    t->GetAt(1)->GetAttr()->GetName(name);
-    EXPECT_EQ(name, "速度,增益");
+    EXPECT_EQ(TextOf(t->GetAt(1)->GetAttr(), &IVarAttr::GetName), "速度,增益");
     EXPECT_TRUE(t->GetAt(1)->GetValue() == Variant::R8(-12.3));
     // Integer types hold raw figures; a limit naming a parameter stays linked.
     EXPECT_TRUE(t->GetAt(2)->GetValue() == Variant::I2(-1234));

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QStringList>
 
@@ -43,16 +44,11 @@ TEST_P(DeviceListFile, EveryDeviceLineNamesAShippedProduct) {
         if (!line.contains("dwLineID") && !line.contains("dwProductID") && !line.contains("Name"))
             continue;
         // The module splits at commas and wants exactly three fields in this order.
-        QStringList fields = line.trimmed().split(',');
-        ASSERT_EQ(fields.size(), 3) << line.toStdString();
-        ASSERT_TRUE(fields[0].startsWith("dwLineID=")) << line.toStdString();
-        ASSERT_TRUE(fields[1].startsWith("dwProductID=")) << line.toStdString();
-        ASSERT_TRUE(fields[2].startsWith("Name=")) << line.toStdString();
-        bool ok1 = false, ok2 = false;
-        unsigned lineId = fields[0].mid(9).toUInt(&ok1);
-        unsigned productId = fields[1].mid(12).toUInt(&ok2);
-        ASSERT_TRUE(ok1 && ok2) << line.toStdString();
-        EXPECT_TRUE(Shipped(library, lineId, productId)) << line.toStdString();
+        static const QRegularExpression form("^dwLineID=(\\d+),dwProductID=(\\d+),Name=[^,]*$");
+        const QRegularExpressionMatch m = form.match(line.trimmed());
+        ASSERT_TRUE(m.hasMatch()) << line.toStdString();
+        EXPECT_TRUE(Shipped(library, m.captured(1).toUInt(), m.captured(2).toUInt()))
+            << line.toStdString();
         ++devices;
     }
     EXPECT_GT(devices, 0);
@@ -69,21 +65,17 @@ TEST(UpdateAttributeFile, KeysNameShippedProductsInBothForms) {
     ASSERT_FALSE(keys.isEmpty());
     DeviceLibrary library = ShippedLibrary();
     int listed = 0, twoPart = 0, threePart = 0;
+    // Upper-case digits, four wide, as the module formats its keys.
+    static const QRegularExpression form("^0x([0-9A-F]{4})_0x([0-9A-F]{4})(?:_0x([0-9A-F]{4}))?$");
     for (const QString& key : keys) {
-        QStringList parts = key.split('_');
-        ASSERT_TRUE(parts.size() == 2 || parts.size() == 3) << key.toStdString();
-        unsigned numbers[3] = {0, 0, 0};
-        for (int i = 0; i < parts.size(); ++i) {
-            // Upper-case digits, four wide, as the module formats its keys.
-            ASSERT_TRUE(parts[i].size() == 6 && parts[i].startsWith("0x") &&
-                        parts[i].mid(2) == parts[i].mid(2).toUpper())
-                << key.toStdString();
-            numbers[i] = parts[i].mid(2).toUInt(nullptr, 16);
-        }
-        EXPECT_TRUE(
-            Shipped(library, numbers[0], numbers[1], parts.size() == 3 ? int(numbers[2]) : -1))
+        const QRegularExpressionMatch m = form.match(key);
+        ASSERT_TRUE(m.hasMatch()) << key.toStdString();
+        const bool three = !m.captured(3).isEmpty();
+        EXPECT_TRUE(Shipped(library, m.captured(1).toUInt(nullptr, 16),
+                            m.captured(2).toUInt(nullptr, 16),
+                            three ? int(m.captured(3).toUInt(nullptr, 16)) : -1))
             << key.toStdString();
-        (parts.size() == 2 ? twoPart : threePart)++;
+        (three ? threePart : twoPart)++;
         listed += ini.value(key).toInt() != -1;
     }
     EXPECT_GT(twoPart, 0);

@@ -27,6 +27,16 @@ std::string Doc(const std::string& params, const std::string& groups,
            groups + "]" + extra + "}";
 }
 
+// Parameters in one group "H02" that names no members.
+std::string InH02(const std::string& params) {
+    return Doc(params, R"({"name": "H02"})");
+}
+
+// One parameter "H02-00" named "a" with these further keys, in group "H02".
+std::string One(const std::string& keys) {
+    return InH02(R"({"code": "H02-00", "name": "a", )" + keys + "}");
+}
+
 const std::string kTwoParams =
     R"({"code": "H02-00", "name": "a", "type": "u16", "max": 10},
        {"code": "H02-01", "name": "b", "type": "i16", "min": -5, "maxLink": "H02-00"})";
@@ -100,9 +110,8 @@ const std::string kAxes = R"(, "axes": [{"name": "1", "key": "A1", "addressBase"
 INSTANTIATE_TEST_SUITE_P(
     Cases, RefusedDocument,
     ::testing::Values(
-        Broken{"unknown type",
-               Doc(R"({"code": "H02-00", "name": "a", "type": "u24"})", R"({"name": "H02"})"),
-               "parameters[0] \"H02-00\".type", "unknown type \"u24\""},
+        Broken{"unknown type", One(R"("type": "u24")"), "parameters[0] \"H02-00\".type",
+               "unknown type \"u24\""},
         Broken{"duplicate code",
                Doc(kTwoParams + R"(, {"code": "H02-00", "name": "c", "type": "u16",
                                       "address": "0x0200"})",
@@ -131,41 +140,25 @@ INSTANTIATE_TEST_SUITE_P(
                         "axisGroups": [{"name": "H00", "members": ["H00-00", "H00-01"]}])" +
                        kAxes.substr(0, kAxes.find("0x0100")) + R"(0x2000"}])"),
                "axisGroups[0] \"H00\".members[1]", "names no parameter \"H00-01\""},
-        Broken{"dangling link",
-               Doc(R"({"code": "H02-00", "name": "a", "type": "u16", "minLink": "H09-09"})",
-                   R"({"name": "H02"})"),
+        Broken{"dangling link", One(R"("type": "u16", "minLink": "H09-09")"),
                "parameters[0] \"H02-00\".minLink", "names no parameter \"H09-09\""},
         Broken{"address against the code",
-               Doc(R"({"code": "H02-41", "name": "a", "type": "u16", "address": "0x0230"})",
-                   R"({"name": "H02"})"),
+               InH02(R"({"code": "H02-41", "name": "a", "type": "u16", "address": "0x0230"})"),
                "parameters[0] \"H02-41\".address", "disagrees with code"},
-        Broken{"factory outside limits",
-               Doc(R"({"code": "H02-00", "name": "a", "type": "u16", "max": 10,
-                       "factory": 11})",
-                   R"({"name": "H02"})"),
+        Broken{"factory outside limits", One(R"("type": "u16", "max": 10, "factory": 11)"),
                "parameters[0] \"H02-00\".factory", "above max"},
-        Broken{"value too large for the type",
-               Doc(R"({"code": "H02-00", "name": "a", "type": "i8", "max": 200})",
-                   R"({"name": "H02"})"),
+        Broken{"value too large for the type", One(R"("type": "i8", "max": 200)"),
                "parameters[0] \"H02-00\".max", "does not fit type i8"},
         Broken{"bit beyond the type",
-               Doc(R"({"code": "H02-00", "name": "a", "type": "u8",
-                       "values": {"bits": [{"bit": 9, "text": "x"}]}})",
-                   R"({"name": "H02"})"),
+               One(R"("type": "u8", "values": {"bits": [{"bit": 9, "text": "x"}]})"),
                "parameters[0] \"H02-00\".values", "bit 9 outside a 8-bit value"},
-        Broken{"overlapping bit ranges",
-               Doc(R"({"code": "H02-00", "name": "a", "type": "u16", "values": {"bitRanges": [
+        Broken{"overlapping bit ranges", One(R"("type": "u16", "values": {"bitRanges": [
                        {"text": "x", "first": 0, "width": 4, "options": [{"value": 1, "text": "o"}]},
-                       {"text": "y", "first": 3, "width": 2, "options": [{"value": 1, "text": "o"}]}]}})",
-                   R"({"name": "H02"})"),
+                       {"text": "y", "first": 3, "width": 2, "options": [{"value": 1, "text": "o"}]}]})"),
                "values.bitRanges[1]", "overlaps"},
-        Broken{"unknown value info",
-               Doc(R"({"code": "H02-00", "name": "a", "type": "u16", "values": "Nope"})",
-                   R"({"name": "H02"})"),
+        Broken{"unknown value info", One(R"("type": "u16", "values": "Nope")"),
                "parameters[0] \"H02-00\".values", "no value info named \"Nope\""},
-        Broken{"misspelt key",
-               Doc(R"({"code": "H02-00", "name": "a", "type": "u16", "minlink": "H02-00"})",
-                   R"({"name": "H02"})"),
+        Broken{"misspelt key", One(R"("type": "u16", "minlink": "H02-00")"),
                "parameters[0] \"H02-00\"", "unknown key \"minlink\""},
         Broken{
             "category naming no group",
@@ -180,9 +173,7 @@ INSTANTIATE_TEST_SUITE_P(
                    R"(, "namedVariables": [{"name": "Authority", "code": "H0B-90"}])"),
                "namedVariables[0] \"Authority\".code", "names no parameter"},
         Broken{"per-unit id without a table",
-               Doc(R"({"code": "H02-00", "name": "a", "type": "i16", "display": 2,
-                       "perUnitBase": 4})",
-                   R"({"name": "H02"})"),
+               One(R"("type": "i16", "display": 2, "perUnitBase": 4)"),
                "parameters[0] \"H02-00\".perUnitBase", "no per-unit table 4"},
         Broken{"per-unit base on a decimal parameter",
                Doc(R"({"code": "H02-00", "name": "a", "type": "i16", "perUnitBase": 1})",
@@ -200,14 +191,12 @@ INSTANTIATE_TEST_SUITE_P(
                Doc(kTwoParams, kGroup)
                    .replace(Doc(kTwoParams, kGroup).find("0001 0002"), 9, std::string(66, 'A')),
                "product.electronicLabel", "1 to 32 whole bytes"},
-        Broken{"text type",
-               Doc(R"({"code": "H02-00", "name": "a", "type": "string"})", R"({"name": "H02"})"),
-               "parameters[0] \"H02-00\".type", "can't be read or written over the drive link"},
+        Broken{"text type", One(R"("type": "string")"), "parameters[0] \"H02-00\".type",
+               "can't be read or written over the drive link"},
         Broken{"32-bit value over the next parameter",
-               Doc(R"({"code": "H02-00", "name": "a", "type": "u16"},
+               InH02(R"({"code": "H02-00", "name": "a", "type": "u16"},
                       {"code": "H02-01", "name": "b", "type": "i32"},
-                      {"code": "H02-02", "name": "c", "type": "u16"})",
-                   R"({"name": "H02"})"),
+                      {"code": "H02-02", "name": "c", "type": "u16"})"),
                "parameters[1] \"H02-01\"", "also covers 0x0202, the address of parameters[2]"},
         Broken{"64-bit axis value over the next axis's first parameter",
                Doc("", "",

@@ -1,7 +1,7 @@
 // The shipped descriptions load and hold together: addresses follow their codes, groups and
 // links point at real parameters, packed-value tables fit their types.
 
-#include "zorhost/device/DeviceLoader.h"
+#include "ShippedDevices.h"
 
 #include <gtest/gtest.h>
 
@@ -12,16 +12,6 @@
 using namespace zorhost::device;
 
 namespace {
-
-std::string DevicePath(const char* name) {
-    return std::string(PARMIRA_SOURCE_DIR) + "/devices/" + name;
-}
-
-std::shared_ptr<const DeviceDescription> Load(const char* name) {
-    LoadResult r = LoadDeviceFile(DevicePath(name));
-    EXPECT_TRUE(r) << r.error.ToString();
-    return r.device;
-}
 
 bool ParseCode(std::string_view code, unsigned& group, unsigned& index) {
     if (code.size() < 6 || code[0] != 'H' || code[3] != '-')
@@ -35,9 +25,16 @@ const char* const kShipped[] = {"zd3s_servo.json", "zd4m_four_axis.json", "zv5_i
 
 class ShippedDevice : public ::testing::TestWithParam<const char*> {};
 
-TEST_P(ShippedDevice, AddressesFollowCodesAndAxisBases) {
-    auto d = Load(GetParam());
+TEST_P(ShippedDevice, LabelCarriesTheProductNumbersAndAddressesFollowCodes) {
+    auto d = LoadShippedDevice(GetParam());
     ASSERT_TRUE(d);
+    const auto& label = d->product.electronicLabel;
+    ASSERT_GE(label.size(), 16u);
+    EXPECT_LE(label.size(), 32u);
+    EXPECT_EQ(label[0] * 256u + label[1], d->product.lineId);
+    EXPECT_EQ(label[2] * 256u + label[3], d->product.productId);
+    EXPECT_EQ(label[4] * 256u + label[5], d->product.subProductId);
+
     ASSERT_FALSE(d->parameters.empty());
     for (std::uint32_t i = 0; i < d->parameters.size(); ++i) {
         const ParameterDef& p = d->parameters[i];
@@ -57,7 +54,7 @@ TEST_P(ShippedDevice, AddressesFollowCodesAndAxisBases) {
 }
 
 TEST_P(ShippedDevice, GroupsLinksAndTablesPointAtRealEntries) {
-    auto d = Load(GetParam());
+    auto d = LoadShippedDevice(GetParam());
     ASSERT_TRUE(d);
     std::set<std::uint32_t> grouped;
     for (const GroupDef& g : d->groups) {
@@ -110,21 +107,10 @@ TEST_P(ShippedDevice, GroupsLinksAndTablesPointAtRealEntries) {
             EXPECT_EQ(d->FindByAddress(b.address), b.parameter);
 }
 
-TEST_P(ShippedDevice, LabelCarriesTheProductNumbers) {
-    auto d = Load(GetParam());
-    ASSERT_TRUE(d);
-    const auto& label = d->product.electronicLabel;
-    ASSERT_GE(label.size(), 16u);
-    EXPECT_LE(label.size(), 32u);
-    EXPECT_EQ(label[0] * 256u + label[1], d->product.lineId);
-    EXPECT_EQ(label[2] * 256u + label[3], d->product.productId);
-    EXPECT_EQ(label[4] * 256u + label[5], d->product.subProductId);
-}
-
 INSTANTIATE_TEST_SUITE_P(AllFiles, ShippedDevice, ::testing::ValuesIn(kShipped));
 
 TEST(ServoDevice, CoversEveryModeLevelAndValueKind) {
-    auto d = Load("zd3s_servo.json");
+    auto d = LoadShippedDevice("zd3s_servo.json");
     ASSERT_TRUE(d);
     EXPECT_EQ(d->product.lineId, 13u);
     EXPECT_EQ(d->product.accessModel, AccessModel::DriveAuthority);
@@ -181,60 +167,18 @@ TEST(ServoDevice, CoversEveryModeLevelAndValueKind) {
         EXPECT_NE(d->FindFunction(name), nullptr) << name;
 }
 
-// A connector parameter's last enumeration entry names its kind, and the connector value of
-// every source parameter leads back to it.
-TEST(ServoDevice, ConnectorValuesAndSourcesAreInverse) {
-    auto d = Load("zd3s_servo.json");
-    ASSERT_TRUE(d);
-    const std::set<std::string> names = {"B连接器", "K连接器", "F连接器", "KF连接器", "BKF连接器"};
-    int connectorParams = 0;
-    for (const ParameterDef& p : d->parameters) {
-        const ValueInfo* info = d->ValueInfoOf(p);
-        if (info && info->kind == ValueInfoKind::Enumeration &&
-            names.count(std::string(d->Text(info->enumeration.back().text))))
-            ++connectorParams;
-    }
-    EXPECT_GE(connectorParams, 5);
-
-    ASSERT_EQ(d->connectors.size(), 3u);
-    int sources = 0;
-    for (const ConnectorGroupDef& c : d->connectors) {
-        for (std::uint32_t m : d->groups[c.group].members) {
-            std::uint32_t value = d->ConnectorValueOf(m, c.kind);
-            ASSERT_NE(value, kNoIndex);
-            EXPECT_GE(value, c.base);
-            EXPECT_LT(value, c.base + 100);
-            EXPECT_EQ(d->FindByConnectorValue(value), m);
-            // The combined kinds reach the same value.
-            EXPECT_EQ(d->ConnectorValueOf(m, ConnectorKind::BKF), value);
-            ++sources;
-        }
-    }
-    EXPECT_GT(sources, 20);
-    std::uint32_t bSource = d->groups[d->connectors[0].group].members[0];
-    EXPECT_EQ(d->ConnectorValueOf(bSource, ConnectorKind::KF), kNoIndex);
-    EXPECT_EQ(d->FindByConnectorValue(d->connectors[0].base + 100 + 99), kNoIndex);
-}
-
+// Codes, addresses and links of the axes are checked through the host's model; here what
+// the model doesn't show: each axis holds a whole block, and no parameter is drive-wide.
 TEST(FourAxisDevice, AxesRepeatTheBlockAtTheirBases) {
-    auto d = Load("zd4m_four_axis.json");
+    auto d = LoadShippedDevice("zd4m_four_axis.json");
     ASSERT_TRUE(d);
-    EXPECT_EQ(d->product.lineId, 11u);
-    EXPECT_EQ(d->product.productId, 282u);
     EXPECT_EQ(d->product.accessModel, AccessModel::DrivePassword);
     ASSERT_EQ(d->axes.size(), 4u);
     EXPECT_EQ(d->product.axisCopyCount, 4);
-    const std::uint32_t bases[] = {0x0000, 0x2000, 0x4000, 0x6000};
-    const std::uint32_t passwords[] = {0x0229, 0x2229, 0x4229, 0x6229};
     for (int a = 0; a < 4; ++a) {
-        EXPECT_EQ(d->axes[a].addressBase, bases[a]);
         std::uint32_t i = d->FindByCode("H02-41", a);
         ASSERT_NE(i, kNoIndex);
-        EXPECT_EQ(d->parameters[i].address, passwords[a]);
-        EXPECT_EQ(d->FindByAddress(passwords[a]), i);
         EXPECT_EQ(d->parameters[i].displayFormat, DisplayFormat::Hidden);
-        // Each axis has its own group set, made of its own groups.
-        ASSERT_FALSE(d->axes[a].groupSet.roots.empty());
         for (std::uint32_t g : d->axes[a].groupSet.roots)
             EXPECT_EQ(d->groups[g].axis, a);
         auto block = d->AxisParameters(a);
@@ -242,18 +186,11 @@ TEST(FourAxisDevice, AxesRepeatTheBlockAtTheirBases) {
         for (const ParameterDef& p : block)
             EXPECT_EQ(p.axis, a);
     }
-    // The same relative address on two axes is two parameters with one code.
-    EXPECT_EQ(d->Code(d->parameters[d->FindByAddress(0x0229)]),
-              d->Code(d->parameters[d->FindByAddress(0x6229)]));
     EXPECT_EQ(d->FindByCode("H02-41"), kNoIndex); // not a drive-wide parameter
-    // A linked limit stays on its own axis.
-    std::uint32_t jog = d->FindByCode("H06-01", 2);
-    ASSERT_NE(jog, kNoIndex);
-    EXPECT_EQ(d->parameters[d->parameters[jog].maxLink].address, 0x4600u);
 }
 
 TEST(InverterDevice, CategoriesSortSomeGroupsAndLeaveOthersAtTheTop) {
-    auto d = Load("zv5_inverter.json");
+    auto d = LoadShippedDevice("zv5_inverter.json");
     ASSERT_TRUE(d);
     EXPECT_EQ(d->product.accessModel, AccessModel::ToolOnly);
     EXPECT_EQ(d->product.kind, ProductKind::Inverter);

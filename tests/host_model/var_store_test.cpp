@@ -2,6 +2,7 @@
 #include "zorhost/model/VarStore.h"
 
 #include "ShippedDevices.h"
+#include "TextOf.h"
 
 #include <gtest/gtest.h>
 
@@ -57,9 +58,8 @@ TEST(HostVarStore, ShippedDevicesBuildStoresWhoseLookupsAgree) {
         CVarStore store(dev);
         ASSERT_EQ(store.GetCount(), int(dev->parameters.size())) << file;
         ASSERT_GT(store.GetCount(), 0);
-        CString version;
-        store.GetVersionText(version);
-        EXPECT_EQ(version.str(), std::string(dev->Text(dev->product.versionText)));
+        EXPECT_EQ(TextOf(&store, &CVarStore::GetVersionText).str(),
+                  std::string(dev->Text(dev->product.versionText)));
         for (int i = 0; i < store.GetCount(); ++i) {
             IVarObjEx* v = store.GetAt(i);
             ASSERT_NE(v, nullptr);
@@ -71,10 +71,6 @@ TEST(HostVarStore, ShippedDevicesBuildStoresWhoseLookupsAgree) {
     }
 }
 
-} // namespace
-
-namespace {
-
 // Raw integer figures are shown scaled by the decimals; a hexadecimal parameter without
 // decimals shows "0x" and at least four digits.
 TEST(HostVarStore, ValueTextsFollowDecimalsAndDisplayFormat) {
@@ -83,29 +79,22 @@ TEST(HostVarStore, ValueTextsFollowDecimalsAndDisplayFormat) {
     CVarStore store(dev);
     IVarObjEx* power = store.FindByCode("H00-04"); // u16, 2 decimals, factory 40
     ASSERT_NE(power, nullptr);
-    CString text;
-    power->GetValueText(text);
-    EXPECT_EQ(text, CString("0.40"));
+    auto text = [](IVarObjEx* v) { return TextOf(v, &IVarObjEx::GetValueText); };
+    EXPECT_EQ(text(power), CString("0.40"));
     power->SetValue(Variant::UI2(65535));
-    power->GetValueText(text);
-    EXPECT_EQ(text, CString("655.35"));
-    power->GetSetValueText(text);
-    EXPECT_TRUE(text.IsEmpty()) << "no set value yet";
+    EXPECT_EQ(text(power), CString("655.35"));
+    EXPECT_TRUE(TextOf(power, &IVarObjEx::GetSetValueText).IsEmpty()) << "no set value yet";
     power->SetSetValue(Variant::UI2(5));
-    power->GetSetValueText(text);
-    EXPECT_EQ(text, CString("0.05"));
+    EXPECT_EQ(TextOf(power, &IVarObjEx::GetSetValueText), CString("0.05"));
 
     IVarObjEx* serial = store.FindByCode("H01-17"); // u32, hexadecimal display
     ASSERT_NE(serial, nullptr);
     serial->SetValue(Variant::UI4(4294967295u));
-    serial->GetValueText(text);
-    EXPECT_EQ(text, CString("0xFFFFFFFF"));
+    EXPECT_EQ(text(serial), CString("0xFFFFFFFF"));
     serial->SetValue(Variant::UI4(255));
-    serial->GetValueText(text);
-    EXPECT_EQ(text, CString("0x00FF"));
+    EXPECT_EQ(text(serial), CString("0x00FF"));
     serial->SetValue(Variant());
-    serial->GetValueText(text);
-    EXPECT_TRUE(text.IsEmpty());
+    EXPECT_TRUE(text(serial).IsEmpty());
 }
 
 } // namespace

@@ -3,12 +3,14 @@
 
 #include "module/host/IMessage_ModuleUploadEvent.h"
 #include "module/host/IRefreshQueryEvent.h"
+#include "module/host/IVarAttr.h"
 #include "zorhost/ReferenceHost.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace simtest {
@@ -27,6 +29,21 @@ struct RefreshListener : IRefreshQueryEvent {
             then();
     }
 };
+
+// Asks the next refresh cycle for `vars` of module `key`.
+inline void Submit(IHostRefreshService& refresh, const char* key, std::vector<IVarObjEx*> vars) {
+    std::unique_ptr<IHostRefreshQuery> q(refresh.NewQuery());
+    q->SetKind(1);
+    q->SetModuleKey(key);
+    for (IVarObjEx* v : vars) {
+        IHostRefreshItem* item = q->NewItem();
+        item->SetAddress(v->GetInstanceAddress());
+        item->SetDataType(v->GetAttr()->GetDataType());
+        item->SetLength(v->GetAttr()->GetValueLength());
+        ASSERT_TRUE(q->AddItem(item));
+    }
+    refresh.SubmitQuery(q.get());
+}
 
 class DemoHost : public ::testing::Test {
 protected:

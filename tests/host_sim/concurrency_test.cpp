@@ -1,13 +1,9 @@
 #include "SimFixture.h"
 
-#include "module/host/IVarAttr.h"
-
 #include <atomic>
 #include <thread>
 
 using namespace simtest;
-
-namespace {} // namespace
 
 // Recipes read and write one parameter at a time on a worker while the user-interface
 // thread keeps ticking: drive steps, refresh cycles and the worker's traffic share the drive.
@@ -28,13 +24,7 @@ TEST_F(DemoHost, WorkerTrafficBesideTheHostTick) {
     });
     IVarObjEx* speedVar = Var("ZD3S", speed);
     while (!done) {
-        std::unique_ptr<IHostRefreshQuery> q(host.Refresh().NewQuery());
-        q->SetModuleKey("ZD3S");
-        IHostRefreshItem* item = q->NewItem();
-        item->SetAddress(speed);
-        item->SetDataType(speedVar->GetAttr()->GetDataType());
-        q->AddItem(item);
-        host.Refresh().SubmitQuery(q.get());
+        Submit(host.Refresh(), "ZD3S", {speedVar});
         host.Tick(10);
     }
     worker.join();

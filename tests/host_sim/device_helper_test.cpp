@@ -1,16 +1,27 @@
 #include "SimFixture.h"
 
-#include "module/host/IVarAttr.h"
-
 using namespace simtest;
 
 namespace {
 
-std::string Joined(const std::vector<CString>& errors) {
-    std::string all;
-    for (const CString& e : errors)
-        all += e.str() + "|";
-    return all;
+// A typed write as the frame makes it (200 ms a try, three tries): what it took and said.
+struct Written {
+    BOOL ok = 0;
+    Variant taken;
+    std::vector<CString> errors;
+    std::string Why() const {
+        std::string all;
+        for (const CString& e : errors)
+            all += e.str() + "|";
+        return all;
+    }
+};
+
+Written Write(IHostDeviceHelper& helper, const char* key, UINT address, int type,
+              const Variant& value) {
+    Written w;
+    w.ok = helper.WriteVarDirect(key, address, type, value, w.taken, w.errors, 1, 200, 3);
+    return w;
 }
 
 } // namespace
@@ -36,26 +47,24 @@ TEST_F(DemoHost, RefusedWritesLeaveTheDriveValueAndSayWhy) {
         d.SetRunning(c.running);
         const UINT a = Address("ZD3S", c.code);
         const double before = Peek("ZD3S", a);
-        std::vector<CString> errors;
-        Variant result;
-        EXPECT_FALSE(helper->WriteVarDirect("ZD3S", a, Var("ZD3S", a)->GetAttr()->GetDataType(),
-                                            c.value, result, errors, 1, 200, 3));
+        const Written w =
+            Write(*helper, "ZD3S", a, Var("ZD3S", a)->GetAttr()->GetDataType(), c.value);
+        EXPECT_FALSE(w.ok);
         EXPECT_EQ(Peek("ZD3S", a), before);
-        ASSERT_EQ(errors.size(), 1u) << Joined(errors);
-        EXPECT_NE(errors[0].str().find(c.why), std::string::npos) << errors[0];
-        EXPECT_EQ(errors[0].str().rfind(c.code, 0), 0u) << "the text names the parameter";
-        EXPECT_TRUE(result.IsEmpty());
+        ASSERT_EQ(w.errors.size(), 1u) << w.Why();
+        EXPECT_NE(w.errors[0].str().find(c.why), std::string::npos) << w.Why();
+        EXPECT_EQ(w.errors[0].str().rfind(c.code, 0), 0u) << "the text names the parameter";
+        EXPECT_TRUE(w.taken.IsEmpty());
     }
 
     // The same parameter at standstill, and within its limits, is taken.
     d.SetRunning(false);
     const UINT a = Address("ZD3S", "H02-00");
-    std::vector<CString> errors;
-    Variant result;
-    EXPECT_TRUE(helper->WriteVarDirect("ZD3S", a, 18, Variant::UI2(1), result, errors, 1, 200, 3));
-    EXPECT_TRUE(errors.empty()) << Joined(errors);
+    const Written taken = Write(*helper, "ZD3S", a, 18, Variant::UI2(1));
+    EXPECT_TRUE(taken.ok);
+    EXPECT_TRUE(taken.errors.empty()) << taken.Why();
     EXPECT_EQ(Peek("ZD3S", a), 1);
-    EXPECT_EQ(result, Variant::UI2(1));
+    EXPECT_EQ(taken.taken, Variant::UI2(1));
 
     // Limits linked to another parameter follow that parameter's live value.
     const UINT linked = Address("ZD3S", "H06-08"), limit = Address("ZD3S", "H06-02");
@@ -66,30 +75,25 @@ TEST_F(DemoHost, RefusedWritesLeaveTheDriveValueAndSayWhy) {
     EXPECT_TRUE(helper->WriteParameter("ZD3S", linked, 3500));
 
     host.SetEnglish(true);
-    errors.clear();
-    helper->WriteVarDirect("ZD3S", Address("ZD3S", "H02-09"), 18, Variant::UI2(5), result, errors,
-                           1, 200, 3);
-    ASSERT_EQ(errors.size(), 1u);
-    EXPECT_EQ(errors[0], CString("H02-09: value out of range (50 to 1000)"));
+    EXPECT_EQ(Write(*helper, "ZD3S", Address("ZD3S", "H02-09"), 18, Variant::UI2(5)).errors,
+              std::vector<CString>{"H02-09: value out of range (50 to 1000)"});
 }
 
 TEST_F(DemoHost, DirectAccessTriesAgainOnlyWhenTryingCanHelp) {
     auto& helper = host.DeviceHelper();
     SimulatedDrive& d = *host.Drive("ZD3S");
     const UINT a = Address("ZD3S", "H02-08");
-    std::vector<CString> errors;
-    Variant result, value;
+    Variant value;
 
     d.SetFailure(FailureMode::FailWrites, {a});
     d.TakeRequests();
-    EXPECT_FALSE(helper.WriteVarDirect("ZD3S", a, 18, Variant::UI2(7), result, errors, 1, 200, 3));
+    Written w = Write(helper, "ZD3S", a, 18, Variant::UI2(7));
+    EXPECT_FALSE(w.ok);
     EXPECT_EQ(d.TakeRequests().size(), 3u) << "a communication error is tried again";
-    EXPECT_NE(errors.at(0).str().find("通讯错误"), std::string::npos);
+    EXPECT_NE(w.errors.at(0).str().find("通讯错误"), std::string::npos);
     d.ClearFailures();
 
-    errors.clear();
-    EXPECT_FALSE(
-        helper.WriteVarDirect("ZD3S", a, 18, Variant::UI2(9999), result, errors, 1, 200, 3));
+    EXPECT_FALSE(Write(helper, "ZD3S", a, 18, Variant::UI2(9999)).ok);
     EXPECT_EQ(d.TakeRequests().size(), 1u) << "a refusal will not change its mind";
 
     d.SetFailure(FailureMode::Slow);
@@ -99,24 +103,32 @@ TEST_F(DemoHost, DirectAccessTriesAgainOnlyWhenTryingCanHelp) {
     EXPECT_EQ(value, Variant::UI2(250));
     d.ClearFailures();
 
-    host.SetOnline("ZD3S", false);
-    errors.clear();
-    EXPECT_FALSE(helper.WriteVarDirect("ZD3S", a, 18, Variant::UI2(7), result, errors, 1, 200, 3));
-    EXPECT_NE(errors.at(0).str().find("设备离线"), std::string::npos);
+    // A recipe's access is one request, not the tries of an interactive write.
+    d.SetFailure(FailureMode::FailWrites, {a});
+    d.SetFailure(FailureMode::FailReads, {a});
+    d.TakeRequests();
     double number = 0;
+    EXPECT_FALSE(helper.WriteParameter("ZD3S", a, 100));
+    EXPECT_FALSE(helper.ReadParameter("ZD3S", a, number));
+    EXPECT_FALSE(helper.WriteParameterAs("ZD3S", a, 18, 100));
+    EXPECT_EQ(d.TakeRequests().size(), 3u);
+    d.ClearFailures();
+
+    host.SetOnline("ZD3S", false);
+    w = Write(helper, "ZD3S", a, 18, Variant::UI2(7));
+    EXPECT_FALSE(w.ok);
+    EXPECT_NE(w.errors.at(0).str().find("设备离线"), std::string::npos);
     EXPECT_FALSE(helper.ReadParameter("ZD3S", a, number));
     host.SetOnline("ZD3S", true);
 
-    errors.clear();
-    EXPECT_FALSE(helper.WriteVarDirect("NOPE", a, 18, Variant::UI2(7), result, errors, 1, 200, 3));
-    EXPECT_EQ(errors.size(), 1u);
+    w = Write(helper, "NOPE", a, 18, Variant::UI2(7));
+    EXPECT_FALSE(w.ok);
+    EXPECT_EQ(w.errors.size(), 1u);
 
     // 32-bit values travel whole, signed ones with their sign.
     const UINT wide = Address("ZD3S", "H05-34"); // i32
-    errors.clear();
-    EXPECT_TRUE(
-        helper.WriteVarDirect("ZD3S", wide, 3, Variant::I4(-1000000), result, errors, 1, 200, 3))
-        << Joined(errors);
+    w = Write(helper, "ZD3S", wide, 3, Variant::I4(-1000000));
+    EXPECT_TRUE(w.ok) << w.Why();
     EXPECT_TRUE(helper.ReadVarDirect("ZD3S", wide, 3, value, 200, 3));
     EXPECT_EQ(value, Variant::I4(-1000000));
     EXPECT_TRUE(helper.ReadParameter("ZD3S", wide, number));
@@ -147,19 +159,16 @@ TEST_F(DemoHost, PasswordRegistersAndAuthorityOfTheDrive) {
 
     // A factory-level parameter is the drive's to refuse until the code is given.
     const UINT motorCode = Address("ZD3S", "H00-00");
-    std::vector<CString> errors;
-    Variant result;
-    EXPECT_FALSE(helper.WriteVarDirect("ZD3S", motorCode, 18, Variant::UI2(2000), result, errors, 1,
-                                       200, 3));
-    EXPECT_NE(errors.at(0).str().find("权限不足"), std::string::npos);
+    const Written refused = Write(helper, "ZD3S", motorCode, 18, Variant::UI2(2000));
+    EXPECT_FALSE(refused.ok);
+    EXPECT_NE(refused.errors.at(0).str().find("权限不足"), std::string::npos);
 
     EXPECT_TRUE(helper.WriteNamedVar("ZD3S", "InputPassword", SimulatedDrive::kFactoryCode - 1));
     EXPECT_EQ(readAuthority(), SimulatedDrive::kBaseAuthority) << "a wrong code grants nothing";
     EXPECT_TRUE(helper.WriteNamedVar("ZD3S", "InputPassword", SimulatedDrive::kFactoryCode));
     EXPECT_EQ(readAuthority(), 3);
     EXPECT_EQ(Peek("ZD3S", Address("ZD3S", "H02-19")), 0) << "codes are not kept readable";
-    EXPECT_TRUE(helper.WriteVarDirect("ZD3S", motorCode, 18, Variant::UI2(2000), result, errors, 1,
-                                      200, 3));
+    EXPECT_TRUE(Write(helper, "ZD3S", motorCode, 18, Variant::UI2(2000)).ok);
 
     EXPECT_TRUE(helper.WriteNamedVar("ZD3S", "InputPassword", SimulatedDrive::kLogoutCode));
     EXPECT_EQ(readAuthority(), SimulatedDrive::kBaseAuthority);
@@ -167,14 +176,7 @@ TEST_F(DemoHost, PasswordRegistersAndAuthorityOfTheDrive) {
 
     // The cyclic read carries "Authority" to the variable the module polls.
     EXPECT_TRUE(helper.WriteNamedVar("ZD3S", "TempAuthority", SimulatedDrive::kFactoryCode));
-    std::unique_ptr<IHostRefreshQuery> q(host.Refresh().NewQuery());
-    q->SetModuleKey("ZD3S");
-    IHostRefreshItem* item = q->NewItem();
-    item->SetAddress(authority->GetInstanceAddress());
-    item->SetDataType(18);
-    item->SetLength(2);
-    ASSERT_TRUE(q->AddItem(item));
-    host.Refresh().SubmitQuery(q.get());
+    Submit(host.Refresh(), "ZD3S", {authority});
     host.Refresh().RunCycle();
     EXPECT_EQ(authority->GetValue(), Variant::UI2(3));
     EXPECT_EQ(d.Authority(), 3);

@@ -1,6 +1,6 @@
 #include "SimFixture.h"
 
-#include <cmath>
+#include <algorithm>
 
 using namespace simtest;
 using zorhost::device::DataType;
@@ -92,6 +92,10 @@ TEST_F(DemoHost, LinkFaultsAndLatencyAsTheCallerSeesThem) {
     d.SetLatency(300);
     EXPECT_EQ(d.Read(a, w, 200).status, sim::LinkStatus::Timeout);
     EXPECT_TRUE(d.Read(a, w, 500).ok());
+    d.SetLatency_us(4900); // whole milliseconds, rounded up
+    EXPECT_EQ(d.Latency(), 5);
+    EXPECT_TRUE(d.Read(a, w, 5).ok());
+    EXPECT_EQ(d.Read(a, w, 4).status, sim::LinkStatus::Timeout);
     d.SetLatency(1);
     d.SetFailure(FailureMode::Slow);
     EXPECT_EQ(d.Read(a, w, 500).status, sim::LinkStatus::Timeout);
@@ -107,6 +111,13 @@ TEST_F(DemoHost, LinkFaultsAndLatencyAsTheCallerSeesThem) {
     w[0] = 100;
     EXPECT_TRUE(d.Write(a, w, 200).ok()) << "read faults leave writes alone";
     EXPECT_EQ(d.Write(a + 1, w, 200).status, sim::LinkStatus::Error);
+    // A refusal is the drive's answer: nothing to try again.
+    d.SetFailure(FailureMode::RefuseWrites, {a + 2});
+    const sim::LinkResult refused = d.Write(a + 2, w, 200);
+    EXPECT_EQ(refused.status, sim::LinkStatus::Refused);
+    EXPECT_EQ(refused.refusal, sim::Refusal::AccessDenied);
+    EXPECT_FALSE(refused.transient());
+    EXPECT_TRUE(d.Read(a + 2, w, 200).ok());
 
     d.SetFailure(FailureMode::Offline);
     EXPECT_FALSE(d.IsOnline());
@@ -114,8 +125,31 @@ TEST_F(DemoHost, LinkFaultsAndLatencyAsTheCallerSeesThem) {
     EXPECT_EQ(d.Read(a + 1, w, 200).status, sim::LinkStatus::Offline);
     d.ClearFailures();
     EXPECT_TRUE(d.IsOnline());
+    EXPECT_FALSE(d.HasFailure(FailureMode::RefuseWrites));
+    EXPECT_TRUE(d.Write(a + 2, w, 200).ok());
     EXPECT_TRUE(d.Read(a, w, 200).ok());
     EXPECT_EQ(w[0], 100);
+
+    // A failure rate fails that share of requests, the same ones for the same seed.
+    auto failures = [&](double rate, std::uint32_t seed) {
+        d.SetFailureRate(rate, seed);
+        std::vector<bool> failed;
+        for (int i = 0; i < 2000; ++i) {
+            const sim::LinkResult r = d.Read(a, w, 200);
+            EXPECT_TRUE(r.ok() || r.status == sim::LinkStatus::Error);
+            failed.push_back(!r.ok());
+        }
+        return failed;
+    };
+    const auto none = failures(0, 1), first = failures(0.25, 7);
+    EXPECT_EQ(std::count(none.begin(), none.end(), true), 0);
+    const long count = std::count(first.begin(), first.end(), true);
+    EXPECT_GT(count, 400);
+    EXPECT_LT(count, 600);
+    EXPECT_EQ(failures(0.25, 7), first);
+    EXPECT_NE(failures(0.25, 8), first);
+    d.ClearFailures();
+    EXPECT_EQ(d.FailureRate(), 0);
 
     EXPECT_EQ(d.Read(0xFFF0, w, 200).refusal, sim::Refusal::IllegalAddress);
     const UINT wide = Address("ZD3S", "H05-23"); // u32

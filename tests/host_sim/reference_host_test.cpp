@@ -1,14 +1,11 @@
 #include "SimFixture.h"
+#include "TextOf.h"
 
 #include "module/host/IHostModuleManager.h"
-#include "module/host/IHostWorkerThread.h"
 
 #include <afx/afxwin.h>
 
 #include <malloc.h>
-
-#include <atomic>
-#include <thread>
 
 using namespace simtest;
 
@@ -32,9 +29,7 @@ TEST_F(DemoHost, DemoProjectAndTheServicesThroughTheCallback) {
         IHostDeviceModule* m = list->GetModuleAt(i);
         EXPECT_TRUE(m->IsOnline());
         EXPECT_EQ(m->GetAxisIndex(), i + 1);
-        CString name;
-        m->GetDisplayName(name);
-        EXPECT_FALSE(name.IsEmpty());
+        EXPECT_FALSE(TextOf(m, &IHostDeviceModule::GetDisplayName).IsEmpty());
     }
     EXPECT_EQ(Ask<IHostRefreshService>(host), &host.Refresh());
     EXPECT_EQ(Ask<IHostDeviceHelper>(host), &host.DeviceHelper());
@@ -127,40 +122,6 @@ TEST(ReferenceHostProject, BrokenProjectsAreRefusedWhole) {
     double other = -1;
     ASSERT_TRUE(host.Drive("SECOND")->PeekRaw(a, other));
     EXPECT_EQ(other, host.Drive("SECOND")->Device().parameters[10].factoryValue);
-}
-
-// A worker made through the host's factory is never freed under its running function.
-TEST_F(DemoHost, WorkerReleaseWaitsForItsFunction) {
-    auto* manager = Ask<IHostModuleManager>(host);
-    ASSERT_NE(manager, nullptr);
-    auto* worker =
-        static_cast<IHostWorkerThread*>(manager->CreateInstance(IHostWorkerThread::kIID));
-    ASSERT_NE(worker, nullptr);
-    struct Shared {
-        std::atomic<bool> started{false};
-        std::atomic<bool> ended{false};
-    } shared;
-    worker->SetUserData(&shared);
-    worker->SetWaitTimeout(-1);
-    ASSERT_TRUE(worker->Start(
-        [](void* arg) -> unsigned {
-            auto* self = static_cast<IHostWorkerThread*>(arg);
-            auto* s = static_cast<Shared*>(self->GetUserData());
-            s->started = true;
-            while (!self->IsStopRequested())
-                self->Wait(500);
-            // Work that outlasts the stop request: Release must wait for it.
-            volatile unsigned sum = 0;
-            for (unsigned i = 0; i < 20'000'000; ++i)
-                sum = sum + i;
-            s->ended = true;
-            return sum & 0;
-        },
-        0, worker));
-    while (!shared.started)
-        std::this_thread::yield();
-    worker->Release();
-    EXPECT_TRUE(shared.ended) << "Release returned before the function ended";
 }
 
 TEST_F(DemoHost, OscilloscopeWindowAndBusyState) {

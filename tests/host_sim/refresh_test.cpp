@@ -1,29 +1,8 @@
 #include "SimFixture.h"
 
-#include "module/host/IVarAttr.h"
-
 #include <algorithm>
-#include <functional>
 
 using namespace simtest;
-
-namespace {
-
-void Submit(IHostRefreshService& refresh, const char* key, std::vector<IVarObjEx*> vars) {
-    std::unique_ptr<IHostRefreshQuery> q(refresh.NewQuery());
-    q->SetKind(1);
-    q->SetModuleKey(key);
-    for (IVarObjEx* v : vars) {
-        IHostRefreshItem* item = q->NewItem();
-        item->SetAddress(v->GetAttr()->GetAddress());
-        item->SetDataType(v->GetAttr()->GetDataType());
-        item->SetLength(v->GetAttr()->GetValueLength());
-        ASSERT_TRUE(q->AddItem(item));
-    }
-    refresh.SubmitQuery(q.get());
-}
-
-} // namespace
 
 TEST_F(DemoHost, RefreshCycleReadsExactlyTheAddressesAskedAndStoresThem) {
     auto* refresh = host.Services().Get<IHostRefreshService>();

@@ -1,7 +1,5 @@
 #include "SimFixture.h"
 
-#include "module/host/IVarAttr.h"
-
 using namespace simtest;
 
 TEST_F(DemoHost, UploadReadsTheModuleIntoItsVariablesAndEndsWithTheEvent) {

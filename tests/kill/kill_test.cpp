@@ -1,8 +1,9 @@
-#include "TestFiles.h"
 // Every file the program writes, killed mid-save: a saver writes two versions of a large
 // file over one path in turn and is killed with SIGKILL at random moments. After each kill
 // the file is one version whole, and at most the killed save's temporary lies beside it
 // (the next save removes it).
+#include "TestFiles.h"
+
 #include <afx/afxfile.h>
 
 #include <gtest/gtest.h>
@@ -12,7 +13,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <dirent.h>
+#include <filesystem>
 #include <fstream>
 #include <random>
 #include <spawn.h>
@@ -81,11 +82,8 @@ private:
 
 int CountTemporaries(const std::string& dir, const std::string& name) {
     int count = 0;
-    if (DIR* folder = ::opendir(dir.c_str())) {
-        while (const dirent* entry = ::readdir(folder))
-            count += AfxIsSaveTemporary(entry->d_name, name) ? 1 : 0;
-        ::closedir(folder);
-    }
+    for (const auto& entry : std::filesystem::directory_iterator(dir))
+        count += AfxIsSaveTemporary(entry.path().filename().string(), name) ? 1 : 0;
     return count;
 }
 
@@ -159,7 +157,7 @@ TEST_P(KillTest, FileIsAlwaysOneWholeVersion) {
     EXPECT_GT(whole, 0) << "no save ever ended: the kills prove nothing";
     std::printf("%s: %d kills, %d in the middle of a save, %d files checked\n", kind.kind, round,
                 midSave, whole);
-    std::system(("rm -rf " + dir).c_str());
+    std::filesystem::remove_all(dir);
 }
 
 // zxd: the time (year to second) and the header checksum that covers it.

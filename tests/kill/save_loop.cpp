@@ -44,14 +44,6 @@ namespace {
 
 using Saver = std::function<bool(const std::string& path, int version)>;
 
-std::vector<IVarObjEx*> VarsOf(IHostDeviceModule* module) {
-    std::vector<IVarObjEx*> vars;
-    IVarStore* store = module->GetVarList();
-    for (int i = 0; i < store->GetCount(); ++i)
-        vars.push_back(store->GetAt(i));
-    return vars;
-}
-
 struct Scene {
     zorhost::ReferenceHost host;
     zorhost::model::CDeviceModule* modules[2] = {};
@@ -89,8 +81,9 @@ bool Setup(Scene& s, const std::string& dir, int rows) {
     RegisterTableResources(h);
     theApp.SetQueryInterfaceCallback(s.host.Services().Context(), &zorhost::HostServices::Query);
     for (int v = 0; v < 2; ++v) {
-        s.modules[v] = s.host.Module(v == 0 ? "BIG" : "HALF");
-        s.vars[v] = VarsOf(s.modules[v]);
+        const char* key = v == 0 ? "BIG" : "HALF";
+        s.modules[v] = s.host.Module(key);
+        s.host.Transfer().GetModuleVars(key, s.vars[v]);
         auto& store = s.modules[v]->Store();
         for (IVarObjEx* var : s.vars[v]) {
             CString key;

@@ -6,8 +6,11 @@
 #include "module/host/IMessage_ModuleUploadEvent.h"
 #include "zorhost/ReferenceHost.h"
 #include "zorhost/device/DeviceLoader.h"
+#include "zorhost/link/RegisterMap.h"
+#include "zorhost/services/ParamRecord.h"
 
-#include <QCoreApplication>
+#include <afx/afxtest.h>
+
 #include <QElapsedTimer>
 
 #include <gtest/gtest.h>
@@ -16,17 +19,6 @@
 #include <memory>
 
 namespace linktest {
-
-inline bool PumpUntil(const std::function<bool()>& done, int timeout_ms) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!done()) {
-        if (clock.elapsed() > timeout_ms)
-            return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
-    return true;
-}
 
 inline zorhost::link::LinkSettings TcpLink(int port) {
     zorhost::link::LinkSettings s;
@@ -40,6 +32,35 @@ inline zorhost::link::LinkSettings TcpLink(int port) {
     return s;
 }
 
+// A project of one servo at `key` that zordrive-sim serves at `port`.
+inline zorhost::ProjectSetup TcpProject(const char* key, int port) {
+    zorhost::ProjectSetup setup;
+    zorhost::ModuleSetup& m = setup.modules.emplace_back();
+    m.deviceFile = "zd3s_servo.json";
+    m.key = key;
+    m.link = TcpLink(port);
+    return setup;
+}
+
+// Records for a download, owned here.
+struct Records {
+    std::vector<std::unique_ptr<zorhost::CParamRecord>> owned;
+    std::vector<IRWDataItem*> items;
+    void Add(std::uint32_t address, const Variant& value) {
+        auto& r = owned.emplace_back(std::make_unique<zorhost::CParamRecord>());
+        r->SetRecordAddress(address);
+        r->SetRecordValue(value);
+        items.push_back(r.get());
+    }
+    // Every parameter a user may change at any time, with the raw value `raw` gives it.
+    template <class Raw> void AddWritable(const zorhost::device::DeviceDescription& d, Raw raw) {
+        for (const auto& p : d.parameters)
+            if (p.modifyMode == zorhost::device::ModifyMode::Any && p.accessLevel <= 1 &&
+                zorhost::sim::RegisterCount(p.dataType) > 0)
+                Add(p.address, zorhost::RawToVariant(p.dataType, raw(p)));
+    }
+};
+
 class TcpHost : public ::testing::Test, public IMessage_ModuleUploadEvent {
 protected:
     static constexpr const char* kKey = "SERVO";
@@ -49,14 +70,8 @@ protected:
             std::vector<std::string>{"--tcp", "127.0.0.1:0", "zd3s_servo.json"});
         ASSERT_TRUE(sim->Started()) << "zordrive-sim did not start";
         Address("H00-00"); // loads the description
-        zorhost::ProjectSetup setup;
-        zorhost::ModuleSetup m;
-        m.deviceFile = "zd3s_servo.json";
-        m.key = kKey;
-        m.link = TcpLink(sim->Port());
-        setup.modules.push_back(m);
         std::string error;
-        ASSERT_TRUE(host.LoadProject(setup, &error)) << error;
+        ASSERT_TRUE(host.LoadProject(TcpProject(kKey, sim->Port()), &error)) << error;
         host.Services().Get<IHostMessageBus>()->Subscribe(IMessage_ModuleUploadEvent::kIID, this);
     }
     void TearDown() override {

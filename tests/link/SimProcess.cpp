@@ -14,6 +14,7 @@ namespace linktest {
 namespace {
 
 constexpr int kStart_ms = 10000;
+using Clock = std::chrono::steady_clock;
 
 int Spawn(const std::vector<std::string>& argv, int* in, int* out) {
     int toChild[2], fromChild[2];
@@ -38,13 +39,28 @@ int Spawn(const std::vector<std::string>& argv, int* in, int* out) {
 }
 
 bool WaitExit(int pid, int timeout_ms) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout_ms);
-    while (std::chrono::steady_clock::now() < end) {
+    const auto end = Clock::now() + std::chrono::milliseconds(timeout_ms);
+    while (Clock::now() < end) {
         if (::waitpid(pid, nullptr, WNOHANG) == pid)
             return true;
         ::poll(nullptr, 0, 10);
     }
     return false;
+}
+
+// Appends what `fd` has before `end`; false at the end of the output or the time.
+bool ReadSome(int fd, Clock::time_point end, std::string& to) {
+    const auto left =
+        std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
+    pollfd p{fd, POLLIN, 0};
+    if (left <= 0 || ::poll(&p, 1, int(left)) <= 0)
+        return false;
+    char chunk[512];
+    const ssize_t n = ::read(fd, chunk, sizeof chunk);
+    if (n <= 0)
+        return false;
+    to.append(chunk, size_t(n));
+    return true;
 }
 
 } // namespace
@@ -75,25 +91,14 @@ void SimProcess::Kill() {
 }
 
 std::string SimProcess::ReadLine(int timeout_ms) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout_ms);
-    for (;;) {
-        const size_t nl = m_buffer.find('\n');
-        if (nl != std::string::npos) {
-            std::string line = m_buffer.substr(0, nl);
-            m_buffer.erase(0, nl + 1);
-            return line;
-        }
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-            end - std::chrono::steady_clock::now());
-        pollfd p{m_out, POLLIN, 0};
-        if (left.count() <= 0 || ::poll(&p, 1, int(left.count())) <= 0)
+    const auto end = Clock::now() + std::chrono::milliseconds(timeout_ms);
+    size_t nl;
+    while ((nl = m_buffer.find('\n')) == std::string::npos)
+        if (!ReadSome(m_out, end, m_buffer))
             return {};
-        char chunk[256];
-        const ssize_t n = ::read(m_out, chunk, sizeof chunk);
-        if (n <= 0)
-            return {};
-        m_buffer.append(chunk, size_t(n));
-    }
+    std::string line = m_buffer.substr(0, nl);
+    m_buffer.erase(0, nl + 1);
+    return line;
 }
 
 int SimProcess::Port() const {
@@ -121,18 +126,8 @@ std::string RunCapture(const std::vector<std::string>& argv, int timeout_ms) {
         return {};
     ::close(in);
     std::string text;
-    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout_ms);
-    for (;;) {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-            end - std::chrono::steady_clock::now());
-        pollfd p{out, POLLIN, 0};
-        if (left.count() <= 0 || ::poll(&p, 1, int(left.count())) <= 0)
-            break;
-        char chunk[512];
-        const ssize_t n = ::read(out, chunk, sizeof chunk);
-        if (n <= 0)
-            break;
-        text.append(chunk, size_t(n));
+    const auto end = Clock::now() + std::chrono::milliseconds(timeout_ms);
+    while (ReadSome(out, end, text)) {
     }
     ::close(out);
     if (!WaitExit(pid, 100)) {

@@ -5,8 +5,8 @@
 #include "LinkFixture.h"
 
 #include "zorhost/services/HostDeviceHelper.h"
-#include "zorhost/services/ParamRecord.h"
 
+#include <QCoreApplication>
 #include <QTimer>
 
 #include <map>
@@ -63,11 +63,12 @@ protected:
     // Ends the fault and waits for the module to be back.
     void Recover(const Fault& fault) {
         host.Transfer().SetStepHook(nullptr);
-        EXPECT_TRUE(PumpUntil([&] { return sawOffline; }, 3000)) << "the module showed offline";
+        EXPECT_TRUE(AfxPumpMessagesUntil([&] { return sawOffline; }, 3000))
+            << "the module showed offline";
         if (fault.off) {
             ASSERT_TRUE(sim->Command(fault.off));
         }
-        ASSERT_TRUE(PumpUntil([&] { return host.Module(kKey)->IsOnline(); }, 8000));
+        ASSERT_TRUE(AfxPumpMessagesUntil([&] { return host.Module(kKey)->IsOnline(); }, 8000));
     }
 
     bool sawOffline = false;
@@ -101,33 +102,26 @@ TEST_F(LinkFaults, DownloadNamesEveryWriteThatDidNotHappen) {
             SCOPED_TRACE(std::string(fault.name) + " at step " + std::to_string(stage));
             ++round;
             // Values that differ from the last round's wherever the limits allow.
-            std::vector<std::unique_ptr<zorhost::CParamRecord>> owned;
-            std::vector<IRWDataItem*> records;
+            Records records;
             std::map<std::uint32_t, std::pair<zorhost::device::DataType, double>> sent;
-            for (const auto& p : device->parameters) {
-                if (p.modifyMode != zorhost::device::ModifyMode::Any || p.accessLevel > 1 ||
-                    zorhost::sim::RegisterCount(p.dataType) == 0)
-                    continue;
+            records.AddWritable(*device, [&](const zorhost::device::ParameterDef& p) {
                 double raw = p.factoryValue;
                 if (round % 2 && !p.IsMinLinked() && !p.IsMaxLinked() && raw + 1 <= p.maxValue)
                     raw += 1;
-                auto& r = owned.emplace_back(std::make_unique<zorhost::CParamRecord>());
-                r->SetRecordAddress(p.address);
-                r->SetRecordValue(zorhost::RawToVariant(p.dataType, raw));
-                records.push_back(r.get());
                 sent[p.address] = {p.dataType, raw};
-            }
+                return raw;
+            });
             Arm(fault, stage);
             downloads.clear();
             QElapsedTimer clock;
             clock.start();
-            EXPECT_FALSE(host.Transfer().DownloadRecords(nullptr, kKey, records));
+            EXPECT_FALSE(host.Transfer().DownloadRecords(nullptr, kKey, records.items));
             EXPECT_LT(clock.elapsed(), kBound_ms);
             ASSERT_EQ(downloads.size(), 1u);
             EXPECT_FALSE(downloads[0]);
             for (const auto& f : host.Transfer().LastDownloadFailures())
                 sent.erase(f.address);
-            EXPECT_LT(sent.size(), records.size());
+            EXPECT_LT(sent.size(), records.items.size());
             Recover(fault);
             zorhost::link::ModbusLink other(device, TcpLink(sim->Port()));
             ASSERT_TRUE(other.WaitOnline(3000));
@@ -163,14 +157,14 @@ TEST_F(LinkFaults, RefreshNeverHoldsTheWindow) {
         return stored;
     };
     auto storesWithin = [&](int timeout_ms) {
-        return PumpUntil([&] { return cycle() > 0; }, timeout_ms);
+        return AfxPumpMessagesUntil([&] { return cycle() > 0; }, timeout_ms);
     };
     ASSERT_TRUE(storesWithin(3000));
     for (const Fault& fault : kFaults) {
         SCOPED_TRACE(fault.name);
         sawOffline = false;
         ASSERT_TRUE(sim->Command(fault.on));
-        EXPECT_TRUE(PumpUntil(
+        EXPECT_TRUE(AfxPumpMessagesUntil(
             [&] {
                 cycle();
                 return sawOffline;
@@ -198,15 +192,10 @@ TEST_F(LinkFaults, TransfersKeepTheWindowTurning) {
     EXPECT_TRUE(ends.back());
     EXPECT_GT(ticks, 10) << "the upload held the event loop";
     ticks = 0;
-    std::vector<std::unique_ptr<zorhost::CParamRecord>> owned;
-    std::vector<IRWDataItem*> records;
-    for (const char* code : {"H02-08", "H02-09", "H02-10"}) {
-        auto& r = owned.emplace_back(std::make_unique<zorhost::CParamRecord>());
-        r->SetRecordAddress(Address(code));
-        r->SetRecordValue(Variant::UI2(100));
-        records.push_back(r.get());
-    }
-    EXPECT_TRUE(host.Transfer().DownloadRecords(nullptr, kKey, records));
+    Records records;
+    for (const char* code : {"H02-08", "H02-09", "H02-10"})
+        records.Add(Address(code), Variant::UI2(100));
+    EXPECT_TRUE(host.Transfer().DownloadRecords(nullptr, kKey, records.items));
     EXPECT_GT(ticks, 1) << "the download held the event loop";
 }
 
@@ -252,13 +241,9 @@ TEST_F(LinkFaults, AWaitEndsAtOnceWhenTheProjectClosesOrTheDriveDies) {
             sim = std::make_unique<SimProcess>(
                 std::vector<std::string>{"--tcp", "127.0.0.1:0", "zd3s_servo.json"});
             ASSERT_TRUE(sim->Started());
-            zorhost::ProjectSetup setup;
-            zorhost::ModuleSetup& m = setup.modules.emplace_back();
-            m.deviceFile = "zd3s_servo.json";
-            m.key = kKey;
-            m.link = TcpLink(sim->Port());
-            m.link.timeout_ms = 3 * kHeld_ms; // the drive is slow, not gone
-            m.link.retries = 0;
+            zorhost::ProjectSetup setup = TcpProject(kKey, sim->Port());
+            setup.modules[0].link.timeout_ms = 3 * kHeld_ms; // the drive is slow, not gone
+            setup.modules[0].link.retries = 0;
             ASSERT_TRUE(host.LoadProject(setup));
             ASSERT_TRUE(host.Module(kKey)->IsOnline());
             ASSERT_TRUE(sim->Command("latency " + std::to_string(kHeld_ms)));

@@ -1,12 +1,14 @@
 #include "LinkFixture.h"
 
 #include "module/host/IVarAttr.h"
-#include "zorhost/link/RegisterMap.h"
 #include "zorhost/services/HostDeviceHelper.h"
-#include "zorhost/services/ParamRecord.h"
 
 using namespace linktest;
+using zorhost::device::DataType;
+using zorhost::device::ParameterDef;
 using zorhost::sim::LinkStatus;
+using zorhost::sim::ReadRaw;
+using zorhost::sim::WriteRaw;
 
 // What the module does every day, over a real protocol stack: a typed value reaches the
 // drive, a 32-bit value keeps its sign, an upload brings the drive's values in blocks,
@@ -25,18 +27,12 @@ TEST_F(TcpHost, KeyFlowsCrossModbusTcp) {
     zorhost::link::ModbusLink other(device, TcpLink(sim->Port()));
     ASSERT_TRUE(other.WaitOnline(3000));
     double raw = 0;
-    ASSERT_TRUE(
-        zorhost::sim::ReadRaw(other, Address("H02-08"), zorhost::device::DataType::UInt16, raw, 300)
-            .ok());
+    ASSERT_TRUE(ReadRaw(other, Address("H02-08"), DataType::UInt16, raw, 300).ok());
     EXPECT_EQ(raw, 321);
-    ASSERT_TRUE(
-        zorhost::sim::ReadRaw(other, Address("H05-34"), zorhost::device::DataType::Int32, raw, 300)
-            .ok());
+    ASSERT_TRUE(ReadRaw(other, Address("H05-34"), DataType::Int32, raw, 300).ok());
     EXPECT_EQ(raw, -123456);
 
-    ASSERT_TRUE(zorhost::sim::WriteRaw(other, Address("H02-09"), zorhost::device::DataType::UInt16,
-                                       777, 300)
-                    .ok());
+    ASSERT_TRUE(WriteRaw(other, Address("H02-09"), DataType::UInt16, 777, 300).ok());
     const zorhost::link::LinkTraffic before = host.FieldLink(kKey)->Traffic();
     EXPECT_TRUE(host.Transfer().UploadModule(nullptr, kKey));
     ASSERT_EQ(ends.size(), 1u);
@@ -120,7 +116,7 @@ TEST_F(TcpHost, KilledSimulatorEndsTheUploadAndIsFoundAgain) {
     ASSERT_EQ(ends.size(), 1u);
     EXPECT_FALSE(ends[0]);
     EXPECT_LT(lastStep, 230) << "the upload stops at the first unanswered block";
-    EXPECT_TRUE(PumpUntil([&] { return !host.Module(kKey)->IsOnline(); }, 3000));
+    EXPECT_TRUE(AfxPumpMessagesUntil([&] { return !host.Module(kKey)->IsOnline(); }, 3000));
     EXPECT_EQ(host.FieldLink(kKey)->Read(0, std::span<std::uint16_t>(), 0).status,
               LinkStatus::Refused)
         << "a request without registers never goes out";
@@ -130,7 +126,7 @@ TEST_F(TcpHost, KilledSimulatorEndsTheUploadAndIsFoundAgain) {
     sim = std::make_unique<SimProcess>(
         std::vector<std::string>{"--tcp", "127.0.0.1:" + std::to_string(port), "zd3s_servo.json"});
     ASSERT_TRUE(sim->Started());
-    EXPECT_TRUE(PumpUntil([&] { return host.Module(kKey)->IsOnline(); }, 5000));
+    EXPECT_TRUE(AfxPumpMessagesUntil([&] { return host.Module(kKey)->IsOnline(); }, 5000));
     EXPECT_TRUE(host.Transfer().UploadModule(nullptr, kKey));
     EXPECT_TRUE(ends.back());
 }
@@ -138,52 +134,25 @@ TEST_F(TcpHost, KilledSimulatorEndsTheUploadAndIsFoundAgain) {
 // A download writes neighbours in blocks; the one value the drive refuses is the only
 // failure, named with the drive's reason, and the rest of its block still arrives.
 TEST_F(TcpHost, DownloadInBlocksNamesExactlyTheRefusedParameter) {
-    std::vector<std::unique_ptr<zorhost::CParamRecord>> owned;
-    std::vector<IRWDataItem*> records;
-    for (const auto& p : device->parameters)
-        if (p.modifyMode == zorhost::device::ModifyMode::Any && p.accessLevel <= 1 &&
-            zorhost::sim::RegisterCount(p.dataType) > 0) {
-            double raw = p.factoryValue;
-            if (p.address == Address("H02-08"))
-                raw = 600; // above its limit of 500
-            if (p.address == Address("H02-09"))
-                raw = 60;
-            auto& r = owned.emplace_back(std::make_unique<zorhost::CParamRecord>());
-            r->SetRecordAddress(p.address);
-            r->SetRecordValue(zorhost::RawToVariant(p.dataType, raw));
-            records.push_back(r.get());
-        }
-    ASSERT_GT(records.size(), 100u);
+    Records records;
+    records.AddWritable(*device, [&](const ParameterDef& p) {
+        if (p.address == Address("H02-08"))
+            return 600.0; // above its limit of 500
+        return p.address == Address("H02-09") ? 60.0 : p.factoryValue;
+    });
+    ASSERT_GT(records.items.size(), 100u);
     zorhost::link::ModbusLink& link = *host.FieldLink(kKey);
     const auto before = link.Traffic().requests;
-    EXPECT_FALSE(host.Transfer().DownloadRecords(nullptr, kKey, records));
+    EXPECT_FALSE(host.Transfer().DownloadRecords(nullptr, kKey, records.items));
     const auto& failures = host.Transfer().LastDownloadFailures();
     ASSERT_EQ(failures.size(), 1u);
     EXPECT_EQ(failures[0].address, Address("H02-08"));
     EXPECT_NE(failures[0].reason.str().find("H02-08: 设定值超出范围(0~500)"), std::string::npos)
         << failures[0].reason.str();
-    EXPECT_LT(link.Traffic().requests - before, records.size() / 3);
+    EXPECT_LT(link.Traffic().requests - before, records.items.size() / 3);
     double raw = 0;
-    ASSERT_TRUE(
-        zorhost::sim::ReadRaw(link, Address("H02-09"), zorhost::device::DataType::UInt16, raw, 300)
-            .ok());
+    ASSERT_TRUE(ReadRaw(link, Address("H02-09"), DataType::UInt16, raw, 300).ok());
     EXPECT_EQ(raw, 60);
-}
-
-// A drive that stops answering costs a bounded wait, then the module is offline; it is
-// found again once it answers.
-TEST_F(TcpHost, SilentDriveTimesOutAndReturns) {
-    ASSERT_TRUE(sim->Command("silent on"));
-    double value = 0;
-    QElapsedTimer clock;
-    clock.start();
-    EXPECT_FALSE(host.DeviceHelper().ReadParameter(kKey, Address("H02-08"), value));
-    EXPECT_LT(clock.elapsed(), 5000);
-    EXPECT_TRUE(PumpUntil([&] { return !host.Module(kKey)->IsOnline(); }, 3000));
-    ASSERT_TRUE(sim->Command("silent off"));
-    EXPECT_TRUE(PumpUntil([&] { return host.Module(kKey)->IsOnline(); }, 5000));
-    EXPECT_TRUE(host.DeviceHelper().ReadParameter(kKey, Address("H02-08"), value));
-    EXPECT_EQ(value, 250);
 }
 
 // The host runs and stops a drive on the wire by its run command; the drive's own rules
@@ -194,8 +163,8 @@ TEST_F(TcpHost, RunCommandCrossesTheLink) {
         SCOPED_TRACE(running ? "running" : "stopped");
         ASSERT_TRUE(host.SetRunning(kKey, running).ok());
         double state = -1;
-        ASSERT_TRUE(zorhost::sim::ReadRaw(*host.FieldLink(kKey), zorhost::link::kRunRegister,
-                                          zorhost::device::DataType::UInt16, state, 300)
+        ASSERT_TRUE(ReadRaw(*host.FieldLink(kKey), zorhost::link::kRunRegister, DataType::UInt16,
+                            state, 300)
                         .ok());
         EXPECT_EQ(state, running ? 1 : 0);
         EXPECT_EQ(helper.WriteParameter(kKey, Address("H02-00"), 2), running ? 0 : 1);

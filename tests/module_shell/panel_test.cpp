@@ -81,54 +81,50 @@ TEST_F(PanelTest, NoWindowFromTheHostMeansNoPanel) {
     EXPECT_TRUE(HasPanel(1));
 }
 
-// Each way of closing hands the panel back, and the next ShowPanel builds a new one.
-TEST_F(PanelTest, ClosedByTheHostsTab) {
-    IQXParmira* p = Create();
-    p->ShowPanel(0, "K0");
-    host.tabs.CloseTab(Tab(0).handle);
-    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 0);
-    p->SelectListPage(1);
-    p->SetModuleAccessLevel("K0", 3);
-    p->ShowPanel(0, "K0");
-    EXPECT_TRUE(host.tabs.activated.empty());
-    ASSERT_EQ(host.tabs.tabs.size(), 2u);
-    EXPECT_TRUE(HasPanel(1));
-    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 1);
+// Each way of closing hands the panel back, leaves the other panel alone, and the next
+// ShowPanel builds a new one.
+TEST_F(PanelTest, EachWayOfClosingHandsThePanelBack) {
+    enum Way { HostsTab, ModuleRemoved, InstanceDestroyed };
+    for (Way way : {HostsTab, ModuleRemoved, InstanceDestroyed}) {
+        SCOPED_TRACE(way);
+        IQXParmira* p = Create();
+        IQXParmira* other = Create();
+        p->ShowPanel(0, "K0");
+        other->ShowPanel(0, "K3");
+        ASSERT_TRUE(HasPanel(0));
+        if (way == HostsTab) {
+            host.tabs.CloseTab(Tab(0).handle);
+            p->SelectListPage(1);
+            p->SetModuleAccessLevel("K0", 3);
+        } else if (way == ModuleRemoved) {
+            host.bus.RaiseModuleRemoved("k0"); // keys compare case-sensitively
+            host.bus.RaiseModuleRemoved("other");
+            EXPECT_TRUE(HasPanel(0));
+            host.bus.RaiseModuleRemoved("K0");
+            EXPECT_FALSE(Tab(0).open);
+        } else {
+            EXPECT_NE(Destroy(p), 0);
+            EXPECT_TRUE(Tab(0).open); // the tab is the host's to close
+            p = Create();
+        }
+        EXPECT_FALSE(HasPanel(0));
+        EXPECT_TRUE(HasPanel(1));
+        EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 1);
+        p->ShowPanel(0, "K0");
+        EXPECT_TRUE(host.tabs.activated.empty());
+        ASSERT_EQ(host.tabs.tabs.size(), 3u);
+        EXPECT_TRUE(HasPanel(2));
+        EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 2);
+        Destroy(p);
+        Destroy(other);
+        for (auto& tab : host.tabs.tabs)
+            host.tabs.CloseTab(tab->handle);
+        host.tabs.tabs.clear();
+    }
 }
 
-TEST_F(PanelTest, ClosedWhenItsModuleIsRemoved) {
-    IQXParmira* p = Create();
-    IQXParmira* q = Create();
-    p->ShowPanel(0, "K0");
-    q->ShowPanel(0, "K3");
-    host.bus.RaiseModuleRemoved("k0"); // keys compare case-sensitively
-    host.bus.RaiseModuleRemoved("other");
-    EXPECT_TRUE(HasPanel(0));
-    EXPECT_TRUE(HasPanel(1));
-    host.bus.RaiseModuleRemoved("K0");
-    EXPECT_FALSE(Tab(0).open);
-    EXPECT_TRUE(HasPanel(1));
-    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 1);
-    p->ShowPanel(0, "K0");
-    ASSERT_EQ(host.tabs.tabs.size(), 3u);
-    EXPECT_TRUE(HasPanel(2));
-}
-
-TEST_F(PanelTest, ClosedByDestroyingTheInstance) {
-    IQXParmira* p = Create();
-    p->ShowPanel(0, "K0");
-    ASSERT_TRUE(HasPanel(0));
-    EXPECT_NE(Destroy(p), 0);
-    EXPECT_FALSE(HasPanel(0));
-    EXPECT_TRUE(Tab(0).open); // the tab is the host's to close
-    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 0);
-    IQXParmira* again = Create();
-    again->ShowPanel(0, "K0");
-    ASSERT_EQ(host.tabs.tabs.size(), 2u);
-    EXPECT_TRUE(HasPanel(1));
-}
-
-TEST_F(PanelTest, RenamingTheModuleRenamesItsTabOnly) {
+// Renaming the module renames its tab only; a language change resets every caption.
+TEST_F(PanelTest, RenameAndLanguageChangeResetTheCaptions) {
     IQXParmira* p = Create();
     IQXParmira* q = Create();
     p->ShowPanel(0, "K0");
@@ -138,17 +134,11 @@ TEST_F(PanelTest, RenamingTheModuleRenamesItsTabOnly) {
     EXPECT_EQ(Tab(1).caption, "Inverter(2)参数列表");
     host.bus.RaiseModuleRenamed("K0", "");
     EXPECT_EQ(Tab(0).caption, "参数列表");
-}
-
-TEST_F(PanelTest, LanguageChangeResetsEveryCaptionOnceTheMessageArrives) {
-    IQXParmira* p = Create();
-    IQXParmira* q = Create();
-    p->ShowPanel(0, "K0");
-    q->ShowPanel(0, "K3");
+    host.bus.RaiseModuleRenamed("K0", "Servo(Sub_1)");
     const int retranslated = host.ui.retranslations;
     host.bus.RaiseLanguageChanged();
     // Posted, not done at once.
-    EXPECT_EQ(Tab(0).caption, "Servo(Sub_1)参数列表");
+    EXPECT_EQ(Tab(0).caption, "[Servo(Sub_1)]参数列表");
     EXPECT_TRUE(AfxPumpMessagesUntil(
         [&] { return Tab(0).caption == "参数列表" && Tab(1).caption == "参数列表"; }, 5000));
     // Each panel retranslates at least its own window; frame and pages follow their own

@@ -92,7 +92,7 @@ TEST_F(ShellTest, ReleaseOnTheInstanceTellsTheHostAndEndsIt) {
     EXPECT_EQ(Module().release(&IID_IQXParmira, &v), 0);
 }
 
-TEST_F(ShellTest, NullCallbackAfterARealOneCutsTheHostOffButKeepsTheSinks) {
+TEST_F(ShellTest, NullCallbackCutsTheHostOffButKeepsTheSinksAndARealOneAddsThemAgain) {
     host.AddModule("A", "DriveA", "X", 1, 3);
     EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_LanguageChanged), 1);
     EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_MDIActive), 1);
@@ -111,9 +111,8 @@ TEST_F(ShellTest, NullCallbackAfterARealOneCutsTheHostOffButKeepsTheSinks) {
     EXPECT_TRUE(host.tabs.tabs.empty());
     EXPECT_EQ(host.asked.size(), asked); // nobody asked the host anything
     EXPECT_NE(Destroy(p), 0);
-}
 
-TEST_F(ShellTest, ASecondCallbackSubscribesTheSinksAgain) {
+    // A second real callback subscribes the sinks again.
     Module().setCallback(reinterpret_cast<uintptr_t>(&host), &TestHost::Query);
     EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_LanguageChanged), 2);
     EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_MDIActive), 2);

@@ -12,7 +12,6 @@ ModuleExports& Module() {
     return exports;
 }
 
-// ---------------------------------------------------------------- tabs
 FakeTabs::~FakeTabs() {
     for (auto& tab : tabs)
         if (tab->open)
@@ -76,7 +75,6 @@ QWidget* FakeTabs::PanelOf(HWND parent) {
     return nullptr;
 }
 
-// ---------------------------------------------------------------- host
 TestHost::TestHost() {
     ui.makeTranslators = true;
 }

@@ -1,5 +1,6 @@
 // The recipe dialog as the host opens it: tree, rows, and the backup and restore jobs
 // against the simulated drive.
+#include "TextOf.h"
 #include "recipe_fixture.h"
 
 #include "module/Implementation.h"
@@ -41,9 +42,7 @@ void RunRecipeDialog(const char* key, const std::function<void(COneKeyParseRecip
 
 TEST_F(RecipeTest, DialogListsEveryTransferableParameterOnceAndTheTreeNarrowsIt) {
     RunRecipeDialog(kKey, [&](COneKeyParseRecipeDialog& dlg) {
-        CString title;
-        dlg.GetWindowText(title);
-        EXPECT_EQ(title, "编辑配方");
+        EXPECT_EQ(TextOf(&dlg, &CWnd::GetWindowText), "编辑配方");
         EXPECT_EQ(dlg.GetModule(), Module());
         HTREEITEM root = dlg.m_tree.GetRootItem();
         EXPECT_EQ(dlg.m_tree.GetItemText(root), "所有参数");

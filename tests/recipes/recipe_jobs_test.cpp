@@ -2,7 +2,7 @@
 // the recipe file through the host's file object, and what the user is shown.
 #include "recipe_fixture.h"
 
-#include "../link/SimProcess.h"
+#include "../link/LinkFixture.h"
 
 #include "module/ParmiraApp.h"
 #include "module/host/IHostDeviceModule.h"
@@ -225,26 +225,21 @@ TEST_F(RecipeJobTest, ReadFailureNamesTheParameterAndWritesNoFile) {
     EXPECT_FALSE(std::filesystem::exists(path));
 }
 
-TEST_F(RecipeJobTest, FactoryCodeRefusedStopsARestoreBeforeAnyWrite) {
-    const std::string path = temp / "y.zorparam";
-    ASSERT_EQ(Backup(path), "配方保存成功！");
-    Drive().SetFailure(FailureMode::RefuseWrites, {kFactoryCodeAddress});
-    Drive().TakeRequests();
-    EXPECT_TRUE(RestoreLists(path).empty());
-    EXPECT_EQ(LastMessage(), "厂家密码写失败!");
-    const auto requests = Drive().TakeRequests();
-    ASSERT_EQ(requests.size(), 1u);
-    EXPECT_EQ(requests[0].address, kFactoryCodeAddress);
-}
-
-// A backup without the factory level reads nothing and keeps the values on hand.
-TEST_F(RecipeJobTest, FactoryCodeRefusedAtBackupSavesWithoutReading) {
+// Without the factory level a backup reads nothing and keeps the values on hand, and a
+// restore stops before any write.
+TEST_F(RecipeJobTest, FactoryCodeRefusedSavesWithoutReadingAndStopsARestore) {
     Drive().SetFailure(FailureMode::RefuseWrites, {kFactoryCodeAddress});
     Drive().TakeRequests();
     const std::string path = temp / "z.zorparam";
     EXPECT_EQ(Backup(path), "配方保存成功！");
     EXPECT_EQ(Drive().TakeRequests().size(), 1u);
     EXPECT_TRUE(std::filesystem::exists(path));
+
+    EXPECT_TRUE(RestoreLists(path).empty());
+    EXPECT_EQ(LastMessage(), "厂家密码写失败!");
+    const auto requests = Drive().TakeRequests();
+    ASSERT_EQ(requests.size(), 1u);
+    EXPECT_EQ(requests[0].address, kFactoryCodeAddress);
 }
 
 // The window goes while the worker reads at the pace of a real link: the close waits
@@ -393,18 +388,7 @@ protected:
         sim = std::make_unique<linktest::SimProcess>(
             std::vector<std::string>{"--tcp", "127.0.0.1:0", "zd3s_servo.json"});
         ASSERT_TRUE(sim->Started());
-        zorhost::ProjectSetup setup;
-        zorhost::ModuleSetup m;
-        m.deviceFile = "zd3s_servo.json";
-        m.key = kKey;
-        m.link.kind = zorhost::link::LinkKind::ModbusTcp;
-        m.link.port = sim->Port();
-        m.link.timeout_ms = 300;
-        m.link.retries = 1;
-        m.link.reconnectMin_ms = 50;
-        m.link.reconnectMax_ms = 400;
-        setup.modules.push_back(m);
-        ASSERT_TRUE(host.LoadProject(setup));
+        ASSERT_TRUE(host.LoadProject(linktest::TcpProject(kKey, sim->Port())));
         ASSERT_TRUE(Module()->IsOnline());
         host.SetLinkStateHandler([this] {
             if (!Module()->IsOnline())

@@ -1,6 +1,8 @@
 // The parameter compare against the reference host's demo drives: the dialog's flow from
 // the upload to the result lists and the CSV file, and the matching core it shares with
 // the command line.
+#include "TestFiles.h"
+#include "TextOf.h"
 #include "sets_fixture.h"
 
 #include "module/ModuleResources.h"
@@ -22,16 +24,12 @@
 #include <afx/afxres.h>
 #include <zorhost/files/ParamSetCompare.h>
 
-#include <fstream>
 #include <set>
-#include <sstream>
 
 namespace {
 
 std::string Code(const CVarCompareRst* row) {
-    CString code;
-    row->m_pAttr1->GetCode(code);
-    return code.GetString();
+    return TextOf(row->m_pAttr1, &IVarAttr::GetCode).str();
 }
 
 std::set<std::string> Codes(const CVarCompareRstList& list) {
@@ -41,12 +39,9 @@ std::set<std::string> Codes(const CVarCompareRstList& list) {
     return codes;
 }
 
-// A file of tests/sets/data, or any file when `ours` is false.
-std::string ReadText(const std::string& name, bool ours = true) {
-    std::ifstream in(ours ? PARMIRA_SOURCE_DIR "/tests/sets/data/" + name : name, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
+// A reference file of this suite.
+std::string Data(const std::string& name) {
+    return Slurp(PARMIRA_SOURCE_DIR "/tests/sets/data/" + name);
 }
 
 std::vector<IVarObjEx*> ModuleVars(zorhost::ReferenceHost& host, const CString& key) {
@@ -63,18 +58,11 @@ protected:
         ASSERT_TRUE(dlg.Create(IDD_PARAM_COMPARE, nullptr));
     }
     void TearDown() override { dlg.DestroyWindow(); }
-    void Command(UINT id, UINT code) {
-        dlg.SendMessage(WM_COMMAND, MAKEWPARAM(WORD(id), WORD(code)), 0);
-    }
     // Object 2 takes the current values instead of the factory values.
-    void SecondSideCurrent() {
-        auto* kind = static_cast<CComboBox*>(dlg.GetDlgItem(int(IDC_COMPARE_KIND2)));
-        kind->SetCurSel(0);
-        Command(IDC_COMPARE_KIND2, CBN_SELCHANGE);
-    }
+    void SecondSideCurrent() { Select(dlg, IDC_COMPARE_KIND2, 0); }
     // Presses "开始比较" and waits for the worker's end.
     void Run() {
-        Command(IDC_COMPARE_START, BN_CLICKED);
+        Press(dlg, IDC_COMPARE_START);
         ASSERT_TRUE(AfxPumpMessagesUntil([&] { return !dlg.IsComparing(); }, 10000));
     }
     // The servo read whole and saved as a parameter file, as its upload would leave it.
@@ -92,14 +80,6 @@ protected:
         return path;
     }
     bool StartEnabled() { return dlg.GetDlgItem(int(IDC_COMPARE_START))->IsWindowEnabled(); }
-    size_t Boxes(const char* text) {
-        size_t n = 0;
-        for (const AfxPrompt& p : prompts.prompts)
-            n += p.kind == AfxPrompt::MessageBox && p.text == CString(text);
-        return n;
-    }
-
-    CAfxRecordingResponder prompts;
     CParamCompareDlg dlg;
 };
 
@@ -131,7 +111,8 @@ TEST_F(CompareTest, ADriveAgainstItsFactoryValuesListsWhatChangedOnTheDrive) {
 
 // The rows' texts, cell by cell, and the saved table are pinned by files written from a
 // run that covers every display format, enumerated values and a file side whose variables
-// are gone once the worker has ended.
+// are gone once the worker has ended. The file's rows meet the drive's by address, so only
+// what changed on the drive since the file was written differs.
 TEST_F(CompareTest, ShownCellsAndTheSavedTableMatchTheirReferenceFiles) {
     const CString path = SaveServoToFile();
     // Decimal, two decimals, enumerated, hexadecimal and per-unit of both widths.
@@ -144,9 +125,11 @@ TEST_F(CompareTest, ShownCellsAndTheSavedTableMatchTheirReferenceFiles) {
                                                      {"H07-20", 123456789}})
         Poke("ZD3S", code, raw);
     prompts.ChooseFiles({path});
-    auto* source = static_cast<CComboBox*>(dlg.GetDlgItem(int(IDC_COMPARE_SOURCE2)));
-    source->SetCurSel(source->GetCount() - 1);
-    Command(IDC_COMPARE_SOURCE2, CBN_SELCHANGE);
+    Select(dlg, IDC_COMPARE_SOURCE2, -1); // the file
+    EXPECT_FALSE(dlg.GetDlgItem(int(IDC_COMPARE_UPLOAD2))->IsWindowVisible());
+    CString shown;
+    dlg.GetDlgItemText(int(IDC_COMPARE_PATH2), shown);
+    EXPECT_EQ(shown, path);
     Run();
 
     auto cells = [&] {
@@ -159,27 +142,33 @@ TEST_F(CompareTest, ShownCellsAndTheSavedTableMatchTheirReferenceFiles) {
         return s;
     };
     const std::string different = cells();
-    EXPECT_EQ(dlg.GetDiffList().GetCount(), 6);
+    EXPECT_EQ(Codes(dlg.GetDiffList()),
+              (std::set<std::string>{"H00-08", "H00-05", "H00-03", "H01-17", "H07-08", "H07-20"}));
     dlg.CheckRadioButton(int(IDC_COMPARE_SHOW_DIFFERENT), int(IDC_COMPARE_SHOW_SAME),
                          int(IDC_COMPARE_SHOW_SAME));
-    Command(IDC_COMPARE_SHOW_SAME, BN_CLICKED);
-    EXPECT_EQ(different + "--\n" + cells(), ReadText("compare_cells.txt"));
+    Press(dlg, IDC_COMPARE_SHOW_SAME);
+    EXPECT_EQ(different + "--\n" + cells(), Data("compare_cells.txt"));
 
     const std::string saved = dir / "same.csv";
     prompts.ChooseFiles({CString(saved.c_str())});
-    Command(IDC_COMPARE_SAVE, BN_CLICKED);
+    Press(dlg, IDC_COMPARE_SAVE);
     EXPECT_EQ(prompts.Last(AfxPrompt::FileDialog)->text, "Var_Offline");
-    std::string table = ReadText(saved, false);
+    std::string table = Slurp(saved);
     ASSERT_EQ(table.rfind("Time,", 0), 0u);
     table.erase(0, table.find('\n') + 1);
-    EXPECT_EQ(table, ReadText("compare_same.csv"));
+    EXPECT_EQ(table, Data("compare_same.csv"));
 }
 
 // "******" parameters, non-transferable ones and, when asked, read-only ones never come
-// into either list.
+// into either list. One module on both sides with both boxes ticked is read once and
+// agrees with itself.
 TEST_F(CompareTest, HiddenNonTransferableAndAskedReadOnlyParametersAreNeverListed) {
     SecondSideCurrent();
+    ASSERT_EQ(dlg.IsDlgButtonChecked(int(IDC_COMPARE_UPLOAD2)), UINT(BST_CHECKED));
+    const int uploads = host.Transfer().UploadsEnded();
     Run();
+    EXPECT_EQ(host.Transfer().UploadsEnded(), uploads + 1);
+    EXPECT_GT(dlg.GetSameList().GetCount(), 100);
     IVarStore* store = host.Module("ZD3S")->GetVarList();
     auto attrOf = [&](const CVarCompareRst* r) {
         return store->FindByAddress(r->m_nAddress)->GetAttr();
@@ -210,17 +199,6 @@ TEST_F(CompareTest, HiddenNonTransferableAndAskedReadOnlyParametersAreNeverListe
         EXPECT_NE(attrOf(dlg.GetSameList().GetAt(i))->GetModifyMode(), 2);
 }
 
-// One module on both sides with both boxes ticked is read once, and one end starts it.
-TEST_F(CompareTest, OneModuleOnBothSidesIsReadOnceAndAgreesWithItself) {
-    SecondSideCurrent();
-    ASSERT_EQ(dlg.IsDlgButtonChecked(int(IDC_COMPARE_UPLOAD2)), UINT(BST_CHECKED));
-    const int uploads = host.Transfer().UploadsEnded();
-    Run();
-    EXPECT_EQ(host.Transfer().UploadsEnded(), uploads + 1);
-    EXPECT_EQ(dlg.GetDiffList().GetCount(), 0);
-    EXPECT_GT(dlg.GetSameList().GetCount(), 100);
-}
-
 // Without an answer from the drive there is nothing to compare: a warning, no lists, and
 // the controls are there for the next try.
 TEST_F(CompareTest, AnOfflineOrFailingDriveComparesNothingAndLeavesTheControlsEnabled) {
@@ -243,25 +221,6 @@ TEST_F(CompareTest, AnOfflineOrFailingDriveComparesNothingAndLeavesTheControlsEn
     EXPECT_TRUE(StartEnabled());
     EXPECT_TRUE(dlg.GetDlgItem(int(IDC_COMPARE_SOURCE1))->IsWindowEnabled());
     EXPECT_EQ(dlg.GetUploadCount(), 0);
-}
-
-// A parameter file on one side: its upload box goes, and its rows meet the drive's by
-// address, so only what changed on the drive since the file was written differs.
-TEST_F(CompareTest, AFileAgainstItsDriveDiffersWhereTheDriveChangedSince) {
-    const CString path = SaveServoToFile();
-    Poke("ZD3S", "H00-08", 2500);
-
-    prompts.ChooseFiles({path});
-    auto* source = static_cast<CComboBox*>(dlg.GetDlgItem(int(IDC_COMPARE_SOURCE2)));
-    source->SetCurSel(source->GetCount() - 1);
-    Command(IDC_COMPARE_SOURCE2, CBN_SELCHANGE);
-    EXPECT_FALSE(dlg.GetDlgItem(int(IDC_COMPARE_UPLOAD2))->IsWindowVisible());
-    CString shown;
-    dlg.GetDlgItemText(int(IDC_COMPARE_PATH2), shown);
-    EXPECT_EQ(shown, path);
-    Run();
-    EXPECT_EQ(Codes(dlg.GetDiffList()), std::set<std::string>{"H00-08"});
-    EXPECT_GT(dlg.GetSameList().GetCount(), 100);
 }
 
 // The index finds what the walk from the start finds, duplicate addresses included: the
@@ -341,10 +300,6 @@ TEST_F(CompareTest, AStopRequestEndsALargeCompareAtOnce) {
     }
 }
 
-} // namespace
-
-namespace {
-
 // The frame opens one compare dialog for its pages, shows it again after a close, runs the
 // axis copy for a page, and takes the compare dialog down with it.
 TEST_F(SetsTest, ThePagesButtonsOpenTheFramesCompareDialogAndTheAxisCopy) {
@@ -361,11 +316,8 @@ TEST_F(SetsTest, ThePagesButtonsOpenTheFramesCompareDialogAndTheAxisCopy) {
     ASSERT_NE(table, nullptr);
     CVarTablePage* page = table->GetPage1();
     ASSERT_NE(page, nullptr);
-    auto press = [&](UINT id) {
-        page->SendMessage(WM_COMMAND, MAKEWPARAM(WORD(id), WORD(BN_CLICKED)), 0);
-    };
 
-    press(1993);
+    Press(*page, 1993);
     CParamCompareDlg* dlg = table->GetCompareDialog();
     ASSERT_NE(dlg, nullptr);
     EXPECT_TRUE(dlg->IsWindowVisible());
@@ -373,7 +325,7 @@ TEST_F(SetsTest, ThePagesButtonsOpenTheFramesCompareDialogAndTheAxisCopy) {
     EXPECT_EQ(source->GetItemDataPtr(source->GetCurSel()), host.Module("ZD4M"));
     dlg->SendMessage(WM_CLOSE);
     EXPECT_FALSE(dlg->IsWindowVisible());
-    press(1993);
+    Press(*page, 1993);
     EXPECT_EQ(table->GetCompareDialog(), dlg);
     EXPECT_TRUE(dlg->IsWindowVisible());
 
@@ -383,7 +335,7 @@ TEST_F(SetsTest, ThePagesButtonsOpenTheFramesCompareDialogAndTheAxisCopy) {
         EXPECT_EQ(shown->GetTargetDevice(), host.Module("ZD4M"));
         d.EndDialog(IDCANCEL);
     });
-    press(1997);
+    Press(*page, 1997);
     EXPECT_EQ(driver.runs, 1);
     EXPECT_NE(shown, nullptr);
 

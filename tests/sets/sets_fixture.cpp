@@ -27,3 +27,20 @@ UINT SetsTest::Poke(const CString& key, const CString& code, double raw) {
     EXPECT_TRUE(host.Drive(key)->PokeRaw(var->GetInstanceAddress(), raw)) << code;
     return var->GetInstanceAddress();
 }
+
+size_t SetsTest::Boxes(const char* text) const {
+    size_t n = 0;
+    for (const AfxPrompt& p : prompts.prompts)
+        n += p.kind == AfxPrompt::MessageBox && p.text == CString(text);
+    return n;
+}
+
+void SetsTest::Press(CWnd& window, UINT id) {
+    window.SendMessage(WM_COMMAND, MAKEWPARAM(WORD(id), WORD(BN_CLICKED)), 0);
+}
+
+void SetsTest::Select(CWnd& window, UINT id, int index) {
+    auto* box = static_cast<CComboBox*>(window.GetDlgItem(int(id)));
+    box->SetCurSel(index < 0 ? box->GetCount() - 1 : index);
+    window.SendMessage(WM_COMMAND, MAKEWPARAM(WORD(id), WORD(CBN_SELCHANGE)), 0);
+}

@@ -20,8 +20,15 @@ protected:
     double Peek(const CString& key, const CString& code);
     // Changes the parameter on the drive itself (as a panel or another tool would).
     UINT Poke(const CString& key, const CString& code, double raw);
+    // A click on button `id` of `window`.
+    static void Press(CWnd& window, UINT id);
+    // Item `index` (-1: the last) chosen in combo box `id` of `window`.
+    static void Select(CWnd& window, UINT id, int index);
+    // How many message boxes showed `text`.
+    size_t Boxes(const char* text) const;
 
     zorhost::ReferenceHost host;
     ModuleScope scope{"sets-test"};
     TempDir dir;
+    CAfxRecordingResponder prompts;
 };

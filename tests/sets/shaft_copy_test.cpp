@@ -30,14 +30,6 @@ protected:
         CAfxModalDriver driver([&](CDialog& d) { act(static_cast<CShaftCopyDialog&>(d)); });
         return int(dlg.DoModal());
     }
-    static void Select(CShaftCopyDialog& dlg, UINT id, int index) {
-        auto* box = static_cast<CComboBox*>(dlg.GetDlgItem(int(id)));
-        box->SetCurSel(index);
-        dlg.SendMessage(WM_COMMAND, MAKEWPARAM(WORD(id), WORD(CBN_SELCHANGE)), 0);
-    }
-    static void Press(CShaftCopyDialog& dlg, UINT id) {
-        dlg.SendMessage(WM_COMMAND, MAKEWPARAM(WORD(id), WORD(BN_CLICKED)), 0);
-    }
     // A click on the row's check box: the list turns it, then tells the dialog.
     static void ClickCheckBox(CShaftCopyDialog& dlg, int row) {
         CListCtrl& list = dlg.GetList();
@@ -52,14 +44,6 @@ protected:
         nm.ptAction = POINT{r.left + 6, (r.top + r.bottom) / 2};
         dlg.SendMessage(WM_NOTIFY, IDC_SHAFT_LIST, reinterpret_cast<LPARAM>(&nm));
     }
-    size_t Boxes(const char* text) const {
-        size_t n = 0;
-        for (const AfxPrompt& p : prompts.prompts)
-            n += p.kind == AfxPrompt::MessageBox && p.text == CString(text);
-        return n;
-    }
-
-    CAfxRecordingResponder prompts;
 };
 
 // Only what differs between axis 1 and axis 2 is listed, and only the ticked rows are

@@ -4,8 +4,6 @@
 
 #include <afx/afxwin.h>
 
-#include <QApplication>
-
 #include <gtest/gtest.h>
 
 namespace {
@@ -50,13 +48,7 @@ public:
     }
 };
 
-} // namespace
-
-int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM",
-            qgetenv("QT_QPA_PLATFORM").isEmpty() ? "offscreen" : qgetenv("QT_QPA_PLATFORM"));
-    QApplication app(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
+[[maybe_unused]] ::testing::Environment* const g_module =
     ::testing::AddGlobalTestEnvironment(new ModuleEnvironment);
-    return RUN_ALL_TESTS();
-}
+
+} // namespace
