@@ -9,6 +9,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
+#include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QGroupBox>
@@ -172,8 +173,37 @@ protected:
         window.resize(1280, 800);
         BenchWindowTest::SetUp();
     }
+    // Lets a resize or a change of language run its course: pumps until the shown windows
+    // keep their geometry, column widths and titles over a round (a slow build needs more
+    // rounds), then does what the last round set off (a posted relayout, a column that
+    // fits its contents again after a state text changed) before anything is measured.
     void Settle() {
-        AfxPumpMessagesUntil([] { return false; }, 150);
+        QString before = Layout();
+        for (int round = 0; round < 20; ++round) {
+            AfxPumpMessagesUntil([] { return false; }, 150);
+            const QString now = Layout();
+            if (now == before)
+                break;
+            before = now;
+        }
+        for (int round = 0; round < 3; ++round)
+            QCoreApplication::processEvents();
+    }
+    static QString Layout() {
+        QString out;
+        QDebug put(&out);
+        for (QWidget* top : QApplication::topLevelWidgets()) {
+            if (!top->isVisible())
+                continue;
+            put << top->geometry();
+            for (QWidget* w : top->findChildren<QWidget*>())
+                if (w->isVisible())
+                    put << w->geometry();
+            for (QHeaderView* h : top->findChildren<QHeaderView*>())
+                for (int col = 0; h->isVisible() && col < h->count(); ++col)
+                    put << h->sectionSize(col) << h->model()->headerData(col, h->orientation());
+        }
+        return out;
     }
     void SetEnglish(bool on) {
         english = on;
