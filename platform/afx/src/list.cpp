@@ -360,9 +360,9 @@ BOOL CListCtrl::SetItemState(int nItem, UINT nState, UINT nMask) {
         const UINT index = (nState & LVIS_STATEIMAGEMASK) >> 12;
         if (nItem < 0)
             for (int r = 0; r < v->m_count; ++r)
-                v->SetStateImage(r, index, true);
+                v->SetStateImage(r, index);
         else
-            v->SetStateImage(nItem, index, true);
+            v->SetStateImage(nItem, index);
     }
     return TRUE;
 }

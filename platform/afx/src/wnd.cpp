@@ -446,13 +446,6 @@ void CWnd::CheckRadioButton(int nIDFirst, int nIDLast, int nIDCheck) {
         CheckDlgButton(id, id == nIDCheck ? BST_CHECKED : BST_UNCHECKED);
 }
 
-int CWnd::GetCheckedRadioButton(int nIDFirst, int nIDLast) const {
-    for (int id = nIDFirst; id <= nIDLast; ++id)
-        if (IsDlgButtonChecked(id))
-            return id;
-    return 0;
-}
-
 CWnd* CWnd::GetNextDlgTabItem(CWnd* pWndCtl, BOOL bPrevious) const {
     QWidget* c = pWndCtl ? WidgetOf(pWndCtl->m_hWnd) : nullptr;
     if (!c)
@@ -671,9 +664,6 @@ LRESULT CWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_CLOSE:
         OnClose();
         return 0;
-    case WM_PAINT:
-        OnPaint();
-        return 0;
     case WM_SETTEXT:
         SetWindowText(reinterpret_cast<const char*>(lParam));
         return TRUE;
@@ -748,9 +738,5 @@ BOOL CWnd::OnHelpInfo(HELPINFO*) {
     return FALSE;
 }
 void CWnd::OnClose() {
-    Default();
-}
-
-void CWnd::OnPaint() {
     Default();
 }
