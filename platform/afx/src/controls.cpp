@@ -278,10 +278,6 @@ CString CWnd::GetWindowTextString() const {
     return C(w->windowTitle());
 }
 
-int CWnd::GetWindowTextLength() const {
-    return GetWindowTextString().GetLength();
-}
-
 // ---------------------------------------------------------------- CButton
 BOOL CButton::Create(const char* caption, DWORD dwStyle, const RECT& rect, CWnd* pParent,
                      UINT nID) {
@@ -519,11 +515,6 @@ void CComboBox::ShowDropDown(BOOL bShowIt) {
         c->showPopup();
     else if (!bShowIt && c->dropped())
         c->hidePopup();
-}
-
-BOOL CComboBox::GetDroppedState() const {
-    AfxCombo* c = ComboOf(m_hWnd);
-    return c && c->dropped();
 }
 
 int CComboBox::SetDroppedWidth(UINT nWidth) {

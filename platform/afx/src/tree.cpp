@@ -270,12 +270,6 @@ HTREEITEM CTreeCtrl::GetNextVisibleItem(HTREEITEM hItem) const {
     return HandleOfItem(t->itemBelow(ItemOf(hItem)));
 }
 
-BOOL CTreeCtrl::ItemHasChildren(HTREEITEM hItem) const {
-    if (!hItem || hItem == TVI_ROOT)
-        return GetRootItem() != nullptr;
-    return ItemOf(hItem)->childCount() > 0;
-}
-
 HTREEITEM CTreeCtrl::GetSelectedItem() const {
     AfxTree* t = TreeOf(m_hWnd);
     return t ? HandleOfItem(t->currentItem()) : nullptr;
@@ -346,14 +340,6 @@ BOOL CTreeCtrl::SetItemData(HTREEITEM hItem, DWORD_PTR dwData) {
     if (!hItem || hItem == TVI_ROOT)
         return FALSE;
     ItemOf(hItem)->setData(0, kDataRole, qulonglong(dwData));
-    return TRUE;
-}
-
-BOOL CTreeCtrl::GetItemImage(HTREEITEM hItem, int& nImage, int& nSelectedImage) const {
-    if (!hItem || hItem == TVI_ROOT)
-        return FALSE;
-    nImage = ItemOf(hItem)->data(0, kImageRole).toInt();
-    nSelectedImage = ItemOf(hItem)->data(0, kSelImageRole).toInt();
     return TRUE;
 }
 
@@ -440,11 +426,6 @@ CImageList* CTreeCtrl::SetImageList(CImageList* pImageList, int nImageListType) 
     for (QTreeWidgetItemIterator it(t); *it; ++it)
         t->RefreshIcon(*it);
     return old;
-}
-
-CImageList* CTreeCtrl::GetImageList(int nImageListType) const {
-    AfxTree* t = TreeOf(m_hWnd);
-    return t && nImageListType >= 0 && nImageListType <= 2 ? t->m_images[nImageListType] : nullptr;
 }
 
 SHORT CTreeCtrl::SetItemHeight(SHORT cyHeight) {

@@ -14,24 +14,6 @@ using namespace afxi;
 // ---------------------------------------------------------------- CFont
 CFont::CFont() : m_impl(std::make_unique<Impl>()) {}
 CFont::~CFont() = default;
-BOOL CFont::CreatePointFont(int nPointSize, const char* faceName) {
-    m_impl->font = QFont(Q(faceName));
-    m_impl->font.setPointSizeF(nPointSize / 10.0);
-    return TRUE;
-}
-CString CFont::GetFaceName() const {
-    return C(m_impl->font.family());
-}
-int CFont::GetPointSize() const {
-    return int(std::lround(m_impl->font.pointSizeF() * 10));
-}
-void CFont::SetBold(BOOL bold) {
-    m_impl->font.setBold(bold);
-}
-BOOL CFont::IsBold() const {
-    return m_impl->font.bold();
-}
-
 // ---------------------------------------------------------------- CWnd
 CWnd::CWnd() = default;
 
@@ -338,27 +320,6 @@ CWnd* CWnd::GetParent() const {
     return WndOf(ParentOf(m_hWnd));
 }
 
-CWnd* CWnd::SetParent(CWnd* pNewParent) {
-    QWidget* w = WidgetOf(m_hWnd);
-    QWidget* p = pNewParent ? WidgetOf(pNewParent->m_hWnd) : nullptr;
-    if (!w)
-        return nullptr;
-    CWnd* old = GetParent();
-    const bool visible = !w->isHidden();
-    const QPoint pos = w->pos();
-    w->setParent(p);
-    w->move(pos);
-    w->setVisible(visible);
-    return old;
-}
-
-CWnd* CWnd::GetTopLevelParent() const {
-    HWND h = m_hWnd;
-    while (ParentOf(h))
-        h = ParentOf(h);
-    return h ? WndOf(h) : nullptr;
-}
-
 CWnd* CWnd::GetDlgItem(int nID) const {
     QWidget* w = WidgetOf(m_hWnd);
     if (!w)
@@ -381,15 +342,6 @@ CWnd* CWnd::GetDlgItem(int nID) const {
 int CWnd::GetDlgCtrlID() const {
     WindowData* d = Lookup(m_hWnd);
     return d ? int(d->ctrlId) : 0;
-}
-
-int CWnd::SetDlgCtrlID(int nID) {
-    WindowData* d = Lookup(m_hWnd);
-    if (!d)
-        return 0;
-    const int old = int(d->ctrlId);
-    d->ctrlId = UINT(nID);
-    return old;
 }
 
 BOOL CWnd::IsChild(const CWnd* pWnd) const {
@@ -469,32 +421,9 @@ void CWnd::Invalidate(BOOL) {
     }
 }
 
-void CWnd::InvalidateRect(const RECT* r, BOOL bErase) {
-    QWidget* w = WidgetOf(m_hWnd);
-    if (!w)
-        return;
-    if (!r || qobject_cast<QAbstractScrollArea*>(w)) {
-        Invalidate(bErase);
-        return;
-    }
-    w->update(QRect(r->left, r->top, r->right - r->left, r->bottom - r->top));
-}
-
 void CWnd::UpdateWindow() {
     if (QWidget* w = WidgetOf(m_hWnd))
         w->repaint();
-}
-
-void CWnd::RedrawWindow() {
-    Invalidate();
-}
-
-void CWnd::SetRedraw(BOOL bRedraw) {
-    if (QWidget* w = WidgetOf(m_hWnd)) {
-        w->setUpdatesEnabled(bRedraw);
-        if (bRedraw)
-            Invalidate();
-    }
 }
 
 void CWnd::SetFont(CFont* pFont, BOOL) {

@@ -136,7 +136,6 @@ public:
     CString& operator+=(wchar_t ch);
     CString& operator+=(char ch) { return *this += wchar_t(static_cast<unsigned char>(ch)); }
     void Append(const char* utf8) { *this += utf8; }
-    void AppendChar(wchar_t ch) { *this += ch; }
 
     friend bool operator==(const CString& a, const CString& b) { return a.m_s == b.m_s; }
     friend bool operator==(const CString& a, const char* b) { return a.m_s == (b ? b : ""); }

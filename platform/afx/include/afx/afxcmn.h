@@ -195,11 +195,10 @@ public:
     CImageList& operator=(const CImageList&) = delete;
 
     BOOL Create(int cx, int cy, UINT nFlags, int nInitial, int nGrow);
-    BOOL DeleteImageList();
     int Add(HICON hIcon);
     int GetImageCount() const;
-    BOOL Remove(int nImage);
     BOOL GetIconSize(int& cx, int& cy) const;
+    BOOL Remove(int nImage);
     HIMAGELIST GetSafeHandle() const;
 
     struct Impl;
@@ -292,8 +291,6 @@ public:
     int HitTest(CPoint pt, UINT* pFlags = nullptr) const;
     int HitTest(LVHITTESTINFO* pHitTestInfo) const;
     int SubItemHitTest(LVHITTESTINFO* pInfo) const;
-    BOOL Scroll(CSize size);
-    BOOL RedrawItems(int nFirst, int nLast);
     BOOL Update(int nItem);
     // For a live list: compares every cell on screen (text, colours, row images) with what
     // was last painted there and invalidates only the cells that differ. Returns how many.
@@ -329,7 +326,6 @@ public:
     HTREEITEM GetParentItem(HTREEITEM hItem) const;
     HTREEITEM GetNextItem(HTREEITEM hItem, UINT nCode) const;
     HTREEITEM GetNextVisibleItem(HTREEITEM hItem) const;
-    BOOL ItemHasChildren(HTREEITEM hItem) const;
     HTREEITEM GetSelectedItem() const;
     BOOL SelectItem(HTREEITEM hItem);
     BOOL Expand(HTREEITEM hItem, UINT nCode);
@@ -339,7 +335,6 @@ public:
     BOOL SetItemText(HTREEITEM hItem, const char* text);
     DWORD_PTR GetItemData(HTREEITEM hItem) const;
     BOOL SetItemData(HTREEITEM hItem, DWORD_PTR dwData);
-    BOOL GetItemImage(HTREEITEM hItem, int& nImage, int& nSelectedImage) const;
     BOOL SetItemImage(HTREEITEM hItem, int nImage, int nSelectedImage);
     UINT GetItemState(HTREEITEM hItem, UINT nStateMask) const;
     BOOL SetItemState(HTREEITEM hItem, UINT nState, UINT nStateMask);
@@ -347,7 +342,6 @@ public:
     HTREEITEM HitTest(CPoint pt, UINT* pFlags = nullptr) const;
 
     CImageList* SetImageList(CImageList* pImageList, int nImageListType);
-    CImageList* GetImageList(int nImageListType) const;
     SHORT SetItemHeight(SHORT cyHeight);
     SHORT GetItemHeight() const;
     COLORREF SetBkColor(COLORREF clr);

@@ -18,17 +18,10 @@ public:
     INT_PTR GetSize() const { return INT_PTR(m_items.size()); }
     INT_PTR GetCount() const { return GetSize(); }
     BOOL IsEmpty() const { return m_items.empty(); }
-    INT_PTR GetUpperBound() const { return GetSize() - 1; }
     void SetSize(INT_PTR n) { m_items.resize(size_t(n < 0 ? 0 : n)); }
     void RemoveAll() { m_items.clear(); }
     const TYPE& GetAt(INT_PTR i) const { return m_items.at(size_t(i)); }
-    TYPE& ElementAt(INT_PTR i) { return m_items.at(size_t(i)); }
     void SetAt(INT_PTR i, ARG_TYPE v) { m_items.at(size_t(i)) = v; }
-    void SetAtGrow(INT_PTR i, ARG_TYPE v) {
-        if (i >= GetSize())
-            SetSize(i + 1);
-        m_items[size_t(i)] = v;
-    }
     INT_PTR Add(ARG_TYPE v) {
         m_items.push_back(v);
         return GetSize() - 1;
@@ -105,7 +98,6 @@ public:
     }
     void SetAt(ARG_KEY key, ARG_VALUE value) { m_map[key] = value; }
     VALUE& operator[](ARG_KEY key) { return m_map[key]; }
-    BOOL RemoveKey(ARG_KEY key) { return m_map.erase(key) > 0; }
     void RemoveAll() { m_map.clear(); }
     auto begin() const { return m_map.begin(); }
     auto end() const { return m_map.end(); }

@@ -121,12 +121,6 @@ public:
     ~CFont();
     CFont(const CFont&) = delete;
     CFont& operator=(const CFont&) = delete;
-    // nPointSize in tenths of a point, as usual.
-    BOOL CreatePointFont(int nPointSize, const char* faceName);
-    CString GetFaceName() const;
-    int GetPointSize() const; // tenths of a point
-    void SetBold(BOOL bold);
-    BOOL IsBold() const;
 
     struct Impl;
     Impl* impl() const { return m_impl.get(); }
@@ -160,8 +154,6 @@ public:
     // Binds this object to an existing window that has no object of its own yet.
     BOOL Attach(HWND h);
     HWND Detach();
-    BOOL SubclassWindow(HWND h) { return Attach(h); }
-    BOOL UnsubclassWindow() { return Detach() != nullptr; }
     BOOL SubclassDlgItem(UINT nID, CWnd* pParent);
 
     // ---- state and geometry
@@ -188,16 +180,12 @@ public:
     void SetWindowText(const CString& text) { SetWindowText(text.GetString()); }
     void GetWindowText(CString& text) const;
     CString GetWindowTextString() const;
-    int GetWindowTextLength() const;
 
     // ---- family
     // The parent; for a window of its own (a popup dialog) its owner.
     CWnd* GetParent() const;
-    CWnd* SetParent(CWnd* pNewParent);
-    CWnd* GetTopLevelParent() const;
     CWnd* GetDlgItem(int nID) const;
     int GetDlgCtrlID() const;
-    int SetDlgCtrlID(int nID);
     BOOL IsChild(const CWnd* pWnd) const;
     void SetDlgItemText(int nID, const char* text);
     int GetDlgItemText(int nID, CString& text) const;
@@ -211,10 +199,7 @@ public:
     // ---- focus, painting, fonts
     CWnd* SetFocus();
     void Invalidate(BOOL bErase = TRUE);
-    void InvalidateRect(const RECT* lpRect, BOOL bErase = TRUE);
     void UpdateWindow();
-    void RedrawWindow();
-    void SetRedraw(BOOL bRedraw = TRUE);
     void SetFont(CFont* pFont, BOOL bRedraw = TRUE);
     // The window's font; owned by the window.
     CFont* GetFont() const;
@@ -336,7 +321,6 @@ public:
     void* GetItemDataPtr(int nIndex) const { return reinterpret_cast<void*>(GetItemData(nIndex)); }
     int SetItemDataPtr(int nIndex, void* p) { return SetItemData(nIndex, DWORD_PTR(p)); }
     void ShowDropDown(BOOL bShowIt = TRUE);
-    BOOL GetDroppedState() const;
     int SetDroppedWidth(UINT nWidth);
     int GetDroppedWidth() const;
     // Simulates a user's choice of entry nIndex (CBN_SELCHANGE, CBN_SELENDOK, CBN_CLOSEUP).
@@ -356,7 +340,6 @@ public:
     static CMenu* FromHandle(HMENU h);
 
     BOOL CreatePopupMenu();
-    BOOL CreateMenu() { return CreatePopupMenu(); }
     // Copies menu `nIDResource` of the current resource handle.
     BOOL LoadMenu(UINT nIDResource);
     BOOL DestroyMenu();
@@ -369,7 +352,6 @@ public:
     BOOL ModifyMenu(UINT nPosition, UINT nFlags, UINT_PTR nIDNewItem = 0,
                     const char* text = nullptr);
     BOOL DeleteMenu(UINT nPosition, UINT nFlags);
-    BOOL RemoveMenu(UINT nPosition, UINT nFlags) { return DeleteMenu(nPosition, nFlags); }
     // Return the previous state, or (UINT)-1 when there is no such item.
     UINT EnableMenuItem(UINT nIDEnableItem, UINT nEnable);
     UINT CheckMenuItem(UINT nIDCheckItem, UINT nCheck);
