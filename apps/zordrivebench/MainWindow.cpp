@@ -357,7 +357,7 @@ void MainWindow::BuildMenus() {
 
     // Opening a project or switching the language rebuilds these menus, which deletes the
     // action being triggered: such commands run once the menu has closed.
-    auto later = [this](std::function<void()> command) {
+    auto later = [this](const std::function<void()>& command) {
         return [this, command] { QTimer::singleShot(0, this, command); };
     };
     QMenu* project = bar->addMenu(Tr("工程", "Project"));

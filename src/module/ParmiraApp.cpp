@@ -128,6 +128,8 @@ IBaseInterface* CParmiraApp::CreateHostObject(const GUID& iid) const {
     return manager->CreateInstance(iid);
 }
 
+// The second argument of both makers is a type name, which takes no parentheses.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 #define PARMIRA_SERVICE(Getter, Interface)                                                         \
     Interface* CParmiraApp::Getter() const {                                                       \
         return static_cast<Interface*>(Query(Interface::kIID));                                    \
@@ -159,6 +161,7 @@ PARMIRA_HOST_OBJECT(CreateParamFile, IParamFile)
 PARMIRA_HOST_OBJECT(CreateMemoryStream, IMemoryStream)
 PARMIRA_HOST_OBJECT(CreateProgressBox, IHostProgressBox)
 #undef PARMIRA_HOST_OBJECT
+// NOLINTEND(bugprone-macro-parentheses)
 
 BOOL CParmiraApp::AddLanguageListener(IMessage_LanguageChanged* listener) {
     if (listener == nullptr)

@@ -407,7 +407,8 @@ LRESULT CListCtrlEx::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
 
 // ---------------------------------------------------------------- CVarListCtrlEx
 void CVarListCtrlEx::SortColumn(int nColumn, BOOL bAscending) {
-    CZorSkinPListCtrl::SortColumn(nColumn, bAscending);
+    // The skin's sort, past CListCtrlEx's empty one, which stands for lists that don't sort.
+    CZorSkinPListCtrl::SortColumn(nColumn, bAscending); // NOLINT(bugprone-parent-virtual-call)
 }
 
 BOOL CVarListCtrlEx::OnChildNotify(UINT message, WPARAM, LPARAM lParam, LRESULT*) {

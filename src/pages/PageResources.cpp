@@ -23,13 +23,13 @@ void RegisterStateIcon(HINSTANCE module, UINT id, int kind) {
         for (int y = 2; y < 14; ++y)
             for (int x = 2; x < 14; ++x) {
                 const bool edge = x == 2 || x == 13 || y == 2 || y == 13;
-                pixels[size_t(y * 16 + x)] = edge ? 0xFF404040 : 0xFFFFFFFF;
+                pixels[size_t(y) * 16 + size_t(x)] = edge ? 0xFF404040 : 0xFFFFFFFF;
             }
     }
     if (kind == 2) {
         for (int i = 0; i < 4; ++i) {
-            pixels[size_t((8 + i) * 16 + 4 + i)] = 0xFF202020;
-            pixels[size_t((11 - i * 2) * 16 + 8 + i)] = 0xFF202020;
+            pixels[size_t(8 + i) * 16 + size_t(4 + i)] = 0xFF202020;
+            pixels[size_t(11 - i * 2) * 16 + size_t(8 + i)] = 0xFF202020;
         }
     }
     AfxRegisterIconPixels(module, id, 16, 16, pixels.data());

@@ -157,7 +157,7 @@ int CVarTablePageBase::GetCurrentValueColumn() const {
 // ---------------------------------------------------------------- texts
 CString CVarTablePageBase::LinkedLimitText(IVarObjEx* var, BOOL max) {
     IVarObjEx* target = nullptr;
-    const CString text = VarText::LinkedLimitText(var, max, &target);
+    CString text = VarText::LinkedLimitText(var, max, &target);
     // Read with the next refresh, though it may be no row of the list.
     if (target != nullptr)
         m_linkedVars.Add(target, target);

@@ -129,7 +129,8 @@ BOOL COneKeyParseRecipeDialog::OnInitDialog() {
         m_list.SetItemCountEx(GetRowCount(), 0);
     }
     // Its title and buttons in the user's language; the dialog is modal, so once is enough.
-    std::unique_ptr<IHostWindowTranslator>(theApp.MakeWindowTranslator(GetSafeHwnd()));
+    const std::unique_ptr<IHostWindowTranslator> translated(
+        theApp.MakeWindowTranslator(GetSafeHwnd()));
     // The tree as wide as its labels need (longer in English), up to a third of the dialog.
     CRect client, tree;
     GetClientRect(&client);

@@ -77,7 +77,8 @@ BOOL CTranslateFailedDialog::OnInitDialog() {
     AddAnchor(IDC_FAILED_LIST, AnchorTopLeft, AnchorBottomRight);
     AddAnchor(IDOK, AnchorBottomRight);
     // Title and button in the user's language; the dialog is modal, so once is enough.
-    std::unique_ptr<IHostWindowTranslator>(theApp.MakeWindowTranslator(GetSafeHwnd()));
+    const std::unique_ptr<IHostWindowTranslator> translated(
+        theApp.MakeWindowTranslator(GetSafeHwnd()));
     return TRUE;
 }
 

@@ -53,7 +53,7 @@ CString CGetVarInfo::TextWithMeaning(IVarObjEx* item, const CString& hostText,
                                      const Variant& value) {
     IVarAttr* attr = item->GetAttr();
     if (VarText::IsConnectorVar(attr)) {
-        const CString target = ConnectorTarget(attr, value);
+        CString target = ConnectorTarget(attr, value);
         if (!target.IsEmpty())
             return target;
     }

@@ -306,7 +306,7 @@ std::unique_ptr<model::CGroupNode> ReadGroup(Reader& r, int depth) {
     for (std::uint32_t i = 0; i < children && r.Ok(); ++i) {
         std::unique_ptr<model::CGroupNode> child = ReadGroup(r, depth + 1);
         if (child && g->AddChild(child.get()))
-            child.release();
+            (void)child.release(); // the parent owns it now
     }
     return r.Ok() ? std::move(g) : nullptr;
 }
@@ -323,7 +323,7 @@ void ReadSet(Reader& r, model::CGroupSet& set, int depth) {
     for (std::uint32_t i = 0; i < groups && r.Ok(); ++i) {
         std::unique_ptr<model::CGroupNode> g = ReadGroup(r, 0);
         if (g && set.AddGroup(g.get()))
-            g.release();
+            (void)g.release(); // the set owns it now
     }
     const std::uint32_t categories = r.Count(12);
     for (std::uint32_t i = 0; i < categories && r.Ok(); ++i) {

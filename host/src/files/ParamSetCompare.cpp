@@ -65,7 +65,7 @@ CString NumberText(IHostVarUtil& util, IVarAttr& attr, const Variant& value) {
 CString ValueText(IHostVarUtil& util, IVarAttr* attr, const Variant& value) {
     if (attr == nullptr)
         return CString();
-    const CString text = NumberText(util, *attr, value);
+    CString text = NumberText(util, *attr, value);
     IValueInfo* info = attr->GetValueInfo();
     IValueInfoList* list = !text.IsEmpty() && info != nullptr && info->GetKind() == VALUE_INFO_ENUM
                                ? info->GetEnumList()

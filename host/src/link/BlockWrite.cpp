@@ -27,9 +27,7 @@ std::vector<WriteFailure> WriteInBlocks(sim::DriveLink& link,
     std::vector<ParameterValue> sorted(values.begin(), values.end());
     std::stable_sort(sorted.begin(), sorted.end(),
                      [](const auto& a, const auto& b) { return a.address < b.address; });
-    std::vector<RegisterRange> ranges;
-    for (const ParameterValue& v : sorted)
-        ranges.push_back({v.address, sim::RegisterSpan(v.type)});
+    const std::vector<RegisterRange> ranges = RangesOf(sorted);
     const int limit = std::clamp(link.WriteBlockLimit(), 1, kMaxWriteRegisters);
 
     std::vector<WriteFailure> failures;

@@ -174,7 +174,7 @@ std::string ModbusServer::OpenRtuPty(std::string* error) {
     const char* name = ::ptsname(m_rtu);
     if (!name)
         return fail("ptsname");
-    const std::string path = name;
+    std::string path = name;
     m_ptyPeer = ::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
     if (m_ptyPeer < 0)
         return fail(path.c_str());

@@ -30,7 +30,7 @@ CString SubNameOf(const DeviceDescription& d) {
 
 } // namespace
 
-CDeviceModule::CDeviceModule(std::shared_ptr<const DeviceDescription> device, CString key,
+CDeviceModule::CDeviceModule(const std::shared_ptr<const DeviceDescription>& device, CString key,
                              int number)
     : m_key(std::move(key)), m_displayName(CString(device->Text(device->product.name))),
       m_subName(SubNameOf(*device)), m_number(number),

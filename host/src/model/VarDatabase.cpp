@@ -59,13 +59,13 @@ std::unique_ptr<CGroupNode> GroupFrom(const QJsonObject& o, int depth) {
     g->SetDescription(C(o["description"]));
     g->SetAccessLevel(o["access"].toInt(0));
     g->SetFlags(o["visible"].toBool(true), o["fixed"].toBool(false));
-    for (const QJsonValue& m : o["members"].toArray())
+    for (const QJsonValueRef m : o["members"].toArray())
         g->AddMember(C(m));
-    for (const QJsonValue& c : o["children"].toArray()) {
+    for (const QJsonValueRef c : o["children"].toArray()) {
         std::unique_ptr<CGroupNode> child = GroupFrom(c.toObject(), depth + 1);
         if (!child || !g->AddChild(child.get()))
             return nullptr;
-        child.release(); // the parent has it
+        (void)child.release(); // the parent has it
     }
     return g;
 }
@@ -132,7 +132,7 @@ bool CVarDatabase::LoadFromBytes(const std::string& bytes, const std::string& so
         return fail("unknown format");
     // Build everything first, so a broken file leaves the groups as they were.
     std::vector<std::unique_ptr<CGroupNode>> groups;
-    for (const QJsonValue& g : root["groups"].toArray()) {
+    for (const QJsonValueRef g : root["groups"].toArray()) {
         std::unique_ptr<CGroupNode> group = GroupFrom(g.toObject(), 0);
         if (!group)
             return fail("group " + std::to_string(groups.size()) + ": has no name");
@@ -146,11 +146,11 @@ bool CVarDatabase::LoadFromBytes(const std::string& bytes, const std::string& so
         set.GetMemberAt(0, key);
         set.RemoveMember(key);
     }
-    for (const QJsonValue& m : root["members"].toArray())
+    for (const QJsonValueRef m : root["members"].toArray())
         set.AddMember(C(m));
     for (auto& g : groups)
         if (set.AddGroup(g.get()))
-            g.release();
+            (void)g.release(); // the set has it
     return true;
 }
 

@@ -82,7 +82,7 @@ std::string Join(const std::string& place, const char* key) {
     return place.empty() ? std::string(key) : place + "." + key;
 }
 
-void OnlyKeys(const QJsonObject& o, const std::string& place, std::set<QString> allowed) {
+void OnlyKeys(const QJsonObject& o, const std::string& place, const std::set<QString>& allowed) {
     for (auto it = o.begin(); it != o.end(); ++it)
         if (allowed.count(it.key()) == 0)
             throw Refusal{Join(place, Utf8(it.key()).c_str()), "unknown key"};
@@ -357,11 +357,11 @@ std::string ResolvePath(const std::string& baseDir, const std::string& path) {
 
 std::string ResolveDeviceFile(const std::string& baseDir, const std::string& devicesDir,
                               const std::string& deviceFile) {
-    const std::string local = ResolvePath(baseDir, deviceFile);
+    std::string local = ResolvePath(baseDir, deviceFile);
     const bool bare =
         deviceFile.find('/') == std::string::npos && deviceFile.find('\\') == std::string::npos;
     if (bare && !QFileInfo::exists(Qs(local)) && !devicesDir.empty()) {
-        const std::string shipped = ResolvePath(devicesDir, deviceFile);
+        std::string shipped = ResolvePath(devicesDir, deviceFile);
         if (QFileInfo::exists(Qs(shipped)))
             return shipped;
     }

@@ -101,10 +101,7 @@ BOOL CHostTransferService::DownloadRecords(HWND, const CString& moduleKey,
     if (limit > 1) {
         std::stable_sort(values.begin(), values.end(),
                          [](const auto& a, const auto& b) { return a.address < b.address; });
-        std::vector<link::RegisterRange> ranges;
-        for (const link::ParameterValue& v : values)
-            ranges.push_back({v.address, sim::RegisterSpan(v.type)});
-        blocks = link::PlanBlocks(ranges, limit);
+        blocks = link::PlanBlocks(link::RangesOf(values), limit);
     } else {
         for (std::size_t i = 0; i < values.size(); ++i)
             blocks.push_back({values[i].address, 1, i, i + 1});

@@ -81,9 +81,7 @@ RefreshWorker::Result RefreshWorker::Read(Batch& batch) {
     std::vector<Item>& items = batch.items;
     std::stable_sort(items.begin(), items.end(),
                      [](const Item& a, const Item& b) { return a.address < b.address; });
-    std::vector<link::RegisterRange> ranges;
-    for (const Item& item : items)
-        ranges.push_back({item.address, sim::RegisterSpan(item.type)});
+    const std::vector<link::RegisterRange> ranges = link::RangesOf(items);
     const int limit = std::clamp(link.ReadBlockLimit(), 1, link::kMaxReadRegisters);
     std::vector<std::uint16_t> words;
     for (const link::RegisterBlock& block : link::PlanBlocks(ranges, limit)) {

@@ -3,6 +3,8 @@
 // addresses allow.
 #pragma once
 
+#include "zorhost/device/DeviceDescription.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -26,5 +28,14 @@ struct RegisterBlock {
 // gap or overlap, and never more than `limit` registers; a range longer than the limit
 // gets a block of its own.
 std::vector<RegisterBlock> PlanBlocks(std::span<const RegisterRange> ranges, int limit);
+
+// The registers of each item (anything with an `address` and a `type`), in the items' order.
+template <class Items> std::vector<RegisterRange> RangesOf(const Items& items) {
+    std::vector<RegisterRange> ranges;
+    ranges.reserve(std::size(items));
+    for (const auto& item : items)
+        ranges.push_back({item.address, device::RegisterSpan(item.type)});
+    return ranges;
+}
 
 } // namespace zorhost::link

@@ -32,7 +32,7 @@ private:
 class CDeviceModule : public IHostDeviceModule {
 public:
     // `number`: the station number, also the axis index the host shows.
-    CDeviceModule(std::shared_ptr<const DeviceDescription> device, CString key, int number);
+    CDeviceModule(const std::shared_ptr<const DeviceDescription>& device, CString key, int number);
 
     CVarStore& Store() { return m_store; }
     CPerUnitTable& PerUnitTable() { return m_perUnit; }
