@@ -45,19 +45,6 @@ char32_t DecodeAt(const std::string& s, size_t i, size_t* len) {
     return cp;
 }
 
-std::u32string Decode(const char* p) {
-    std::u32string out;
-    if (!p)
-        return out;
-    const std::string s(p);
-    for (size_t i = 0; i < s.size();) {
-        size_t n;
-        out.push_back(DecodeAt(s, i, &n));
-        i += n;
-    }
-    return out;
-}
-
 bool InSet(const std::u32string& set, char32_t cp) {
     return set.find(cp) != std::u32string::npos;
 }
@@ -206,57 +193,6 @@ CString CString::Right(int count) const {
     return CString(m_s.substr(ByteOffset(len - count)));
 }
 
-CString CString::SpanIncluding(const char* charSet) const {
-    const std::u32string set = Decode(charSet);
-    size_t i = 0;
-    while (i < m_s.size()) {
-        size_t n;
-        if (!InSet(set, DecodeAt(m_s, i, &n)))
-            break;
-        i += n;
-    }
-    return CString(m_s.substr(0, i));
-}
-
-CString CString::SpanExcluding(const char* charSet) const {
-    const std::u32string set = Decode(charSet);
-    size_t i = 0;
-    while (i < m_s.size()) {
-        size_t n;
-        if (InSet(set, DecodeAt(m_s, i, &n)))
-            break;
-        i += n;
-    }
-    return CString(m_s.substr(0, i));
-}
-
-CString CString::Tokenize(const char* tokens, int& start) const {
-    if (start < 0 || start >= GetLength()) {
-        start = -1;
-        return CString();
-    }
-    size_t i = ByteOffset(start);
-    if (!tokens || !*tokens) {
-        start = GetLength();
-        return CString(m_s.substr(i));
-    }
-    const std::u32string set = Decode(tokens);
-    size_t n;
-    while (i < m_s.size() && InSet(set, DecodeAt(m_s, i, &n)))
-        i += n;
-    if (i >= m_s.size()) {
-        start = -1;
-        return CString();
-    }
-    const size_t b = i;
-    while (i < m_s.size() && !InSet(set, DecodeAt(m_s, i, &n)))
-        i += n;
-    CString token(m_s.substr(b, i - b));
-    // Skip the one delimiter that ended the token, as the classic behaviour does.
-    start = CharIndex(i) + 1;
-    return token;
-}
-
 int CString::Find(wchar_t ch, int start) const {
     if (start < 0 || start >= GetLength())
         return -1;
@@ -275,18 +211,6 @@ int CString::Find(const char* sub, int start) const {
 int CString::ReverseFind(wchar_t ch) const {
     const size_t pos = m_s.rfind(Encode(char32_t(ch)));
     return pos == std::string::npos ? -1 : CharIndex(pos);
-}
-
-int CString::FindOneOf(const char* charSet) const {
-    const std::u32string set = Decode(charSet);
-    int index = 0;
-    for (size_t i = 0; i < m_s.size(); ++index) {
-        size_t n;
-        if (InSet(set, DecodeAt(m_s, i, &n)))
-            return index;
-        i += n;
-    }
-    return -1;
 }
 
 int CString::Replace(const char* oldText, const char* newText) {
@@ -334,74 +258,26 @@ int CString::Insert(int index, const char* text) {
     return GetLength();
 }
 
-int CString::Delete(int index, int count) {
-    if (index < 0)
-        index = 0;
-    if (count > 0 && index < GetLength()) {
-        const size_t b = ByteOffset(index);
-        const size_t e = ByteOffsetFrom(b, count);
-        m_s.erase(b, e - b);
-        Changed();
-    }
-    return GetLength();
-}
-
-CString& CString::TrimSet(bool left, bool right, const std::u32string* set) {
+CString& CString::Trim() {
+    const std::u32string& set = Whitespace();
     size_t b = 0;
     size_t e = m_s.size();
     size_t n;
-    if (left)
-        while (b < e && InSet(*set, DecodeAt(m_s, b, &n)))
-            b += n;
-    if (right) {
-        while (e > b) {
-            size_t p = e - 1;
-            while (p > b && IsContinuation(static_cast<unsigned char>(m_s[p])))
-                --p;
-            if (!InSet(*set, DecodeAt(m_s, p, &n)))
-                break;
-            e = p;
-        }
+    while (b < e && InSet(set, DecodeAt(m_s, b, &n)))
+        b += n;
+    while (e > b) {
+        size_t p = e - 1;
+        while (p > b && IsContinuation(static_cast<unsigned char>(m_s[p])))
+            --p;
+        if (!InSet(set, DecodeAt(m_s, p, &n)))
+            break;
+        e = p;
     }
     if (b != 0 || e != m_s.size()) {
         m_s = m_s.substr(b, e - b);
         Changed();
     }
     return *this;
-}
-
-CString& CString::Trim() {
-    return TrimSet(true, true, &Whitespace());
-}
-CString& CString::TrimLeft() {
-    return TrimSet(true, false, &Whitespace());
-}
-CString& CString::TrimRight() {
-    return TrimSet(false, true, &Whitespace());
-}
-CString& CString::Trim(wchar_t ch) {
-    const std::u32string set(1, char32_t(ch));
-    return TrimSet(true, true, &set);
-}
-CString& CString::TrimLeft(wchar_t ch) {
-    const std::u32string set(1, char32_t(ch));
-    return TrimSet(true, false, &set);
-}
-CString& CString::TrimRight(wchar_t ch) {
-    const std::u32string set(1, char32_t(ch));
-    return TrimSet(false, true, &set);
-}
-CString& CString::Trim(const char* charSet) {
-    const std::u32string set = Decode(charSet);
-    return TrimSet(true, true, &set);
-}
-CString& CString::TrimLeft(const char* charSet) {
-    const std::u32string set = Decode(charSet);
-    return TrimSet(true, false, &set);
-}
-CString& CString::TrimRight(const char* charSet) {
-    const std::u32string set = Decode(charSet);
-    return TrimSet(false, true, &set);
 }
 
 CString& CString::MakeUpper() {

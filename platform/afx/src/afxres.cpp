@@ -68,10 +68,6 @@ void AfxFreeResourceHandle(HINSTANCE h) {
     delete h;
 }
 
-const char* AfxGetResourceHandleName(HINSTANCE h) {
-    return h ? h->name.c_str() : "";
-}
-
 void AfxRegisterString(HINSTANCE h, UINT id, const char* text) {
     if (!h)
         return;

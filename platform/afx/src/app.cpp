@@ -8,9 +8,6 @@
 #include <QGuiApplication>
 
 #include <dlfcn.h>
-#include <unistd.h>
-
-#include <cstring>
 
 #include <mutex>
 
@@ -44,11 +41,6 @@ int CWinApp::ExitInstance() {
 CWinApp* AfxGetApp() {
     std::lock_guard<std::mutex> lock(g_appMutex);
     return g_current ? g_current : g_pending;
-}
-
-CWinApp* AfxGetPendingApp() {
-    std::lock_guard<std::mutex> lock(g_appMutex);
-    return g_pending;
 }
 
 HINSTANCE AfxStartApp(CWinApp* app, const char* name) {
@@ -105,7 +97,12 @@ HMODULE AfxLoadLibrary(const char* path) {
         g_loadError = err ? err : "cannot open library";
         return nullptr;
     }
-    CWinApp* app = AfxGetPendingApp();
+    CWinApp* app = nullptr;
+    {
+        // The library's static constructors have just registered its application object.
+        std::lock_guard<std::mutex> lock(g_appMutex);
+        app = g_pending;
+    }
     HINSTANCE h = nullptr;
     if (app) {
         h = AfxStartApp(app, path);
@@ -138,10 +135,6 @@ void* GetProcAddress(HMODULE h, const char* name) {
     return h && h->library ? dlsym(h->library, name) : nullptr;
 }
 
-CWinApp* AfxGetModuleApp(HMODULE h) {
-    return h ? h->app : nullptr;
-}
-
 CString AfxGetLoadError() {
     return g_loadError;
 }
@@ -156,25 +149,6 @@ CWnd* AfxGetMainWnd() {
         return app->m_pMainWnd;
     QWidget* active = qApp ? QApplication::activeWindow() : nullptr;
     return active ? CWnd::FromHandle(AfxHandleFromWidget(active)) : nullptr;
-}
-
-DWORD GetModuleFileName(HMODULE hModule, char* lpFilename, DWORD nSize) {
-    if (!lpFilename || nSize == 0)
-        return 0;
-    std::string path;
-    if (!hModule || hModule == AfxGetInstanceHandle()) {
-        char buf[4096];
-        const ssize_t n = readlink("/proc/self/exe", buf, sizeof buf - 1);
-        if (n <= 0)
-            return 0;
-        path.assign(buf, size_t(n));
-    } else {
-        path = AfxGetResourceHandleName(hModule);
-    }
-    const size_t n = std::min<size_t>(path.size(), nSize - 1);
-    std::memcpy(lpFilename, path.data(), n);
-    lpFilename[n] = '\0';
-    return DWORD(n);
 }
 
 BOOL GetCursorPos(POINT* lpPoint) {

@@ -278,10 +278,6 @@ CString CWnd::GetWindowTextString() const {
     return C(w->windowTitle());
 }
 
-int CWnd::GetWindowTextLength() const {
-    return GetWindowTextString().GetLength();
-}
-
 // ---------------------------------------------------------------- CButton
 BOOL CButton::Create(const char* caption, DWORD dwStyle, const RECT& rect, CWnd* pParent,
                      UINT nID) {
@@ -391,27 +387,6 @@ void CEdit::GetSel(int& nStart, int& nEnd) const {
     }
 }
 
-void CEdit::ReplaceSel(const char* text, BOOL) {
-    if (auto* e = qobject_cast<QLineEdit*>(WidgetOf(m_hWnd)))
-        e->insert(Q(text));
-    else if (auto* m = qobject_cast<QPlainTextEdit*>(WidgetOf(m_hWnd)))
-        m->insertPlainText(Q(text));
-}
-
-void CEdit::Clear() {
-    ReplaceSel("");
-}
-
-void CEdit::SetLimitText(UINT nMax) {
-    if (auto* e = qobject_cast<QLineEdit*>(WidgetOf(m_hWnd)))
-        e->setMaxLength(nMax ? int(std::min<UINT>(nMax, 32767)) : 32767);
-}
-
-UINT CEdit::GetLimitText() const {
-    auto* e = qobject_cast<QLineEdit*>(WidgetOf(m_hWnd));
-    return e ? UINT(e->maxLength()) : 0;
-}
-
 BOOL CEdit::SetReadOnly(BOOL bReadOnly) {
     if (auto* e = qobject_cast<QLineEdit*>(WidgetOf(m_hWnd)))
         e->setReadOnly(bReadOnly);
@@ -422,12 +397,6 @@ BOOL CEdit::SetReadOnly(BOOL bReadOnly) {
     if (WindowData* d = Lookup(m_hWnd))
         d->style = bReadOnly ? (d->style | ES_READONLY) : (d->style & ~ES_READONLY);
     return TRUE;
-}
-
-int CEdit::GetLineCount() const {
-    if (auto* m = qobject_cast<QPlainTextEdit*>(WidgetOf(m_hWnd)))
-        return m->document()->blockCount();
-    return WidgetOf(m_hWnd) ? 1 : 0;
 }
 
 void CEdit::SetPasswordChar(TCHAR ch) {
@@ -505,14 +474,6 @@ int CComboBox::InsertString(int nIndex, const char* text) {
     return at;
 }
 
-int CComboBox::DeleteString(UINT nIndex) {
-    AfxCombo* c = ComboOf(m_hWnd);
-    if (!c || int(nIndex) >= c->count())
-        return CB_ERR;
-    c->removeItem(int(nIndex));
-    return c->count();
-}
-
 void CComboBox::ResetContent() {
     if (AfxCombo* c = ComboOf(m_hWnd)) {
         c->clear();
@@ -531,11 +492,6 @@ int CComboBox::GetLBText(int nIndex, CString& text) const {
     return text.GetLength();
 }
 
-int CComboBox::GetLBTextLen(int nIndex) const {
-    CString t;
-    return GetLBText(nIndex, t);
-}
-
 DWORD_PTR CComboBox::GetItemData(int nIndex) const {
     AfxCombo* c = ComboOf(m_hWnd);
     if (!c || nIndex < 0 || nIndex >= c->count())
@@ -551,37 +507,6 @@ int CComboBox::SetItemData(int nIndex, DWORD_PTR data) {
     return 0;
 }
 
-static int FindIn(AfxCombo* c, int nStartAfter, const char* text, bool exact) {
-    if (!c || !text)
-        return CB_ERR;
-    const QString t = Q(text);
-    const int n = c->count();
-    for (int k = 1; k <= n; ++k) {
-        const int i = (nStartAfter + k + n) % n;
-        const QString s = c->itemText(i);
-        const bool hit = exact ? QString::compare(s, t, Qt::CaseInsensitive) == 0
-                               : s.startsWith(t, Qt::CaseInsensitive);
-        if (hit)
-            return i;
-    }
-    return CB_ERR;
-}
-
-int CComboBox::FindString(int nStartAfter, const char* text) const {
-    return FindIn(ComboOf(m_hWnd), nStartAfter, text, false);
-}
-
-int CComboBox::FindStringExact(int nStartAfter, const char* text) const {
-    return FindIn(ComboOf(m_hWnd), nStartAfter, text, true);
-}
-
-int CComboBox::SelectString(int nStartAfter, const char* text) {
-    const int i = FindString(nStartAfter, text);
-    if (i != CB_ERR)
-        SetCurSel(i);
-    return i;
-}
-
 void CComboBox::ShowDropDown(BOOL bShowIt) {
     AfxCombo* c = ComboOf(m_hWnd);
     if (!c)
@@ -590,11 +515,6 @@ void CComboBox::ShowDropDown(BOOL bShowIt) {
         c->showPopup();
     else if (!bShowIt && c->dropped())
         c->hidePopup();
-}
-
-BOOL CComboBox::GetDroppedState() const {
-    AfxCombo* c = ComboOf(m_hWnd);
-    return c && c->dropped();
 }
 
 int CComboBox::SetDroppedWidth(UINT nWidth) {
@@ -611,29 +531,6 @@ int CComboBox::GetDroppedWidth() const {
     if (!c)
         return CB_ERR;
     return std::max(c->m_droppedWidth, c->width());
-}
-
-BOOL CComboBox::LimitText(int nMaxChars) {
-    AfxCombo* c = ComboOf(m_hWnd);
-    if (!c || !c->isEditable())
-        return FALSE;
-    c->lineEdit()->setMaxLength(nMaxChars > 0 ? nMaxChars : 32767);
-    return TRUE;
-}
-
-BOOL CComboBox::SetEditSel(int nStart, int nEnd) {
-    AfxCombo* c = ComboOf(m_hWnd);
-    if (!c || !c->isEditable())
-        return FALSE;
-    const int len = int(c->lineEdit()->text().size());
-    if (nStart < 0) {
-        c->lineEdit()->deselect();
-        return TRUE;
-    }
-    if (nEnd < 0 || nEnd > len)
-        nEnd = len;
-    c->lineEdit()->setSelection(nStart, nEnd - nStart);
-    return TRUE;
 }
 
 void CComboBox::ChooseEntry(int nIndex) {

@@ -16,9 +16,6 @@ public:
     AfxWindow(QWidget* parent, bool dialog);
     bool isDialog() const { return m_dialog; }
 
-protected:
-    void paintEvent(QPaintEvent* e) override;
-
 private:
     bool m_dialog;
 };

@@ -336,28 +336,3 @@ void DDX_Radio(CDataExchange* pDX, int nIDC, int& value) {
                 b->SetCheck(int(i) == value ? BST_CHECKED : BST_UNCHECKED);
     }
 }
-
-void DDX_CBIndex(CDataExchange* pDX, int nIDC, int& index) {
-    auto* c = dynamic_cast<CComboBox*>(pDX->m_pDlgWnd->GetDlgItem(nIDC));
-    if (!c)
-        return;
-    if (pDX->m_bSaveAndValidate)
-        index = c->GetCurSel();
-    else
-        c->SetCurSel(index);
-}
-
-void DDX_CBString(CDataExchange* pDX, int nIDC, CString& value) {
-    auto* c = dynamic_cast<CComboBox*>(pDX->m_pDlgWnd->GetDlgItem(nIDC));
-    if (!c)
-        return;
-    if (pDX->m_bSaveAndValidate) {
-        c->GetWindowText(value);
-    } else {
-        const int i = c->FindStringExact(-1, value.GetString());
-        if (i >= 0)
-            c->SetCurSel(i);
-        else
-            c->SetWindowText(value.GetString());
-    }
-}

@@ -33,12 +33,6 @@ BOOL CImageList::Create(int cx, int cy, UINT, int nInitial, int) {
     return TRUE;
 }
 
-BOOL CImageList::DeleteImageList() {
-    m_impl->images.clear();
-    m_impl->created = false;
-    return TRUE;
-}
-
 int CImageList::Add(HICON hIcon) {
     if (!m_impl->created || !hIcon)
         return -1;

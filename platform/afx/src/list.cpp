@@ -360,9 +360,9 @@ BOOL CListCtrl::SetItemState(int nItem, UINT nState, UINT nMask) {
         const UINT index = (nState & LVIS_STATEIMAGEMASK) >> 12;
         if (nItem < 0)
             for (int r = 0; r < v->m_count; ++r)
-                v->SetStateImage(r, index, true);
+                v->SetStateImage(r, index);
         else
-            v->SetStateImage(nItem, index, true);
+            v->SetStateImage(nItem, index);
     }
     return TRUE;
 }
@@ -535,28 +535,12 @@ int CListCtrl::SubItemHitTest(LVHITTESTINFO* info) const {
     return row;
 }
 
-BOOL CListCtrl::Scroll(CSize size) {
-    AfxListView* v = ViewOf(m_hWnd);
-    if (!v)
-        return FALSE;
-    if (size.cy)
-        v->verticalScrollBar()->setValue(v->verticalScrollBar()->value() +
-                                         size.cy / std::max(1, v->RowHeight()));
-    if (size.cx)
-        v->horizontalScrollBar()->setValue(v->horizontalScrollBar()->value() + size.cx);
-    return TRUE;
-}
-
-BOOL CListCtrl::RedrawItems(int, int) {
+BOOL CListCtrl::Update(int) {
     AfxListView* v = ViewOf(m_hWnd);
     if (!v)
         return FALSE;
     v->viewport()->update();
     return TRUE;
-}
-
-BOOL CListCtrl::Update(int nItem) {
-    return RedrawItems(nItem, nItem);
 }
 
 int CListCtrl::InvalidateChangedCells() {

@@ -74,10 +74,9 @@ public:
     CListCtrl* Owner() const;
     QPoint ViewportOffset() const { return viewport()->geometry().topLeft(); }
     int RowHeight() const { return verticalHeader()->defaultSectionSize(); }
-    void SetStateImage(int row, UINT index, bool notify);
+    void SetStateImage(int row, UINT index);
     UINT StateImage(int row) const;
     int NextSelected(int from) const;
-    void NotifyItemChanged(int row, UINT newState, UINT oldState, UINT changed);
     void NotifyClick(UINT code, QPoint viewportPos);
     // The delegate notes what it painted; `whole` is false when the paint was clipped to
     // part of the cell, which then counts as not painted.
@@ -95,7 +94,6 @@ public:
     int m_selectionMark = -1;
     DWORD m_exStyle = 0;
     CImageList* m_images[3] = {nullptr, nullptr, nullptr};
-    bool m_suppressNotify = false;
     HWND m_header = nullptr;
     HWND m_self = nullptr;
     // By row, for the rows on screen at the last paint or comparison.

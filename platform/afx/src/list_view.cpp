@@ -318,15 +318,11 @@ UINT AfxListView::StateImage(int row) const {
     return (m_exStyle & LVS_EX_CHECKBOXES) ? 1 : 0;
 }
 
-void AfxListView::SetStateImage(int row, UINT index, bool notify) {
-    const UINT old = StateImage(row);
-    if (old == index)
+void AfxListView::SetStateImage(int row, UINT index) {
+    if (StateImage(row) == index)
         return;
     m_stateImages[row] = index;
     viewport()->update();
-    if (notify)
-        NotifyItemChanged(row, INDEXTOSTATEIMAGEMASK(index), INDEXTOSTATEIMAGEMASK(old),
-                          LVIF_STATE);
 }
 
 int AfxListView::NextSelected(int from) const {
@@ -342,19 +338,6 @@ int AfxListView::NextSelected(int from) const {
             best = candidate;
     }
     return best;
-}
-
-void AfxListView::NotifyItemChanged(int row, UINT newState, UINT oldState, UINT changed) {
-    HWND h = HandleOf(this);
-    if (!h || m_suppressNotify)
-        return;
-    NMLISTVIEW nm{};
-    nm.hdr.code = LVN_ITEMCHANGED;
-    nm.iItem = row;
-    nm.uNewState = newState;
-    nm.uOldState = oldState;
-    nm.uChanged = changed;
-    NotifyHdr(h, &nm.hdr);
 }
 
 void AfxListView::NotifyClick(UINT code, QPoint vp) {
@@ -376,7 +359,7 @@ void AfxListView::mousePressEvent(QMouseEvent* e) {
     const QModelIndex idx = indexAt(vp);
     if (idx.isValid() && idx.column() == 0 && (m_exStyle & LVS_EX_CHECKBOXES) &&
         e->button() == Qt::LeftButton && vp.x() - visualRect(idx).left() < kCheckWidth) {
-        SetStateImage(idx.row(), StateImage(idx.row()) == 2 ? 1 : 2, true);
+        SetStateImage(idx.row(), StateImage(idx.row()) == 2 ? 1 : 2);
     }
     QPointer<AfxListView> self(this);
     QTableView::mousePressEvent(e);
@@ -416,7 +399,7 @@ void AfxListView::keyPressEvent(QKeyEvent* e) {
     }
     if (e->key() == Qt::Key_Space && (m_exStyle & LVS_EX_CHECKBOXES) && currentIndex().isValid()) {
         const int row = currentIndex().row();
-        SetStateImage(row, StateImage(row) == 2 ? 1 : 2, true);
+        SetStateImage(row, StateImage(row) == 2 ? 1 : 2);
         return;
     }
     QTableView::keyPressEvent(e);
@@ -498,33 +481,6 @@ void ConnectList(HWND h) {
     if (!v)
         return;
     v->m_self = h;
-    QObject::connect(v->selectionModel(), &QItemSelectionModel::selectionChanged, v,
-                     [v](const QItemSelection& sel, const QItemSelection& desel) {
-                         auto rows = [](const QItemSelection& s) {
-                             long n = 0;
-                             for (const auto& r : s)
-                                 n += r.height();
-                             return n;
-                         };
-                         if (rows(sel) + rows(desel) > 256) {
-                             v->NotifyItemChanged(-1, 0, 0, LVIF_STATE);
-                             return;
-                         }
-                         for (const auto& r : desel)
-                             for (int row = r.top(); row <= r.bottom(); ++row)
-                                 if (!v->selectionModel()->isRowSelected(row, QModelIndex()))
-                                     v->NotifyItemChanged(row, 0, LVIS_SELECTED, LVIF_STATE);
-                         for (const auto& r : sel)
-                             for (int row = r.top(); row <= r.bottom(); ++row)
-                                 v->NotifyItemChanged(row, LVIS_SELECTED, 0, LVIF_STATE);
-                     });
-    QObject::connect(v->selectionModel(), &QItemSelectionModel::currentRowChanged, v,
-                     [v](const QModelIndex& now, const QModelIndex& before) {
-                         if (before.isValid())
-                             v->NotifyItemChanged(before.row(), 0, LVIS_FOCUSED, LVIF_STATE);
-                         if (now.isValid())
-                             v->NotifyItemChanged(now.row(), LVIS_FOCUSED, 0, LVIF_STATE);
-                     });
     QObject::connect(v->horizontalHeader(), &QHeaderView::sectionClicked, v, [v](int section) {
         HWND list = HandleOf(v);
         NMLISTVIEW nm{};
@@ -551,18 +507,9 @@ void ConnectList(HWND h) {
         HWND list = HandleOf(v);
         if (!list)
             return;
-        NMLVSCROLL nm{};
-        nm.hdr.code = LVN_BEGINSCROLL;
-        NotifyHdr(list, &nm.hdr);
-        if (!Lookup(list))
-            return;
         const int pos =
             vertical ? v->verticalScrollBar()->value() : v->horizontalScrollBar()->value();
         Send(list, vertical ? WM_VSCROLL : WM_HSCROLL, MAKEWPARAM(SB_THUMBPOSITION, WORD(pos)), 0);
-        if (!Lookup(list))
-            return;
-        nm.hdr.code = LVN_ENDSCROLL;
-        NotifyHdr(list, &nm.hdr);
     };
     QObject::connect(v->verticalScrollBar(), &QScrollBar::valueChanged, v,
                      [scrolled] { scrolled(true); });

@@ -262,7 +262,7 @@ CMenu* CMenu::GetSubMenu(int nPos) const {
     return it.subWrapper.get();
 }
 
-BOOL CMenu::TrackPopupMenu(UINT nFlags, int x, int y, CWnd* pWnd, const RECT*) {
+UINT CMenu::TrackPopupMenu(UINT, int x, int y, CWnd* pWnd, const RECT*) {
     if (!m_hMenu)
         return FALSE;
     UINT chosen = 0;
@@ -282,9 +282,5 @@ BOOL CMenu::TrackPopupMenu(UINT nFlags, int x, int y, CWnd* pWnd, const RECT*) {
         if (QAction* a = menu.exec(QPoint(x, y)))
             chosen = a->data().toUInt();
     }
-    if (nFlags & TPM_RETURNCMD)
-        return BOOL(chosen);
-    if (chosen && pWnd && !(nFlags & TPM_NONOTIFY))
-        pWnd->PostMessage(WM_COMMAND, MAKEWPARAM(WORD(chosen), 0), 0);
-    return chosen != 0;
+    return chosen;
 }

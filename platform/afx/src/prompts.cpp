@@ -146,12 +146,6 @@ int AfxMessageBox(const char* text, UINT nType, UINT) {
     return MessageBox(active ? HandleOf(active) : nullptr, text, caption, nType);
 }
 
-int AfxMessageBox(UINT nIDPrompt, UINT nType, UINT nIDHelp) {
-    CString s;
-    s.LoadString(nIDPrompt);
-    return AfxMessageBox(s.GetString(), nType, nIDHelp);
-}
-
 IAfxPromptResponder* AfxSetPromptResponder(IAfxPromptResponder* responder) {
     IAfxPromptResponder* old = g_responder;
     g_responder = responder;
@@ -447,28 +441,6 @@ INT_PTR CFileDialog::DoModal() {
 
 CString CFileDialog::GetPathName() const {
     return m_chosen.IsEmpty() ? CString() : m_chosen[0];
-}
-
-CString CFileDialog::GetFileName() const {
-    return NameOf(GetPathName());
-}
-
-CString CFileDialog::GetFileExt() const {
-    const CString name = GetFileName();
-    const int dot = name.ReverseFind('.');
-    return dot < 0 ? CString() : name.Mid(dot + 1);
-}
-
-CString CFileDialog::GetFileTitle() const {
-    const CString name = GetFileName();
-    const int dot = name.ReverseFind('.');
-    return dot < 0 ? name : name.Left(dot);
-}
-
-CString CFileDialog::GetFolderPath() const {
-    const CString path = GetPathName();
-    const int sep = std::max(path.ReverseFind('/'), path.ReverseFind('\\'));
-    return sep < 0 ? CString() : path.Left(sep);
 }
 
 POSITION CFileDialog::GetStartPosition() const {

@@ -133,17 +133,6 @@ void ConnectTree(HWND h) {
                          nm.itemNew = ItemInfo(now);
                          NotifyHdr(HandleOf(t), &nm.hdr);
                      });
-    auto expanded = [t](QTreeWidgetItem* item, UINT action) {
-        NMTREEVIEW nm{};
-        nm.hdr.code = TVN_ITEMEXPANDED;
-        nm.action = action;
-        nm.itemNew = ItemInfo(item);
-        NotifyHdr(HandleOf(t), &nm.hdr);
-    };
-    QObject::connect(t, &QTreeWidget::itemExpanded, t,
-                     [expanded](QTreeWidgetItem* i) { expanded(i, TVE_EXPAND); });
-    QObject::connect(t, &QTreeWidget::itemCollapsed, t,
-                     [expanded](QTreeWidgetItem* i) { expanded(i, TVE_COLLAPSE); });
 }
 
 } // namespace afxi
@@ -251,18 +240,6 @@ HTREEITEM CTreeCtrl::GetNextSiblingItem(HTREEITEM hItem) const {
     return HandleOfItem(p ? p->child(at + 1) : t->topLevelItem(at + 1));
 }
 
-HTREEITEM CTreeCtrl::GetPrevSiblingItem(HTREEITEM hItem) const {
-    AfxTree* t = TreeOf(m_hWnd);
-    if (!t || !hItem)
-        return nullptr;
-    QTreeWidgetItem* i = ItemOf(hItem);
-    QTreeWidgetItem* p = i->parent();
-    const int at = p ? p->indexOfChild(i) : t->indexOfTopLevelItem(i);
-    if (at <= 0)
-        return nullptr;
-    return HandleOfItem(p ? p->child(at - 1) : t->topLevelItem(at - 1));
-}
-
 HTREEITEM CTreeCtrl::GetParentItem(HTREEITEM hItem) const {
     return hItem && hItem != TVI_ROOT ? HandleOfItem(ItemOf(hItem)->parent()) : nullptr;
 }
@@ -273,8 +250,6 @@ HTREEITEM CTreeCtrl::GetNextItem(HTREEITEM hItem, UINT nCode) const {
         return GetRootItem();
     case TVGN_NEXT:
         return GetNextSiblingItem(hItem);
-    case TVGN_PREVIOUS:
-        return GetPrevSiblingItem(hItem);
     case TVGN_PARENT:
         return GetParentItem(hItem);
     case TVGN_CHILD:
@@ -293,12 +268,6 @@ HTREEITEM CTreeCtrl::GetNextVisibleItem(HTREEITEM hItem) const {
     if (!t || !hItem)
         return nullptr;
     return HandleOfItem(t->itemBelow(ItemOf(hItem)));
-}
-
-BOOL CTreeCtrl::ItemHasChildren(HTREEITEM hItem) const {
-    if (!hItem || hItem == TVI_ROOT)
-        return GetRootItem() != nullptr;
-    return ItemOf(hItem)->childCount() > 0;
 }
 
 HTREEITEM CTreeCtrl::GetSelectedItem() const {
@@ -374,14 +343,6 @@ BOOL CTreeCtrl::SetItemData(HTREEITEM hItem, DWORD_PTR dwData) {
     return TRUE;
 }
 
-BOOL CTreeCtrl::GetItemImage(HTREEITEM hItem, int& nImage, int& nSelectedImage) const {
-    if (!hItem || hItem == TVI_ROOT)
-        return FALSE;
-    nImage = ItemOf(hItem)->data(0, kImageRole).toInt();
-    nSelectedImage = ItemOf(hItem)->data(0, kSelImageRole).toInt();
-    return TRUE;
-}
-
 BOOL CTreeCtrl::SetItemImage(HTREEITEM hItem, int nImage, int nSelectedImage) {
     AfxTree* t = TreeOf(m_hWnd);
     if (!t || !hItem || hItem == TVI_ROOT)
@@ -401,8 +362,6 @@ UINT CTreeCtrl::GetItemState(HTREEITEM hItem, UINT nStateMask) const {
         s |= TVIS_SELECTED;
     if (i->isExpanded())
         s |= TVIS_EXPANDED;
-    if (i->font(0).bold())
-        s |= TVIS_BOLD;
     s |= UINT(i->data(0, kStateRole).toUInt()) << 12;
     return s & nStateMask;
 }
@@ -411,11 +370,6 @@ BOOL CTreeCtrl::SetItemState(HTREEITEM hItem, UINT nState, UINT nStateMask) {
     if (!hItem || hItem == TVI_ROOT)
         return FALSE;
     QTreeWidgetItem* i = ItemOf(hItem);
-    if (nStateMask & TVIS_BOLD) {
-        QFont f = i->font(0);
-        f.setBold(nState & TVIS_BOLD);
-        i->setFont(0, f);
-    }
     if (nStateMask & TVIS_EXPANDED)
         i->setExpanded(nState & TVIS_EXPANDED);
     if (nStateMask & TVIS_SELECTED) {
@@ -472,11 +426,6 @@ CImageList* CTreeCtrl::SetImageList(CImageList* pImageList, int nImageListType) 
     for (QTreeWidgetItemIterator it(t); *it; ++it)
         t->RefreshIcon(*it);
     return old;
-}
-
-CImageList* CTreeCtrl::GetImageList(int nImageListType) const {
-    AfxTree* t = TreeOf(m_hWnd);
-    return t && nImageListType >= 0 && nImageListType <= 2 ? t->m_images[nImageListType] : nullptr;
 }
 
 SHORT CTreeCtrl::SetItemHeight(SHORT cyHeight) {

@@ -14,24 +14,6 @@ using namespace afxi;
 // ---------------------------------------------------------------- CFont
 CFont::CFont() : m_impl(std::make_unique<Impl>()) {}
 CFont::~CFont() = default;
-BOOL CFont::CreatePointFont(int nPointSize, const char* faceName) {
-    m_impl->font = QFont(Q(faceName));
-    m_impl->font.setPointSizeF(nPointSize / 10.0);
-    return TRUE;
-}
-CString CFont::GetFaceName() const {
-    return C(m_impl->font.family());
-}
-int CFont::GetPointSize() const {
-    return int(std::lround(m_impl->font.pointSizeF() * 10));
-}
-void CFont::SetBold(BOOL bold) {
-    m_impl->font.setBold(bold);
-}
-BOOL CFont::IsBold() const {
-    return m_impl->font.bold();
-}
-
 // ---------------------------------------------------------------- CWnd
 CWnd::CWnd() = default;
 
@@ -338,27 +320,6 @@ CWnd* CWnd::GetParent() const {
     return WndOf(ParentOf(m_hWnd));
 }
 
-CWnd* CWnd::SetParent(CWnd* pNewParent) {
-    QWidget* w = WidgetOf(m_hWnd);
-    QWidget* p = pNewParent ? WidgetOf(pNewParent->m_hWnd) : nullptr;
-    if (!w)
-        return nullptr;
-    CWnd* old = GetParent();
-    const bool visible = !w->isHidden();
-    const QPoint pos = w->pos();
-    w->setParent(p);
-    w->move(pos);
-    w->setVisible(visible);
-    return old;
-}
-
-CWnd* CWnd::GetTopLevelParent() const {
-    HWND h = m_hWnd;
-    while (ParentOf(h))
-        h = ParentOf(h);
-    return h ? WndOf(h) : nullptr;
-}
-
 CWnd* CWnd::GetDlgItem(int nID) const {
     QWidget* w = WidgetOf(m_hWnd);
     if (!w)
@@ -381,15 +342,6 @@ CWnd* CWnd::GetDlgItem(int nID) const {
 int CWnd::GetDlgCtrlID() const {
     WindowData* d = Lookup(m_hWnd);
     return d ? int(d->ctrlId) : 0;
-}
-
-int CWnd::SetDlgCtrlID(int nID) {
-    WindowData* d = Lookup(m_hWnd);
-    if (!d)
-        return 0;
-    const int old = int(d->ctrlId);
-    d->ctrlId = UINT(nID);
-    return old;
 }
 
 BOOL CWnd::IsChild(const CWnd* pWnd) const {
@@ -446,13 +398,6 @@ void CWnd::CheckRadioButton(int nIDFirst, int nIDLast, int nIDCheck) {
         CheckDlgButton(id, id == nIDCheck ? BST_CHECKED : BST_UNCHECKED);
 }
 
-int CWnd::GetCheckedRadioButton(int nIDFirst, int nIDLast) const {
-    for (int id = nIDFirst; id <= nIDLast; ++id)
-        if (IsDlgButtonChecked(id))
-            return id;
-    return 0;
-}
-
 CWnd* CWnd::GetNextDlgTabItem(CWnd* pWndCtl, BOOL bPrevious) const {
     QWidget* c = pWndCtl ? WidgetOf(pWndCtl->m_hWnd) : nullptr;
     if (!c)
@@ -476,32 +421,9 @@ void CWnd::Invalidate(BOOL) {
     }
 }
 
-void CWnd::InvalidateRect(const RECT* r, BOOL bErase) {
-    QWidget* w = WidgetOf(m_hWnd);
-    if (!w)
-        return;
-    if (!r || qobject_cast<QAbstractScrollArea*>(w)) {
-        Invalidate(bErase);
-        return;
-    }
-    w->update(QRect(r->left, r->top, r->right - r->left, r->bottom - r->top));
-}
-
 void CWnd::UpdateWindow() {
     if (QWidget* w = WidgetOf(m_hWnd))
         w->repaint();
-}
-
-void CWnd::RedrawWindow() {
-    Invalidate();
-}
-
-void CWnd::SetRedraw(BOOL bRedraw) {
-    if (QWidget* w = WidgetOf(m_hWnd)) {
-        w->setUpdatesEnabled(bRedraw);
-        if (bRedraw)
-            Invalidate();
-    }
 }
 
 void CWnd::SetFont(CFont* pFont, BOOL) {
@@ -671,9 +593,6 @@ LRESULT CWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_CLOSE:
         OnClose();
         return 0;
-    case WM_PAINT:
-        OnPaint();
-        return 0;
     case WM_SETTEXT:
         SetWindowText(reinterpret_cast<const char*>(lParam));
         return TRUE;
@@ -748,9 +667,5 @@ BOOL CWnd::OnHelpInfo(HELPINFO*) {
     return FALSE;
 }
 void CWnd::OnClose() {
-    Default();
-}
-
-void CWnd::OnPaint() {
     Default();
 }

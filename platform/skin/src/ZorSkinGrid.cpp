@@ -184,13 +184,6 @@ int CZorSkinPGridCtrl::GetRowCount() const {
     return m_impl->table ? m_impl->table->rowCount() : 0;
 }
 
-void CZorSkinPGridCtrl::DeleteAllRows() {
-    if (m_impl->table)
-        m_impl->table->setRowCount(0);
-    m_impl->items.clear();
-    m_impl->rowData.clear();
-}
-
 void CZorSkinPGridCtrl::SetCellText(int row, int col, const char* text) {
     QTableWidget* t = m_impl->table;
     if (!t || row < 0 || row >= t->rowCount() || col < 0 || col >= t->columnCount())

@@ -88,18 +88,12 @@ public:
     CString Mid(int first) const;
     CString Mid(int first, int count) const;
     CString Right(int count) const;
-    CString SpanIncluding(const char* charSet) const;
-    CString SpanExcluding(const char* charSet) const;
-    // Next token after `start` separated by any of `tokens`; `start` moves past it and
-    // becomes -1 when there are no more tokens.
-    CString Tokenize(const char* tokens, int& start) const;
 
     // ------------------------------------------------------------ search (-1 if absent)
     int Find(wchar_t ch, int start = 0) const;
     int Find(const char* sub, int start = 0) const;
     int Find(const CString& sub, int start = 0) const { return Find(sub.GetString(), start); }
     int ReverseFind(wchar_t ch) const;
-    int FindOneOf(const char* charSet) const;
 
     // ------------------------------------------------------------ editing
     int Replace(const char* oldText, const char* newText);
@@ -107,16 +101,7 @@ public:
     int Remove(wchar_t ch);
     int Insert(int index, wchar_t ch);
     int Insert(int index, const char* text);
-    int Delete(int index, int count = 1);
     CString& Trim();
-    CString& Trim(wchar_t ch);
-    CString& Trim(const char* charSet);
-    CString& TrimLeft();
-    CString& TrimLeft(wchar_t ch);
-    CString& TrimLeft(const char* charSet);
-    CString& TrimRight();
-    CString& TrimRight(wchar_t ch);
-    CString& TrimRight(const char* charSet);
     CString& MakeUpper();
     CString& MakeLower();
     CString& MakeReverse();
@@ -151,7 +136,6 @@ public:
     CString& operator+=(wchar_t ch);
     CString& operator+=(char ch) { return *this += wchar_t(static_cast<unsigned char>(ch)); }
     void Append(const char* utf8) { *this += utf8; }
-    void AppendChar(wchar_t ch) { *this += ch; }
 
     friend bool operator==(const CString& a, const CString& b) { return a.m_s == b.m_s; }
     friend bool operator==(const CString& a, const char* b) { return a.m_s == (b ? b : ""); }
@@ -197,7 +181,6 @@ private:
     size_t ByteOffset(int index) const;
     size_t ByteOffsetFrom(size_t fromByte, int count) const;
     int CharIndex(size_t byteOffset) const;
-    CString& TrimSet(bool left, bool right, const std::u32string* set);
     void Changed() { m_chars = -1; }
 
     std::string m_s;

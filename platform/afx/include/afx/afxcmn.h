@@ -14,12 +14,8 @@ constexpr UINT NM_SETFOCUS = NM_FIRST - 7;
 constexpr UINT NM_KILLFOCUS = NM_FIRST - 8;
 
 constexpr UINT LVN_FIRST = 0u - 100;
-constexpr UINT LVN_ITEMCHANGING = LVN_FIRST - 0;
-constexpr UINT LVN_ITEMCHANGED = LVN_FIRST - 1;
 constexpr UINT LVN_COLUMNCLICK = LVN_FIRST - 8;
 constexpr UINT LVN_KEYDOWN = LVN_FIRST - 55;
-constexpr UINT LVN_BEGINSCROLL = LVN_FIRST - 80;
-constexpr UINT LVN_ENDSCROLL = LVN_FIRST - 81;
 
 constexpr UINT HDN_FIRST = 0u - 300;
 constexpr UINT HDN_ITEMCHANGING = HDN_FIRST - 20;
@@ -27,10 +23,7 @@ constexpr UINT HDN_ITEMCHANGED = HDN_FIRST - 21;
 constexpr UINT HDN_ENDTRACK = HDN_FIRST - 27;
 
 constexpr UINT TVN_FIRST = 0u - 400;
-constexpr UINT TVN_SELCHANGING = TVN_FIRST - 50;
 constexpr UINT TVN_SELCHANGED = TVN_FIRST - 51;
-constexpr UINT TVN_ITEMEXPANDING = TVN_FIRST - 54;
-constexpr UINT TVN_ITEMEXPANDED = TVN_FIRST - 55;
 constexpr UINT TVN_KEYDOWN = TVN_FIRST - 12;
 
 // ---------------------------------------------------------------- list constants
@@ -114,12 +107,6 @@ struct NMLVKEYDOWN {
     UINT flags;
 };
 
-struct NMLVSCROLL {
-    NMHDR hdr;
-    int dx;
-    int dy;
-};
-
 struct HDITEM {
     UINT mask;
     int cxy;
@@ -139,7 +126,6 @@ typedef NMHEADER* LPNMHEADER;
 #define TVI_LAST (reinterpret_cast<HTREEITEM>(static_cast<ULONG_PTR>(-0x0FFFE)))
 #define TVI_SORT (reinterpret_cast<HTREEITEM>(static_cast<ULONG_PTR>(-0x0FFFD)))
 constexpr UINT TVIS_SELECTED = 0x0002;
-constexpr UINT TVIS_BOLD = 0x0010;
 constexpr UINT TVIS_EXPANDED = 0x0020;
 constexpr UINT TVIS_STATEIMAGEMASK = 0xF000;
 constexpr UINT TVE_COLLAPSE = 0x0001;
@@ -147,7 +133,6 @@ constexpr UINT TVE_EXPAND = 0x0002;
 constexpr UINT TVE_TOGGLE = 0x0003;
 constexpr UINT TVGN_ROOT = 0x0000;
 constexpr UINT TVGN_NEXT = 0x0001;
-constexpr UINT TVGN_PREVIOUS = 0x0002;
 constexpr UINT TVGN_PARENT = 0x0003;
 constexpr UINT TVGN_CHILD = 0x0004;
 constexpr UINT TVGN_NEXTVISIBLE = 0x0006;
@@ -210,11 +195,10 @@ public:
     CImageList& operator=(const CImageList&) = delete;
 
     BOOL Create(int cx, int cy, UINT nFlags, int nInitial, int nGrow);
-    BOOL DeleteImageList();
     int Add(HICON hIcon);
     int GetImageCount() const;
-    BOOL Remove(int nImage);
     BOOL GetIconSize(int& cx, int& cy) const;
+    BOOL Remove(int nImage);
     HIMAGELIST GetSafeHandle() const;
 
     struct Impl;
@@ -307,8 +291,6 @@ public:
     int HitTest(CPoint pt, UINT* pFlags = nullptr) const;
     int HitTest(LVHITTESTINFO* pHitTestInfo) const;
     int SubItemHitTest(LVHITTESTINFO* pInfo) const;
-    BOOL Scroll(CSize size);
-    BOOL RedrawItems(int nFirst, int nLast);
     BOOL Update(int nItem);
     // For a live list: compares every cell on screen (text, colours, row images) with what
     // was last painted there and invalidates only the cells that differ. Returns how many.
@@ -341,11 +323,9 @@ public:
     HTREEITEM GetRootItem() const;
     HTREEITEM GetChildItem(HTREEITEM hItem) const;
     HTREEITEM GetNextSiblingItem(HTREEITEM hItem) const;
-    HTREEITEM GetPrevSiblingItem(HTREEITEM hItem) const;
     HTREEITEM GetParentItem(HTREEITEM hItem) const;
     HTREEITEM GetNextItem(HTREEITEM hItem, UINT nCode) const;
     HTREEITEM GetNextVisibleItem(HTREEITEM hItem) const;
-    BOOL ItemHasChildren(HTREEITEM hItem) const;
     HTREEITEM GetSelectedItem() const;
     BOOL SelectItem(HTREEITEM hItem);
     BOOL Expand(HTREEITEM hItem, UINT nCode);
@@ -355,7 +335,6 @@ public:
     BOOL SetItemText(HTREEITEM hItem, const char* text);
     DWORD_PTR GetItemData(HTREEITEM hItem) const;
     BOOL SetItemData(HTREEITEM hItem, DWORD_PTR dwData);
-    BOOL GetItemImage(HTREEITEM hItem, int& nImage, int& nSelectedImage) const;
     BOOL SetItemImage(HTREEITEM hItem, int nImage, int nSelectedImage);
     UINT GetItemState(HTREEITEM hItem, UINT nStateMask) const;
     BOOL SetItemState(HTREEITEM hItem, UINT nState, UINT nStateMask);
@@ -363,7 +342,6 @@ public:
     HTREEITEM HitTest(CPoint pt, UINT* pFlags = nullptr) const;
 
     CImageList* SetImageList(CImageList* pImageList, int nImageListType);
-    CImageList* GetImageList(int nImageListType) const;
     SHORT SetItemHeight(SHORT cyHeight);
     SHORT GetItemHeight() const;
     COLORREF SetBkColor(COLORREF clr);

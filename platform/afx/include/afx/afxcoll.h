@@ -18,17 +18,10 @@ public:
     INT_PTR GetSize() const { return INT_PTR(m_items.size()); }
     INT_PTR GetCount() const { return GetSize(); }
     BOOL IsEmpty() const { return m_items.empty(); }
-    INT_PTR GetUpperBound() const { return GetSize() - 1; }
     void SetSize(INT_PTR n) { m_items.resize(size_t(n < 0 ? 0 : n)); }
     void RemoveAll() { m_items.clear(); }
     const TYPE& GetAt(INT_PTR i) const { return m_items.at(size_t(i)); }
-    TYPE& ElementAt(INT_PTR i) { return m_items.at(size_t(i)); }
     void SetAt(INT_PTR i, ARG_TYPE v) { m_items.at(size_t(i)) = v; }
-    void SetAtGrow(INT_PTR i, ARG_TYPE v) {
-        if (i >= GetSize())
-            SetSize(i + 1);
-        m_items[size_t(i)] = v;
-    }
     INT_PTR Add(ARG_TYPE v) {
         m_items.push_back(v);
         return GetSize() - 1;
@@ -71,114 +64,26 @@ class CPtrArray : public CArray<void*, void*> {};
 // A list whose POSITION values stay valid while other elements come and go.
 template <class TYPE, class ARG_TYPE = const TYPE&> class CList {
 public:
-    CList() = default;
-    CList(const CList& o) {
-        for (const auto* n = o.m_head; n; n = n->next)
-            AddTail(n->value);
+    INT_PTR GetCount() const { return INT_PTR(m_items.size()); }
+    BOOL IsEmpty() const { return m_items.empty(); }
+    POSITION AddTail(ARG_TYPE v) {
+        m_items.push_back(v);
+        return Pos(m_items.back());
     }
-    CList& operator=(const CList& o) {
-        if (this != &o) {
-            RemoveAll();
-            for (const auto* n = o.m_head; n; n = n->next)
-                AddTail(n->value);
-        }
-        return *this;
-    }
-    ~CList() { RemoveAll(); }
-
-    INT_PTR GetCount() const { return m_count; }
-    INT_PTR GetSize() const { return m_count; }
-    BOOL IsEmpty() const { return m_count == 0; }
-    POSITION GetHeadPosition() const { return Pos(m_head); }
-    POSITION GetTailPosition() const { return Pos(m_tail); }
-    TYPE& GetHead() { return m_head->value; }
-    TYPE& GetTail() { return m_tail->value; }
-    TYPE& GetNext(POSITION& pos) {
-        Node* n = NodeOf(pos);
-        pos = Pos(n->next);
-        return n->value;
-    }
-    const TYPE& GetNext(POSITION& pos) const {
-        Node* n = NodeOf(pos);
-        pos = Pos(n->next);
-        return n->value;
-    }
-    TYPE& GetPrev(POSITION& pos) {
-        Node* n = NodeOf(pos);
-        pos = Pos(n->prev);
-        return n->value;
-    }
-    TYPE& GetAt(POSITION pos) { return NodeOf(pos)->value; }
-    void SetAt(POSITION pos, ARG_TYPE v) { NodeOf(pos)->value = v; }
-    POSITION AddHead(ARG_TYPE v) { return InsertBefore(GetHeadPosition(), v); }
-    POSITION AddTail(ARG_TYPE v) { return InsertAfter(GetTailPosition(), v); }
-    POSITION InsertBefore(POSITION pos, ARG_TYPE v) {
-        Node* at = NodeOf(pos);
-        Node* n = new Node{v, at ? at->prev : m_tail, at};
-        Link(n);
-        return Pos(n);
-    }
-    POSITION InsertAfter(POSITION pos, ARG_TYPE v) {
-        Node* at = NodeOf(pos);
-        Node* n = new Node{v, at, at ? at->next : m_head};
-        Link(n);
-        return Pos(n);
-    }
-    TYPE RemoveHead() {
-        TYPE v = m_head->value;
-        RemoveAt(GetHeadPosition());
-        return v;
-    }
-    TYPE RemoveTail() {
-        TYPE v = m_tail->value;
-        RemoveAt(GetTailPosition());
-        return v;
-    }
-    void RemoveAt(POSITION pos) {
-        Node* n = NodeOf(pos);
-        if (!n)
-            return;
-        (n->prev ? n->prev->next : m_head) = n->next;
-        (n->next ? n->next->prev : m_tail) = n->prev;
-        delete n;
-        --m_count;
-    }
-    void RemoveAll() {
-        while (m_head)
-            RemoveAt(GetHeadPosition());
-    }
-    POSITION Find(ARG_TYPE v, POSITION after = nullptr) const {
-        for (Node* n = after ? NodeOf(after)->next : m_head; n; n = n->next)
-            if (n->value == v)
-                return Pos(n);
+    void RemoveAll() { m_items.clear(); }
+    POSITION Find(ARG_TYPE v) const {
+        for (const TYPE& item : m_items)
+            if (item == v)
+                return Pos(item);
         return nullptr;
-    }
-    POSITION FindIndex(INT_PTR index) const {
-        Node* n = m_head;
-        for (INT_PTR i = 0; n && i < index; ++i)
-            n = n->next;
-        return index < 0 ? nullptr : Pos(n);
     }
 
 private:
-    struct Node {
-        TYPE value;
-        Node* prev;
-        Node* next;
-    };
-    static POSITION Pos(Node* n) { return reinterpret_cast<POSITION>(n); }
-    static Node* NodeOf(POSITION p) { return reinterpret_cast<Node*>(p); }
-    void Link(Node* n) {
-        (n->prev ? n->prev->next : m_head) = n;
-        (n->next ? n->next->prev : m_tail) = n;
-        ++m_count;
+    static POSITION Pos(const TYPE& item) {
+        return reinterpret_cast<POSITION>(const_cast<TYPE*>(&item));
     }
-    Node* m_head = nullptr;
-    Node* m_tail = nullptr;
-    INT_PTR m_count = 0;
+    std::list<TYPE> m_items;
 };
-
-class CStringList : public CList<CString, const CString&> {};
 
 template <class KEY, class ARG_KEY, class VALUE, class ARG_VALUE> class CMap {
 public:
@@ -193,7 +98,6 @@ public:
     }
     void SetAt(ARG_KEY key, ARG_VALUE value) { m_map[key] = value; }
     VALUE& operator[](ARG_KEY key) { return m_map[key]; }
-    BOOL RemoveKey(ARG_KEY key) { return m_map.erase(key) > 0; }
     void RemoveAll() { m_map.clear(); }
     auto begin() const { return m_map.begin(); }
     auto end() const { return m_map.end(); }

@@ -32,11 +32,7 @@ public:
     // IDOK with a chosen path, IDCANCEL otherwise.
     virtual INT_PTR DoModal();
 
-    CString GetPathName() const;  // the first chosen path
-    CString GetFileName() const;  // its name with extension
-    CString GetFileExt() const;   // its extension without the dot
-    CString GetFileTitle() const; // its name without extension
-    CString GetFolderPath() const;
+    CString GetPathName() const; // the first chosen path
     POSITION GetStartPosition() const;
     CString GetNextPathName(POSITION& pos) const;
 

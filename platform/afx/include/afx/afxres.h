@@ -20,7 +20,6 @@ HINSTANCE AfxGetInstanceHandle();
 // A new, empty resource handle; `name` is for diagnostics. Freed by AfxFreeResourceHandle.
 HINSTANCE AfxCreateResourceHandle(const char* name);
 void AfxFreeResourceHandle(HINSTANCE h);
-const char* AfxGetResourceHandleName(HINSTANCE h);
 
 // ---------------------------------------------------------------- string table
 void AfxRegisterString(HINSTANCE h, UINT id, const char* text);

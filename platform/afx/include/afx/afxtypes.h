@@ -160,11 +160,8 @@ public:
     constexpr int Width() const { return right - left; }
     constexpr int Height() const { return bottom - top; }
     constexpr CSize Size() const { return CSize(Width(), Height()); }
-    constexpr CPoint TopLeft() const { return CPoint(left, top); }
-    constexpr CPoint BottomRight() const { return CPoint(right, bottom); }
     constexpr CPoint CenterPoint() const { return CPoint((left + right) / 2, (top + bottom) / 2); }
     constexpr BOOL IsRectEmpty() const { return Width() <= 0 || Height() <= 0; }
-    constexpr BOOL IsRectNull() const { return left == 0 && top == 0 && right == 0 && bottom == 0; }
     constexpr BOOL PtInRect(POINT p) const {
         return p.x >= left && p.x < right && p.y >= top && p.y < bottom;
     }
@@ -173,58 +170,6 @@ public:
         top = t;
         right = r;
         bottom = b;
-    }
-    void SetRectEmpty() { SetRect(0, 0, 0, 0); }
-    void OffsetRect(int dx, int dy) {
-        left += dx;
-        right += dx;
-        top += dy;
-        bottom += dy;
-    }
-    void OffsetRect(POINT p) { OffsetRect(p.x, p.y); }
-    void MoveToXY(int x, int y) { OffsetRect(x - left, y - top); }
-    void InflateRect(int dx, int dy) {
-        left -= dx;
-        right += dx;
-        top -= dy;
-        bottom += dy;
-    }
-    void DeflateRect(int dx, int dy) { InflateRect(-dx, -dy); }
-    void NormalizeRect() {
-        if (left > right) {
-            LONG t = left;
-            left = right;
-            right = t;
-        }
-        if (top > bottom) {
-            LONG t = top;
-            top = bottom;
-            bottom = t;
-        }
-    }
-    BOOL IntersectRect(const RECT& a, const RECT& b) {
-        left = a.left > b.left ? a.left : b.left;
-        top = a.top > b.top ? a.top : b.top;
-        right = a.right < b.right ? a.right : b.right;
-        bottom = a.bottom < b.bottom ? a.bottom : b.bottom;
-        if (IsRectEmpty()) {
-            SetRectEmpty();
-            return FALSE;
-        }
-        return TRUE;
-    }
-    BOOL UnionRect(const RECT& a, const RECT& b) {
-        const CRect ra(a), rb(b);
-        if (ra.IsRectEmpty()) {
-            *this = rb;
-        } else if (rb.IsRectEmpty()) {
-            *this = ra;
-        } else {
-            SetRect(a.left < b.left ? a.left : b.left, a.top < b.top ? a.top : b.top,
-                    a.right > b.right ? a.right : b.right,
-                    a.bottom > b.bottom ? a.bottom : b.bottom);
-        }
-        return !IsRectEmpty();
     }
     constexpr bool operator==(const RECT& o) const {
         return left == o.left && top == o.top && right == o.right && bottom == o.bottom;
@@ -284,9 +229,6 @@ typedef GUID IID;
 typedef GUID CLSID;
 typedef const GUID& REFGUID;
 typedef const GUID& REFIID;
-inline bool IsEqualGUID(REFGUID a, REFGUID b) {
-    return a == b;
-}
 
 namespace afx_detail {
 constexpr int HexDigit(char c) {
@@ -307,12 +249,6 @@ constexpr uint32_t ReadHex(const char* text, int pos, int digits) {
     return v;
 }
 } // namespace afx_detail
-
-// A GUID from its parts, as in the registry form {Data1-Data2-Data3-Data4[0..1]-Data4[2..7]}.
-constexpr GUID MakeGuid(uint32_t d1, uint16_t d2, uint16_t d3, uint8_t b0, uint8_t b1, uint8_t b2,
-                        uint8_t b3, uint8_t b4, uint8_t b5, uint8_t b6, uint8_t b7) {
-    return GUID{d1, d2, d3, {b0, b1, b2, b3, b4, b5, b6, b7}};
-}
 
 // A GUID from "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx", braces optional. Evaluated at compile
 // time when used in a constexpr context; malformed text is then a compile error.
@@ -376,7 +312,6 @@ constexpr UINT WM_KILLFOCUS = 0x0008;
 constexpr UINT WM_ENABLE = 0x000A;
 constexpr UINT WM_SETTEXT = 0x000C;
 constexpr UINT WM_GETTEXT = 0x000D;
-constexpr UINT WM_PAINT = 0x000F;
 constexpr UINT WM_ERASEBKGND = 0x0014;
 constexpr UINT WM_CLOSE = 0x0010;
 constexpr UINT WM_SHOWWINDOW = 0x0018;

@@ -96,7 +96,6 @@ constexpr UINT MK_CONTROL = 0x0008;
 constexpr UINT TPM_LEFTALIGN = 0x0000;
 constexpr UINT TPM_LEFTBUTTON = 0x0000;
 constexpr UINT TPM_RIGHTBUTTON = 0x0002;
-constexpr UINT TPM_NONOTIFY = 0x0080;
 constexpr UINT TPM_RETURNCMD = 0x0100;
 
 struct NMHDR {
@@ -122,110 +121,12 @@ public:
     ~CFont();
     CFont(const CFont&) = delete;
     CFont& operator=(const CFont&) = delete;
-    // nPointSize in tenths of a point, as usual.
-    BOOL CreatePointFont(int nPointSize, const char* faceName);
-    CString GetFaceName() const;
-    int GetPointSize() const; // tenths of a point
-    void SetBold(BOOL bold);
-    BOOL IsBold() const;
 
     struct Impl;
     Impl* impl() const { return m_impl.get(); }
 
 private:
     std::unique_ptr<Impl> m_impl;
-};
-
-// ---------------------------------------------------------------- drawing
-constexpr int TRANSPARENT = 1;
-constexpr int OPAQUE = 2;
-constexpr int PS_SOLID = 0;
-constexpr int PS_DASH = 1;
-constexpr int PS_DOT = 2;
-constexpr UINT DT_LEFT = 0x0000;
-constexpr UINT DT_CENTER = 0x0001;
-constexpr UINT DT_RIGHT = 0x0002;
-constexpr UINT DT_VCENTER = 0x0004;
-constexpr UINT DT_BOTTOM = 0x0008;
-constexpr UINT DT_WORDBREAK = 0x0010;
-constexpr UINT DT_SINGLELINE = 0x0020;
-constexpr UINT DT_CALCRECT = 0x0400;
-constexpr UINT DT_NOPREFIX = 0x0800;
-constexpr UINT DT_END_ELLIPSIS = 0x8000;
-
-class CPen {
-public:
-    CPen() = default;
-    CPen(int nPenStyle, int nWidth, COLORREF crColor)
-        : style(nPenStyle), width(nWidth), color(crColor), valid(true) {}
-    BOOL CreatePen(int nPenStyle, int nWidth, COLORREF crColor) {
-        *this = CPen(nPenStyle, nWidth, crColor);
-        return TRUE;
-    }
-    int style = PS_SOLID;
-    int width = 1;
-    COLORREF color = 0;
-    bool valid = false;
-};
-
-class CBrush {
-public:
-    CBrush() = default;
-    explicit CBrush(COLORREF crColor) : color(crColor), valid(true) {}
-    BOOL CreateSolidBrush(COLORREF crColor) {
-        *this = CBrush(crColor);
-        return TRUE;
-    }
-    COLORREF color = 0;
-    bool valid = false;
-};
-
-// Drawing inside OnPaint (see CPaintDC). Coordinates are client pixels.
-class CDC {
-public:
-    virtual ~CDC();
-    CDC(const CDC&) = delete;
-    CDC& operator=(const CDC&) = delete;
-    BOOL IsValid() const { return m_painter != nullptr; }
-
-    COLORREF SetTextColor(COLORREF c);
-    COLORREF SetBkColor(COLORREF c);
-    int SetBkMode(int mode);
-    CFont* SelectObject(CFont* pFont);
-    CPen* SelectObject(CPen* pPen);
-    CBrush* SelectObject(CBrush* pBrush);
-
-    void FillSolidRect(const RECT* r, COLORREF c);
-    void FillSolidRect(int x, int y, int cx, int cy, COLORREF c);
-    BOOL FillRect(const RECT* r, CBrush* pBrush);
-    void FrameRect(const RECT* r, CBrush* pBrush);
-    void Draw3dRect(const RECT* r, COLORREF topLeft, COLORREF bottomRight);
-    BOOL Rectangle(const RECT* r); // outline with the pen, inside with the brush
-    CPoint MoveTo(int x, int y);
-    BOOL LineTo(int x, int y);
-    BOOL TextOut(int x, int y, const CString& text);
-    // With DT_CALCRECT only measures: r's right and bottom are set, nothing is drawn.
-    int DrawText(const CString& text, RECT* r, UINT nFormat);
-    CSize GetTextExtent(const CString& text) const;
-    BOOL DrawIcon(int x, int y, HICON hIcon);
-
-protected:
-    CDC() = default;
-    void* m_painter = nullptr; // the framework's painter while a paint runs
-    CPen* m_pen = nullptr;
-    CBrush* m_brush = nullptr;
-    CFont* m_font = nullptr;
-    COLORREF m_text = 0;
-    COLORREF m_back = 0xFFFFFF;
-    int m_bkMode = OPAQUE;
-    CPoint m_pos;
-};
-
-// The device context of the paint under way for pWnd; only valid inside its OnPaint.
-class CPaintDC : public CDC {
-public:
-    explicit CPaintDC(CWnd* pWnd);
-    ~CPaintDC() override;
 };
 
 // ---------------------------------------------------------------- CWnd
@@ -253,8 +154,6 @@ public:
     // Binds this object to an existing window that has no object of its own yet.
     BOOL Attach(HWND h);
     HWND Detach();
-    BOOL SubclassWindow(HWND h) { return Attach(h); }
-    BOOL UnsubclassWindow() { return Detach() != nullptr; }
     BOOL SubclassDlgItem(UINT nID, CWnd* pParent);
 
     // ---- state and geometry
@@ -281,16 +180,12 @@ public:
     void SetWindowText(const CString& text) { SetWindowText(text.GetString()); }
     void GetWindowText(CString& text) const;
     CString GetWindowTextString() const;
-    int GetWindowTextLength() const;
 
     // ---- family
     // The parent; for a window of its own (a popup dialog) its owner.
     CWnd* GetParent() const;
-    CWnd* SetParent(CWnd* pNewParent);
-    CWnd* GetTopLevelParent() const;
     CWnd* GetDlgItem(int nID) const;
     int GetDlgCtrlID() const;
-    int SetDlgCtrlID(int nID);
     BOOL IsChild(const CWnd* pWnd) const;
     void SetDlgItemText(int nID, const char* text);
     int GetDlgItemText(int nID, CString& text) const;
@@ -299,16 +194,12 @@ public:
     void CheckDlgButton(int nID, UINT nCheck);
     UINT IsDlgButtonChecked(int nID) const;
     void CheckRadioButton(int nIDFirst, int nIDLast, int nIDCheck);
-    int GetCheckedRadioButton(int nIDFirst, int nIDLast) const;
     CWnd* GetNextDlgTabItem(CWnd* pWndCtl, BOOL bPrevious = FALSE) const;
 
     // ---- focus, painting, fonts
     CWnd* SetFocus();
     void Invalidate(BOOL bErase = TRUE);
-    void InvalidateRect(const RECT* lpRect, BOOL bErase = TRUE);
     void UpdateWindow();
-    void RedrawWindow();
-    void SetRedraw(BOOL bRedraw = TRUE);
     void SetFont(CFont* pFont, BOOL bRedraw = TRUE);
     // The window's font; owned by the window.
     CFont* GetFont() const;
@@ -359,9 +250,6 @@ protected:
     virtual void OnHScroll(UINT nSBCode, UINT nPos, CWnd* pScrollBar);
     virtual BOOL OnHelpInfo(HELPINFO* pHelpInfo);
     virtual void OnClose();
-    // Windows of the framework's own kind (plain windows, dialogs, placeholders) paint
-    // through OnPaint with a CPaintDC; the default paints the background.
-    virtual void OnPaint();
 
 public:
     // Framework internals; not for module code.
@@ -412,13 +300,7 @@ public:
     BOOL Create(DWORD dwStyle, const RECT& rect, CWnd* pParent, UINT nID);
     void SetSel(int nStart, int nEnd, BOOL bNoScroll = FALSE);
     void GetSel(int& nStart, int& nEnd) const;
-    void ReplaceSel(const char* text, BOOL bCanUndo = FALSE);
-    void Clear();
-    void SetLimitText(UINT nMax);
-    void LimitText(int nChars = 0) { SetLimitText(UINT(nChars)); }
-    UINT GetLimitText() const;
     BOOL SetReadOnly(BOOL bReadOnly = TRUE);
-    int GetLineCount() const;
     void SetPasswordChar(TCHAR ch);
     // Multi-line text uses "\r\n" between lines, as callers expect.
 };
@@ -432,23 +314,15 @@ public:
     int SetCurSel(int nSelect);
     int AddString(const char* text);
     int InsertString(int nIndex, const char* text);
-    int DeleteString(UINT nIndex);
     void ResetContent();
     int GetLBText(int nIndex, CString& text) const;
-    int GetLBTextLen(int nIndex) const;
     DWORD_PTR GetItemData(int nIndex) const;
     int SetItemData(int nIndex, DWORD_PTR data);
     void* GetItemDataPtr(int nIndex) const { return reinterpret_cast<void*>(GetItemData(nIndex)); }
     int SetItemDataPtr(int nIndex, void* p) { return SetItemData(nIndex, DWORD_PTR(p)); }
-    int FindString(int nStartAfter, const char* text) const;      // prefix, no case
-    int FindStringExact(int nStartAfter, const char* text) const; // whole text, no case
-    int SelectString(int nStartAfter, const char* text);
     void ShowDropDown(BOOL bShowIt = TRUE);
-    BOOL GetDroppedState() const;
     int SetDroppedWidth(UINT nWidth);
     int GetDroppedWidth() const;
-    BOOL LimitText(int nMaxChars);
-    BOOL SetEditSel(int nStart, int nEnd);
     // Simulates a user's choice of entry nIndex (CBN_SELCHANGE, CBN_SELENDOK, CBN_CLOSEUP).
     void ChooseEntry(int nIndex);
 };
@@ -466,7 +340,6 @@ public:
     static CMenu* FromHandle(HMENU h);
 
     BOOL CreatePopupMenu();
-    BOOL CreateMenu() { return CreatePopupMenu(); }
     // Copies menu `nIDResource` of the current resource handle.
     BOOL LoadMenu(UINT nIDResource);
     BOOL DestroyMenu();
@@ -479,7 +352,6 @@ public:
     BOOL ModifyMenu(UINT nPosition, UINT nFlags, UINT_PTR nIDNewItem = 0,
                     const char* text = nullptr);
     BOOL DeleteMenu(UINT nPosition, UINT nFlags);
-    BOOL RemoveMenu(UINT nPosition, UINT nFlags) { return DeleteMenu(nPosition, nFlags); }
     // Return the previous state, or (UINT)-1 when there is no such item.
     UINT EnableMenuItem(UINT nIDEnableItem, UINT nEnable);
     UINT CheckMenuItem(UINT nIDCheckItem, UINT nCheck);
@@ -488,10 +360,9 @@ public:
     UINT GetMenuItemID(int nPos) const; // 0 for separators, (UINT)-1 for popups
     int GetMenuString(UINT nIDItem, CString& text, UINT nFlags) const;
     CMenu* GetSubMenu(int nPos) const;
-    // Shows the menu at screen position (x, y). With TPM_RETURNCMD returns the chosen
-    // command (0 when none); otherwise sends WM_COMMAND of the choice to pWnd and
-    // returns TRUE when something was chosen.
-    BOOL TrackPopupMenu(UINT nFlags, int x, int y, CWnd* pWnd, const RECT* lpRect = nullptr);
+    // Shows the menu at screen position (x, y) and returns the chosen command, 0 when
+    // none. Callers pass TPM_RETURNCMD; the choice is never sent to pWnd as a command.
+    UINT TrackPopupMenu(UINT nFlags, int x, int y, CWnd* pWnd, const RECT* lpRect = nullptr);
 
 private:
     bool m_owned = false;
@@ -516,8 +387,6 @@ void DDX_Text(CDataExchange* pDX, int nIDC, double& value);
 void DDX_Check(CDataExchange* pDX, int nIDC, int& value);
 // nIDC is the first radio of its group; value is the index of the checked one, -1 for none.
 void DDX_Radio(CDataExchange* pDX, int nIDC, int& value);
-void DDX_CBIndex(CDataExchange* pDX, int nIDC, int& index);
-void DDX_CBString(CDataExchange* pDX, int nIDC, CString& value);
 
 class CDialog : public CWnd {
 public:
@@ -567,7 +436,6 @@ private:
 // Shows a message box; returns IDOK, IDCANCEL, IDYES, IDNO ... See afxtest.h for the seam
 // that answers them in tests.
 int AfxMessageBox(const char* text, UINT nType = MB_OK, UINT nIDHelp = 0);
-int AfxMessageBox(UINT nIDPrompt, UINT nType = MB_OK, UINT nIDHelp = 0);
 int MessageBox(HWND hWnd, const char* text, const char* caption, UINT nType);
 
 // ---------------------------------------------------------------- application object
@@ -592,9 +460,6 @@ const char* AfxGetAppName();
 // The application's main window, else the active top-level window; may be null.
 CWnd* AfxGetMainWnd();
 
-// The path of a module library (UTF-8), or of the executable for nullptr. Returns the
-// length copied (truncated to nSize - 1), 0 on failure.
-DWORD GetModuleFileName(HMODULE hModule, char* lpFilename, DWORD nSize);
 // Screen position of the mouse.
 BOOL GetCursorPos(POINT* lpPoint);
 // High bit set while the key is down; knows VK_SHIFT, VK_CONTROL and VK_MENU.
@@ -619,8 +484,6 @@ private:
 HINSTANCE AfxStartApp(CWinApp* app, const char* name);
 // Runs ExitInstance with the app's handle current, then frees the handle.
 int AfxStopApp(CWinApp* app);
-// The application object constructed most recently and not yet started, if any.
-CWinApp* AfxGetPendingApp();
 
 // Opens a module library, starts the application object it brings (see AfxStartApp) and
 // returns its handle, which is also the module's resource handle. nullptr on failure;
@@ -629,5 +492,4 @@ HMODULE AfxLoadLibrary(const char* path);
 // Runs the module's ExitInstance, closes the library and frees the handle.
 BOOL AfxFreeLibrary(HMODULE h);
 void* GetProcAddress(HMODULE h, const char* name);
-CWinApp* AfxGetModuleApp(HMODULE h);
 CString AfxGetLoadError();

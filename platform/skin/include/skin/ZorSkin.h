@@ -217,7 +217,6 @@ public:
 
     int AddRow();
     int GetRowCount() const;
-    void DeleteAllRows();
     void SetCellText(int row, int col, const char* text);
     CString GetCellText(int row, int col) const;
     // The grid owns the item from then on.
