@@ -55,21 +55,27 @@ protected:
     }
 };
 
-std::vector<UINT> CodesOf(const ControlsDialog& d, UINT id) {
-    std::vector<UINT> v;
-    for (const auto& [i, code] : d.commands)
-        if (i == id)
-            v.push_back(code);
-    return v;
-}
+class ControlsTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        RegisterControls();
+        ASSERT_TRUE(dlg.Create(IDD_CONTROLS));
+    }
+    template <class T> T* Item(UINT id) { return dynamic_cast<T*>(dlg.GetDlgItem(int(id))); }
+    std::vector<UINT> CodesOf(UINT id) const {
+        std::vector<UINT> v;
+        for (const auto& [i, code] : dlg.commands)
+            if (i == id)
+                v.push_back(code);
+        return v;
+    }
+    ControlsDialog dlg;
+};
 
 } // namespace
 
-TEST(ControlsTest, ComboEntriesDataAndChoice) {
-    RegisterControls();
-    ControlsDialog dlg;
-    ASSERT_TRUE(dlg.Create(IDD_CONTROLS));
-    auto* level = dynamic_cast<CComboBox*>(dlg.GetDlgItem(IDC_LEVEL));
+TEST_F(ControlsTest, ComboEntriesDataAndChoice) {
+    auto* level = Item<CComboBox>(IDC_LEVEL);
     ASSERT_NE(level, nullptr); // the stand-in has the control's class
     EXPECT_EQ(level->AddString("user"), 0);
     EXPECT_EQ(level->AddString("Factory"), 0); // sorted, without regard to case
@@ -85,46 +91,39 @@ TEST(ControlsTest, ComboEntriesDataAndChoice) {
     level->ChooseEntry(1);
     EXPECT_EQ(level->GetCurSel(), 1);
     EXPECT_EQ(level->GetWindowTextString(), "service");
-    EXPECT_EQ(CodesOf(dlg, IDC_LEVEL),
-              (std::vector<UINT>{CBN_SELCHANGE, CBN_SELENDOK, CBN_CLOSEUP}));
+    EXPECT_EQ(CodesOf(IDC_LEVEL), (std::vector<UINT>{CBN_SELCHANGE, CBN_SELENDOK, CBN_CLOSEUP}));
     EXPECT_EQ(level->GetItemData(1), 0xABCDu); // data stays with its entry
     level->ResetContent();
     EXPECT_EQ(level->GetCount(), 0);
 }
 
-TEST(ControlsTest, ComboDestroyedByItsConfirmationIsSafe) {
-    RegisterControls();
-    ControlsDialog dlg;
-    ASSERT_TRUE(dlg.Create(IDD_CONTROLS));
-    auto* level = dynamic_cast<CComboBox*>(dlg.GetDlgItem(IDC_LEVEL));
+TEST_F(ControlsTest, ComboDestroyedByItsConfirmationIsSafe) {
+    auto* level = Item<CComboBox>(IDC_LEVEL);
     level->AddString("a");
     level->AddString("b");
     const HWND h = level->GetSafeHwnd();
     dlg.destroyComboOnSelect = true;
     level->ChooseEntry(1);
     EXPECT_FALSE(IsWindow(h));
-    EXPECT_EQ(CodesOf(dlg, IDC_LEVEL), (std::vector<UINT>{CBN_SELCHANGE, CBN_SELENDOK}));
+    EXPECT_EQ(CodesOf(IDC_LEVEL), (std::vector<UINT>{CBN_SELCHANGE, CBN_SELENDOK}));
     EXPECT_TRUE(AfxPumpMessagesUntil([] { return true; }, 100));
 }
 
-TEST(ControlsTest, EditableComboAndEdits) {
-    RegisterControls();
-    ControlsDialog dlg;
-    ASSERT_TRUE(dlg.Create(IDD_CONTROLS));
-    auto* search = dynamic_cast<CComboBox*>(dlg.GetDlgItem(IDC_SEARCH));
+TEST_F(ControlsTest, EditableComboAndEdits) {
+    auto* search = Item<CComboBox>(IDC_SEARCH);
     ASSERT_NE(search, nullptr);
     search->AddString("H00-01");
     AfxTestTypeText(search, "H01");
     EXPECT_EQ(search->GetWindowTextString(), "H01");
     EXPECT_EQ(search->GetCurSel(), CB_ERR);
 
-    auto* note = dynamic_cast<CEdit*>(dlg.GetDlgItem(IDC_NOTE));
+    auto* note = Item<CEdit>(IDC_NOTE);
     ASSERT_NE(note, nullptr);
     note->SetWindowText("第一行\r\n第二行");
     EXPECT_EQ(note->GetWindowTextString(), "第一行\r\n第二行");
 
     // Selections count characters, also beyond the basic plane.
-    auto* pw = dynamic_cast<CEdit*>(dlg.GetDlgItem(IDC_PASSWORD));
+    auto* pw = Item<CEdit>(IDC_PASSWORD);
     pw->SetWindowText("1中😀5");
     pw->SetSel(1, 3);
     int a = 0, b = 0;
@@ -137,13 +136,9 @@ TEST(ControlsTest, EditableComboAndEdits) {
     EXPECT_EQ(pw->GetWindowTextString(), "-12");
 }
 
-TEST(ControlsTest, RadioGroupsStayApart) {
-    RegisterControls();
-    ControlsDialog dlg;
-    ASSERT_TRUE(dlg.Create(IDD_CONTROLS));
-    static_cast<CButton*>(dlg.GetDlgItem(IDC_R2))->Click();
-    static_cast<CButton*>(dlg.GetDlgItem(IDC_S1))->Click();
-    static_cast<CButton*>(dlg.GetDlgItem(IDC_R1))->Click();
+TEST_F(ControlsTest, RadioGroupsStayApart) {
+    for (UINT id : {IDC_R2, IDC_S1, IDC_R1})
+        Item<CButton>(id)->Click();
     EXPECT_EQ(dlg.IsDlgButtonChecked(IDC_R2), 0u);
     EXPECT_EQ(dlg.IsDlgButtonChecked(IDC_S1), 1u); // the other group kept its choice
     dlg.CheckRadioButton(IDC_S1, IDC_S2, IDC_S2);
@@ -174,7 +169,7 @@ protected:
 
 } // namespace
 
-TEST(ControlsTest, ListHearsHeaderAndWheel) {
+TEST(ListControlTest, HearsHeaderAndWheel) {
     CWnd host;
     ASSERT_TRUE(
         host.Create(nullptr, "host", WS_POPUP | WS_VISIBLE, CRect(0, 0, 400, 300), nullptr, 0));

@@ -206,34 +206,6 @@ TEST_F(ListFixture, SelectionFocusMarkAndChecks) {
     EXPECT_FALSE(list.GetCheck(7));
 }
 
-TEST(ListStoredTest, StoredItemsTextsDataAndStates) {
-    CWnd host;
-    ASSERT_TRUE(host.Create(nullptr, "host", WS_POPUP, CRect(0, 0, 400, 300), nullptr, 0));
-    CListCtrl list;
-    ASSERT_TRUE(list.Create(WS_CHILD | WS_VISIBLE | LVS_REPORT, CRect(0, 0, 400, 300), &host, 5));
-    list.SetExtendedStyle(LVS_EX_CHECKBOXES);
-    list.InsertColumn(0, "名称", LVCFMT_LEFT, 100);
-    list.InsertColumn(1, "值", LVCFMT_RIGHT, 100);
-    EXPECT_EQ(list.InsertItem(0, "H00-00"), 0);
-    EXPECT_EQ(list.InsertItem(1, "H00-02"), 1);
-    EXPECT_EQ(list.InsertItem(1, "H00-01"), 1);
-    list.SetItemText(1, 1, "十");
-    list.SetItemData(2, 0xBEEF);
-    list.SetCheck(2);
-    EXPECT_EQ(list.GetItemCount(), 3);
-    EXPECT_EQ(list.GetItemText(1, 0), "H00-01");
-    EXPECT_EQ(list.GetItemText(1, 1), "十");
-    EXPECT_EQ(list.GetItemText(2, 0), "H00-02");
-    list.DeleteItem(0);
-    EXPECT_EQ(list.GetItemText(1, 0), "H00-02");
-    EXPECT_EQ(list.GetItemData(1), 0xBEEFu);
-    EXPECT_TRUE(list.GetCheck(1)); // the state moved with its row
-    EXPECT_FALSE(list.GetCheck(0));
-    EXPECT_EQ(list.GetColumnText(1), "值");
-    list.DeleteAllItems();
-    EXPECT_EQ(list.GetItemCount(), 0);
-}
-
 namespace {
 class PictureList : public CListCtrl {
 public:
