@@ -7,7 +7,6 @@
 #include <QMenuBar>
 #include <QSettings>
 #include <QSplitter>
-#include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTreeWidget>
 

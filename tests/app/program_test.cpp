@@ -114,46 +114,41 @@ TEST(ProgramArguments, MistakesAreRefusedWithTheUsage) {
     }
 }
 
-TEST(ProgramArguments, AWrongAccessCodeAndAnUnwritableScreenshotFailAtOnce) {
-    QTemporaryDir dir;
-    const QString target = QDir(dir.path()).filePath(QStringLiteral("x.csv"));
-    const Outcome code = Program({"--access-code", "1357", "--export", "ZD3S", target});
-    EXPECT_EQ(code.code, 10) << code.err.toStdString();
-    EXPECT_FALSE(QFile::exists(target));
-
-    const Outcome shot = Program({"--screenshot", "/proc/no-such-folder/shot.png"});
-    EXPECT_EQ(shot.code, 1) << shot.err.toStdString();
-    EXPECT_TRUE(shot.err.contains(QStringLiteral("/proc/no-such-folder")))
-        << shot.err.toStdString();
-}
-
-// An old file at the target is left as it was.
-TEST(ProgramExport, UnknownModuleOfflineDriveAndWrongExtensionWriteNothing) {
+// Each refusal has its own exit code and reason; an old file at the target is left as it
+// was, and nothing else is left in the folder.
+TEST(ProgramExport, RefusedExportsSayWhyAndWriteNothing) {
     QTemporaryDir dir;
     const QString project = TwoDriveProject(dir);
     const QString target = WriteFile(dir, "out.csv", "old table\n");
-
-    const Outcome unknown = Program({"--project", project, "--export", "ZD3S", target});
-    EXPECT_EQ(unknown.code, 4);
-    EXPECT_TRUE(unknown.err.contains(QStringLiteral("\"ZD3S\""))) << unknown.err.toStdString();
-    EXPECT_TRUE(unknown.err.contains(QStringLiteral("SPINDLE, FEED"))) << unknown.err.toStdString();
-
-    // Keys are compared exactly, as the module compares them.
-    EXPECT_EQ(Program({"--project", project, "--export", "spindle", target}).code, 4);
-
-    const Outcome offline = Program({"--project", project, "--export", "FEED", target});
-    EXPECT_EQ(offline.code, 5);
-    EXPECT_TRUE(offline.err.contains(QStringLiteral("offline"))) << offline.err.toStdString();
-
-    const Outcome text = Program({"--project", project, "--export", "SPINDLE",
-                                  QDir(dir.path()).filePath(QStringLiteral("out.txt"))});
-    EXPECT_EQ(text.code, 2);
-    EXPECT_TRUE(text.err.contains(QStringLiteral(".csv"))) << text.err.toStdString();
-
-    for (const Outcome* r : {&unknown, &offline, &text})
-        EXPECT_TRUE(r->out.isEmpty());
+    const QString text = QDir(dir.path()).filePath(QStringLiteral("out.txt"));
+    // The module makes one missing folder level, not two.
+    const QString deep = QDir(dir.path()).filePath(QStringLiteral("a/b/zd3s.csv"));
+    const QString deepParam = QDir(dir.path()).filePath(QStringLiteral("a/b/zd4m.zorparam"));
+    struct Case {
+        QStringList args;
+        int code;
+        QStringList said;
+    };
+    const Case cases[] = {
+        {{"--project", project, "--export", "ZD3S", target}, 4, {"\"ZD3S\"", "SPINDLE, FEED"}},
+        // Keys are compared exactly, as the module compares them.
+        {{"--project", project, "--export", "spindle", target}, 4, {}},
+        {{"--project", project, "--export", "FEED", target}, 5, {"offline"}},
+        {{"--project", project, "--export", "SPINDLE", text}, 2, {".csv"}},
+        {{"--access-code", "1357", "--export", "ZD3S", target}, 10, {}},
+        {{"--export", "ZD3S", deep}, 7, {deep}},
+        {{"--export", "ZD4M", deepParam}, 7, {deepParam}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.args.join(' ').toStdString());
+        const Outcome r = Program(c.args);
+        EXPECT_EQ(r.code, c.code) << r.err.toStdString();
+        EXPECT_TRUE(r.out.isEmpty());
+        for (const QString& said : c.said)
+            EXPECT_TRUE(r.err.contains(said)) << r.err.toStdString();
+    }
     EXPECT_EQ(ReadFile(target), QByteArray("old table\n"));
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden),
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
               (QStringList{"out.csv", "two.json"}));
 }
 
@@ -182,17 +177,6 @@ TEST(ProgramExport, RefusedReadsAreNamedUnderTheirOwnExitCode) {
     EXPECT_FALSE(QFile::exists(target));
 }
 
-TEST(ProgramExport, AFolderThatCantBeMadeEndsWithNoFileAndNoLeftovers) {
-    QTemporaryDir dir;
-    // The module makes one missing folder level, not two.
-    const QString target = QDir(dir.path()).filePath(QStringLiteral("a/b/zd3s.csv"));
-    const Outcome r = Program({"--export", "ZD3S", target});
-    EXPECT_EQ(r.code, 7);
-    EXPECT_TRUE(r.err.contains(target)) << r.err.toStdString();
-    EXPECT_FALSE(QFile::exists(target));
-    EXPECT_TRUE(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).isEmpty());
-}
-
 TEST(ProgramExport, AnOnlineDriveIsWrittenToTheFileAndReplacesTheOldOne) {
     QTemporaryDir dir;
     const QString target = WriteFile(dir, "zd3s.CSV", "old table\n");
@@ -202,8 +186,6 @@ TEST(ProgramExport, AnOnlineDriveIsWrittenToTheFileAndReplacesTheOldOne) {
     const QByteArray table = ReadFile(target);
     EXPECT_NE(table, QByteArray("old table\n"));
     EXPECT_TRUE(table.contains("H02-19")) << table.left(400).toStdString();
-    // Only the file itself: the staging copy is gone.
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"zd3s.CSV"});
 
     // A missing last folder level is made, as the module does.
     const QString fresh = QDir(dir.path()).filePath(QStringLiteral("new/zd4m.csv"));
@@ -219,6 +201,14 @@ TEST(ProgramExport, AnOnlineDriveIsWrittenToTheFileAndReplacesTheOldOne) {
     EXPECT_EQ(bytes.left(4), QByteArray("\x01\x00\x00\x01", 4));
     const auto rows = qFromLittleEndian<quint32>(bytes.constData() + 44);
     EXPECT_EQ(qFromLittleEndian<quint32>(bytes.constData() + 256 + 16 * rows), 0x55AA55AAu);
+
+    // And the parameter file, whatever the case of its extension.
+    const QString param = WriteFile(dir, "zd4m.ZorParam", "old file\n");
+    ASSERT_EQ(Program({"--export", "ZD4M", param}).code, 0);
+    EXPECT_TRUE(ReadFile(param).startsWith("ZORPARAM")) << ReadFile(param).left(20).toStdString();
+    // Only the files themselves: no staging copy is left.
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden),
+              (QStringList{"zd3s.CSV", "zd3s.zxd", "zd4m.ZorParam"}));
 }
 
 TEST(ProgramExport, TheTableIsSavedAsOpeningTheFileWouldWriteIt) {
@@ -243,19 +233,6 @@ TEST(ProgramExport, TheTableIsSavedAsOpeningTheFileWouldWriteIt) {
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden | QDir::System).size(), 3);
 }
 
-TEST(ProgramExport, TheExtensionChoosesTheParameterFile) {
-    QTemporaryDir dir;
-    const QString target = WriteFile(dir, "zd4m.ZorParam", "old file\n");
-    const Outcome r = Program({"--export", "ZD4M", target});
-    ASSERT_EQ(r.code, 0) << r.err.toStdString();
-    EXPECT_TRUE(ReadFile(target).startsWith("ZORPARAM")) << ReadFile(target).left(20).toStdString();
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"zd4m.ZorParam"});
-    const QString deep = QDir(dir.path()).filePath(QStringLiteral("a/b/zd4m.zorparam"));
-    const Outcome failed = Program({"--export", "ZD4M", deep});
-    EXPECT_EQ(failed.code, 7);
-    EXPECT_TRUE(failed.err.contains(deep)) << failed.err.toStdString();
-}
-
 TEST(ProgramWindow, TheScreenshotIsTakenWithTheFirstModulesPanelUp) {
     QTemporaryDir dir;
     const QString png = QDir(dir.path()).filePath(QStringLiteral("shot.png"));
@@ -264,4 +241,9 @@ TEST(ProgramWindow, TheScreenshotIsTakenWithTheFirstModulesPanelUp) {
     ASSERT_EQ(r.code, 0) << r.err.toStdString();
     EXPECT_TRUE(r.out.contains(png));
     EXPECT_TRUE(ReadFile(png).startsWith("\x89PNG"));
+
+    const Outcome unwritable = Program({"--screenshot", "/proc/no-such-folder/shot.png"});
+    EXPECT_EQ(unwritable.code, 1) << unwritable.err.toStdString();
+    EXPECT_TRUE(unwritable.err.contains(QStringLiteral("/proc/no-such-folder")))
+        << unwritable.err.toStdString();
 }

@@ -1,26 +1,16 @@
-#include <zorhost/project/ProjectFile.h>
+#include "TempDir.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
+#include <zorhost/project/ProjectFile.h>
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <string>
 
 using namespace zorhost::project;
 
 namespace {
-
-std::string Path(const QTemporaryDir& dir, const char* name) {
-    return QDir(dir.path()).filePath(QString::fromUtf8(name)).toStdString();
-}
-
-void Write(const std::string& path, const std::string& text) {
-    QFile f(QString::fromStdString(path));
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(text.data(), qint64(text.size()));
-}
 
 ProjectFile FullProject() {
     ProjectFile p;
@@ -46,9 +36,9 @@ ProjectFile FullProject() {
 } // namespace
 
 TEST(ProjectFile, SavedProjectReadsBackEqualAndReplacesTheOldFile) {
-    QTemporaryDir dir;
-    const std::string path = Path(dir, "line.zdbproj");
-    Write(path, "old content that is not a project");
+    TempDir dir;
+    const std::string path = dir / "line.zdbproj";
+    std::ofstream(path) << "old content that is not a project";
 
     const ProjectFile saved = FullProject();
     std::string error;
@@ -59,14 +49,19 @@ TEST(ProjectFile, SavedProjectReadsBackEqualAndReplacesTheOldFile) {
     EXPECT_EQ(loaded, saved);
 
     // No temporary file is left beside it.
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList{"line.zdbproj"});
+    const auto entries = std::filesystem::directory_iterator(dir.Path());
+    EXPECT_EQ(std::distance(begin(entries), end(entries)), 1);
 }
 
-TEST(ProjectFile, SaveIntoAMissingFolderFailsWithTheReason) {
-    QTemporaryDir dir;
+TEST(ProjectFile, MissingPlacesAreNamed) {
+    TempDir dir;
     std::string error;
-    EXPECT_FALSE(SaveProjectFile(Path(dir, "no/such/folder/p.json"), FullProject(), &error));
+    EXPECT_FALSE(SaveProjectFile(dir / "no/such/folder/p.json", FullProject(), &error));
     EXPECT_NE(error.find("p.json: cannot be written"), std::string::npos) << error;
+    ProjectFile p;
+    ProjectError e;
+    EXPECT_FALSE(LoadProjectFile("/nonexistent/p.json", p, &e));
+    EXPECT_EQ(e.ToString().rfind("/nonexistent/p.json: cannot be read", 0), 0u) << e.ToString();
 }
 
 TEST(ProjectFile, OptionalFieldsTakeTheirDefaults) {
@@ -167,27 +162,20 @@ INSTANTIATE_TEST_SUITE_P(
                   "link": {"type": "modbus-tcp", "host": "h", "unit": 300}}]})",
                "modules[0].link.unit", "whole number"}));
 
-TEST(ProjectFile, MissingFileSaysSo) {
-    ProjectFile p;
-    ProjectError e;
-    EXPECT_FALSE(LoadProjectFile("/nonexistent/p.json", p, &e));
-    EXPECT_EQ(e.ToString().rfind("/nonexistent/p.json: cannot be read", 0), 0u) << e.ToString();
-}
-
 TEST(ProjectFile, DeviceFilesResolveBesideTheProjectThenAmongTheShippedOnes) {
-    QTemporaryDir project, shipped;
-    Write(Path(shipped, "servo.json"), "{}");
-    Write(Path(shipped, "both.json"), "{}");
-    Write(Path(project, "both.json"), "{}");
-    const std::string base = project.path().toStdString();
-    const std::string devices = shipped.path().toStdString();
+    TempDir project, shipped;
+    for (const std::string& file :
+         {shipped / "servo.json", shipped / "both.json", project / "both.json"})
+        std::ofstream(file) << "{}";
+    const std::string& base = project.Path();
+    const std::string& devices = shipped.Path();
 
-    EXPECT_EQ(ResolveDeviceFile(base, devices, "both.json"), Path(project, "both.json"));
-    EXPECT_EQ(ResolveDeviceFile(base, devices, "servo.json"), Path(shipped, "servo.json"));
+    EXPECT_EQ(ResolveDeviceFile(base, devices, "both.json"), project / "both.json");
+    EXPECT_EQ(ResolveDeviceFile(base, devices, "servo.json"), shipped / "servo.json");
     // A path with a folder in it means that folder; it is never looked for elsewhere.
-    EXPECT_EQ(ResolveDeviceFile(base, devices, "sub/servo.json"), Path(project, "sub/servo.json"));
+    EXPECT_EQ(ResolveDeviceFile(base, devices, "sub/servo.json"), project / "sub/servo.json");
     // Missing everywhere: the place beside the project, so that the error names it.
-    EXPECT_EQ(ResolveDeviceFile(base, devices, "none.json"), Path(project, "none.json"));
+    EXPECT_EQ(ResolveDeviceFile(base, devices, "none.json"), project / "none.json");
     EXPECT_EQ(ResolveDeviceFile(base, devices, "/abs/../x.json"), "/x.json");
     EXPECT_EQ(ResolvePath(base, ""), "");
 }

@@ -58,7 +58,7 @@ protected:
 
 } // namespace
 
-TEST_F(TabManager, TabsOpenAtTheFrontWithTheirCaptionAndTheTabAreaAsRectangle) {
+TEST_F(TabManager, TabsOpenAtTheFrontAndAreActivatedAndRenamedOneByOne) {
     Panel a(&destroyed), b(&destroyed);
     HWND first = Open("驱动器 1 参数列表", 11, a);
     QWidget* page = tabs.PageOf(first);
@@ -78,19 +78,15 @@ TEST_F(TabManager, TabsOpenAtTheFrontWithTheirCaptionAndTheTabAreaAsRectangle) {
     EXPECT_EQ(tabs.ContextOf(first), 11u);
     EXPECT_EQ(tabs.ContextOf(second), 22u);
     EXPECT_EQ(tabs.ParentAt(0), first);
-}
 
-TEST_F(TabManager, ActivateAndRenameActOnTheirTabOnlyAndIgnoreUnknownParents) {
-    Panel a(&destroyed), b(&destroyed);
-    HWND first = Open("One", 1, a);
-    HWND second = Open("Two", 2, b);
+    // Activating and renaming act on their tab only and ignore unknown parents.
     std::vector<uintptr_t> activated;
     tabs.SetActivationHandler([&](uintptr_t c) { activated.push_back(c); });
 
     tabs.ActivateTab(first);
     EXPECT_EQ(tabs.CurrentParent(), first);
     tabs.RenameTab(second, "参数列表");
-    EXPECT_EQ(Caption(0), QStringLiteral("One"));
+    EXPECT_EQ(Caption(0), QStringLiteral("驱动器 1 参数列表"));
     EXPECT_EQ(Caption(1), QStringLiteral("参数列表"));
 
     HWND stranger = reinterpret_cast<HWND>(uintptr_t(0x1234));
@@ -101,7 +97,7 @@ TEST_F(TabManager, ActivateAndRenameActOnTheirTabOnlyAndIgnoreUnknownParents) {
     EXPECT_EQ(tabs.CurrentParent(), first);
     EXPECT_EQ(tabs.TabCount(), 2);
     widget.setCurrentIndex(1);
-    EXPECT_EQ(activated, (std::vector<uintptr_t>{1, 2}));
+    EXPECT_EQ(activated, (std::vector<uintptr_t>{11, 22}));
 }
 
 TEST_F(TabManager, ClosingDestroysThePanelOnceWhicheverWayTheTabCloses) {

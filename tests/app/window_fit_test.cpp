@@ -2,6 +2,7 @@
 // is whole and inside the window, and in English no Chinese text is left in sight, on
 // the window or on the module's dialogs. With ZORDRIVEBENCH_SHOTS set to a folder, the
 // states walked are saved there as pictures to look at.
+#include "../strings/text_checks.h"
 #include "bench_window.h"
 
 #include <afx/afxqt.h>
@@ -23,7 +24,6 @@
 #include <QPlainTextEdit>
 #include <QProgressDialog>
 #include <QPushButton>
-#include <QTabWidget>
 #include <QTableView>
 #include <QTextEdit>
 #include <QTreeWidget>
@@ -33,14 +33,6 @@
 using zorhost::project::ListStyle;
 
 namespace {
-
-bool HasCjk(const QString& text) {
-    return std::any_of(text.begin(), text.end(), [](QChar c) {
-        const ushort u = c.unicode();
-        return (u >= 0x4E00 && u <= 0x9FFF) || (u >= 0x3000 && u <= 0x303F) ||
-               (u >= 0xFF00 && u <= 0xFFEF);
-    });
-}
 
 // Every text a widget and its shown children put in front of the user.
 class ShownTexts {
@@ -64,13 +56,13 @@ public:
             }
         }
     }
+    void Add(const QString& text) {
+        if (HasChineseText(text.toStdString()) && !chinese.contains(text))
+            chinese << text;
+    }
     QStringList chinese;
 
 private:
-    void Add(const QString& text) {
-        if (HasCjk(text) && !chinese.contains(text))
-            chinese << text;
-    }
     void Model(const QAbstractItemModel* model, const QModelIndex& parent, int depth) {
         for (int c = 0; c < model->columnCount(parent); ++c)
             Add(model->headerData(c, Qt::Horizontal).toString());
@@ -129,16 +121,14 @@ public:
     }
     // The Chinese left in what the prompts showed.
     QStringList Chinese() const {
-        QStringList out;
+        ShownTexts out;
         for (const AfxPrompt& p : prompts) {
-            QStringList texts{AfxToQString(p.text), AfxToQString(p.caption)};
+            out.Add(AfxToQString(p.text));
+            out.Add(AfxToQString(p.caption));
             for (int i = 0; i < p.menuItems.GetSize(); ++i)
-                texts << AfxToQString(p.menuItems[i]);
-            for (const QString& t : texts)
-                if (HasCjk(t) && !out.contains(t))
-                    out << t;
+                out.Add(AfxToQString(p.menuItems[i]));
         }
-        return out;
+        return out.chinese;
     }
 };
 
