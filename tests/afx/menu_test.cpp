@@ -25,27 +25,6 @@ void RegisterMenu() {
 
 } // namespace
 
-TEST(MenuTest, LoadedMenusCanBeChangedItemByItem) {
-    RegisterMenu();
-    CMenu menu;
-    ASSERT_TRUE(menu.LoadMenu(1980));
-    CMenu* popup = menu.GetSubMenu(0);
-    ASSERT_NE(popup, nullptr);
-    EXPECT_EQ(popup->GetMenuItemCount(), 5);
-    EXPECT_EQ(popup->GetMenuItemID(0), 2108u);
-    EXPECT_EQ(popup->GetMenuItemID(2), 0u);       // separator
-    EXPECT_EQ(popup->GetMenuItemID(3), UINT(-1)); // popup
-    EXPECT_EQ(popup->EnableMenuItem(2101, MF_BYCOMMAND | MF_GRAYED), MF_ENABLED);
-    EXPECT_EQ(popup->GetMenuState(2101, MF_BYCOMMAND) & MF_GRAYED, MF_GRAYED);
-    EXPECT_EQ(popup->EnableMenuItem(2146, MF_GRAYED), MF_ENABLED); // found in the nested popup
-    EXPECT_EQ(popup->CheckMenuItem(2108, MF_CHECKED), MF_UNCHECKED);
-    EXPECT_TRUE(popup->ModifyMenu(32853, MF_BYCOMMAND | MF_STRING, 32853, "恢复提示更新"));
-    CString text;
-    popup->GetMenuString(32853, text, MF_BYCOMMAND);
-    EXPECT_EQ(text, "恢复提示更新");
-    EXPECT_FALSE(menu.LoadMenu(4242));
-}
-
 TEST(MenuTest, PopupShowsItsEntriesAndReturnsTheChosenCommand) {
     RegisterMenu();
     CWnd wnd;

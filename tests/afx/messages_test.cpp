@@ -106,13 +106,9 @@ namespace {
 class KeyDialog : public CDialog {
 public:
     KeyDialog() : CDialog(9100) {}
-    bool eatEnter = false;
     int oks = 0;
     int cancels = 0;
     std::vector<std::pair<UINT, UINT>> commands;
-    BOOL PreTranslateMessage(MSG* pMsg) override {
-        return eatEnter && pMsg->message == WM_KEYDOWN && pMsg->wParam == VK_RETURN;
-    }
     void OnOK() override { ++oks; }
     void OnCancel() override { ++cancels; }
 
@@ -136,7 +132,8 @@ void RegisterKeyDialog() {
 
 } // namespace
 
-TEST(MessagesTest, KeysGoThroughPreTranslationHandlersAndTheDialog) {
+// A pre-translation that takes a key is left to the cell editors' suite, which relies on it.
+TEST(MessagesTest, EnterAndEscapeEndTheDialogAndAClickReachesItsParent) {
     RegisterKeyDialog();
     KeyDialog dlg;
     ASSERT_TRUE(dlg.Create(9100));
@@ -146,11 +143,6 @@ TEST(MessagesTest, KeysGoThroughPreTranslationHandlersAndTheDialog) {
     EXPECT_EQ(dlg.oks, 1);
     AfxTestPressKey(edit, VK_ESCAPE);
     EXPECT_EQ(dlg.cancels, 1);
-    dlg.eatEnter = true;
-    AfxTestPressKey(edit, VK_RETURN);
-    EXPECT_EQ(dlg.oks, 1);
-    dlg.eatEnter = false;
-    // A button click reaches the parent as (id, BN_CLICKED).
     static_cast<CButton*>(dlg.GetDlgItem(9102))->Click();
     ASSERT_FALSE(dlg.commands.empty());
     EXPECT_EQ(dlg.commands.back(), std::make_pair(9102u, BN_CLICKED));

@@ -33,6 +33,10 @@ TEST(PromptsTest, WithoutResponderOffscreenTheDefaultAnswers) {
     EXPECT_EQ(AfxMessageBox("no one is there", MB_OKCANCEL | MB_DEFBUTTON2), IDCANCEL);
     CFileDialog open(TRUE);
     EXPECT_EQ(open.DoModal(), IDCANCEL);
+    // Nor does a dialog's modal run block without a driver; a missing template fails.
+    AfxRegisterDialog(AfxGetInstanceHandle(), {9200, "写入参数", 320, 200, {}});
+    EXPECT_EQ(CDialog(9200).DoModal(), IDCANCEL);
+    EXPECT_EQ(CDialog(424242).DoModal(), -1);
 }
 
 TEST(PromptsTest, SaveDialogAddsTheExtensionAndAsksBeforeOverwriting) {
