@@ -104,28 +104,6 @@ TEST(StringTableData, IdsAreUniqueAndAscending) {
         EXPECT_LT(table[i - 1].id, table[i].id) << "entry " << i;
 }
 
-// Every Chinese text of the table has English that is no longer Chinese and that keeps
-// the printf conversions in their order, so formatting it with the same arguments works.
-TEST(StringTableData, EveryEntryHasEnglish) {
-    CHostUiService ui;
-    std::size_t count = 0;
-    const ModuleStringEntry* table = ModuleStringTable(&count);
-    std::string missing;
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::string text = table[i].text;
-        if (!HasChineseText(text))
-            continue;
-        CString english;
-        if (!ui.FindEnglish(text.c_str(), english)) {
-            missing += "\n  " + std::to_string(table[i].id) + " \"" + text + "\"";
-            continue;
-        }
-        EXPECT_FALSE(HasChineseText(english.GetString())) << table[i].id;
-        EXPECT_EQ(PrintfConversions(text), PrintfConversions(english.GetString())) << table[i].id;
-    }
-    EXPECT_TRUE(missing.empty()) << "string table entries without English:" << missing;
-}
-
 TEST(BuiltInEnglish, KeepsConversionsAndLineBreaksAndIsNotChinese) {
     std::set<std::string> sources;
     std::map<std::string, std::string> englishSeen;
