@@ -31,8 +31,18 @@ public:
     std::vector<std::string> calls; // "apply 2", "all 1"
 
     IHostDeviceModule* GetModule() override { return module; }
-    void ApplyAccessLevel(IHostDeviceModule* m, int level) override;
-    void ApplyAccessLevelToAll(int level) override;
+    void ApplyAccessLevel(IHostDeviceModule* m, int level) override {
+        calls.push_back("apply " + std::to_string(level));
+        if (m != nullptr)
+            m->SetAccessLevel(level);
+    }
+    void ApplyAccessLevelToAll(int level) override {
+        calls.push_back("all " + std::to_string(level));
+        if (module != nullptr)
+            module->SetAccessLevel(level);
+        for (IHostDeviceModule* m : workspace)
+            m->SetAccessLevel(level);
+    }
 };
 
 // Answers the login dialogs that open, in order: the text is typed into the password
@@ -56,6 +66,7 @@ private:
 // The page's part: a window with box 1006.
 class BoxPage : public CDialog {
 public:
+    static constexpr UINT kId = 31001;
     BoxPage();
     CNoWheelComboBox box;
     CAccessSelector* selector = nullptr;
@@ -76,8 +87,17 @@ struct TestModule {
 
 class AccessTest : public ::testing::Test {
 protected:
-    void SetUp() override;
-    void TearDown() override;
+    void SetUp() override {
+        host.Services().Register<IHostDeviceHelper>(&helper);
+        ModuleScope::Attach(host.Services());
+        ASSERT_TRUE(page.Create(BoxPage::kId));
+        page.selector = &selector;
+        selector.Attach(&page.box, &frame);
+    }
+    void TearDown() override {
+        page.DestroyWindow();
+        ModuleScope::Detach();
+    }
 
     // Opens a project of these modules in the reference host, each with its simulated
     // drive; the first is the module on show, all form the workspace.
@@ -89,14 +109,25 @@ protected:
     void ReadAuthority();
     // The drive itself changes the level it grants (another tool, a power cycle).
     void DriveReports(int level);
-    void SetOnline(bool online);
+    void SetOnline(bool online) { host.SetOnline(Key(), online); }
+    CString Key() const {
+        CString key;
+        frame.module->GetModuleKey(key);
+        return key;
+    }
 
     void Fill() { selector.FillAccessBox(); }
     // Simulates the user's choice of entry `index`.
     void Choose(int index) { page.box.ChooseEntry(index); }
-    CString EntryText(int index) const;
+    CString EntryText(int index) const {
+        CString text;
+        page.box.GetLBText(index, text);
+        return text;
+    }
     int Selected() const { return page.box.GetCurSel(); }
-    int SelectedData() const;
+    int SelectedData() const {
+        return Selected() >= 0 ? int(page.box.GetItemData(Selected())) : -1;
+    }
 
     zorhost::ReferenceHost host;
     FakeDeviceHelper helper{host.DeviceHelper()}; // the host's, with a record of the writes
