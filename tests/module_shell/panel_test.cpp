@@ -1,10 +1,8 @@
 // The panel interface driven by the host: captions, opening, the three ways of closing,
 // host events, and every operation with a service missing.
-#include "shell_fixture.h"
+#include "test_host.h"
 
 #include <afx/afxtest.h>
-
-#include <QWidget>
 
 namespace {
 
