@@ -2,9 +2,6 @@
 // how a selection reaches the page, and which variables a group collects.
 #include "frame_fixture.h"
 
-#include "module/ParmiraApp.h"
-#include "table/TableResources.h"
-
 #include <afx/afxtest.h>
 
 using namespace tt;
@@ -267,6 +264,9 @@ TEST_F(CollectTest, FactoryGroupsHiddenAndUnlistedParametersAreLeftOut) {
     child->AddMember("H02-00");
     child->AddMember("H02-04");
     module->drive.AddParam("H02-04", 0x204);
+    // Axes come after the catalog's groups.
+    module->drive.AddParam("A1-00", 0x1000);
+    AddGroup(module->drive.axes.Add("轴1"), "A1")->AddMember("A1-00");
 
     auto codes = [&](BOOL includeFactory) {
         std::vector<IVarObjEx*> list;
@@ -281,15 +281,15 @@ TEST_F(CollectTest, FactoryGroupsHiddenAndUnlistedParametersAreLeftOut) {
     };
     table = std::make_unique<CVarTable>(); // no window is needed for collecting
     table->SetModule(module);
-    EXPECT_EQ(codes(TRUE), (Texts{"H00-00", "H01-00", "H02-00", "H02-02", "H02-04"}));
-    EXPECT_EQ(codes(FALSE), (Texts{"H02-00", "H02-02", "H02-04"}));
+    EXPECT_EQ(codes(TRUE), (Texts{"H00-00", "H01-00", "H02-00", "H02-02", "H02-04", "A1-00"}));
+    EXPECT_EQ(codes(FALSE), (Texts{"H02-00", "H02-02", "H02-04", "A1-00"}));
 
     // A line-13 drive at level 0 also keeps its hidden-for-user parameters out.
     module->label = {0x13};
     host.products.records[0x13].line = 13;
-    EXPECT_EQ(codes(FALSE), (Texts{"H02-00", "H02-04"}));
+    EXPECT_EQ(codes(FALSE), (Texts{"H02-00", "H02-04", "A1-00"}));
     module->level = 1;
-    EXPECT_EQ(codes(FALSE), (Texts{"H02-00", "H02-02", "H02-03", "H02-04"}));
+    EXPECT_EQ(codes(FALSE), (Texts{"H02-00", "H02-02", "H02-03", "H02-04", "A1-00"}));
 }
 
 // Pages list a variable only when the module's catalog knows its address as transferable.
@@ -333,18 +333,6 @@ TEST_F(CollectTest, MembersFollowEditsOfCustomGroupsAndRebuildsOfTheTree) {
     h02->AddMember("H02-01");
     table->BuildTree();
     EXPECT_EQ(count(nullptr), 2u);
-}
-
-TEST_F(CollectTest, AxesAreCollectedAfterTheFixedGroups) {
-    ListedGroup("H02", "H02-00", 0x200);
-    module->drive.AddParam("A1-00", 0x1000);
-    AddGroup(module->drive.axes.Add("轴1"), "A1")->AddMember("A1-00");
-    table = std::make_unique<CVarTable>();
-    table->SetModule(module);
-    std::vector<IVarObjEx*> list;
-    table->CollectAllVars(list, TRUE);
-    ASSERT_EQ(list.size(), 2u);
-    EXPECT_EQ(list[1], module->drive.VarOf("A1-00"));
 }
 
 // Dragging a bar resizes the tree or the text box; the stacked area takes the rest. The
