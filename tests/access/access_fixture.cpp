@@ -1,57 +1,13 @@
 #include "access_fixture.h"
 
-#include "groups/LoginDialog.h"
 #include "module/ParmiraApp.h"
 
-#include <afx/afxres.h>
-
 namespace {
-
-constexpr UINT IDC_ACCESS_BOX = 1006;
 
 [[maybe_unused]] ::testing::Environment* const g_moduleStart =
     ::testing::AddGlobalTestEnvironment(new ModuleStartedForTheRun);
 
 } // namespace
-
-// ---------------------------------------------------------------- login answers
-LoginAnswers::LoginAnswers()
-    : m_driver([this](CDialog& dlg) {
-          Answer answer{false, ""};
-          if (!m_answers.empty()) {
-              answer = m_answers.front();
-              m_answers.pop_front();
-          }
-          if (CWnd* edit = dlg.GetDlgItem(IDC_LOGIN_PASSWORD))
-              AfxTestTypeText(edit, answer.text.c_str());
-          auto* button = static_cast<CButton*>(dlg.GetDlgItem(answer.ok ? IDOK : IDCANCEL));
-          if (button != nullptr)
-              button->Click();
-          else
-              dlg.EndDialog(IDCANCEL);
-      }) {}
-
-// ---------------------------------------------------------------- page
-BoxPage::BoxPage() : CDialog(kId) {
-    DlgTemplate page{kId, "", 300, 80};
-    page.controls = {{IDC_ACCESS_BOX, DlgCtl::ComboDropList, "", 10, 10, 160, 24}};
-    AfxRegisterDialog(AfxGetInstanceHandle(), page);
-}
-
-BOOL BoxPage::OnInitDialog() {
-    CDialog::OnInitDialog();
-    box.SubclassDlgItem(IDC_ACCESS_BOX, this);
-    return TRUE;
-}
-
-BOOL BoxPage::OnCommand(WPARAM wParam, LPARAM lParam) {
-    if (LOWORD(wParam) == IDC_ACCESS_BOX && HIWORD(wParam) == CBN_SELCHANGE) {
-        if (selector != nullptr)
-            selector->OnAccessSelected();
-        return TRUE;
-    }
-    return CDialog::OnCommand(wParam, lParam);
-}
 
 void AccessTest::Open(std::vector<TestModule> modules) {
     zorhost::ProjectSetup setup;

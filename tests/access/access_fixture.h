@@ -6,6 +6,7 @@
 
 #include "controls/NoWheelComboBox.h"
 #include "groups/AccessSelector.h"
+#include "groups/LoginDialog.h"
 #include "module/host/HostContract.h"
 #include "zorhost/ReferenceHost.h"
 
@@ -13,6 +14,7 @@
 #include "FakeUiService.h"
 #include "ModuleScope.h"
 
+#include <afx/afxres.h>
 #include <afx/afxtest.h>
 
 #include <gtest/gtest.h>
@@ -46,13 +48,14 @@ public:
 };
 
 // Answers the login dialogs that open, in order: the text is typed into the password
-// edit, then OK or Cancel is clicked. A dialog with no answer left is cancelled.
+// edit, then OK or Cancel is clicked. A dialog with no answer left is cancelled. The
+// prompt of each dialog is kept.
 class LoginAnswers {
 public:
-    LoginAnswers();
     void Ok(const char* text) { m_answers.push_back({true, text}); }
     void Cancel() { m_answers.push_back({false, ""}); }
     int Shown() const { return m_driver.runs; }
+    std::vector<CString> prompts;
 
 private:
     struct Answer {
@@ -60,21 +63,44 @@ private:
         std::string text;
     };
     std::deque<Answer> m_answers;
-    CAfxModalDriver m_driver;
+    CAfxModalDriver m_driver{[this](CDialog& dlg) {
+        Answer answer{false, ""};
+        if (!m_answers.empty()) {
+            answer = m_answers.front();
+            m_answers.pop_front();
+        }
+        prompts.push_back(dlg.GetDlgItem(int(IDC_LOGIN_PROMPT))->GetWindowTextString());
+        AfxTestTypeText(dlg.GetDlgItem(IDC_LOGIN_PASSWORD), answer.text.c_str());
+        static_cast<CButton*>(dlg.GetDlgItem(answer.ok ? IDOK : IDCANCEL))->Click();
+    }};
 };
 
-// The page's part: a window with box 1006.
+// The page's part: a window with box 1006, whose selection change goes to the selector,
+// as on a list page.
 class BoxPage : public CDialog {
 public:
-    static constexpr UINT kId = 31001;
-    BoxPage();
+    static constexpr UINT kId = 31001, kBoxId = 1006;
+    BoxPage() : CDialog(kId) {
+        DlgTemplate page{kId, "", 300, 80};
+        page.controls = {{kBoxId, DlgCtl::ComboDropList, "", 10, 10, 160, 24}};
+        AfxRegisterDialog(AfxGetInstanceHandle(), page);
+    }
     CNoWheelComboBox box;
     CAccessSelector* selector = nullptr;
 
 protected:
-    BOOL OnInitDialog() override;
-    // The box's selection change goes to the selector, as on a list page.
-    BOOL OnCommand(WPARAM wParam, LPARAM lParam) override;
+    BOOL OnInitDialog() override {
+        CDialog::OnInitDialog();
+        box.SubclassDlgItem(kBoxId, this);
+        return TRUE;
+    }
+    BOOL OnCommand(WPARAM wParam, LPARAM lParam) override {
+        if (LOWORD(wParam) != kBoxId || HIWORD(wParam) != CBN_SELCHANGE)
+            return CDialog::OnCommand(wParam, lParam);
+        if (selector != nullptr)
+            selector->OnAccessSelected();
+        return TRUE;
+    }
 };
 
 // One module of a test project.

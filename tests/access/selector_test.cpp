@@ -5,8 +5,6 @@
 #include "TempDir.h"
 #include "TestFiles.h"
 
-#include "groups/LoginDialog.h"
-
 #include <climits>
 #include <fstream>
 
@@ -80,34 +78,31 @@ TEST_F(AccessTest, MissingDeviceHelperEndsQuietly) {
     EXPECT_TRUE(prompts.prompts.empty());
 }
 
-// ---------------------------------------------------------------- model 0
-TEST_F(AccessTest, ModelZeroOrdinaryUserReachesEveryModule) {
-    Open({{kInverter, "inv", true, 3}, {kServo, "servo", false, 3}});
-    Fill();
-    LoginAnswers answers;
-    Choose(0);
-    EXPECT_EQ(frame.calls, Strings{"all 1"});
-    EXPECT_EQ(Module("servo")->GetAccessLevel(), 1);
-    EXPECT_EQ(answers.Shown(), 0);
-    EXPECT_TRUE(helper.namedWrites.empty());
-}
-
-// ---------------------------------------------------------------- model 1
-TEST_F(AccessTest, ModelOneBasicLevelsApplyAtOnce) {
-    Open({{kFourAxis, "axis", true, 3}});
+// ---------------------------------------------------------------- choosing a level
+// Levels that need no password apply at once, online or offline: in model 0 to every
+// module of the workspace.
+TEST_F(AccessTest, LevelsWithoutPasswordApplyAtOnce) {
     for (bool online : {true, false}) {
-        SetOnline(online);
-        frame.calls.clear();
+        SCOPED_TRACE(online ? "online" : "offline");
+        Open({{kInverter, "inv", online, 3}, {kFourAxis, "axis", online, 3}});
         Fill();
         LoginAnswers answers;
+        Choose(0);
+        EXPECT_EQ(frame.calls, Strings{"all 1"});
+        EXPECT_EQ(Module("axis")->GetAccessLevel(), 1);
+        Open({{kFourAxis, "axis", online, 3}});
+        frame.calls.clear();
+        Fill();
         Choose(0);
         Choose(1);
         EXPECT_EQ(frame.calls, (Strings{"apply 0", "apply 1"}));
         EXPECT_EQ(answers.Shown(), 0);
+        frame.calls.clear();
     }
     EXPECT_TRUE(helper.namedWrites.empty());
 }
 
+// ---------------------------------------------------------------- model 1
 // Online the stored code goes to the drive whatever was typed, and the level stays.
 TEST_F(AccessTest, ModelOneOnlineLoginWritesStoredCode) {
     Open({{kFourAxis, "axis", true, 1}});
@@ -184,7 +179,7 @@ TEST_F(AccessTest, OfflineLoginChecksThePassword) {
         EXPECT_EQ(Module("m")->GetAccessLevel(), c.level);
         EXPECT_EQ(Module("other")->GetAccessLevel(), c.file == kInverter ? 3 : 0);
         EXPECT_EQ(selector.m_relockPending, c.relock);
-        EXPECT_EQ(answers.Shown(), 3);
+        EXPECT_EQ(answers.prompts, std::vector<CString>(3, kLoginPromptFactoryCode));
     }
     EXPECT_TRUE(helper.namedWrites.empty());
 }
@@ -204,6 +199,8 @@ TEST_F(AccessTest, ModelTwoPasswordReachesDriveAsDecimalNumber) {
               (Strings{"InputPassword=0", "InputPassword=12", "InputPassword=77"}));
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 3u);
     EXPECT_EQ(selector.m_relockPending, 1);
+    // Online in model 2 the login asks for the drive's own password.
+    EXPECT_EQ(answers.prompts, std::vector<CString>(3, kLoginPromptDrivePassword));
     EXPECT_EQ(PasswordTextToCode("99999999999"), INT_MAX);
     EXPECT_EQ(PasswordTextToCode("-5x"), -5);
 }
@@ -421,22 +418,6 @@ TEST_F(AccessTest, RefusedAndCancelledLoginsAgreeWithTheDriveAfterOnePoll) {
         frame.calls.clear();
         helper.namedWrites.clear();
     }
-}
-
-// The login names the credential it wants: the drive's own password online in model 2,
-// the factory access code elsewhere.
-TEST_F(AccessTest, LoginSaysWhichCredentialItWants) {
-    Open({{kServo, "servo", true, 0}});
-    Fill();
-    std::vector<CString> prompts;
-    CAfxModalDriver driver([&](CDialog& d) {
-        prompts.push_back(d.GetDlgItem(int(IDC_LOGIN_PROMPT))->GetWindowTextString());
-        d.EndDialog(IDCANCEL);
-    });
-    Choose(3);
-    SetOnline(false);
-    Choose(2);
-    EXPECT_EQ(prompts, (std::vector<CString>{kLoginPromptDrivePassword, kLoginPromptFactoryCode}));
 }
 
 // The second page compares the drive's level with the entry on show.
