@@ -264,13 +264,13 @@ public:
     }
     void RepaintList() override { ++repaints; }
     void SubmitRefreshQuery() override { ++queries; }
-    void PollAuthority() override { ++polls; }
+    void PollAuthority() override {}
     int GetShownCount() const override { return 0; }
     IVarObjEx* GetShownVar(int) const override { return nullptr; }
     void CollectShown(std::vector<IVarObjEx*>&) const override {}
 
     std::vector<std::string> calls;
-    int repaints = 0, queries = 0, polls = 0;
+    int repaints = 0, queries = 0;
 };
 
 // The pages the frames of a test get; index 0 the first page.
