@@ -318,8 +318,8 @@ TEST_F(AccessTest, PollOnlyForOnlineModelTwo) {
     servo->SetDeviceAuthority(3);
     SetOnline(false);
     Fill();
-    selector.m_authorityIndex = 3;
-    selector.PollAuthority(); // offline: the drive's value isn't taken
+    EXPECT_EQ(selector.m_authorityIndex, 3); // the box's entry, from the tool's level
+    selector.PollAuthority();                // offline: the drive's value isn't taken
     EXPECT_TRUE(frame.calls.empty());
     EXPECT_EQ(servo->GetDeviceAuthority(), 3);
 
@@ -329,8 +329,11 @@ TEST_F(AccessTest, PollOnlyForOnlineModelTwo) {
     EXPECT_TRUE(frame.calls.empty());
     EXPECT_EQ(servo->GetDeviceAuthority(), 3);
     host.Services().Withhold<IHostVarUtil>(false);
-    selector.PollAuthority(); // the control: with everything there the fall is taken over
+    // The control: with everything there the fall is taken over, box and level together.
+    selector.PollAuthority();
     EXPECT_EQ(frame.calls, Strings{"apply 0"});
+    EXPECT_EQ(Selected(), 0);
+    EXPECT_EQ(servo->GetAccessLevel(), 0);
     frame.calls.clear();
 
     // Models 0 and 1 have no authority to follow.
@@ -367,20 +370,6 @@ TEST_F(AccessTest, ModelTwoWithoutAuthorityKeepsLevel) {
     EXPECT_EQ(servo->GetAccessLevel(), 3);
     EXPECT_EQ(servo->GetDeviceAuthority(), 3);
     EXPECT_EQ(selector.m_relockPending, 1);
-}
-
-// A box filled at a level above the drive's grant comes down to the grant at the first
-// poll, box and level together: that is a fall, whatever the entry index was before.
-TEST_F(AccessTest, PollBringsABoxFilledAboveTheDriveDown) {
-    Open({{kServo, "servo", true, 3}});
-    DriveReports(1);
-    Fill();
-    ASSERT_EQ(Selected(), 3);
-    EXPECT_EQ(selector.m_authorityIndex, 3);
-    selector.PollAuthority();
-    EXPECT_EQ(frame.calls, Strings{"apply 1"});
-    EXPECT_EQ(Selected(), 1);
-    EXPECT_EQ(Module("servo")->GetAccessLevel(), 1);
 }
 
 // A refused and a cancelled login end as the model says (entry 0; the chosen entry), and
