@@ -2,7 +2,6 @@
 #include "test_host.h"
 
 #include <cstdio>
-#include <cstring>
 #include <set>
 #include <string>
 

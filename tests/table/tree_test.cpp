@@ -293,7 +293,7 @@ TEST_F(CollectTest, FactoryGroupsHiddenAndUnlistedParametersAreLeftOut) {
 }
 
 // Pages list a variable only when the module's catalog knows its address as transferable.
-TEST_F(CollectTest, CatalogVarsAndDescriptions) {
+TEST_F(CollectTest, CatalogVarsAreTheTransferableOnesOfTheCatalog) {
     ListedGroup("H02", "H02-00", 0x200)->AddMember("H02-01");
     module->drive.AddParam("H02-01", 0x201)->transferable = 0;
     OpenFrame();
@@ -302,12 +302,6 @@ TEST_F(CollectTest, CatalogVarsAndDescriptions) {
     EXPECT_FALSE(table->IsCatalogVar(nullptr));
     module->catalog = nullptr;
     EXPECT_FALSE(table->IsCatalogVar(module->drive.VarOf("H02-00")));
-
-    module->drive.VarOf("H02-00")->attr->info = "第一行\n第二行";
-    table->ShowVarDescription(module->drive.VarOf("H02-00"));
-    CString text;
-    table->GetDlgItemText(int(IDC_VAR_DESCRIPTION), text);
-    EXPECT_EQ(text, "第一行\r\n第二行");
 }
 
 // The device's groups are resolved once per tree build; the user's own groups change under
@@ -335,9 +329,9 @@ TEST_F(CollectTest, MembersFollowEditsOfCustomGroupsAndRebuildsOfTheTree) {
     EXPECT_EQ(count(nullptr), 2u);
 }
 
-// Dragging a bar resizes the tree or the text box; the stacked area takes the rest. The
-// text box takes room only while it has a text.
-TEST_F(TreeTest, SplittersResizeTheirNeighbourAndTheLayoutFollows) {
+// The text box takes room only while it has a text, shown with the line ends of the
+// window. Dragging a bar resizes the tree or the text box; the stacked area takes the rest.
+TEST_F(TreeTest, DescriptionAndSplittersResizeTheirNeighbourAndTheLayoutFollows) {
     ListedGroup("H02", "H02-00", 0x200);
     OpenFrame();
     auto rectOf = [&](UINT id) {
@@ -353,9 +347,12 @@ TEST_F(TreeTest, SplittersResizeTheirNeighbourAndTheLayoutFollows) {
         return (table->GetDlgItem(int(IDC_VAR_DESCRIPTION))->GetStyle() & WS_VISIBLE) != 0;
     };
     EXPECT_FALSE(shown());
-    module->drive.VarOf("H02-00")->attr->info = "说明";
+    module->drive.VarOf("H02-00")->attr->info = "第一行\n第二行";
     table->ShowVarDescription(module->drive.VarOf("H02-00"));
     EXPECT_TRUE(shown());
+    CString description;
+    table->GetDlgItemText(int(IDC_VAR_DESCRIPTION), description);
+    EXPECT_EQ(description, "第一行\r\n第二行");
     EXPECT_EQ(rectOf(IDC_VAR_DESCRIPTION).right, client.right);
     EXPECT_EQ(rectOf(IDC_TEXT_SPLITTER).left, rectOf(IDC_STACK_PLACEHOLDER).right);
     const CRect tree = rectOf(IDC_GROUP_TREE), text = rectOf(IDC_VAR_DESCRIPTION);
