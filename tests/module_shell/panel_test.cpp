@@ -2,6 +2,7 @@
 // host events, and every operation with a service missing.
 #include "test_host.h"
 
+#include <afx/afxmt.h>
 #include <afx/afxtest.h>
 
 namespace {
@@ -150,7 +151,7 @@ TEST_F(PanelTest, LanguageChangeAfterThePanelClosedDoesNothing) {
     host.bus.RaiseLanguageChanged();
     host.tabs.CloseTab(Tab(0).handle); // the posted message finds no window
     const int retranslated = host.ui.retranslations;
-    AfxPumpMessagesUntil([] { return false; }, 50);
+    AfxPumpPendingMessages();
     EXPECT_EQ(host.ui.retranslations, retranslated);
     EXPECT_EQ(host.ui.windowRetranslations, 0);
 }
@@ -181,7 +182,7 @@ TEST_F(PanelTest, EveryOperationEndsQuietlyWithAnyServiceWithheld) {
         p->Reserved10(4);
         h.bus.RaiseLanguageChanged();
         h.bus.RaiseActiveView(1);
-        AfxPumpMessagesUntil([] { return false; }, 20);
+        AfxPumpPendingMessages();
         h.bus.RaiseModuleRenamed("K0", "N");
         h.bus.RaiseModuleRemoved("K0");
 
