@@ -44,13 +44,19 @@ TEST_F(PanelTest, CaptionNamesTheDeviceByProductKind) {
     EXPECT_EQ(Tab(4).caption, "参数列表");
 }
 
-// A second show only activates the tab, whatever the key.
+// No window from the host means no panel, and the next show is no activation; once made,
+// a second show only activates the tab, whatever the key.
 TEST_F(PanelTest, PanelFillsTheTabRectangleSubscribesAndIsMadeOnce) {
     IQXParmira* p = Create();
+    host.tabs.failCreate = true;
+    p->ShowPanel(0, "K0");
+    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 0);
+    host.tabs.failCreate = false;
     host.tabs.rect = RECT{3, 4, 503, 304};
     p->ShowPanel(0, "K0");
-    ASSERT_EQ(host.tabs.tabs.size(), 1u);
-    QWidget* panel = host.tabs.PanelOf(Tab(0).handle);
+    EXPECT_TRUE(host.tabs.activated.empty());
+    ASSERT_EQ(host.tabs.tabs.size(), 2u);
+    QWidget* panel = host.tabs.PanelOf(Tab(1).handle);
     ASSERT_NE(panel, nullptr);
     EXPECT_EQ(panel->geometry(), QRect(3, 4, 500, 300));
     // The panel, its frame and its pages each keep a translator of their own.
@@ -58,21 +64,9 @@ TEST_F(PanelTest, PanelFillsTheTabRectangleSubscribesAndIsMadeOnce) {
     EXPECT_EQ(host.ui.retranslations, host.ui.translatorsMade);
     p->ShowPanel(0, "K3");
     p->ShowPanel(0, "nobody");
-    ASSERT_EQ(host.tabs.tabs.size(), 1u);
-    EXPECT_EQ(host.tabs.activated, (std::vector<HWND>{Tab(0).handle, Tab(0).handle}));
-    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 1);
-}
-
-TEST_F(PanelTest, NoWindowFromTheHostMeansNoPanel) {
-    IQXParmira* p = Create();
-    host.tabs.failCreate = true;
-    p->ShowPanel(0, "K0");
-    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 0);
-    host.tabs.failCreate = false;
-    p->ShowPanel(0, "K0"); // not an activation: nothing was made the first time
-    EXPECT_TRUE(host.tabs.activated.empty());
     ASSERT_EQ(host.tabs.tabs.size(), 2u);
-    EXPECT_TRUE(HasPanel(1));
+    EXPECT_EQ(host.tabs.activated, (std::vector<HWND>{Tab(1).handle, Tab(1).handle}));
+    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 1);
 }
 
 // Each way of closing hands the panel back, leaves the other panel alone, and the next
