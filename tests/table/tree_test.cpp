@@ -65,21 +65,6 @@ TEST_F(TreeTest, CategoriesHoldTheirGroupsWhichDoNotRepeatAtTopLevel) {
     EXPECT_EQ(ChildTexts(motorItem), (Texts{"H02"}));
 }
 
-TEST_F(TreeTest, AxesAndCustomGroupsAreListed) {
-    module->drive.AddParam("H01-00", 0x100);
-    CGroupSet& axis = module->drive.axes.Add("轴1");
-    AddGroup(axis, "H11")->AddMember("H01-00");
-    AddGroup(axis, "H12")->AddMember("nothing");
-    // Custom groups are shown whatever they hold, children too.
-    AddChildGroup(AddGroup(module->drive.custom, "我的"), "子组");
-    OpenFrame();
-    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"轴1"}));
-    EXPECT_EQ(ChildTexts(FindChild(table->GetAllItem(), "轴1")), (Texts{"H11"}));
-    HTREEITEM mineItem = FindChild(table->GetCustomItem(), "我的");
-    ASSERT_NE(mineItem, nullptr);
-    EXPECT_EQ(ChildTexts(mineItem), (Texts{"子组"}));
-}
-
 TEST_F(TreeTest, RebuildRestoresSelectionAndExpansionButNeverTheModifiedItem) {
     AddChildGroup(ListedGroup("H02", "H02-00", 0x200), "H02a")->AddMember("H02-00");
     ListedGroup("H03", "H03-00", 0x300);
@@ -129,12 +114,19 @@ TEST_F(TreeTest, AccessLevelChangesAddAndDropGroups) {
     EXPECT_EQ(table->GetModule(), module);
 }
 
-TEST_F(TreeTest, SelectionCallsThePageOfTheListStyle) {
+// Axes list their groups as the catalog does; custom groups are shown whatever they hold,
+// children too.
+TEST_F(TreeTest, AxesAndCustomGroupsAreListedAndSelectionCallsThePageOfTheListStyle) {
     CGroupNode* h02 = ListedGroup("H02", "H02-00", 0x200);
     AddCategory(module->drive.groups, "类", {"H02"});
-    AddGroup(module->drive.axes.Add("轴1"), "H11")->AddMember("H02-00");
-    AddGroup(module->drive.custom, "我的");
+    CGroupSet& axis = module->drive.axes.Add("轴1");
+    AddGroup(axis, "H11")->AddMember("H02-00");
+    AddGroup(axis, "H12")->AddMember("nothing");
+    AddChildGroup(AddGroup(module->drive.custom, "我的"), "子组");
     OpenFrame();
+    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"类", "轴1"}));
+    EXPECT_EQ(ChildTexts(FindChild(table->GetAllItem(), "轴1")), (Texts{"H11"}));
+    EXPECT_EQ(ChildTexts(FindChild(table->GetCustomItem(), "我的")), (Texts{"子组"}));
     TestPage* page = g_pages[0];
     ASSERT_NE(page, nullptr);
     page->calls.clear();
