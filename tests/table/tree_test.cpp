@@ -12,18 +12,6 @@ using Texts = std::vector<std::string>;
 
 class TreeTest : public FrameTest {};
 
-TEST_F(TreeTest, FixedItemsStandInOrderAndAllParametersIsSelected) {
-    ListedGroup("H02", "H02-00", 0x200)->SetDescription("基本控制");
-    OpenFrame();
-    EXPECT_EQ(Tree().GetItemText(table->GetRootItem()), "参数组");
-    EXPECT_EQ(ChildTexts(table->GetRootItem()), (Texts{"已修改参数", "自定义", "所有参数"}));
-    // A description makes the label "name[description]".
-    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"H02[基本控制]"}));
-    EXPECT_EQ(SelectedText(), "所有参数");
-    ASSERT_NE(g_pages[0], nullptr);
-    EXPECT_EQ(g_pages[0]->calls.front(), "all");
-}
-
 // Only groups with at least one member that a list could show get an item.
 TEST_F(TreeTest, GroupsWithoutListableMembersHaveNoItem) {
     ListedGroup("H02", "H02-00", 0x200);
@@ -48,18 +36,26 @@ TEST_F(TreeTest, GroupsWithoutListableMembersHaveNoItem) {
     EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"H02", "H10"}));
 }
 
-TEST_F(TreeTest, CategoriesHoldTheirGroupsWhichDoNotRepeatAtTopLevel) {
+// The fixed items stand in order and all parameters is selected; categories hold their
+// groups, which do not repeat at the top level.
+TEST_F(TreeTest, FixedItemsAndCategoriesHoldingTheirGroups) {
     ListedGroup("H02", "H02-00", 0x200);
     ListedGroup("H03", "H03-00", 0x300);
     ListedGroup("H04", "H04-00", 0x400)->SetAccessLevel(3);
-    ListedGroup("H05", "H05-00", 0x500);
+    ListedGroup("H05", "H05-00", 0x500)->SetDescription("基本控制");
     AddCategory(module->drive.groups, "电机", {"H02"});
     // Above the level: the category gets nothing and goes again.
     AddCategory(module->drive.groups, "空类", {"H04"});
     // Named in another case: found by no exact lookup, yet not repeated at the top.
     AddCategory(module->drive.groups, "其他", {"h03"});
     OpenFrame();
-    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"电机", "H05"}));
+    EXPECT_EQ(Tree().GetItemText(table->GetRootItem()), "参数组");
+    EXPECT_EQ(ChildTexts(table->GetRootItem()), (Texts{"已修改参数", "自定义", "所有参数"}));
+    EXPECT_EQ(SelectedText(), "所有参数");
+    ASSERT_NE(g_pages[0], nullptr);
+    EXPECT_EQ(g_pages[0]->calls.front(), "all");
+    // A description makes the label "name[description]".
+    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"电机", "H05[基本控制]"}));
     HTREEITEM motorItem = FindChild(table->GetAllItem(), "电机");
     ASSERT_NE(motorItem, nullptr);
     EXPECT_EQ(ChildTexts(motorItem), (Texts{"H02"}));
