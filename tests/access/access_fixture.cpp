@@ -1,87 +1,13 @@
 #include "access_fixture.h"
 
-#include "groups/LoginDialog.h"
 #include "module/ParmiraApp.h"
 
-#include <afx/afxres.h>
-
 namespace {
-
-constexpr UINT IDD_BOX_PAGE = 31001;
-constexpr UINT IDC_ACCESS_BOX = 1006;
 
 [[maybe_unused]] ::testing::Environment* const g_moduleStart =
     ::testing::AddGlobalTestEnvironment(new ModuleStartedForTheRun);
 
 } // namespace
-
-// ---------------------------------------------------------------- frame
-void RecordingFrame::ApplyAccessLevel(IHostDeviceModule* m, int level) {
-    calls.push_back("apply " + std::to_string(level));
-    if (m != nullptr)
-        m->SetAccessLevel(level);
-}
-
-void RecordingFrame::ApplyAccessLevelToAll(int level) {
-    calls.push_back("all " + std::to_string(level));
-    if (module != nullptr)
-        module->SetAccessLevel(level);
-    for (IHostDeviceModule* m : workspace)
-        m->SetAccessLevel(level);
-}
-
-// ---------------------------------------------------------------- login answers
-LoginAnswers::LoginAnswers()
-    : m_driver([this](CDialog& dlg) {
-          Answer answer{false, ""};
-          if (!m_answers.empty()) {
-              answer = m_answers.front();
-              m_answers.pop_front();
-          }
-          if (CWnd* edit = dlg.GetDlgItem(IDC_LOGIN_PASSWORD))
-              AfxTestTypeText(edit, answer.text.c_str());
-          auto* button = static_cast<CButton*>(dlg.GetDlgItem(answer.ok ? IDOK : IDCANCEL));
-          if (button != nullptr)
-              button->Click();
-          else
-              dlg.EndDialog(IDCANCEL);
-      }) {}
-
-// ---------------------------------------------------------------- page
-BoxPage::BoxPage() : CDialog(IDD_BOX_PAGE) {
-    DlgTemplate page{IDD_BOX_PAGE, "", 300, 80};
-    page.controls = {{IDC_ACCESS_BOX, DlgCtl::ComboDropList, "", 10, 10, 160, 24}};
-    AfxRegisterDialog(AfxGetInstanceHandle(), page);
-}
-
-BOOL BoxPage::OnInitDialog() {
-    CDialog::OnInitDialog();
-    box.SubclassDlgItem(IDC_ACCESS_BOX, this);
-    return TRUE;
-}
-
-BOOL BoxPage::OnCommand(WPARAM wParam, LPARAM lParam) {
-    if (LOWORD(wParam) == IDC_ACCESS_BOX && HIWORD(wParam) == CBN_SELCHANGE) {
-        if (selector != nullptr)
-            selector->OnAccessSelected();
-        return TRUE;
-    }
-    return CDialog::OnCommand(wParam, lParam);
-}
-
-// ---------------------------------------------------------------- fixture
-void AccessTest::SetUp() {
-    host.Services().Register<IHostDeviceHelper>(&helper);
-    ModuleScope::Attach(host.Services());
-    ASSERT_TRUE(page.Create(IDD_BOX_PAGE));
-    page.selector = &selector;
-    selector.Attach(&page.box, &frame);
-}
-
-void AccessTest::TearDown() {
-    page.DestroyWindow();
-    ModuleScope::Detach();
-}
 
 void AccessTest::Open(std::vector<TestModule> modules) {
     zorhost::ProjectSetup setup;
@@ -109,10 +35,8 @@ void AccessTest::Open(std::vector<TestModule> modules) {
 void AccessTest::ReadAuthority() {
     IVarObjEx* var = host.DeviceHelper().FindNamedVar(frame.module, "Authority");
     ASSERT_NE(var, nullptr);
-    CString key;
-    frame.module->GetModuleKey(key);
     IHostRefreshQuery* query = host.Refresh().NewQuery();
-    query->SetModuleKey(key);
+    query->SetModuleKey(Key());
     IHostRefreshItem* item = query->NewItem();
     item->SetAddress(var->GetInstanceAddress());
     item->SetDataType(var->GetAttr()->GetDataType());
@@ -125,27 +49,8 @@ void AccessTest::ReadAuthority() {
 }
 
 void AccessTest::DriveReports(int level) {
-    CString key;
-    frame.module->GetModuleKey(key);
-    const auto* named = host.Module(key)->Store().Device().FindNamedVariable("Authority");
+    const auto* named = host.Module(Key())->Store().Device().FindNamedVariable("Authority");
     ASSERT_NE(named, nullptr);
-    ASSERT_TRUE(host.Drive(key)->PokeRaw(named->address, level));
+    ASSERT_TRUE(host.Drive(Key())->PokeRaw(named->address, level));
     ReadAuthority();
-}
-
-void AccessTest::SetOnline(bool online) {
-    CString key;
-    frame.module->GetModuleKey(key);
-    host.SetOnline(key, online);
-}
-
-CString AccessTest::EntryText(int index) const {
-    CString text;
-    page.box.GetLBText(index, text);
-    return text;
-}
-
-int AccessTest::SelectedData() const {
-    const int index = page.box.GetCurSel();
-    return index >= 0 ? int(page.box.GetItemData(index)) : -1;
 }

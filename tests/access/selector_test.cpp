@@ -5,10 +5,7 @@
 #include "TempDir.h"
 #include "TestFiles.h"
 
-#include "groups/LoginDialog.h"
-
 #include <climits>
-#include <cstdio>
 #include <fstream>
 
 namespace {
@@ -19,12 +16,8 @@ const char* const kServo = "zd3s_servo.json";        // model 2
 const char* const kFourAxis = "zd4m_four_axis.json"; // model 1
 const char* const kInverter = "zv5_inverter.json";   // model 0
 
-CString Word() {
-    return PARMIRA_TEST_ADMIN_WORD;
-}
-CString Code() {
-    return PARMIRA_TEST_FACTORY_CODE;
-}
+const CString kWord = PARMIRA_TEST_ADMIN_WORD;
+const CString kCode = PARMIRA_TEST_FACTORY_CODE;
 
 } // namespace
 
@@ -85,69 +78,31 @@ TEST_F(AccessTest, MissingDeviceHelperEndsQuietly) {
     EXPECT_TRUE(prompts.prompts.empty());
 }
 
-// ---------------------------------------------------------------- model 0
-TEST_F(AccessTest, ModelZeroOrdinaryUserReachesEveryModule) {
-    Open({{kInverter, "inv", true, 3}, {kServo, "servo", false, 3}});
-    Fill();
-    LoginAnswers answers;
-    Choose(0);
-    EXPECT_EQ(frame.calls, Strings{"all 1"});
-    EXPECT_EQ(Module("servo")->GetAccessLevel(), 1);
-    EXPECT_EQ(answers.Shown(), 0);
-    EXPECT_TRUE(helper.namedWrites.empty());
-}
-
-TEST_F(AccessTest, ModelZeroSuperAdministratorLogin) {
-    Open({{kInverter, "inv", false, 1}, {kFourAxis, "axis", false, 0}});
+// ---------------------------------------------------------------- choosing a level
+// Levels that need no password apply at once, online or offline: in model 0 to every
+// module of the workspace.
+TEST_F(AccessTest, LevelsWithoutPasswordApplyAtOnce) {
     for (bool online : {true, false}) {
         SCOPED_TRACE(online ? "online" : "offline");
-        SetOnline(online);
-        Module("inv")->SetAccessLevel(1);
-        Module("axis")->SetAccessLevel(0);
-        frame.calls.clear();
+        Open({{kInverter, "inv", online, 3}, {kFourAxis, "axis", online, 3}});
         Fill();
         LoginAnswers answers;
-        // Cancel: back to the first entry, nothing applied.
-        answers.Cancel();
-        Choose(1);
-        EXPECT_EQ(Selected(), 0);
-        EXPECT_TRUE(frame.calls.empty());
-        // A wrong word: the box, back to the first entry.
-        answers.Ok("notthisone");
-        Choose(1);
-        EXPECT_EQ(Selected(), 0);
-        EXPECT_TRUE(frame.calls.empty());
-        ASSERT_NE(prompts.Last(AfxPrompt::MessageBox), nullptr);
-        EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "密码输入错误");
-        EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->caption, "");
-        // The word in other letter case passes; the hidden tick box sends it everywhere.
-        CString upper = Word();
-        upper.MakeUpper();
-        answers.Ok(upper.GetString());
-        Choose(1);
-        EXPECT_EQ(frame.calls, Strings{"all 3"});
-        EXPECT_EQ(Module("axis")->GetAccessLevel(), 3);
-        EXPECT_EQ(answers.Shown(), 3);
-        EXPECT_TRUE(helper.namedWrites.empty()); // model 0 never talks to the drive
-    }
-}
-
-// ---------------------------------------------------------------- model 1
-TEST_F(AccessTest, ModelOneBasicLevelsApplyAtOnce) {
-    Open({{kFourAxis, "axis", true, 3}});
-    for (bool online : {true, false}) {
-        SetOnline(online);
+        Choose(0);
+        EXPECT_EQ(frame.calls, Strings{"all 1"});
+        EXPECT_EQ(Module("axis")->GetAccessLevel(), 1);
+        Open({{kFourAxis, "axis", online, 3}});
         frame.calls.clear();
         Fill();
-        LoginAnswers answers;
         Choose(0);
         Choose(1);
         EXPECT_EQ(frame.calls, (Strings{"apply 0", "apply 1"}));
         EXPECT_EQ(answers.Shown(), 0);
+        frame.calls.clear();
     }
     EXPECT_TRUE(helper.namedWrites.empty());
 }
 
+// ---------------------------------------------------------------- model 1
 // Online the stored code goes to the drive whatever was typed, and the level stays.
 TEST_F(AccessTest, ModelOneOnlineLoginWritesStoredCode) {
     Open({{kFourAxis, "axis", true, 1}});
@@ -155,13 +110,13 @@ TEST_F(AccessTest, ModelOneOnlineLoginWritesStoredCode) {
     LoginAnswers answers;
     answers.Ok("anything");
     Choose(2);
-    EXPECT_EQ(helper.NamedWriteLog(), Strings{"InputPassword=" + Code().str()});
+    EXPECT_EQ(helper.NamedWriteLog(), Strings{"InputPassword=" + kCode.str()});
     EXPECT_EQ(helper.namedWrites[0].key, "axis");
     answers.Ok("");
     Choose(3);
     EXPECT_EQ(helper.NamedWriteLog(),
-              (Strings{"InputPassword=" + Code().str(), "Factory=" + Code().str(),
-                       "InputPassword=" + Code().str()}));
+              (Strings{"InputPassword=" + kCode.str(), "Factory=" + kCode.str(),
+                       "InputPassword=" + kCode.str()}));
     EXPECT_EQ(Drive("axis")->Authority(), 3); // the drive took the code
     EXPECT_TRUE(frame.calls.empty());
     EXPECT_EQ(Module("axis")->GetAccessLevel(), 1);
@@ -177,57 +132,59 @@ TEST_F(AccessTest, ModelOneOnlineLoginWritesStoredCode) {
     EXPECT_EQ(Selected(), 0);
 }
 
-TEST_F(AccessTest, ModelOneOfflineLoginChecksPassword) {
-    Open({{kFourAxis, "axis", false, 1}});
-    Fill();
-    LoginAnswers answers;
-    for (int entry : {2, 3}) {
-        SCOPED_TRACE(entry);
+// Offline every model checks the password itself, and nothing reaches a drive: a wrong
+// text brings the box and entry 0; a cancel entry 0 too, except in model 2, where the
+// chosen entry stays.
+TEST_F(AccessTest, OfflineLoginChecksThePassword) {
+    CString upper = kWord;
+    upper.MakeUpper();
+    struct Case {
+        const char* file;
+        bool online;
+        int entry;
+        CString good;
+        Strings applied;
+        int level, relock;
+    } const cases[] = {
+        // Model 0 checks online too; the hidden tick box sends the level everywhere.
+        {kInverter, true, 1, upper, {"all 3"}, 3, 0},
+        {kInverter, false, 1, upper, {"all 3"}, 3, 0},
+        {kFourAxis, false, 2, kCode, {"apply 2"}, 2, 0},
+        {kFourAxis, false, 3, kWord, {"apply 3"}, 3, 0},
+        {kServo, false, 2, kCode, {"apply 2"}, 2, 1},
+        {kServo, false, 3, kWord, {"apply 3"}, 3, 1},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.file) + " entry " + std::to_string(c.entry));
+        Open({{c.file, "m", c.online, 1}, {kFourAxis, "other", false, 0}});
         frame.calls.clear();
-        answers.Ok("9999");
-        Choose(entry);
-        EXPECT_EQ(Selected(), 0);
-        EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), size_t(entry - 1));
-        EXPECT_TRUE(frame.calls.empty());
+        selector.m_relockPending = 0;
+        Fill();
+        LoginAnswers answers;
         answers.Cancel();
-        Choose(entry);
+        Choose(c.entry);
+        EXPECT_EQ(Selected(), c.file == kServo ? c.entry : 0);
+        const size_t boxes = prompts.Count(AfxPrompt::MessageBox);
+        answers.Ok("4321");
+        Choose(c.entry);
         EXPECT_EQ(Selected(), 0);
+        ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), boxes + 1);
+        EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "密码输入错误");
+        EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->caption, "");
         EXPECT_TRUE(frame.calls.empty());
+        EXPECT_EQ(selector.m_relockPending, 0);
+        answers.Ok(c.good.GetString());
+        Choose(c.entry);
+        EXPECT_EQ(frame.calls, c.applied);
+        EXPECT_EQ(Module("m")->GetAccessLevel(), c.level);
+        EXPECT_EQ(Module("other")->GetAccessLevel(), c.file == kInverter ? 3 : 0);
+        EXPECT_EQ(selector.m_relockPending, c.relock);
+        EXPECT_EQ(answers.prompts, std::vector<CString>(3, kLoginPromptFactoryCode));
     }
-    answers.Ok(Code().GetString());
-    Choose(2);
-    answers.Ok(Word().GetString());
-    Choose(3);
-    EXPECT_EQ(frame.calls, (Strings{"apply 2", "apply 3"}));
-    EXPECT_EQ(Module("axis")->GetAccessLevel(), 3);
     EXPECT_TRUE(helper.namedWrites.empty());
 }
 
 // ---------------------------------------------------------------- model 2
-// Offline nothing goes to the drive: the word sets the level, a wrong text brings only
-// the box and the first entry.
-TEST_F(AccessTest, ModelTwoOfflineLoginChecksThePassword) {
-    Open({{kServo, "servo", false, 1}});
-    Fill();
-    LoginAnswers answers;
-    answers.Ok(Word().GetString());
-    Choose(3);
-    EXPECT_EQ(frame.calls, Strings{"apply 3"});
-    EXPECT_EQ(selector.m_relockPending, 1);
-
-    Module("servo")->SetAccessLevel(1);
-    frame.calls.clear();
-    selector.m_relockPending = 0;
-    answers.Ok("4321");
-    Choose(2);
-    EXPECT_EQ(Selected(), 0);
-    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u);
-    EXPECT_TRUE(frame.calls.empty());
-    EXPECT_EQ(selector.m_relockPending, 0);
-    EXPECT_EQ(Module("servo")->GetAccessLevel(), 1);
-    EXPECT_TRUE(helper.namedWrites.empty());
-}
-
 // What the drive's register receives is the decimal reading of the text.
 TEST_F(AccessTest, ModelTwoPasswordReachesDriveAsDecimalNumber) {
     Open({{kServo, "servo", true, 1}});
@@ -242,6 +199,8 @@ TEST_F(AccessTest, ModelTwoPasswordReachesDriveAsDecimalNumber) {
               (Strings{"InputPassword=0", "InputPassword=12", "InputPassword=77"}));
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 3u);
     EXPECT_EQ(selector.m_relockPending, 1);
+    // Online in model 2 the login asks for the drive's own password.
+    EXPECT_EQ(answers.prompts, std::vector<CString>(3, kLoginPromptDrivePassword));
     EXPECT_EQ(PasswordTextToCode("99999999999"), INT_MAX);
     EXPECT_EQ(PasswordTextToCode("-5x"), -5);
 }
@@ -250,7 +209,7 @@ TEST_F(AccessTest, ModelTwoLogOut) {
     Open({{kServo, "servo", true, 3}});
     Fill();
     LoginAnswers answers;
-    answers.Ok(Code().GetString());
+    answers.Ok(kCode.GetString());
     Choose(3); // the drive starts at basic: a login to factory
     ReadAuthority();
     selector.PollAuthority();
@@ -293,9 +252,9 @@ TEST_F(AccessTest, PollRaisesLevelAfterAcceptedPassword) {
     selector.PollAuthority();
     ASSERT_EQ(servo->GetDeviceAuthority(), 1);
     LoginAnswers answers;
-    answers.Ok(Code().GetString());
+    answers.Ok(kCode.GetString());
     Choose(2); // the code passes here too: expert at once; the drive grants factory
-    EXPECT_EQ(helper.NamedWriteLog(), Strings{"InputPassword=" + Code().str()});
+    EXPECT_EQ(helper.NamedWriteLog(), Strings{"InputPassword=" + kCode.str()});
     EXPECT_EQ(frame.calls, Strings{"apply 2"});
     EXPECT_EQ(servo->GetAccessLevel(), 2);
     EXPECT_EQ(selector.m_relockPending, 1);
@@ -359,8 +318,8 @@ TEST_F(AccessTest, PollOnlyForOnlineModelTwo) {
     servo->SetDeviceAuthority(3);
     SetOnline(false);
     Fill();
-    selector.m_authorityIndex = 3;
-    selector.PollAuthority(); // offline: the drive's value isn't taken
+    EXPECT_EQ(selector.m_authorityIndex, 3); // the box's entry, from the tool's level
+    selector.PollAuthority();                // offline: the drive's value isn't taken
     EXPECT_TRUE(frame.calls.empty());
     EXPECT_EQ(servo->GetDeviceAuthority(), 3);
 
@@ -370,8 +329,11 @@ TEST_F(AccessTest, PollOnlyForOnlineModelTwo) {
     EXPECT_TRUE(frame.calls.empty());
     EXPECT_EQ(servo->GetDeviceAuthority(), 3);
     host.Services().Withhold<IHostVarUtil>(false);
-    selector.PollAuthority(); // the control: with everything there the fall is taken over
+    // The control: with everything there the fall is taken over, box and level together.
+    selector.PollAuthority();
     EXPECT_EQ(frame.calls, Strings{"apply 0"});
+    EXPECT_EQ(Selected(), 0);
+    EXPECT_EQ(servo->GetAccessLevel(), 0);
     frame.calls.clear();
 
     // Models 0 and 1 have no authority to follow.
@@ -408,20 +370,6 @@ TEST_F(AccessTest, ModelTwoWithoutAuthorityKeepsLevel) {
     EXPECT_EQ(servo->GetAccessLevel(), 3);
     EXPECT_EQ(servo->GetDeviceAuthority(), 3);
     EXPECT_EQ(selector.m_relockPending, 1);
-}
-
-// A box filled at a level above the drive's grant comes down to the grant at the first
-// poll, box and level together: that is a fall, whatever the entry index was before.
-TEST_F(AccessTest, PollBringsABoxFilledAboveTheDriveDown) {
-    Open({{kServo, "servo", true, 3}});
-    DriveReports(1);
-    Fill();
-    ASSERT_EQ(Selected(), 3);
-    EXPECT_EQ(selector.m_authorityIndex, 3);
-    selector.PollAuthority();
-    EXPECT_EQ(frame.calls, Strings{"apply 1"});
-    EXPECT_EQ(Selected(), 1);
-    EXPECT_EQ(Module("servo")->GetAccessLevel(), 1);
 }
 
 // A refused and a cancelled login end as the model says (entry 0; the chosen entry), and
@@ -461,22 +409,6 @@ TEST_F(AccessTest, RefusedAndCancelledLoginsAgreeWithTheDriveAfterOnePoll) {
     }
 }
 
-// The login names the credential it wants: the drive's own password online in model 2,
-// the factory access code elsewhere.
-TEST_F(AccessTest, LoginSaysWhichCredentialItWants) {
-    Open({{kServo, "servo", true, 0}});
-    Fill();
-    std::vector<CString> prompts;
-    CAfxModalDriver driver([&](CDialog& d) {
-        prompts.push_back(d.GetDlgItem(int(IDC_LOGIN_PROMPT))->GetWindowTextString());
-        d.EndDialog(IDCANCEL);
-    });
-    Choose(3);
-    SetOnline(false);
-    Choose(2);
-    EXPECT_EQ(prompts, (std::vector<CString>{kLoginPromptDrivePassword, kLoginPromptFactoryCode}));
-}
-
 // The second page compares the drive's level with the entry on show.
 TEST_F(AccessTest, SecondPagePollComparesWithShownEntry) {
     CAccessSelector second(FALSE);
@@ -509,8 +441,8 @@ TEST_F(AccessTest, FactoryAccessBeforeReadGoesToModelsVariable) {
     CAccessSelector::WriteFactoryAccessCode(nullptr);
     for (const char* key : {"inv", "axis", "servo"})
         CAccessSelector::WriteFactoryAccessCode(Module(key));
-    EXPECT_EQ(helper.NamedWriteLog(), (Strings{"Factory=" + Code().str(), "Factory=" + Code().str(),
-                                               "TempAuthority=" + Code().str()}));
+    EXPECT_EQ(helper.NamedWriteLog(), (Strings{"Factory=" + kCode.str(), "Factory=" + kCode.str(),
+                                               "TempAuthority=" + kCode.str()}));
     EXPECT_EQ(helper.namedWrites[1].key, "axis");
     EXPECT_EQ(Drive("servo")->Authority(), 3); // the drives take the code
     host.Services().Withhold<IHostDeviceHelper>();

@@ -9,6 +9,7 @@
 
 #include <afx/afxres.h>
 #include <afx/afxwin.h>
+#include <zorhost/HostServices.h>
 
 #include <gtest/gtest.h>
 
@@ -86,45 +87,32 @@ TEST_F(AppTest, FanOutSurvivesListenersRemovingThemselves) {
     EXPECT_EQ(theApp.activeViewListeners.GetCount(), 0);
 }
 
-struct Host {
-    FakeModuleManager manager;
-    bool offerManager = true;
-    int queries = 0;
-    static void Query(uintptr_t ctx, const GUID* iid, void** out) {
-        auto* h = reinterpret_cast<Host*>(ctx);
-        ++h->queries;
-        if (*iid == IID_IHostModuleManager && h->offerManager)
-            *out = static_cast<IHostModuleManager*>(&h->manager);
-    }
-};
-
 // Services are asked of the callback at every use, and host objects are made through the
 // module manager.
 TEST_F(AppTest, AccessorsAskTheCallbackEveryTime) {
     EXPECT_EQ(theApp.GetModuleManager(), nullptr); // no callback yet
-    Host host;
+    zorhost::HostServices host;
+    FakeModuleManager manager;
+    host.Register<IHostModuleManager>(&manager);
     struct Stream : IMemoryStream {
         void Reset(int) override {}
         void SetMode(int) override {}
         const BYTE* GetData() override { return nullptr; }
         UINT GetSize() override { return 0; }
     } stream;
-    host.manager.made[IID_IMemoryStream] = static_cast<IMemoryStream*>(&stream);
-    theApp.SetQueryInterfaceCallback(reinterpret_cast<uintptr_t>(&host), &Host::Query);
-    const int before = host.queries;
-    EXPECT_EQ(theApp.GetModuleManager(), &host.manager);
-    EXPECT_EQ(theApp.GetModuleManager(), &host.manager);
-    EXPECT_EQ(host.queries, before + 2);
+    manager.made[IID_IMemoryStream] = static_cast<IMemoryStream*>(&stream);
+    theApp.SetQueryInterfaceCallback(host.Context(), &zorhost::HostServices::Query);
+    EXPECT_EQ(theApp.GetModuleManager(), &manager);
     EXPECT_EQ(theApp.CreateMemoryStream(), &stream);
     EXPECT_EQ(theApp.CreateWorkerThread(), nullptr);
-    ASSERT_EQ(host.manager.asked.size(), 2u);
-    EXPECT_EQ(host.manager.asked[0], IID_IMemoryStream);
+    ASSERT_EQ(manager.asked.size(), 2u);
+    EXPECT_EQ(manager.asked[0], IID_IMemoryStream);
     // A service the host takes back is gone at the next use.
-    host.offerManager = false;
+    host.Withhold<IHostModuleManager>();
     EXPECT_EQ(theApp.GetModuleManager(), nullptr);
     EXPECT_EQ(theApp.GetTabManager(), nullptr);
     EXPECT_EQ(theApp.CreateMemoryStream(), nullptr);
-    EXPECT_EQ(host.manager.asked.size(), 2u);
+    EXPECT_EQ(manager.asked.size(), 2u);
 }
 
 // Started by hand, the module registers its texts and panel under its own handle and

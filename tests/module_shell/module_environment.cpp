@@ -4,8 +4,6 @@
 
 #include <afx/afxwin.h>
 
-#include <gtest/gtest.h>
-
 namespace {
 
 class ModuleEnvironment : public ::testing::Environment {

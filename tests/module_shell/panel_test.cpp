@@ -1,10 +1,9 @@
 // The panel interface driven by the host: captions, opening, the three ways of closing,
 // host events, and every operation with a service missing.
-#include "shell_fixture.h"
+#include "test_host.h"
 
+#include <afx/afxmt.h>
 #include <afx/afxtest.h>
-
-#include <QWidget>
 
 namespace {
 
@@ -45,40 +44,29 @@ TEST_F(PanelTest, CaptionNamesTheDeviceByProductKind) {
     EXPECT_EQ(Tab(4).caption, "参数列表");
 }
 
-TEST_F(PanelTest, PanelFillsTheTabRectangleAndSubscribes) {
-    IQXParmira* p = Create();
-    host.tabs.rect = RECT{3, 4, 503, 304};
-    p->ShowPanel(0, "K0");
-    ASSERT_EQ(host.tabs.tabs.size(), 1u);
-    QWidget* panel = host.tabs.PanelOf(Tab(0).handle);
-    ASSERT_NE(panel, nullptr);
-    EXPECT_EQ(panel->geometry(), QRect(3, 4, 500, 300));
-    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 1);
-    // The panel, its frame and its pages each keep a translator of their own.
-    EXPECT_GE(host.ui.translatorsMade, 1);
-    EXPECT_EQ(host.ui.retranslations, host.ui.translatorsMade);
-}
-
-TEST_F(PanelTest, SecondShowActivatesWhateverTheKey) {
-    IQXParmira* p = Create();
-    p->ShowPanel(0, "K0");
-    p->ShowPanel(0, "K3");
-    p->ShowPanel(0, "nobody");
-    ASSERT_EQ(host.tabs.tabs.size(), 1u);
-    EXPECT_EQ(host.tabs.activated, (std::vector<HWND>{Tab(0).handle, Tab(0).handle}));
-    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 1);
-}
-
-TEST_F(PanelTest, NoWindowFromTheHostMeansNoPanel) {
+// No window from the host means no panel, and the next show is no activation; once made,
+// a second show only activates the tab, whatever the key.
+TEST_F(PanelTest, PanelFillsTheTabRectangleSubscribesAndIsMadeOnce) {
     IQXParmira* p = Create();
     host.tabs.failCreate = true;
     p->ShowPanel(0, "K0");
     EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 0);
     host.tabs.failCreate = false;
-    p->ShowPanel(0, "K0"); // not an activation: nothing was made the first time
+    host.tabs.rect = RECT{3, 4, 503, 304};
+    p->ShowPanel(0, "K0");
     EXPECT_TRUE(host.tabs.activated.empty());
     ASSERT_EQ(host.tabs.tabs.size(), 2u);
-    EXPECT_TRUE(HasPanel(1));
+    QWidget* panel = host.tabs.PanelOf(Tab(1).handle);
+    ASSERT_NE(panel, nullptr);
+    EXPECT_EQ(panel->geometry(), QRect(3, 4, 500, 300));
+    // The panel, its frame and its pages each keep a translator of their own.
+    EXPECT_GE(host.ui.translatorsMade, 1);
+    EXPECT_EQ(host.ui.retranslations, host.ui.translatorsMade);
+    p->ShowPanel(0, "K3");
+    p->ShowPanel(0, "nobody");
+    ASSERT_EQ(host.tabs.tabs.size(), 2u);
+    EXPECT_EQ(host.tabs.activated, (std::vector<HWND>{Tab(1).handle, Tab(1).handle}));
+    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 1);
 }
 
 // Each way of closing hands the panel back, leaves the other panel alone, and the next
@@ -157,7 +145,7 @@ TEST_F(PanelTest, LanguageChangeAfterThePanelClosedDoesNothing) {
     host.bus.RaiseLanguageChanged();
     host.tabs.CloseTab(Tab(0).handle); // the posted message finds no window
     const int retranslated = host.ui.retranslations;
-    AfxPumpMessagesUntil([] { return false; }, 50);
+    AfxPumpPendingMessages();
     EXPECT_EQ(host.ui.retranslations, retranslated);
     EXPECT_EQ(host.ui.windowRetranslations, 0);
 }
@@ -188,7 +176,7 @@ TEST_F(PanelTest, EveryOperationEndsQuietlyWithAnyServiceWithheld) {
         p->Reserved10(4);
         h.bus.RaiseLanguageChanged();
         h.bus.RaiseActiveView(1);
-        AfxPumpMessagesUntil([] { return false; }, 20);
+        AfxPumpPendingMessages();
         h.bus.RaiseModuleRenamed("K0", "N");
         h.bus.RaiseModuleRemoved("K0");
 

@@ -1,8 +1,7 @@
 // The exports and the registry: what the host can ask before any panel exists.
-#include "shell_fixture.h"
+#include "test_host.h"
 
 #include <cstdio>
-#include <cstring>
 #include <set>
 #include <string>
 
@@ -49,32 +48,6 @@ TEST_F(ShellTest, SafeReleaseFindsOnlyWhatTheRegistryHolds) {
     // Gone: a second release of the same address finds nothing.
     EXPECT_EQ(Module().release(&IID_IQXParmira, &copy), 0);
     EXPECT_NE(copy, nullptr);
-}
-
-TEST_F(ShellTest, TwoInstancesLiveIndependently) {
-    host.AddModule("A", "DriveA", "X", 1, 3);
-    host.AddModule("B", "DriveB", "Y", 2, 3);
-    IQXParmira* a = Create();
-    IQXParmira* b = Create();
-    ASSERT_NE(a, nullptr);
-    ASSERT_NE(b, nullptr);
-    EXPECT_NE(a, b);
-    a->ShowPanel(11, "A");
-    b->ShowPanel(22, "B");
-    ASSERT_EQ(host.tabs.tabs.size(), 2u);
-    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 2);
-
-    EXPECT_NE(Destroy(a), 0);
-    // a's panel went with it; b's is still there and still answers.
-    EXPECT_EQ(host.tabs.PanelOf(host.tabs.tabs[0]->handle), nullptr);
-    EXPECT_NE(host.tabs.PanelOf(host.tabs.tabs[1]->handle), nullptr);
-    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 1);
-    b->SelectListPage(1);
-    b->SetModuleAccessLevel("B", 2);
-    b->ShowPanel(22, "B");
-    EXPECT_EQ(host.tabs.tabs.size(), 2u);
-    ASSERT_EQ(host.tabs.activated.size(), 1u);
-    EXPECT_EQ(host.tabs.activated[0], host.tabs.tabs[1]->handle);
 }
 
 TEST_F(ShellTest, ReleaseOnTheInstanceTellsTheHostAndEndsIt) {

@@ -28,32 +28,28 @@ protected:
     }
 };
 
-struct Row {
-    DWORD line, product;
-    const char* name;
-};
-
 TEST_F(DeviceTest, DeviceLinesParseByPositionWhateverTheyHold) {
     struct Case {
         const char* line;
         bool isRow;
-        Row row;
+        DWORD lineId, product;
+        const char* name;
     } cases[] = {
-        {"dwLineID=11,dwProductID=282,Name=ZD4", true, {11, 282, "ZD4"}},
+        {"dwLineID=11,dwProductID=282,Name=ZD4", true, 11, 282, "ZD4"},
         // Blanks vanish everywhere, in the name too.
-        {" dwLineID = 7 , dwProductID = 8 , Name = My Drive ", true, {7, 8, "MyDrive"}},
+        {" dwLineID = 7 , dwProductID = 8 , Name = My Drive ", true, 7, 8, "MyDrive"},
         // Four fields: a row all the same, with nothing in it.
-        {"dwLineID=1,dwProductID=2,Name=A,B", true, {0, 0, ""}},
+        {"dwLineID=1,dwProductID=2,Name=A,B", true, 0, 0, ""},
         // Fields in another order: each field loses only its own key, so the numbers
         // don't parse.
-        {"dwProductID=5,dwLineID=6,Name=X", true, {0, 0, "X"}},
+        {"dwProductID=5,dwLineID=6,Name=X", true, 0, 0, "X"},
         // A comment naming the three words counts as a device line.
-        {"; dwLineID=3,dwProductID=4,Name=old", true, {0, 4, "old"}},
-        {"dwLineID=abc,dwProductID=9,Name=Y", true, {0, 9, "Y"}},
+        {"; dwLineID=3,dwProductID=4,Name=old", true, 0, 4, "old"},
+        {"dwLineID=abc,dwProductID=9,Name=Y", true, 0, 9, "Y"},
         // Case matters for the three words; without all of them there is no row.
-        {"dwlineid=1,dwProductID=2,Name=A", false, {}},
-        {"dwLineID=1,dwProductID=2", false, {}},
-        {"", false, {}},
+        {"dwlineid=1,dwProductID=2,Name=A", false, 0, 0, ""},
+        {"dwLineID=1,dwProductID=2", false, 0, 0, ""},
+        {"", false, 0, 0, ""},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.line);
@@ -62,9 +58,9 @@ TEST_F(DeviceTest, DeviceLinesParseByPositionWhateverTheyHold) {
         ASSERT_EQ(row != nullptr, c.isRow);
         if (!row)
             continue;
-        EXPECT_EQ(row->m_dwLineID, c.row.line);
-        EXPECT_EQ(row->m_dwProductID, c.row.product);
-        EXPECT_EQ(row->m_strName, c.row.name);
+        EXPECT_EQ(row->m_dwLineID, c.lineId);
+        EXPECT_EQ(row->m_dwProductID, c.product);
+        EXPECT_EQ(row->m_strName, c.name);
     }
 }
 

@@ -3,12 +3,7 @@
 
 #include "table_host.h"
 
-#include "table/VarTable.h"
-
 #include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 namespace tt {
 

@@ -33,21 +33,6 @@ protected:
     std::unique_ptr<CParmiraDialog> panel;
 };
 
-TEST_F(PanelTest, CountsComeFromTheFrameThroughPostedMessages) {
-    ListedGroup("H02", "H02-00", 0x200);
-    CParmiraDialog* p = OpenPanel();
-    CVarTable* frame = p->GetTable();
-    ASSERT_NE(frame, nullptr);
-    ASSERT_NE(frame->GetSafeHwnd(), nullptr);
-    frame->PostVarCount(TRUE, 120);
-    frame->PostVarCount(FALSE, 7);
-    AfxPumpPendingMessages();
-    EXPECT_EQ(p->m_nTotalCount, 120);
-    EXPECT_EQ(p->m_nCurrentCount, 7);
-    EXPECT_EQ(p->GetDlgItemInt(int(IDC_TOTAL_COUNT)), 120u);
-    EXPECT_EQ(p->GetDlgItemInt(int(IDC_CURRENT_COUNT)), 7u);
-}
-
 TEST_F(PanelTest, FactoryNoticeOnlyForLine13) {
     module->label = {0x13};
     host.products.records[0x13].line = 13;
@@ -61,10 +46,20 @@ TEST_F(PanelTest, FactoryNoticeOnlyForLine13) {
     EXPECT_EQ(Notice(), "");
 }
 
-TEST_F(PanelTest, ForwardsToTheFrameAndClosesItFirst) {
+TEST_F(PanelTest, CountsComeFromTheFrameWhichGetsTheCallsAndClosesFirst) {
     ListedGroup("H02", "H02-00", 0x200);
     OpenPanel();
     CVarTable* frame = panel->GetTable();
+    ASSERT_NE(frame, nullptr);
+    ASSERT_NE(frame->GetSafeHwnd(), nullptr);
+    // Counts come through posted messages.
+    frame->PostVarCount(TRUE, 120);
+    frame->PostVarCount(FALSE, 7);
+    AfxPumpPendingMessages();
+    EXPECT_EQ(panel->m_nTotalCount, 120);
+    EXPECT_EQ(panel->m_nCurrentCount, 7);
+    EXPECT_EQ(panel->GetDlgItemInt(int(IDC_TOTAL_COUNT)), 120u);
+    EXPECT_EQ(panel->GetDlgItemInt(int(IDC_CURRENT_COUNT)), 7u);
     panel->SelectListPage(1);
     ASSERT_NE(g_pages[1], nullptr);
     // The style still names the first page: calls go there, the second only shows.

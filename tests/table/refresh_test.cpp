@@ -58,7 +58,7 @@ TEST_F(RefreshTest, TickAndQueryReachThePageWhileRunning) {
     EXPECT_EQ(page->repaints, repaints);
 }
 
-TEST_F(RefreshTest, NothingFlowsAfterStopAndStopTwiceIsHarmless) {
+TEST_F(RefreshTest, NothingFlowsAfterStopOrDestroyAndStopTwiceIsHarmless) {
     ListedGroup("H02", "H02-00", 0x200);
     OpenCounting();
     TestPage* page = g_pages[0];
@@ -91,6 +91,11 @@ TEST_F(RefreshTest, NothingFlowsAfterStopAndStopTwiceIsHarmless) {
     table->SetModule(module);
     table->StartRefresh();
     EXPECT_TRUE(AfxPumpMessagesUntil([&] { return page->repaints > repaints; }, 5000));
+
+    // Destroying the window stops it all; the destructor's second stop is harmless.
+    table->DestroyWindow();
+    EXPECT_TRUE(host.refresh.listeners.empty());
+    EXPECT_EQ(table->refreshEnabled.load(), 0);
 }
 
 // The host's query thread hammers the listener while the user-interface thread stops and
@@ -115,16 +120,6 @@ TEST_F(RefreshTest, QueriesFromAnotherThreadRaceStopsCleanly) {
     EXPECT_TRUE(AfxPumpMessagesUntil([&] { return counter->queries > 0; }, 5000));
     done.store(true);
     querier.join();
-}
-
-TEST_F(RefreshTest, DestroyRemovesTheListenerAndEndsTheWorker) {
-    OpenCounting();
-    ASSERT_EQ(host.refresh.listeners.size(), 1u);
-    table->DestroyWindow();
-    EXPECT_TRUE(host.refresh.listeners.empty());
-    EXPECT_EQ(table->refreshEnabled.load(), 0);
-    // Destruction after the window went: StopRefresh runs a second time, harmlessly.
-    table.reset();
 }
 
 TEST_F(RefreshTest, WithoutWorkerTheFrameStillRuns) {

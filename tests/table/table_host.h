@@ -12,12 +12,16 @@
 
 #include "module/host/HostContract.h"
 #include "table/StackedDialog.h"
+#include "table/VarTable.h"
 
 #include <zorhost/HostServices.h>
 #include <zorhost/model/Groups.h>
 #include <zorhost/services/HostModuleManager.h>
 #include <zorhost/services/HostVarUtil.h>
 
+#include <afx/afxres.h>
+
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <string>
@@ -242,34 +246,6 @@ struct TransferService : IHostTransferService {
     }
 };
 
-// The host of one test: installs itself as the module's query callback and takes it
-// back at the end. Resources are registered under a handle of the test's own.
-class TableHost {
-public:
-    // With `testPages`, frames get TestPage objects made from empty page dialogs; without,
-    // they get the module's own list pages.
-    explicit TableHost(bool testPages = true);
-    ~TableHost();
-    TableHost(const TableHost&) = delete;
-    TableHost& operator=(const TableHost&) = delete;
-
-    Module* AddModule(const char* key);
-
-    zorhost::HostServices services;
-    VarUtil util;
-    FakeUiService ui;
-    FakeDeviceHelper helper; // refuses every direct write
-    ProductDb products;
-    FakeProject project;
-    FakeRefreshService refresh; // keeps the listeners, reads nothing
-    TransferService transfer;
-    zorhost::CHostModuleManager manager;
-    std::vector<std::unique_ptr<Module>> modules;
-    TempDir temp;
-    const std::string& tempDir = temp.Path();
-    ModuleScope scope{"table-test"};
-};
-
 // Records what the frame asks of a list page.
 class TestPage : public CVarTablePage {
 public:
@@ -288,17 +264,78 @@ public:
     }
     void RepaintList() override { ++repaints; }
     void SubmitRefreshQuery() override { ++queries; }
-    void PollAuthority() override { ++polls; }
+    void PollAuthority() override {}
     int GetShownCount() const override { return 0; }
     IVarObjEx* GetShownVar(int) const override { return nullptr; }
     void CollectShown(std::vector<IVarObjEx*>&) const override {}
 
     std::vector<std::string> calls;
-    int repaints = 0, queries = 0, polls = 0;
+    int repaints = 0, queries = 0;
 };
 
 // The pages the frames of a test get; index 0 the first page.
-extern TestPage* g_pages[2];
-CVarTablePage* MakeTestPage(int style);
+inline TestPage* g_pages[2] = {nullptr, nullptr};
+inline CVarTablePage* MakeTestPage(int style) {
+    auto* page = new TestPage(style == 0 ? IDD_VAR_TABLE_PAGE1 : IDD_VAR_TABLE_PAGE2);
+    if (style == 0 || style == 1)
+        g_pages[style] = page;
+    return page;
+}
+
+// The host of one test: installs itself as the module's query callback and takes it
+// back at the end. Resources are registered under a handle of the test's own.
+class TableHost {
+public:
+    // With `testPages`, frames get TestPage objects made from empty page dialogs; without,
+    // they get the module's own list pages.
+    explicit TableHost(bool testPages = true) {
+        std::filesystem::create_directories(tempDir + "/bin");
+        std::filesystem::create_directories(tempDir + "/Config");
+        util.installDir = CString(tempDir + "/bin");
+        services.Register<IHostVarUtil>(&util);
+        services.Register<IHostUiService>(&ui);
+        helper.acceptWrites = false;
+        services.Register<IHostDeviceHelper>(&helper);
+        services.Register<IHostProductDb>(&products);
+        services.Register<IHostProjectRoot>(&project);
+        services.Register<IHostRefreshService>(&refresh);
+        services.Register<IHostTransferService>(&transfer);
+        services.Register<IHostModuleManager>(&manager);
+        if (testPages)
+            for (UINT id : {IDD_VAR_TABLE_PAGE1, IDD_VAR_TABLE_PAGE2})
+                AfxRegisterDialog(scope.Handle(), DlgTemplate{id, "", 500, 500, {}, WS_CHILD});
+        scope.AddParentDialog(9901, 900, 600);
+        g_pages[0] = g_pages[1] = nullptr;
+        CVarTable::SetPageFactory(testPages ? &MakeTestPage : nullptr);
+        ModuleScope::Attach(services);
+    }
+    ~TableHost() {
+        ModuleScope::Detach();
+        CVarTable::SetPageFactory(nullptr);
+    }
+    TableHost(const TableHost&) = delete;
+    TableHost& operator=(const TableHost&) = delete;
+
+    Module* AddModule(const char* key) {
+        modules.push_back(std::make_unique<Module>());
+        modules.back()->key = key;
+        project.modules.push_back(modules.back().get());
+        return modules.back().get();
+    }
+
+    zorhost::HostServices services;
+    VarUtil util;
+    FakeUiService ui;
+    FakeDeviceHelper helper; // refuses every direct write
+    ProductDb products;
+    FakeProject project;
+    FakeRefreshService refresh; // keeps the listeners, reads nothing
+    TransferService transfer;
+    zorhost::CHostModuleManager manager;
+    std::vector<std::unique_ptr<Module>> modules;
+    TempDir temp;
+    const std::string& tempDir = temp.Path();
+    ModuleScope scope{"table-test"};
+};
 
 } // namespace tt

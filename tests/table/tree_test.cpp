@@ -2,9 +2,6 @@
 // how a selection reaches the page, and which variables a group collects.
 #include "frame_fixture.h"
 
-#include "module/ParmiraApp.h"
-#include "table/TableResources.h"
-
 #include <afx/afxtest.h>
 
 using namespace tt;
@@ -14,18 +11,6 @@ namespace {
 using Texts = std::vector<std::string>;
 
 class TreeTest : public FrameTest {};
-
-TEST_F(TreeTest, FixedItemsStandInOrderAndAllParametersIsSelected) {
-    ListedGroup("H02", "H02-00", 0x200)->SetDescription("基本控制");
-    OpenFrame();
-    EXPECT_EQ(Tree().GetItemText(table->GetRootItem()), "参数组");
-    EXPECT_EQ(ChildTexts(table->GetRootItem()), (Texts{"已修改参数", "自定义", "所有参数"}));
-    // A description makes the label "name[description]".
-    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"H02[基本控制]"}));
-    EXPECT_EQ(SelectedText(), "所有参数");
-    ASSERT_NE(g_pages[0], nullptr);
-    EXPECT_EQ(g_pages[0]->calls.front(), "all");
-}
 
 // Only groups with at least one member that a list could show get an item.
 TEST_F(TreeTest, GroupsWithoutListableMembersHaveNoItem) {
@@ -51,36 +36,29 @@ TEST_F(TreeTest, GroupsWithoutListableMembersHaveNoItem) {
     EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"H02", "H10"}));
 }
 
-TEST_F(TreeTest, CategoriesHoldTheirGroupsWhichDoNotRepeatAtTopLevel) {
+// The fixed items stand in order and all parameters is selected; categories hold their
+// groups, which do not repeat at the top level.
+TEST_F(TreeTest, FixedItemsAndCategoriesHoldingTheirGroups) {
     ListedGroup("H02", "H02-00", 0x200);
     ListedGroup("H03", "H03-00", 0x300);
     ListedGroup("H04", "H04-00", 0x400)->SetAccessLevel(3);
-    ListedGroup("H05", "H05-00", 0x500);
+    ListedGroup("H05", "H05-00", 0x500)->SetDescription("基本控制");
     AddCategory(module->drive.groups, "电机", {"H02"});
     // Above the level: the category gets nothing and goes again.
     AddCategory(module->drive.groups, "空类", {"H04"});
     // Named in another case: found by no exact lookup, yet not repeated at the top.
     AddCategory(module->drive.groups, "其他", {"h03"});
     OpenFrame();
-    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"电机", "H05"}));
+    EXPECT_EQ(Tree().GetItemText(table->GetRootItem()), "参数组");
+    EXPECT_EQ(ChildTexts(table->GetRootItem()), (Texts{"已修改参数", "自定义", "所有参数"}));
+    EXPECT_EQ(SelectedText(), "所有参数");
+    ASSERT_NE(g_pages[0], nullptr);
+    EXPECT_EQ(g_pages[0]->calls.front(), "all");
+    // A description makes the label "name[description]".
+    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"电机", "H05[基本控制]"}));
     HTREEITEM motorItem = FindChild(table->GetAllItem(), "电机");
     ASSERT_NE(motorItem, nullptr);
     EXPECT_EQ(ChildTexts(motorItem), (Texts{"H02"}));
-}
-
-TEST_F(TreeTest, AxesAndCustomGroupsAreListed) {
-    module->drive.AddParam("H01-00", 0x100);
-    CGroupSet& axis = module->drive.axes.Add("轴1");
-    AddGroup(axis, "H11")->AddMember("H01-00");
-    AddGroup(axis, "H12")->AddMember("nothing");
-    // Custom groups are shown whatever they hold, children too.
-    AddChildGroup(AddGroup(module->drive.custom, "我的"), "子组");
-    OpenFrame();
-    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"轴1"}));
-    EXPECT_EQ(ChildTexts(FindChild(table->GetAllItem(), "轴1")), (Texts{"H11"}));
-    HTREEITEM mineItem = FindChild(table->GetCustomItem(), "我的");
-    ASSERT_NE(mineItem, nullptr);
-    EXPECT_EQ(ChildTexts(mineItem), (Texts{"子组"}));
 }
 
 TEST_F(TreeTest, RebuildRestoresSelectionAndExpansionButNeverTheModifiedItem) {
@@ -132,12 +110,19 @@ TEST_F(TreeTest, AccessLevelChangesAddAndDropGroups) {
     EXPECT_EQ(table->GetModule(), module);
 }
 
-TEST_F(TreeTest, SelectionCallsThePageOfTheListStyle) {
+// Axes list their groups as the catalog does; custom groups are shown whatever they hold,
+// children too.
+TEST_F(TreeTest, AxesAndCustomGroupsAreListedAndSelectionCallsThePageOfTheListStyle) {
     CGroupNode* h02 = ListedGroup("H02", "H02-00", 0x200);
     AddCategory(module->drive.groups, "类", {"H02"});
-    AddGroup(module->drive.axes.Add("轴1"), "H11")->AddMember("H02-00");
-    AddGroup(module->drive.custom, "我的");
+    CGroupSet& axis = module->drive.axes.Add("轴1");
+    AddGroup(axis, "H11")->AddMember("H02-00");
+    AddGroup(axis, "H12")->AddMember("nothing");
+    AddChildGroup(AddGroup(module->drive.custom, "我的"), "子组");
     OpenFrame();
+    EXPECT_EQ(ChildTexts(table->GetAllItem()), (Texts{"类", "轴1"}));
+    EXPECT_EQ(ChildTexts(FindChild(table->GetAllItem(), "轴1")), (Texts{"H11"}));
+    EXPECT_EQ(ChildTexts(FindChild(table->GetCustomItem(), "我的")), (Texts{"子组"}));
     TestPage* page = g_pages[0];
     ASSERT_NE(page, nullptr);
     page->calls.clear();
@@ -267,6 +252,9 @@ TEST_F(CollectTest, FactoryGroupsHiddenAndUnlistedParametersAreLeftOut) {
     child->AddMember("H02-00");
     child->AddMember("H02-04");
     module->drive.AddParam("H02-04", 0x204);
+    // Axes come after the catalog's groups.
+    module->drive.AddParam("A1-00", 0x1000);
+    AddGroup(module->drive.axes.Add("轴1"), "A1")->AddMember("A1-00");
 
     auto codes = [&](BOOL includeFactory) {
         std::vector<IVarObjEx*> list;
@@ -281,19 +269,19 @@ TEST_F(CollectTest, FactoryGroupsHiddenAndUnlistedParametersAreLeftOut) {
     };
     table = std::make_unique<CVarTable>(); // no window is needed for collecting
     table->SetModule(module);
-    EXPECT_EQ(codes(TRUE), (Texts{"H00-00", "H01-00", "H02-00", "H02-02", "H02-04"}));
-    EXPECT_EQ(codes(FALSE), (Texts{"H02-00", "H02-02", "H02-04"}));
+    EXPECT_EQ(codes(TRUE), (Texts{"H00-00", "H01-00", "H02-00", "H02-02", "H02-04", "A1-00"}));
+    EXPECT_EQ(codes(FALSE), (Texts{"H02-00", "H02-02", "H02-04", "A1-00"}));
 
     // A line-13 drive at level 0 also keeps its hidden-for-user parameters out.
     module->label = {0x13};
     host.products.records[0x13].line = 13;
-    EXPECT_EQ(codes(FALSE), (Texts{"H02-00", "H02-04"}));
+    EXPECT_EQ(codes(FALSE), (Texts{"H02-00", "H02-04", "A1-00"}));
     module->level = 1;
-    EXPECT_EQ(codes(FALSE), (Texts{"H02-00", "H02-02", "H02-03", "H02-04"}));
+    EXPECT_EQ(codes(FALSE), (Texts{"H02-00", "H02-02", "H02-03", "H02-04", "A1-00"}));
 }
 
 // Pages list a variable only when the module's catalog knows its address as transferable.
-TEST_F(CollectTest, CatalogVarsAndDescriptions) {
+TEST_F(CollectTest, CatalogVarsAreTheTransferableOnesOfTheCatalog) {
     ListedGroup("H02", "H02-00", 0x200)->AddMember("H02-01");
     module->drive.AddParam("H02-01", 0x201)->transferable = 0;
     OpenFrame();
@@ -302,12 +290,6 @@ TEST_F(CollectTest, CatalogVarsAndDescriptions) {
     EXPECT_FALSE(table->IsCatalogVar(nullptr));
     module->catalog = nullptr;
     EXPECT_FALSE(table->IsCatalogVar(module->drive.VarOf("H02-00")));
-
-    module->drive.VarOf("H02-00")->attr->info = "第一行\n第二行";
-    table->ShowVarDescription(module->drive.VarOf("H02-00"));
-    CString text;
-    table->GetDlgItemText(int(IDC_VAR_DESCRIPTION), text);
-    EXPECT_EQ(text, "第一行\r\n第二行");
 }
 
 // The device's groups are resolved once per tree build; the user's own groups change under
@@ -335,21 +317,9 @@ TEST_F(CollectTest, MembersFollowEditsOfCustomGroupsAndRebuildsOfTheTree) {
     EXPECT_EQ(count(nullptr), 2u);
 }
 
-TEST_F(CollectTest, AxesAreCollectedAfterTheFixedGroups) {
-    ListedGroup("H02", "H02-00", 0x200);
-    module->drive.AddParam("A1-00", 0x1000);
-    AddGroup(module->drive.axes.Add("轴1"), "A1")->AddMember("A1-00");
-    table = std::make_unique<CVarTable>();
-    table->SetModule(module);
-    std::vector<IVarObjEx*> list;
-    table->CollectAllVars(list, TRUE);
-    ASSERT_EQ(list.size(), 2u);
-    EXPECT_EQ(list[1], module->drive.VarOf("A1-00"));
-}
-
-// Dragging a bar resizes the tree or the text box; the stacked area takes the rest. The
-// text box takes room only while it has a text.
-TEST_F(TreeTest, SplittersResizeTheirNeighbourAndTheLayoutFollows) {
+// The text box takes room only while it has a text, shown with the line ends of the
+// window. Dragging a bar resizes the tree or the text box; the stacked area takes the rest.
+TEST_F(TreeTest, DescriptionAndSplittersResizeTheirNeighbourAndTheLayoutFollows) {
     ListedGroup("H02", "H02-00", 0x200);
     OpenFrame();
     auto rectOf = [&](UINT id) {
@@ -365,9 +335,12 @@ TEST_F(TreeTest, SplittersResizeTheirNeighbourAndTheLayoutFollows) {
         return (table->GetDlgItem(int(IDC_VAR_DESCRIPTION))->GetStyle() & WS_VISIBLE) != 0;
     };
     EXPECT_FALSE(shown());
-    module->drive.VarOf("H02-00")->attr->info = "说明";
+    module->drive.VarOf("H02-00")->attr->info = "第一行\n第二行";
     table->ShowVarDescription(module->drive.VarOf("H02-00"));
     EXPECT_TRUE(shown());
+    CString description;
+    table->GetDlgItemText(int(IDC_VAR_DESCRIPTION), description);
+    EXPECT_EQ(description, "第一行\r\n第二行");
     EXPECT_EQ(rectOf(IDC_VAR_DESCRIPTION).right, client.right);
     EXPECT_EQ(rectOf(IDC_TEXT_SPLITTER).left, rectOf(IDC_STACK_PLACEHOLDER).right);
     const CRect tree = rectOf(IDC_GROUP_TREE), text = rectOf(IDC_VAR_DESCRIPTION);
