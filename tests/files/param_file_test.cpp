@@ -27,10 +27,6 @@ using namespace zorhost::files;
 
 namespace {
 
-void Spit(const std::string& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
-}
-
 size_t FilesIn(const std::string& dir) {
     return size_t(std::distance(std::filesystem::directory_iterator(dir),
                                 std::filesystem::directory_iterator()));

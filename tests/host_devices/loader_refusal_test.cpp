@@ -2,10 +2,10 @@
 
 #include "zorhost/device/DeviceLoader.h"
 
+#include "TestFiles.h"
+
 #include <gtest/gtest.h>
 
-#include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <cfloat>
@@ -252,9 +252,7 @@ TEST(DeviceLibrary, RefusedFileLeavesTheLibraryAsItWas) {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
     auto write = [&](const char* name, const std::string& text) {
-        QFile f(dir.filePath(name));
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(text.data(), qint64(text.size()));
+        Spit(dir.filePath(name).toStdString(), text);
     };
     write("a_good.json", Doc(kTwoParams, kGroup));
     write("b_broken.json", Doc(kTwoParams, R"({"name": "H02", "members": ["H02-09"]})"));

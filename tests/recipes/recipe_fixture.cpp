@@ -36,9 +36,3 @@ UINT RecipeTest::Address(const char* code) {
     IVarObjEx* var = Var(code);
     return var != nullptr ? var->GetInstanceAddress() : 0;
 }
-
-double RecipeTest::Peek(const char* code) {
-    double raw = -1;
-    EXPECT_TRUE(Drive().PeekRaw(Address(code), raw)) << code;
-    return raw;
-}

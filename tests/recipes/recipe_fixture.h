@@ -25,7 +25,6 @@ protected:
     zorhost::sim::SimulatedDrive& Drive() { return *host.Drive(kKey); }
     IVarObjEx* Var(const char* code);
     UINT Address(const char* code);
-    double Peek(const char* code);
 
     zorhost::ReferenceHost host;
     TempDir temp; // the test's own folder
