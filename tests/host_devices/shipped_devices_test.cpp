@@ -2,6 +2,9 @@
 // links point at real parameters, packed-value tables fit their types.
 
 #include "ShippedDevices.h"
+#include "TextOf.h"
+
+#include "zorhost/model/VarStore.h"
 
 #include <gtest/gtest.h>
 
@@ -36,6 +39,10 @@ TEST_P(ShippedDevice, LabelCarriesTheProductNumbersAndAddressesFollowCodes) {
     EXPECT_EQ(label[4] * 256u + label[5], d->product.subProductId);
 
     ASSERT_FALSE(d->parameters.empty());
+    zorhost::model::CVarStore store(d);
+    ASSERT_EQ(store.GetCount(), int(d->parameters.size()));
+    EXPECT_EQ(TextOf(&store, &zorhost::model::CVarStore::GetVersionText).str(),
+              std::string(d->Text(d->product.versionText)));
     for (std::uint32_t i = 0; i < d->parameters.size(); ++i) {
         const ParameterDef& p = d->parameters[i];
         unsigned group = 0, index = 0;
@@ -45,6 +52,10 @@ TEST_P(ShippedDevice, LabelCarriesTheProductNumbersAndAddressesFollowCodes) {
         // Both indexes find the parameter again.
         EXPECT_EQ(d->FindByAddress(p.address), i);
         EXPECT_EQ(d->FindByCode(d->Code(p), p.axis), i) << d->Code(p);
+        // The host's store finds its variable by instance key and by address.
+        IVarObjEx* v = store.GetAt(int(i));
+        EXPECT_EQ(store.FindByCode(TextOf(v, &IVarObjEx::GetInstanceGuid)), v) << d->Code(p);
+        EXPECT_EQ(store.FindByAddress(p.address), v) << d->Code(p);
         EXPECT_FALSE(d->Text(p.name).empty()) << d->Code(p);
         EXPECT_FALSE(d->Text(p.nameEn).empty()) << d->Code(p);
         // A wide value fills further 16-bit registers, where no other parameter may sit.

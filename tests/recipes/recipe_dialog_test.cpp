@@ -1,6 +1,5 @@
 // The recipe dialog as the host opens it: tree, rows, and the backup and restore jobs
 // against the simulated drive.
-#include "TextOf.h"
 #include "recipe_fixture.h"
 
 #include "module/Implementation.h"
@@ -42,7 +41,7 @@ void RunRecipeDialog(const char* key, const std::function<void(COneKeyParseRecip
 
 TEST_F(RecipeTest, DialogListsEveryTransferableParameterOnceAndTheTreeNarrowsIt) {
     RunRecipeDialog(kKey, [&](COneKeyParseRecipeDialog& dlg) {
-        EXPECT_EQ(TextOf(&dlg, &CWnd::GetWindowText), "编辑配方");
+        EXPECT_EQ(dlg.GetWindowTextString(), "编辑配方");
         EXPECT_EQ(dlg.GetModule(), Module());
         HTREEITEM root = dlg.m_tree.GetRootItem();
         EXPECT_EQ(dlg.m_tree.GetItemText(root), "所有参数");
