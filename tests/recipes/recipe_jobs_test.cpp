@@ -12,12 +12,6 @@
 #include "sets/OneKeyParseRecipeDialog.h"
 #include "sets/TranslateFailedDialog.h"
 
-#include <QApplication>
-#include <QPainter>
-#include <QPixmap>
-#include <QProgressDialog>
-#include <QWidget>
-
 #include <filesystem>
 #include <map>
 #include <set>
@@ -52,25 +46,6 @@ void RunRecipe(IHostDeviceModule* module, const std::function<void(COneKeyParseR
         d.EndDialog(IDCANCEL);
     });
     dlg.DoModal();
-}
-
-// A picture of the recipe dialog with the host's progress box over it, when asked for
-// (PARMIRA_SCREENSHOT_DIR).
-void GrabWithBox(zorhost::CHostProgressBox& box, const char* name) {
-    const char* dir = std::getenv("PARMIRA_SCREENSHOT_DIR");
-    if (dir == nullptr || box.Dialog() == nullptr)
-        return;
-    for (QWidget* w : QApplication::topLevelWidgets()) {
-        if (!w->isVisible() || w->windowTitle() != QString::fromUtf8("编辑配方"))
-            continue;
-        QPixmap picture = w->grab();
-        const QPixmap over = box.Dialog()->grab();
-        QPainter painter(&picture);
-        painter.drawPixmap((picture.width() - over.width()) / 2,
-                           (picture.height() - over.height()) / 2, over);
-        painter.end();
-        picture.save(QString::fromStdString(std::string(dir) + "/" + name));
-    }
 }
 
 void WaitForJob(COneKeyParseRecipeDialog& dlg) {
@@ -280,8 +255,6 @@ TEST_F(RecipeJobTest, CancelInTheProgressBoxStopsTheJobPromptly) {
         [&](zorhost::CHostProgressBox& box, zorhost::CHostProgressBox::Event event) {
             if (event == zorhost::CHostProgressBox::Event::Shown) {
                 texts.push_back(box.Text().str());
-                if (texts.size() == 1)
-                    GrabWithBox(box, "recipe_backup_progress.png");
                 box.Cancel();
             }
             if (event == zorhost::CHostProgressBox::Event::Hidden)
