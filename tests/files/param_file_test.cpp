@@ -17,7 +17,6 @@
 #include <zlib.h>
 
 #include <filesystem>
-#include <fstream>
 #include <sys/stat.h>
 #include <tuple>
 #include <unistd.h>

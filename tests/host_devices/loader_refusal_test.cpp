@@ -2,11 +2,7 @@
 
 #include "zorhost/device/DeviceLoader.h"
 
-#include "TestFiles.h"
-
 #include <gtest/gtest.h>
-
-#include <QTemporaryDir>
 
 #include <cfloat>
 #include <string>
@@ -235,33 +231,5 @@ INSTANTIATE_TEST_SUITE_P(
             name += std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
         return name;
     });
-
-TEST(DeviceLibrary, RefusedFileLeavesTheLibraryAsItWas) {
-    QTemporaryDir dir;
-    ASSERT_TRUE(dir.isValid());
-    auto write = [&](const char* name, const std::string& text) {
-        Spit(dir.filePath(name).toStdString(), text);
-    };
-    write("a_good.json", Doc(kTwoParams, kGroup));
-    write("b_broken.json", Doc(kTwoParams, R"({"name": "H02", "members": ["H02-09"]})"));
-    std::string other = Doc(kTwoParams, kGroup);
-    other.replace(other.find("\"productId\": 2"), 14, "\"productId\": 3");
-    write("c_other.json", other);
-    write("d_same_product.json", Doc(kTwoParams, kGroup));
-
-    DeviceLibrary library;
-    std::vector<LoadError> errors = library.AddDirectory(dir.path().toStdString());
-    ASSERT_EQ(errors.size(), 2u);
-    EXPECT_NE(errors[0].file.find("b_broken.json"), std::string::npos);
-    EXPECT_NE(errors[0].place.find("members[0]"), std::string::npos);
-    EXPECT_NE(errors[1].file.find("d_same_product.json"), std::string::npos);
-    ASSERT_EQ(library.Devices().size(), 2u);
-    EXPECT_EQ(library.FindByIds(1, 3)->parameters.size(), 2u);
-
-    LoadError error;
-    EXPECT_FALSE(library.Add(dir.filePath("missing.json").toStdString(), &error));
-    EXPECT_NE(error.file.find("missing.json"), std::string::npos);
-    EXPECT_EQ(library.Devices().size(), 2u);
-}
 
 } // namespace

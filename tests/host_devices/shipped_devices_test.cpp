@@ -217,25 +217,4 @@ TEST(InverterDevice, CategoriesSortSomeGroupsAndLeaveOthersAtTheTop) {
     EXPECT_LT(inCategory.size(), roots.size()); // some groups stand outside any category
 }
 
-TEST(DeviceLibrary, FindsShippedProductsByNumbersAndLabel) {
-    DeviceLibrary library;
-    std::vector<LoadError> errors =
-        library.AddDirectory(std::string(PARMIRA_SOURCE_DIR) + "/devices");
-    for (const LoadError& e : errors)
-        ADD_FAILURE() << e.ToString();
-    ASSERT_EQ(library.Devices().size(), 3u);
-    auto servo = library.FindByIds(13, 33);
-    ASSERT_TRUE(servo);
-    EXPECT_EQ(library.FindByIds(11, 282)->product.kind, ProductKind::MultiAxisServo);
-    EXPECT_EQ(library.FindByIds(13, 33, 1), nullptr);
-
-    // A label of the same type differs only outside the compared pairs.
-    std::vector<std::uint8_t> label = servo->product.electronicLabel;
-    label[7] ^= 0xFF;
-    EXPECT_EQ(library.FindByLabel(label.data(), label.size()), servo);
-    label[14] ^= 0x01;
-    EXPECT_EQ(library.FindByLabel(label.data(), label.size()), nullptr);
-    EXPECT_EQ(library.FindByLabel(label.data(), 6), nullptr);
-}
-
 } // namespace

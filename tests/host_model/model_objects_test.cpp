@@ -1,22 +1,16 @@
 // The object model as the module walks it: catalogs, groups, axes, value meanings,
 // connectors, functions, per-unit bases and the stored custom groups.
-#include "zorhost/device/DeviceGenerator.h"
-#include "zorhost/device/DeviceLoader.h"
 #include "zorhost/model/ProjectModel.h"
-#include "zorhost/services/HostProductDb.h"
 
 #include "ShippedDevices.h"
 #include "TextOf.h"
 
 #include <gtest/gtest.h>
 
-#include <QTemporaryDir>
-
 #include <string>
 #include <vector>
 
 using namespace zorhost::model;
-using zorhost::CHostProductDb;
 
 namespace {
 

@@ -1,6 +1,5 @@
 // The product database, the project's module state and stored custom groups, and the
 // message bus's delivery on the user-interface thread.
-#include "zorhost/device/DeviceGenerator.h"
 #include "zorhost/device/DeviceLoader.h"
 #include "zorhost/model/ProjectModel.h"
 #include "zorhost/services/HostMessageBus.h"

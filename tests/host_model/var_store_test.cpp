@@ -1,4 +1,3 @@
-#include "zorhost/device/DeviceLoader.h"
 #include "zorhost/model/VarStore.h"
 
 #include "ShippedDevices.h"

@@ -5,6 +5,8 @@
 // back once the drive does.
 #include "LinkFixture.h"
 
+#include <functional>
+
 #include "zorhost/services/HostDeviceHelper.h"
 
 #include <QCoreApplication>
