@@ -2,10 +2,8 @@
 // against the simulated drive.
 #include "recipe_fixture.h"
 
-#include "module/Implementation.h"
 #include "module/host/IVarAttr.h"
 #include "sets/OneKeyParseRecipeDialog.h"
-#include "sets/TranslateFailedDialog.h"
 
 #include <set>
 
@@ -20,27 +18,8 @@ std::vector<std::string> RowCodes(COneKeyParseRecipeDialog& dlg) {
 
 } // namespace
 
-// Opens the dialog the way the host does and lets `act` work inside it; the dialog is
-// closed afterwards unless `act` closed it.
-void RunRecipeDialog(const char* key, const std::function<void(COneKeyParseRecipeDialog&)>& act) {
-    int runs = 0;
-    CAfxModalDriver driver([&](CDialog& d) {
-        auto* recipe = dynamic_cast<COneKeyParseRecipeDialog*>(&d);
-        if (recipe == nullptr || runs++ > 0) {
-            d.EndDialog(IDCANCEL);
-            return;
-        }
-        act(*recipe);
-        if (recipe->GetSafeHwnd() != nullptr)
-            recipe->EndDialog(IDCANCEL);
-    });
-    CImplementation view(nullptr);
-    view.OpenRecipeDialog(key);
-    EXPECT_EQ(runs, 1);
-}
-
 TEST_F(RecipeTest, DialogListsEveryTransferableParameterOnceAndTheTreeNarrowsIt) {
-    RunRecipeDialog(kKey, [&](COneKeyParseRecipeDialog& dlg) {
+    RunRecipeDialog([&](COneKeyParseRecipeDialog& dlg) {
         EXPECT_EQ(dlg.GetWindowTextString(), "编辑配方");
         EXPECT_EQ(dlg.GetModule(), Module());
         HTREEITEM root = dlg.m_tree.GetRootItem();
