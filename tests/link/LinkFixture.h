@@ -1,11 +1,11 @@
 // A host whose one module reaches zordrive-sim over Modbus TCP.
 #pragma once
 
+#include "ShippedDevices.h"
 #include "SimProcess.h"
 
 #include "module/host/IMessage_ModuleUploadEvent.h"
 #include "zorhost/ReferenceHost.h"
-#include "zorhost/device/DeviceLoader.h"
 #include "zorhost/link/RegisterMap.h"
 #include "zorhost/services/ParamRecord.h"
 
@@ -63,9 +63,7 @@ protected:
     static constexpr const char* kKey = "SERVO";
 
     void SetUp() override {
-        device = zorhost::device::LoadDeviceFile(zorhost::device::DefaultDeviceDirectory() +
-                                                 "/zd3s_servo.json")
-                     .device;
+        device = LoadShippedDevice("zd3s_servo.json");
         ASSERT_NE(device, nullptr);
         sim = std::make_unique<SimProcess>(
             std::vector<std::string>{"--tcp", "127.0.0.1:0", "zd3s_servo.json"});
