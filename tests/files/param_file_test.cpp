@@ -2,6 +2,7 @@
 // broken input, and the atomic replace.
 #include "TextOf.h"
 #include "files_fixture.h"
+#include "module/ParmiraApp.h"
 #include "module/host/IGroupCategory.h"
 #include "module/host/IHostAxis.h"
 #include "module/host/IHostAxisList.h"
@@ -26,12 +27,7 @@ using namespace zorhost::files;
 
 namespace {
 
-class ParamFileTest : public ft::FilesTest {
-protected:
-    IParamFile* NewFile() {
-        return static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
-    }
-};
+using ParamFileTest = ft::FilesTest;
 
 TEST_F(ParamFileTest, SaveThenOpenGivesBackEveryValueLabelVersionAndGroup) {
     // One variable of each data type, with a value the type can only just hold.
@@ -43,7 +39,7 @@ TEST_F(ParamFileTest, SaveThenOpenGivesBackEveryValueLabelVersionAndGroup) {
         {VT_UI1, Variant::UI1(255)},         {VT_UI2, Variant::UI2(65535)},
         {VT_UI4, Variant::UI4(4294967295u)}, {VT_EMPTY, Variant()},
     };
-    IParamFile* file = NewFile();
+    IParamFile* file = theApp.CreateParamFile();
     ASSERT_NE(file, nullptr);
     const BYTE label[5] = {0x0D, 0x00, 0xFF, 0x10, 0x00};
     file->SetElecLabel(label, 5);
@@ -98,7 +94,7 @@ TEST_F(ParamFileTest, SaveThenOpenGivesBackEveryValueLabelVersionAndGroup) {
     const std::string path = Path("all.zorparam");
     ASSERT_TRUE(file->Save(CString(path)));
 
-    IParamFile* back = NewFile();
+    IParamFile* back = theApp.CreateParamFile();
     ASSERT_TRUE(back->Open(CString(path))) << static_cast<CParamFile*>(back)->LastError();
     ASSERT_EQ(back->GetElecLabelSize(), 5u);
     EXPECT_EQ(std::memcmp(back->GetElecLabel(), label, 5), 0);
@@ -154,7 +150,7 @@ TEST_F(ParamFileTest, ModuleCopyRoundTripsAndRemovalTakesVariablesAlong) {
     model::CDeviceModule* m = host.Module("ZD4M");
     ASSERT_NE(m, nullptr);
     m->Store().Var(7)->SetValue(Variant::I4(1234));
-    IParamFile* file = NewFile();
+    IParamFile* file = theApp.CreateParamFile();
     IParamFileTable* table = file->GetVarList();
     table->CopyFrom(m->GetVarList());
     ASSERT_EQ(table->GetCount(), m->GetVarList()->GetCount());
@@ -175,7 +171,7 @@ TEST_F(ParamFileTest, ModuleCopyRoundTripsAndRemovalTakesVariablesAlong) {
 
     const std::string path = Path("module.zorparam");
     ASSERT_TRUE(file->Save(CString(path)));
-    IParamFile* back = NewFile();
+    IParamFile* back = theApp.CreateParamFile();
     back->LoadContext(m);
     ASSERT_TRUE(back->Open(CString(path)));
     IParamFileTable* t = back->GetVarList();
@@ -197,7 +193,7 @@ TEST_F(ParamFileTest, ModuleCopyRoundTripsAndRemovalTakesVariablesAlong) {
 }
 
 TEST_F(ParamFileTest, BrokenFilesAreRefusedWithAReasonAndLeaveTheObjectAlone) {
-    IParamFile* file = NewFile();
+    IParamFile* file = theApp.CreateParamFile();
     file->GetVarList()->CopyFrom(host.Module("ZD3S")->GetVarList());
     const std::string path = Path("good.zorparam");
     ASSERT_TRUE(file->Save(CString(path)));
@@ -230,7 +226,7 @@ TEST_F(ParamFileTest, BrokenFilesAreRefusedWithAReasonAndLeaveTheObjectAlone) {
         {"trailing bytes", longer, "stray bytes"},
         {"count beyond the end", lying, "beyond the end"},
     };
-    IParamFile* target = NewFile();
+    IParamFile* target = theApp.CreateParamFile();
     target->SetVersionText("kept");
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -249,7 +245,7 @@ TEST_F(ParamFileTest, BrokenFilesAreRefusedWithAReasonAndLeaveTheObjectAlone) {
 }
 
 TEST_F(ParamFileTest, SaveReplacesAtomicallyKeepsModeAndWritesThroughLinks) {
-    IParamFile* file = NewFile();
+    IParamFile* file = theApp.CreateParamFile();
     file->GetVarList()->CopyFrom(host.Module("ZV5")->GetVarList());
     const std::string path = Path("kept.zorparam");
     Spit(path, "old contents");
