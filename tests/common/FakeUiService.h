@@ -42,7 +42,6 @@ public:
     std::map<CString, CString> translations; // a text not listed translates as itself
     bool makeTranslators = false;            // CreateWindowTranslator gives null unless set
 
-    std::vector<UINT> stringsAsked;
     int translatorsMade = 0;
     int translatorsAlive = 0;
     int retranslations = 0; // of all translators made
@@ -50,7 +49,6 @@ public:
     FakeWindowTranslator* lastTranslator = nullptr;
 
     BOOL GetString(CString& text, HINSTANCE module, UINT id, int) override {
-        stringsAsked.push_back(id);
         text.Empty();
         auto it = stringOverrides.find(id);
         if (it != stringOverrides.end()) {

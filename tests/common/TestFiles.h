@@ -12,3 +12,8 @@ inline std::string Slurp(const std::string& path) {
     all << in.rdbuf();
     return all.str();
 }
+
+// Writes `bytes` as the whole file.
+inline void Spit(const std::string& path, const std::string& bytes) {
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
+}

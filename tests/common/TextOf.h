@@ -9,9 +9,3 @@ template <class T, class I> CString TextOf(T* object, void (I::*get)(CString&)) 
     (object->*get)(text);
     return text;
 }
-
-template <class T, class I> CString TextOf(const T* object, void (I::*get)(CString&) const) {
-    CString text;
-    (object->*get)(text);
-    return text;
-}

@@ -17,8 +17,15 @@ namespace ft {
 
 class FilesTest : public ::testing::Test {
 protected:
-    void SetUp() override;
-    void TearDown() override;
+    void SetUp() override {
+        std::string error;
+        ASSERT_TRUE(host.LoadDemo(&error)) << error;
+        ASSERT_TRUE(dir.isValid());
+        module = host.Module("ZD3S");
+        ASSERT_NE(module, nullptr);
+        ModuleScope::Attach(host.Services());
+    }
+    void TearDown() override { host.ModuleManager().SetProgressObserver(nullptr); }
     std::string Path(const char* name) const { return dir.path().toStdString() + "/" + name; }
 
     zorhost::ReferenceHost host;

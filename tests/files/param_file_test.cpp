@@ -2,6 +2,7 @@
 // broken input, and the atomic replace.
 #include "TextOf.h"
 #include "files_fixture.h"
+#include "module/ParmiraApp.h"
 #include "module/host/IGroupCategory.h"
 #include "module/host/IHostAxis.h"
 #include "module/host/IHostAxisList.h"
@@ -17,7 +18,6 @@
 #include <zlib.h>
 
 #include <filesystem>
-#include <fstream>
 #include <sys/stat.h>
 #include <tuple>
 #include <unistd.h>
@@ -27,30 +27,11 @@ using namespace zorhost::files;
 
 namespace {
 
-void Spit(const std::string& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
-}
+using ParamFileTest = ft::FilesTest;
 
-size_t FilesIn(const std::string& dir) {
-    return size_t(std::distance(std::filesystem::directory_iterator(dir),
-                                std::filesystem::directory_iterator()));
-}
-
-class ParamFileTest : public ft::FilesTest {
-protected:
-    IParamFile* NewFile() {
-        return static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
-    }
-};
-
-// One variable of each data type, with a value the type can only just hold.
-struct TypedCase {
-    int type;
-    Variant value;
-};
-
-const std::vector<TypedCase>& TypedCases() {
-    static const std::vector<TypedCase> cases = {
+TEST_F(ParamFileTest, SaveThenOpenGivesBackEveryValueLabelVersionAndGroup) {
+    // One variable of each data type, with a value the type can only just hold.
+    const std::pair<int, Variant> typed[] = {
         {VT_I2, Variant::I2(-32768)},        {VT_I4, Variant::I4(-2147483647 - 1)},
         {VT_R4, Variant::R4(3.4028e38f)},    {VT_R8, Variant::R8(-1.0000000000000002)},
         {VT_DATE, Variant::Date(46000.5)},   {VT_BSTR, Variant::Str("中文, with a comma")},
@@ -58,11 +39,7 @@ const std::vector<TypedCase>& TypedCases() {
         {VT_UI1, Variant::UI1(255)},         {VT_UI2, Variant::UI2(65535)},
         {VT_UI4, Variant::UI4(4294967295u)}, {VT_EMPTY, Variant()},
     };
-    return cases;
-}
-
-TEST_F(ParamFileTest, SaveThenOpenGivesBackEveryValueLabelVersionAndGroup) {
-    IParamFile* file = NewFile();
+    IParamFile* file = theApp.CreateParamFile();
     ASSERT_NE(file, nullptr);
     const BYTE label[5] = {0x0D, 0x00, 0xFF, 0x10, 0x00};
     file->SetElecLabel(label, 5);
@@ -71,15 +48,15 @@ TEST_F(ParamFileTest, SaveThenOpenGivesBackEveryValueLabelVersionAndGroup) {
     IParamFileTable* table = file->GetVarList();
     table->SetVersionText("V3.01-table");
     auto& own = static_cast<CParamFileTable&>(*table);
-    for (size_t i = 0; i < TypedCases().size(); ++i) {
-        const TypedCase& c = TypedCases()[i];
+    for (size_t i = 0; i < std::size(typed); ++i) {
+        const auto& [type, value] = typed[i];
         AttrFields f;
         f.code = CString("P" + std::to_string(i));
         f.name = "名称,x";
         f.address = UINT(0x1000 + i);
-        f.dataType = c.type;
+        f.dataType = type;
         f.decimals = int(i % 3);
-        f.factoryValue = c.value;
+        f.factoryValue = value;
         f.minValue = Variant::Str("P0"); // a linked limit
         f.minLinked = 1;
         f.modifyMode = int(i % 4);
@@ -90,8 +67,8 @@ TEST_F(ParamFileTest, SaveThenOpenGivesBackEveryValueLabelVersionAndGroup) {
         auto attr = std::make_unique<CFileVarAttr>(f, nullptr);
         auto var = std::make_unique<model::CVarObj>(attr.get(), nullptr);
         var->StoreRead(Variant::I4(int(i)));
-        var->SetValue(c.value);
-        var->SetSetValue(c.value);
+        var->SetValue(value);
+        var->SetSetValue(value);
         var->SetChecked(i % 2 ? 1 : 0);
         var->SetPerUnitMode(int(i) - 1);
         if (i == 4)
@@ -117,7 +94,7 @@ TEST_F(ParamFileTest, SaveThenOpenGivesBackEveryValueLabelVersionAndGroup) {
     const std::string path = Path("all.zorparam");
     ASSERT_TRUE(file->Save(CString(path)));
 
-    IParamFile* back = NewFile();
+    IParamFile* back = theApp.CreateParamFile();
     ASSERT_TRUE(back->Open(CString(path))) << static_cast<CParamFile*>(back)->LastError();
     ASSERT_EQ(back->GetElecLabelSize(), 5u);
     EXPECT_EQ(std::memcmp(back->GetElecLabel(), label, 5), 0);
@@ -126,7 +103,7 @@ TEST_F(ParamFileTest, SaveThenOpenGivesBackEveryValueLabelVersionAndGroup) {
     EXPECT_EQ(read.AccessLevel(), 2);
     IParamFileTable* t = back->GetVarList();
     EXPECT_EQ(TextOf(t, &IParamFileTable::GetVersionText), "V3.01-table");
-    ASSERT_EQ(t->GetCount(), int(TypedCases().size()));
+    ASSERT_EQ(t->GetCount(), int(std::size(typed)));
     // Everything a variable and its attribute hold, as one comparable value.
     auto whole = [](IVarObjEx* v) {
         CString key;
@@ -173,7 +150,7 @@ TEST_F(ParamFileTest, ModuleCopyRoundTripsAndRemovalTakesVariablesAlong) {
     model::CDeviceModule* m = host.Module("ZD4M");
     ASSERT_NE(m, nullptr);
     m->Store().Var(7)->SetValue(Variant::I4(1234));
-    IParamFile* file = NewFile();
+    IParamFile* file = theApp.CreateParamFile();
     IParamFileTable* table = file->GetVarList();
     table->CopyFrom(m->GetVarList());
     ASSERT_EQ(table->GetCount(), m->GetVarList()->GetCount());
@@ -194,7 +171,7 @@ TEST_F(ParamFileTest, ModuleCopyRoundTripsAndRemovalTakesVariablesAlong) {
 
     const std::string path = Path("module.zorparam");
     ASSERT_TRUE(file->Save(CString(path)));
-    IParamFile* back = NewFile();
+    IParamFile* back = theApp.CreateParamFile();
     back->LoadContext(m);
     ASSERT_TRUE(back->Open(CString(path)));
     IParamFileTable* t = back->GetVarList();
@@ -216,7 +193,7 @@ TEST_F(ParamFileTest, ModuleCopyRoundTripsAndRemovalTakesVariablesAlong) {
 }
 
 TEST_F(ParamFileTest, BrokenFilesAreRefusedWithAReasonAndLeaveTheObjectAlone) {
-    IParamFile* file = NewFile();
+    IParamFile* file = theApp.CreateParamFile();
     file->GetVarList()->CopyFrom(host.Module("ZD3S")->GetVarList());
     const std::string path = Path("good.zorparam");
     ASSERT_TRUE(file->Save(CString(path)));
@@ -249,7 +226,7 @@ TEST_F(ParamFileTest, BrokenFilesAreRefusedWithAReasonAndLeaveTheObjectAlone) {
         {"trailing bytes", longer, "stray bytes"},
         {"count beyond the end", lying, "beyond the end"},
     };
-    IParamFile* target = NewFile();
+    IParamFile* target = theApp.CreateParamFile();
     target->SetVersionText("kept");
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -268,7 +245,7 @@ TEST_F(ParamFileTest, BrokenFilesAreRefusedWithAReasonAndLeaveTheObjectAlone) {
 }
 
 TEST_F(ParamFileTest, SaveReplacesAtomicallyKeepsModeAndWritesThroughLinks) {
-    IParamFile* file = NewFile();
+    IParamFile* file = theApp.CreateParamFile();
     file->GetVarList()->CopyFrom(host.Module("ZV5")->GetVarList());
     const std::string path = Path("kept.zorparam");
     Spit(path, "old contents");
@@ -291,7 +268,7 @@ TEST_F(ParamFileTest, SaveReplacesAtomicallyKeepsModeAndWritesThroughLinks) {
         EXPECT_FALSE(file->Save(CString(locked + "/a.zorparam")));
         EXPECT_FALSE(static_cast<CParamFile*>(file)->LastError().empty());
         EXPECT_EQ(Slurp(locked + "/a.zorparam"), "old contents");
-        EXPECT_EQ(FilesIn(locked), 1u);
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(locked), {}), 1);
     }
     ::chmod(locked.c_str(), 0700);
     file->Release();

@@ -20,11 +20,24 @@ namespace ft {
 
 namespace {
 
-// Variables of our own making, held by a file table, with attributes the test controls.
+// Three variables of our own making, held by a file table, with attributes the test controls.
 class TableVars {
 public:
-    IVarObjEx* Add(const char* code, const char* name, int type, int decimals, Variant value,
-                   const char* unit = "", int modifyMode = 0, const char* key = nullptr) {
+    TableVars() {
+        Add("H02-00", "控制模式", VT_UI2, 0, Variant::UI2(1), "", 1);
+        Add("H02-02", "增益,速度", VT_I2, 2, Variant::I2(-1234), "Hz,x", 0, "A2.H02-02");
+        Add("H02-03", "名称", VT_R8, 1, Variant::R8(2.25), "", 3);
+    }
+    std::vector<IVarObjEx*> All() {
+        std::vector<IVarObjEx*> list;
+        for (int i = 0; i < m_table.GetCount(); ++i)
+            list.push_back(m_table.GetAt(i));
+        return list;
+    }
+
+private:
+    void Add(const char* code, const char* name, int type, int decimals, Variant value,
+             const char* unit, int modifyMode, const char* key = nullptr) {
         AttrFields f;
         f.code = code;
         f.name = name;
@@ -41,31 +54,13 @@ public:
         var->SetValue(value);
         if (key != nullptr)
             var->SetInstanceKey(key);
-        IVarObjEx* raw = var.get();
         m_table.Adopt(std::move(var), std::move(attr));
-        return raw;
     }
-    std::vector<IVarObjEx*> All() {
-        std::vector<IVarObjEx*> list;
-        for (int i = 0; i < m_table.GetCount(); ++i)
-            list.push_back(m_table.GetAt(i));
-        return list;
-    }
-    CParamFileTable& Table() { return m_table; }
-
-private:
     CParamFileTable m_table;
 };
 
-void Fill(TableVars& vars) {
-    vars.Add("H02-00", "控制模式", VT_UI2, 0, Variant::UI2(1), "", 1);
-    vars.Add("H02-02", "增益,速度", VT_I2, 2, Variant::I2(-1234), "Hz,x", 0, "A2.H02-02");
-    vars.Add("H02-03", "名称", VT_R8, 1, Variant::R8(2.25), "", 3);
-}
-
 TEST_F(FilesTest, ElevenColumnTableMatchesTheExpectedBytes) {
     TableVars vars;
-    Fill(vars);
     module->SetDisplayName("伺服,左");
     const SYSTEMTIME stamp{2026, 1, 0, 2, 3, 4, 5, 0};
     const std::string path = Path("g.csv");
@@ -93,7 +88,6 @@ TEST_F(FilesTest, ElevenColumnTableMatchesTheExpectedBytes) {
 // The list export: its bytes, the steps of its progress box, a cancel, and a failure.
 TEST_F(FilesTest, ListExportMatchesTheExpectedBytesAndStepsTheProgressBox) {
     TableVars vars;
-    Fill(vars);
     std::vector<IVarObjEx*> rows = vars.All();
     rows.insert(rows.begin() + 1, nullptr); // a null row gives no line but a step
     std::vector<std::string> seen;

@@ -1,6 +1,8 @@
 // Every reader of a file from outside refuses endless input (a path that leads to a device
 // such as /dev/zero) with a message, after reading no more than its ceiling.
 
+#include "ShippedDevices.h"
+
 #include "zorhost/device/DeviceLoader.h"
 #include "zorhost/files/BoundedRead.h"
 #include "zorhost/files/ParamFile.h"
@@ -61,8 +63,7 @@ TEST(BoundedRead, EveryReaderRefusesAnEndlessFile) {
     EXPECT_NE(file.LastError().find("larger than 256 MB; not a parameter file"), std::string::npos)
         << file.LastError();
 
-    model::CVarStore store(
-        device::LoadDeviceFile(device::DefaultDeviceDirectory() + "/zd4m_four_axis.json").device);
+    model::CVarStore store(LoadShippedDevice("zd4m_four_axis.json"));
     std::string why;
     EXPECT_FALSE(model::CVarDatabase(store).LoadFromFile(kEndless, &why));
     EXPECT_EQ(why, "/dev/zero: larger than 64 MB");

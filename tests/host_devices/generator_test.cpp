@@ -34,15 +34,13 @@ TEST(DeviceGenerator, LargeSingleAxisDeviceLoadsWithTheAskedSize) {
     EXPECT_EQ(d.FindByAddress(last.address), 19999u);
 }
 
-TEST(DeviceGenerator, CountsBeyondTwoDigitIndexesUseWiderGroups) {
-    LoadResult r = GenerateDevice(40000);
-    ASSERT_TRUE(r) << r.error.ToString();
-    EXPECT_EQ(r.device->parameters.size(), 40000u);
-    EXPECT_NE(r.device->FindByCode("H00-254"), kNoIndex);
-
-    // One in eight parameters is 32-bit and takes two addresses, so 65 536 no longer fit.
+// One in eight parameters is 32-bit and takes two addresses, so 65 536 no longer fit; counts
+// beyond two-digit indexes use wider groups.
+TEST(DeviceGenerator, CountsUpToTheAddressSpaceUseWiderGroups) {
     LoadResult full = GenerateDevice(58000);
     ASSERT_TRUE(full) << full.error.ToString();
+    EXPECT_EQ(full.device->parameters.size(), 58000u);
+    EXPECT_NE(full.device->FindByCode("H00-254"), kNoIndex);
     EXPECT_TRUE(GenerateDeviceJson(65536).empty());
     EXPECT_FALSE(GenerateDevice(0));
 }

@@ -2,6 +2,9 @@
 // links point at real parameters, packed-value tables fit their types.
 
 #include "ShippedDevices.h"
+#include "TextOf.h"
+
+#include "zorhost/model/VarStore.h"
 
 #include <gtest/gtest.h>
 
@@ -36,6 +39,10 @@ TEST_P(ShippedDevice, LabelCarriesTheProductNumbersAndAddressesFollowCodes) {
     EXPECT_EQ(label[4] * 256u + label[5], d->product.subProductId);
 
     ASSERT_FALSE(d->parameters.empty());
+    zorhost::model::CVarStore store(d);
+    ASSERT_EQ(store.GetCount(), int(d->parameters.size()));
+    EXPECT_EQ(TextOf(&store, &zorhost::model::CVarStore::GetVersionText).str(),
+              std::string(d->Text(d->product.versionText)));
     for (std::uint32_t i = 0; i < d->parameters.size(); ++i) {
         const ParameterDef& p = d->parameters[i];
         unsigned group = 0, index = 0;
@@ -45,6 +52,10 @@ TEST_P(ShippedDevice, LabelCarriesTheProductNumbersAndAddressesFollowCodes) {
         // Both indexes find the parameter again.
         EXPECT_EQ(d->FindByAddress(p.address), i);
         EXPECT_EQ(d->FindByCode(d->Code(p), p.axis), i) << d->Code(p);
+        // The host's store finds its variable by instance key and by address.
+        IVarObjEx* v = store.GetAt(int(i));
+        EXPECT_EQ(store.FindByCode(TextOf(v, &IVarObjEx::GetInstanceGuid)), v) << d->Code(p);
+        EXPECT_EQ(store.FindByAddress(p.address), v) << d->Code(p);
         EXPECT_FALSE(d->Text(p.name).empty()) << d->Code(p);
         EXPECT_FALSE(d->Text(p.nameEn).empty()) << d->Code(p);
         // A wide value fills further 16-bit registers, where no other parameter may sit.
@@ -204,27 +215,6 @@ TEST(InverterDevice, CategoriesSortSomeGroupsAndLeaveOthersAtTheTop) {
     for (std::uint32_t g : inCategory)
         EXPECT_TRUE(roots.count(g));
     EXPECT_LT(inCategory.size(), roots.size()); // some groups stand outside any category
-}
-
-TEST(DeviceLibrary, FindsShippedProductsByNumbersAndLabel) {
-    DeviceLibrary library;
-    std::vector<LoadError> errors =
-        library.AddDirectory(std::string(PARMIRA_SOURCE_DIR) + "/devices");
-    for (const LoadError& e : errors)
-        ADD_FAILURE() << e.ToString();
-    ASSERT_EQ(library.Devices().size(), 3u);
-    auto servo = library.FindByIds(13, 33);
-    ASSERT_TRUE(servo);
-    EXPECT_EQ(library.FindByIds(11, 282)->product.kind, ProductKind::MultiAxisServo);
-    EXPECT_EQ(library.FindByIds(13, 33, 1), nullptr);
-
-    // A label of the same type differs only outside the compared pairs.
-    std::vector<std::uint8_t> label = servo->product.electronicLabel;
-    label[7] ^= 0xFF;
-    EXPECT_EQ(library.FindByLabel(label.data(), label.size()), servo);
-    label[14] ^= 0x01;
-    EXPECT_EQ(library.FindByLabel(label.data(), label.size()), nullptr);
-    EXPECT_EQ(library.FindByLabel(label.data(), 6), nullptr);
 }
 
 } // namespace

@@ -1,12 +1,12 @@
 // The product database, the project's module state and stored custom groups, and the
 // message bus's delivery on the user-interface thread.
-#include "zorhost/device/DeviceGenerator.h"
 #include "zorhost/device/DeviceLoader.h"
 #include "zorhost/model/ProjectModel.h"
 #include "zorhost/services/HostMessageBus.h"
 #include "zorhost/services/HostProductDb.h"
 
 #include "ShippedDevices.h"
+#include "TestFiles.h"
 #include "TextOf.h"
 
 #include <afx/afxtest.h>
@@ -14,7 +14,6 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QThread>
 
@@ -69,9 +68,7 @@ TEST(HostProductDb, FindsProductsAndCatalogsByLabelAndVersion) {
 }
 
 TEST(HostProjectModel, SubNameAndPrimaryLabelComeFromTheDescription) {
-    QFile file(QString(PARMIRA_DEVICES_DIR) + "/zd3s_servo.json");
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const std::string json = file.readAll().toStdString();
+    const std::string json = Slurp(PARMIRA_DEVICES_DIR "/zd3s_servo.json");
     auto withProductKeys = [&](const std::string& keys) {
         std::string text = json;
         size_t at = text.find("\"product\": {");
@@ -151,11 +148,9 @@ TEST(HostProjectModel, CustomGroupsSurviveTheWorkspaceDatabase) {
     ASSERT_EQ(back->GetMemberCount(), 1);
 
     // A broken file is refused and leaves the groups as they were.
-    QFile broken(dir.filePath("broken.dat"));
-    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
-    broken.write("{\"format\": 1, \"groups\": [{\"description\": \"no name\"}]}");
-    broken.close();
-    EXPECT_FALSE(reader.LoadFromFile(CString(broken.fileName().toStdString()), &error));
+    const std::string broken = dir.filePath("broken.dat").toStdString();
+    Spit(broken, R"({"format": 1, "groups": [{"description": "no name"}]})");
+    EXPECT_FALSE(reader.LoadFromFile(CString(broken), &error));
     EXPECT_NE(error.find("broken.dat"), std::string::npos) << error;
     EXPECT_EQ(back->GetCount(), 1);
     EXPECT_FALSE(reader.LoadFromFile(CString(dir.filePath("missing").toStdString())));

@@ -1,4 +1,3 @@
-#include "zorhost/device/DeviceLoader.h"
 #include "zorhost/model/VarStore.h"
 
 #include "ShippedDevices.h"
@@ -6,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
 #include <string>
 
 using zorhost::model::CVarStore;
@@ -49,26 +47,6 @@ TEST(HostVarStore, VariablesCarryTheirOwnStateOverSharedAttributes) {
     attrCopy->SetAccessLevel(0);
     EXPECT_EQ(attr->GetAccessLevel(), 3);
     delete attrCopy;
-}
-
-TEST(HostVarStore, ShippedDevicesBuildStoresWhoseLookupsAgree) {
-    for (const char* file : {"zd3s_servo.json", "zd4m_four_axis.json", "zv5_inverter.json"}) {
-        auto dev = LoadShippedDevice(file);
-        ASSERT_TRUE(dev) << file;
-        CVarStore store(dev);
-        ASSERT_EQ(store.GetCount(), int(dev->parameters.size())) << file;
-        ASSERT_GT(store.GetCount(), 0);
-        EXPECT_EQ(TextOf(&store, &CVarStore::GetVersionText).str(),
-                  std::string(dev->Text(dev->product.versionText)));
-        for (int i = 0; i < store.GetCount(); ++i) {
-            IVarObjEx* v = store.GetAt(i);
-            ASSERT_NE(v, nullptr);
-            EXPECT_EQ(store.FindByAddress(v->GetInstanceAddress()), v) << file << " #" << i;
-            CString key;
-            v->GetInstanceGuid(key);
-            EXPECT_EQ(store.FindByCode(key), v) << file << " " << key.str();
-        }
-    }
 }
 
 // Raw integer figures are shown scaled by the decimals; a hexadecimal parameter without

@@ -45,7 +45,7 @@ inline void Submit(IHostRefreshService& refresh, const char* key, std::vector<IV
     refresh.SubmitQuery(q.get());
 }
 
-class DemoHost : public ::testing::Test {
+class DemoHost : public ::testing::Test, public IMessage_ModuleUploadEvent {
 protected:
     void SetUp() override {
         std::string error;
@@ -53,11 +53,10 @@ protected:
         // The ends of transfers are heard where the module hears them: on the bus.
         auto* bus = host.Services().Get<IHostMessageBus>();
         ASSERT_NE(bus, nullptr);
-        ASSERT_TRUE(bus->Subscribe(IMessage_ModuleUploadEvent::kIID, &sink));
+        ASSERT_TRUE(bus->Subscribe(IMessage_ModuleUploadEvent::kIID, this));
     }
     void TearDown() override {
-        host.Services().Get<IHostMessageBus>()->Unsubscribe(IMessage_ModuleUploadEvent::kIID,
-                                                            &sink);
+        host.Services().Get<IHostMessageBus>()->Unsubscribe(IMessage_ModuleUploadEvent::kIID, this);
     }
 
     const zorhost::device::ParameterDef& Param(const char* key, const char* code, int axis = -1) {
@@ -84,16 +83,12 @@ protected:
         bool download;
     };
     std::vector<End> ends;
-    struct Sink : IMessage_ModuleUploadEvent {
-        std::vector<End>& ends;
-        explicit Sink(std::vector<End>& e) : ends(e) {}
-        void OnModuleUploaded(const CString& key, BOOL success) override {
-            ends.push_back({key, success, false});
-        }
-        void OnModuleDownloaded(const CString& key, BOOL success) override {
-            ends.push_back({key, success, true});
-        }
-    } sink{ends};
+    void OnModuleUploaded(const CString& key, BOOL success) override {
+        ends.push_back({key, success, false});
+    }
+    void OnModuleDownloaded(const CString& key, BOOL success) override {
+        ends.push_back({key, success, true});
+    }
     zorhost::ReferenceHost host;
 };
 

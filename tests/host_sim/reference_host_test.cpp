@@ -31,6 +31,20 @@ TEST_F(DemoHost, DemoProjectAndTheServicesThroughTheCallback) {
         EXPECT_EQ(m->GetAxisIndex(), i + 1);
         EXPECT_FALSE(TextOf(m, &IHostDeviceModule::GetDisplayName).IsEmpty());
     }
+    EXPECT_EQ(list->GetModuleAt(3), nullptr);
+    IHostDeviceModule* four = list->FindModuleByNumber(2);
+    ASSERT_NE(four, nullptr);
+    EXPECT_EQ(list->FindModule("ZD4M"), four);
+    EXPECT_EQ(list->FindModule("zd4m"), nullptr) << "keys match exactly";
+    EXPECT_EQ(four->GetProductInfo()->GetProductKind(), 5);
+    EXPECT_GT(four->GetAxisCopyCount(), 0);
+    EXPECT_EQ(four->GetVarList()->FindByAddress(0x4229)->GetOwnerModule(), four);
+    EXPECT_EQ(four->GetVarList()->GetOwnerModule(), four);
+    IHostDeviceModule* inverter = list->GetModuleAt(2);
+    EXPECT_EQ(inverter->GetProductInfo()->GetProductKind(), 1);
+    EXPECT_EQ(inverter->GetAxisCopyCount(), 0);
+    four->SetAccessLevel(2);
+    EXPECT_EQ(inverter->GetAccessLevel(), 0) << "levels are per module";
     EXPECT_EQ(Ask<IHostRefreshService>(host), &host.Refresh());
     EXPECT_EQ(Ask<IHostDeviceHelper>(host), &host.DeviceHelper());
     EXPECT_EQ(Ask<IHostTransferService>(host), &host.Transfer());
@@ -102,11 +116,15 @@ TEST(ReferenceHostProject, BrokenProjectsAreRefusedWhole) {
     EXPECT_EQ(host.Project(), nullptr);
     EXPECT_TRUE(host.ModuleKeys().empty());
 
+    // A key or a number is taken once.
     setup = zorhost::ReferenceHost::DemoProject();
     setup.modules[2].key = "ZD3S";
     EXPECT_FALSE(host.LoadProject(setup, &error));
     EXPECT_NE(error.find("ZD3S"), std::string::npos) << error;
     EXPECT_EQ(host.Drive("ZD3S"), nullptr);
+    setup = zorhost::ReferenceHost::DemoProject();
+    setup.modules[2].number = 1;
+    EXPECT_FALSE(host.LoadProject(setup, &error));
 
     // Two modules of one product share its description but not their drives.
     setup = zorhost::ReferenceHost::DemoProject();

@@ -8,76 +8,46 @@
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
+#include <QProcess>
+
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <random>
-#include <spawn.h>
-#include <sstream>
 #include <string>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
-extern char** environ;
-
 namespace {
 
-// The server process of save_loop, spoken to through two pipes.
+// The server process of save_loop, spoken to through its standard input and output.
 class SaveServer {
 public:
     SaveServer(const std::string& kind, const std::string& dir, const std::string& name) {
-        int in[2], out[2];
-        if (::pipe(in) != 0 || ::pipe(out) != 0)
-            return;
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_adddup2(&actions, in[0], 0);
-        posix_spawn_file_actions_adddup2(&actions, out[1], 1);
-        posix_spawn_file_actions_addclose(&actions, in[1]);
-        posix_spawn_file_actions_addclose(&actions, out[0]);
-        const std::string rows = "3000";
-        const char* args[] = {SAVE_LOOP,    kind.c_str(), dir.c_str(),
-                              name.c_str(), rows.c_str(), nullptr};
-        if (posix_spawn(&m_pid, SAVE_LOOP, &actions, nullptr, const_cast<char**>(args), environ) !=
-            0)
-            m_pid = -1;
-        posix_spawn_file_actions_destroy(&actions);
-        ::close(in[0]);
-        ::close(out[1]);
-        m_to = ::fdopen(in[1], "w");
-        m_from = ::fdopen(out[0], "r");
+        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_process.start(SAVE_LOOP, {QString::fromStdString(kind), QString::fromStdString(dir),
+                                    QString::fromStdString(name), "3000"});
     }
     ~SaveServer() {
-        if (m_to != nullptr)
-            std::fclose(m_to);
-        if (m_from != nullptr)
-            std::fclose(m_from);
-        if (m_pid > 0)
-            ::waitpid(m_pid, nullptr, 0);
+        m_process.closeWriteChannel(); // the end of its input ends it
+        m_process.waitForFinished();
     }
     std::string Line() {
-        char line[64] = {};
-        if (m_from == nullptr || std::fgets(line, sizeof line, m_from) == nullptr)
-            return {};
-        return line;
+        while (!m_process.canReadLine())
+            if (!m_process.waitForReadyRead(60000))
+                return {};
+        return m_process.readLine().toStdString();
     }
     // Starts a saver; its pid, or 0.
     pid_t Start() {
-        std::fputc('g', m_to);
-        std::fflush(m_to);
+        m_process.write("g");
         int pid = 0;
         return std::sscanf(Line().c_str(), "pid %d", &pid) == 1 ? pid_t(pid) : 0;
     }
 
 private:
-    pid_t m_pid = -1;
-    FILE* m_to = nullptr;
-    FILE* m_from = nullptr;
+    QProcess m_process;
 };
 
 int CountTemporaries(const std::string& dir, const std::string& name) {

@@ -1,21 +1,18 @@
 // A host whose one module reaches zordrive-sim over Modbus TCP.
 #pragma once
 
+#include "ShippedDevices.h"
 #include "SimProcess.h"
 
 #include "module/host/IMessage_ModuleUploadEvent.h"
 #include "zorhost/ReferenceHost.h"
-#include "zorhost/device/DeviceLoader.h"
 #include "zorhost/link/RegisterMap.h"
 #include "zorhost/services/ParamRecord.h"
 
 #include <afx/afxtest.h>
 
-#include <QElapsedTimer>
-
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 
 namespace linktest {
@@ -66,10 +63,11 @@ protected:
     static constexpr const char* kKey = "SERVO";
 
     void SetUp() override {
+        device = LoadShippedDevice("zd3s_servo.json");
+        ASSERT_NE(device, nullptr);
         sim = std::make_unique<SimProcess>(
             std::vector<std::string>{"--tcp", "127.0.0.1:0", "zd3s_servo.json"});
         ASSERT_TRUE(sim->Started()) << "zordrive-sim did not start";
-        Address("H00-00"); // loads the description
         std::string error;
         ASSERT_TRUE(host.LoadProject(TcpProject(kKey, sim->Port()), &error)) << error;
         host.Services().Get<IHostMessageBus>()->Subscribe(IMessage_ModuleUploadEvent::kIID, this);
@@ -81,10 +79,6 @@ protected:
     void OnModuleDownloaded(const CString&, BOOL success) override { downloads.push_back(success); }
 
     std::uint32_t Address(const char* code) {
-        if (!device)
-            device = zorhost::device::LoadDeviceFile(zorhost::device::DefaultDeviceDirectory() +
-                                                     "/zd3s_servo.json")
-                         .device;
         return device->parameters[device->FindByCode(code)].address;
     }
 

@@ -2,6 +2,8 @@
 // where it listens, and always stopped (killed at the latest when the object goes).
 #pragma once
 
+#include <QProcess>
+
 #include <string>
 #include <vector>
 
@@ -12,8 +14,6 @@ public:
     // Starts `zordrive-sim --control-stdin args...` and waits for its first line.
     explicit SimProcess(const std::vector<std::string>& args);
     ~SimProcess();
-    SimProcess(const SimProcess&) = delete;
-    SimProcess& operator=(const SimProcess&) = delete;
 
     bool Started() const { return !m_firstLine.empty(); }
     const std::string& FirstLine() const { return m_firstLine; }
@@ -26,10 +26,9 @@ public:
     void Kill();
 
 private:
-    std::string ReadLine(int timeout_ms);
-    int m_pid = -1;
-    int m_in = -1, m_out = -1;
-    std::string m_buffer, m_firstLine;
+    std::string ReadLine();
+    QProcess m_process;
+    std::string m_firstLine;
 };
 
 // Runs a command line, returns its standard output; gives up after `timeout_ms`.

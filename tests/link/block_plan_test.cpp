@@ -1,4 +1,4 @@
-#include "zorhost/device/DeviceLoader.h"
+#include "ShippedDevices.h"
 #include "zorhost/link/BlockPlan.h"
 #include "zorhost/link/RegisterMap.h"
 
@@ -44,10 +44,9 @@ TEST(BlockPlan, NeighboursShareARequestUpToTheLimit) {
 // A product that sends the high word first has the words of each multi-register value
 // turned on the wire, and only those.
 TEST(RegisterMap, HighWordFirstTurnsOnlyMultiRegisterValues) {
-    auto loaded = zorhost::device::LoadDeviceFile(zorhost::device::DefaultDeviceDirectory() +
-                                                  "/zd3s_servo.json");
-    ASSERT_TRUE(loaded) << loaded.error.ToString();
-    auto device = std::make_shared<zorhost::device::DeviceDescription>(*loaded.device);
+    auto loaded = LoadShippedDevice("zd3s_servo.json");
+    ASSERT_NE(loaded, nullptr);
+    auto device = std::make_shared<zorhost::device::DeviceDescription>(*loaded);
     // H05-22 (u16), H05-23 (u32, two registers), H05-25 (u16).
     const std::uint32_t a = device->parameters[device->FindByCode("H05-22")].address;
     std::uint16_t words[4] = {1, 2, 3, 4};

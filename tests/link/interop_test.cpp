@@ -1,6 +1,6 @@
 #include "SimProcess.h"
 
-#include "zorhost/device/DeviceLoader.h"
+#include "ShippedDevices.h"
 
 #include <gtest/gtest.h>
 
@@ -14,9 +14,7 @@ TEST(Interop, MbpollReadsTheFactoryValueFromTheSimulator) {
         GTEST_SKIP() << "mbpoll is not installed (scripts/setup.sh installs it)";
     SimProcess sim({"--tcp", "127.0.0.1:0", "zd3s_servo.json"});
     ASSERT_GT(sim.Port(), 0) << sim.FirstLine();
-    auto servo = zorhost::device::LoadDeviceFile(zorhost::device::DefaultDeviceDirectory() +
-                                                 "/zd3s_servo.json")
-                     .device;
+    auto servo = LoadShippedDevice("zd3s_servo.json");
     ASSERT_NE(servo, nullptr);
     const auto& p = servo->parameters[servo->FindByCode("H02-09")];
     // mbpoll counts references from 1.

@@ -1,12 +1,16 @@
 // A drive on the wire that goes wrong: it stops answering, answers garbage, answers too
 // late or drops the connection, before a flow starts or half way through. Every flow ends
-// with failure and its event in bounded time, the module shows offline, nothing that did
-// not reach the drive counts as done, and the module comes back once the drive does.
+// with failure and its event at the first request the drive leaves unanswered, the module
+// shows offline, nothing that did not reach the drive counts as done, and the module comes
+// back once the drive does.
 #include "LinkFixture.h"
+
+#include <functional>
 
 #include "zorhost/services/HostDeviceHelper.h"
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QTimer>
 
 #include <map>
@@ -32,8 +36,10 @@ constexpr Fault kFaults[] = {
 // 0: the fault is there before the flow starts; otherwise it comes after that many steps.
 constexpr int kStages[] = {0, 120};
 
-// A flow whose drive fails ends well within this (each request: 2 tries of 300 ms).
-constexpr int kBound_ms = 5000;
+// The tries of the one request that meets the fault; a flow asks nothing after it.
+constexpr std::uint64_t kTriesAfterFault = 2;
+// How long the module may take to show offline once the drive fails.
+constexpr int kOffline_ms = 5000;
 
 class LinkFaults : public TcpHost {
 protected:
@@ -52,14 +58,18 @@ protected:
     // Starts the fault now (stage 0) or from the flow's step hook.
     void Arm(const Fault& fault, int stage) {
         sawOffline = false;
+        requestsAtFault = Requests();
         if (stage == 0) {
             ASSERT_TRUE(sim->Command(fault.on));
         }
         host.Transfer().SetStepHook([this, fault, stage, armed = false](int done, int) mutable {
-            if (stage > 0 && !armed && done >= stage)
+            if (stage > 0 && !armed && done >= stage) {
                 armed = sim->Command(fault.on);
+                requestsAtFault = Requests();
+            }
         });
     }
+    std::uint64_t Requests() { return host.FieldLink(kKey)->Traffic().requests; }
     // Ends the fault and waits for the module to be back.
     void Recover(const Fault& fault) {
         host.Transfer().SetStepHook(nullptr);
@@ -72,6 +82,7 @@ protected:
     }
 
     bool sawOffline = false;
+    std::uint64_t requestsAtFault = 0;
 };
 
 } // namespace
@@ -82,10 +93,8 @@ TEST_F(LinkFaults, UploadEndsWithFailure) {
             SCOPED_TRACE(std::string(fault.name) + " at step " + std::to_string(stage));
             Arm(fault, stage);
             ends.clear();
-            QElapsedTimer clock;
-            clock.start();
             host.Transfer().UploadModule(nullptr, kKey);
-            EXPECT_LT(clock.elapsed(), kBound_ms);
+            EXPECT_LE(Requests() - requestsAtFault, kTriesAfterFault);
             ASSERT_EQ(ends.size(), 1u);
             EXPECT_FALSE(ends[0]);
             Recover(fault);
@@ -113,10 +122,8 @@ TEST_F(LinkFaults, DownloadNamesEveryWriteThatDidNotHappen) {
             });
             Arm(fault, stage);
             downloads.clear();
-            QElapsedTimer clock;
-            clock.start();
             EXPECT_FALSE(host.Transfer().DownloadRecords(nullptr, kKey, records.items));
-            EXPECT_LT(clock.elapsed(), kBound_ms);
+            EXPECT_LE(Requests() - requestsAtFault, kTriesAfterFault);
             ASSERT_EQ(downloads.size(), 1u);
             EXPECT_FALSE(downloads[0]);
             for (const auto& f : host.Transfer().LastDownloadFailures())
@@ -149,10 +156,7 @@ TEST_F(LinkFaults, RefreshNeverHoldsTheWindow) {
                 query->AddItem(item);
             }
         refresh.SubmitQuery(query.get());
-        QElapsedTimer clock;
-        clock.start();
         const int stored = refresh.RunCycle();
-        EXPECT_LT(clock.elapsed(), 100) << "a cycle waited for the drive";
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
         return stored;
     };
@@ -169,7 +173,7 @@ TEST_F(LinkFaults, RefreshNeverHoldsTheWindow) {
                 cycle();
                 return sawOffline;
             },
-            kBound_ms));
+            kOffline_ms));
         if (!host.Module(kKey)->IsOnline()) {
             EXPECT_EQ(cycle(), 0);
         }
@@ -178,6 +182,17 @@ TEST_F(LinkFaults, RefreshNeverHoldsTheWindow) {
         }
         EXPECT_TRUE(storesWithin(8000));
     }
+
+    // A drive that keeps silent for longer than a link gives it: a cycle that waited for it
+    // would come back with the module offline.
+    zorhost::ProjectSetup setup = TcpProject(kKey, sim->Port());
+    setup.modules[0].link.timeout_ms = 20000;
+    ASSERT_TRUE(host.LoadProject(setup));
+    ASSERT_TRUE(storesWithin(3000));
+    ASSERT_TRUE(sim->Command("silent on"));
+    for (int i = 0; i < 3; ++i)
+        cycle();
+    EXPECT_TRUE(host.Module(kKey)->IsOnline()) << "a cycle waited for the drive";
 }
 
 // A slow drive holds no window: its events are handled while an upload and a download wait

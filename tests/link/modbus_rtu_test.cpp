@@ -1,6 +1,6 @@
 #include "SimProcess.h"
 
-#include "zorhost/device/DeviceLoader.h"
+#include "ShippedDevices.h"
 #include "zorhost/link/ModbusLink.h"
 
 #include <gtest/gtest.h>
@@ -12,8 +12,7 @@ using namespace zorhost;
 TEST(ModbusRtu, ReadsAndWritesAParameterOverAPseudoTerminal) {
     SimProcess sim({"--rtu", "pty", "zd3s_servo.json", "zv5_inverter.json"});
     ASSERT_FALSE(sim.Path().empty()) << sim.FirstLine();
-    auto inverter =
-        device::LoadDeviceFile(device::DefaultDeviceDirectory() + "/zv5_inverter.json").device;
+    auto inverter = LoadShippedDevice("zv5_inverter.json");
     ASSERT_NE(inverter, nullptr);
     link::LinkSettings s;
     s.kind = link::LinkKind::ModbusRtu;

@@ -1,6 +1,5 @@
 #include "LinkFixture.h"
 
-#include "module/host/IVarAttr.h"
 #include "zorhost/services/HostDeviceHelper.h"
 
 using namespace linktest;

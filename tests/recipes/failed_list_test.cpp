@@ -18,7 +18,7 @@ std::vector<std::vector<std::string>> Cells(const std::vector<IVarObjEx*>* vars,
     dlg.SetFailedVars(vars);
     CAfxModalDriver driver([&](CDialog& d) {
         auto& failed = static_cast<CTranslateFailedDialog&>(d);
-        EXPECT_EQ(TextOf(&d, &CWnd::GetWindowText), "读写失败信息");
+        EXPECT_EQ(d.GetWindowTextString(), "读写失败信息");
         if (columns != nullptr)
             *columns = failed.m_list.GetHeaderCtrl()->GetItemCount();
         if (count != nullptr)

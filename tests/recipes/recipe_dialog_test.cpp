@@ -1,12 +1,9 @@
 // The recipe dialog as the host opens it: tree, rows, and the backup and restore jobs
 // against the simulated drive.
-#include "TextOf.h"
 #include "recipe_fixture.h"
 
-#include "module/Implementation.h"
 #include "module/host/IVarAttr.h"
 #include "sets/OneKeyParseRecipeDialog.h"
-#include "sets/TranslateFailedDialog.h"
 
 #include <set>
 
@@ -21,28 +18,9 @@ std::vector<std::string> RowCodes(COneKeyParseRecipeDialog& dlg) {
 
 } // namespace
 
-// Opens the dialog the way the host does and lets `act` work inside it; the dialog is
-// closed afterwards unless `act` closed it.
-void RunRecipeDialog(const char* key, const std::function<void(COneKeyParseRecipeDialog&)>& act) {
-    int runs = 0;
-    CAfxModalDriver driver([&](CDialog& d) {
-        auto* recipe = dynamic_cast<COneKeyParseRecipeDialog*>(&d);
-        if (recipe == nullptr || runs++ > 0) {
-            d.EndDialog(IDCANCEL);
-            return;
-        }
-        act(*recipe);
-        if (recipe->GetSafeHwnd() != nullptr)
-            recipe->EndDialog(IDCANCEL);
-    });
-    CImplementation view(nullptr);
-    view.OpenRecipeDialog(key);
-    EXPECT_EQ(runs, 1);
-}
-
 TEST_F(RecipeTest, DialogListsEveryTransferableParameterOnceAndTheTreeNarrowsIt) {
-    RunRecipeDialog(kKey, [&](COneKeyParseRecipeDialog& dlg) {
-        EXPECT_EQ(TextOf(&dlg, &CWnd::GetWindowText), "编辑配方");
+    RunRecipeDialog([&](COneKeyParseRecipeDialog& dlg) {
+        EXPECT_EQ(dlg.GetWindowTextString(), "编辑配方");
         EXPECT_EQ(dlg.GetModule(), Module());
         HTREEITEM root = dlg.m_tree.GetRootItem();
         EXPECT_EQ(dlg.m_tree.GetItemText(root), "所有参数");

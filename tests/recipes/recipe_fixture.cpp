@@ -1,8 +1,11 @@
 #include "recipe_fixture.h"
 
+#include "module/Implementation.h"
 #include "module/ParmiraApp.h"
 #include "module/host/IHostDeviceModule.h"
 #include "module/host/IVarStore.h"
+#include "sets/OneKeyParseRecipeDialog.h"
+#include "sets/TranslateFailedDialog.h"
 
 namespace {
 
@@ -37,8 +40,30 @@ UINT RecipeTest::Address(const char* code) {
     return var != nullptr ? var->GetInstanceAddress() : 0;
 }
 
-double RecipeTest::Peek(const char* code) {
-    double raw = -1;
-    EXPECT_TRUE(Drive().PeekRaw(Address(code), raw)) << code;
-    return raw;
+void RecipeTest::RunRecipeDialog(const std::function<void(COneKeyParseRecipeDialog&)>& act,
+                                 std::vector<std::vector<std::string>>* failed) {
+    int runs = 0;
+    CAfxModalDriver driver([&](CDialog& d) {
+        if (auto* list = dynamic_cast<CTranslateFailedDialog*>(&d)) {
+            ShootIfAsked(&d, "recipe_failed_list.png");
+            if (failed != nullptr) {
+                failed->emplace_back();
+                for (int r = 0; r < list->m_list.GetItemCount(); ++r)
+                    failed->back().push_back(list->GetCellText(r, 1).str());
+            }
+            d.EndDialog(IDOK);
+            return;
+        }
+        auto* recipe = dynamic_cast<COneKeyParseRecipeDialog*>(&d);
+        if (recipe == nullptr || runs++ > 0) {
+            d.EndDialog(IDCANCEL);
+            return;
+        }
+        act(*recipe);
+        if (recipe->GetSafeHwnd() != nullptr)
+            recipe->EndDialog(IDCANCEL);
+    });
+    CImplementation view(nullptr);
+    view.OpenRecipeDialog(kKey);
+    EXPECT_EQ(runs, 1);
 }

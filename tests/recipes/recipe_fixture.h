@@ -12,7 +12,11 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
+#include <vector>
+
+class COneKeyParseRecipeDialog;
 
 class RecipeTest : public ::testing::Test {
 protected:
@@ -25,7 +29,11 @@ protected:
     zorhost::sim::SimulatedDrive& Drive() { return *host.Drive(kKey); }
     IVarObjEx* Var(const char* code);
     UINT Address(const char* code);
-    double Peek(const char* code);
+    // Opens the recipe dialog the way the host does and lets `act` work inside it; the
+    // dialog is closed afterwards unless `act` closed it. Failure lists opened on the way
+    // are read into `failed` (codes, in order) and closed.
+    void RunRecipeDialog(const std::function<void(COneKeyParseRecipeDialog&)>& act,
+                         std::vector<std::vector<std::string>>* failed = nullptr);
 
     zorhost::ReferenceHost host;
     TempDir temp; // the test's own folder

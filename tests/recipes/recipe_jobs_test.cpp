@@ -10,13 +10,6 @@
 #include "module/host/IParamFileTable.h"
 #include "module/host/IVarAttr.h"
 #include "sets/OneKeyParseRecipeDialog.h"
-#include "sets/TranslateFailedDialog.h"
-
-#include <QApplication>
-#include <QPainter>
-#include <QPixmap>
-#include <QProgressDialog>
-#include <QWidget>
 
 #include <filesystem>
 #include <map>
@@ -30,48 +23,6 @@ using zorhost::sim::FailureMode;
 namespace {
 
 constexpr UINT kFactoryCodeAddress = 0x229;
-
-// Runs the recipe dialog on `module`; `act` works inside it. Failure lists opened on the
-// way are read into `failed` (codes, in order) and closed.
-void RunRecipe(IHostDeviceModule* module, const std::function<void(COneKeyParseRecipeDialog&)>& act,
-               std::vector<std::vector<std::string>>* failed = nullptr) {
-    COneKeyParseRecipeDialog dlg;
-    dlg.SetModule(module);
-    CAfxModalDriver driver([&](CDialog& d) {
-        if (auto* list = dynamic_cast<CTranslateFailedDialog*>(&d)) {
-            ShootIfAsked(&d, "recipe_failed_list.png");
-            if (failed != nullptr) {
-                failed->emplace_back();
-                for (int r = 0; r < list->m_list.GetItemCount(); ++r)
-                    failed->back().push_back(list->GetCellText(r, 1).str());
-            }
-            d.EndDialog(IDOK);
-            return;
-        }
-        act(static_cast<COneKeyParseRecipeDialog&>(d));
-        d.EndDialog(IDCANCEL);
-    });
-    dlg.DoModal();
-}
-
-// A picture of the recipe dialog with the host's progress box over it, when asked for
-// (PARMIRA_SCREENSHOT_DIR).
-void GrabWithBox(zorhost::CHostProgressBox& box, const char* name) {
-    const char* dir = std::getenv("PARMIRA_SCREENSHOT_DIR");
-    if (dir == nullptr || box.Dialog() == nullptr)
-        return;
-    for (QWidget* w : QApplication::topLevelWidgets()) {
-        if (!w->isVisible() || w->windowTitle() != QString::fromUtf8("编辑配方"))
-            continue;
-        QPixmap picture = w->grab();
-        const QPixmap over = box.Dialog()->grab();
-        QPainter painter(&picture);
-        painter.drawPixmap((picture.width() - over.width()) / 2,
-                           (picture.height() - over.height()) / 2, over);
-        painter.end();
-        picture.save(QString::fromStdString(std::string(dir) + "/" + name));
-    }
-}
 
 void WaitForJob(COneKeyParseRecipeDialog& dlg) {
     EXPECT_TRUE(AfxPumpMessagesUntil([&] { return !dlg.IsWorkerRunning(); }, 30000));
@@ -132,7 +83,7 @@ protected:
     std::string Backup(const std::string& path) {
         prompts.ChooseFiles({CString(path.c_str())});
         std::string message;
-        RunRecipe(Module(), [&](COneKeyParseRecipeDialog& dlg) {
+        RunRecipeDialog([&](COneKeyParseRecipeDialog& dlg) {
             dlg.OnBackup();
             WaitForJob(dlg);
             message = LastMessage();
@@ -143,8 +94,7 @@ protected:
     std::vector<std::vector<std::string>> RestoreLists(const std::string& path) {
         prompts.ChooseFiles({CString(path.c_str())});
         std::vector<std::vector<std::string>> failed;
-        RunRecipe(
-            Module(),
+        RunRecipeDialog(
             [&](COneKeyParseRecipeDialog& dlg) {
                 dlg.OnRestore();
                 WaitForJob(dlg);
@@ -250,7 +200,7 @@ TEST_F(RecipeJobTest, ClosingDuringABackupStopsTheWorkerCleanly) {
     const std::string dir = temp.Path();
     prompts.ChooseFiles({CString((dir + "/c.zorparam").c_str())});
     const std::uint64_t before = Drive().RequestCount();
-    RunRecipe(Module(), [&](COneKeyParseRecipeDialog& dlg) {
+    RunRecipeDialog([&](COneKeyParseRecipeDialog& dlg) {
         dlg.OnBackup();
         ASSERT_TRUE(dlg.IsWorkerRunning());
         AfxPumpMessagesUntil([&] { return Drive().RequestCount() > before + 5; }, 5000);
@@ -280,8 +230,6 @@ TEST_F(RecipeJobTest, CancelInTheProgressBoxStopsTheJobPromptly) {
         [&](zorhost::CHostProgressBox& box, zorhost::CHostProgressBox::Event event) {
             if (event == zorhost::CHostProgressBox::Event::Shown) {
                 texts.push_back(box.Text().str());
-                if (texts.size() == 1)
-                    GrabWithBox(box, "recipe_backup_progress.png");
                 box.Cancel();
             }
             if (event == zorhost::CHostProgressBox::Event::Hidden)
@@ -350,8 +298,7 @@ TEST_F(RecipeJobTest, RecipeOfAnotherSeriesAsksFirst) {
         prompts.ChooseFiles({CString(path.c_str())});
         Drive().TakeRequests();
         std::vector<std::vector<std::string>> failed;
-        RunRecipe(
-            Module(),
+        RunRecipeDialog(
             [&](COneKeyParseRecipeDialog& dlg) {
                 dlg.OnRestore();
                 const AfxPrompt* q = prompts.Last(AfxPrompt::MessageBox);

@@ -1,6 +1,7 @@
 // zordrivebench --compare run as a script runs it: the rows as CSV and diff's exit codes.
+#include "TestFiles.h"
+
 #include <QDir>
-#include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -47,9 +48,7 @@ TEST(CompareCommand, PrintsTheRowsAsCsvAndExitsAsDiffDoes) {
     const Outcome factory = Program({"--compare", "ZD3S", "ZD3S:factory", "--same", "--out", out});
     EXPECT_EQ(factory.code, 1) << factory.err.toStdString();
     EXPECT_TRUE(factory.out.isEmpty());
-    QFile file(out);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QList<QByteArray> rows = file.readAll().split('\n');
+    const QList<QByteArray> rows = QByteArray::fromStdString(Slurp(out.toStdString())).split('\n');
     ASSERT_GT(rows.size(), 100);
     EXPECT_TRUE(rows[2].startsWith("1,H00-00,"));
 
@@ -57,16 +56,11 @@ TEST(CompareCommand, PrintsTheRowsAsCsvAndExitsAsDiffDoes) {
     // file still finds its parameter.
     const QString table = QDir(dir.path()).filePath(QStringLiteral("zd3s.csv"));
     ASSERT_EQ(Program({"--export", "ZD3S", table}).code, 0);
-    QFile csv(table);
-    ASSERT_TRUE(csv.open(QIODevice::ReadOnly));
-    QByteArray bytes = csv.readAll();
-    csv.close();
-    const QByteArray row = QStringLiteral("\nH06-04,速度指令键盘设定值,200,").toUtf8();
-    ASSERT_TRUE(bytes.contains(row));
-    bytes.replace(row, QStringLiteral("\nX06-04,速度指令键盘设定值,300,").toUtf8());
-    ASSERT_TRUE(csv.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    csv.write(bytes);
-    csv.close();
+    std::string bytes = Slurp(table.toStdString());
+    const std::string row = "\nH06-04,速度指令键盘设定值,200,";
+    const size_t at = bytes.find(row);
+    ASSERT_NE(at, std::string::npos);
+    Spit(table.toStdString(), bytes.replace(at, row.size(), "\nX06-04,速度指令键盘设定值,300,"));
     const Outcome byAddress = Program({"--compare", "ZD3S", table});
     EXPECT_EQ(byAddress.code, 1) << byAddress.err.toStdString();
     const QList<QByteArray> differing = byAddress.out.split('\n');
