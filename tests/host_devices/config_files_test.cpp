@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 #include <QRegularExpression>
 #include <QSettings>
@@ -17,14 +18,22 @@ namespace {
 
 const std::string kConfigDir = std::string(PARMIRA_BINARY_DIR) + "/Config/";
 
-DeviceLibrary ShippedLibrary() {
-    DeviceLibrary library;
-    library.AddDirectory(std::string(PARMIRA_SOURCE_DIR) + "/devices");
-    return library;
+using Devices = std::vector<std::shared_ptr<const DeviceDescription>>;
+
+Devices ShippedDevices() {
+    Devices devices;
+    const QDir dir(QStringLiteral(PARMIRA_SOURCE_DIR "/devices"));
+    for (const QString& name : dir.entryList({QStringLiteral("*.json")}, QDir::Files)) {
+        LoadResult loaded = LoadDeviceFile(dir.filePath(name).toStdString());
+        EXPECT_TRUE(loaded) << loaded.error.ToString();
+        if (loaded)
+            devices.push_back(loaded.device);
+    }
+    return devices;
 }
 
-bool Shipped(const DeviceLibrary& library, unsigned line, unsigned product, int sub = -1) {
-    for (const auto& d : library.Devices()) {
+bool Shipped(const Devices& devices, unsigned line, unsigned product, int sub = -1) {
+    for (const auto& d : devices) {
         if (d->product.lineId == line && d->product.productId == product &&
             (sub < 0 || d->product.subProductId == unsigned(sub)))
             return true;
@@ -37,8 +46,8 @@ class DeviceListFile : public ::testing::TestWithParam<const char*> {};
 TEST_P(DeviceListFile, EveryDeviceLineNamesAShippedProduct) {
     QFile file(QString::fromStdString(kConfigDir + GetParam()));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly | QIODevice::Text)) << kConfigDir << GetParam();
-    DeviceLibrary library = ShippedLibrary();
-    ASSERT_EQ(library.Devices().size(), 3u);
+    const Devices library = ShippedDevices();
+    ASSERT_EQ(library.size(), 3u);
     int devices = 0;
     for (const QString& line : QString::fromUtf8(file.readAll()).split('\n')) {
         if (!line.contains("dwLineID") && !line.contains("dwProductID") && !line.contains("Name"))
@@ -63,7 +72,7 @@ TEST(UpdateAttributeFile, KeysNameShippedProductsInBothForms) {
     ini.beginGroup("ProtocalType");
     const QStringList keys = ini.childKeys();
     ASSERT_FALSE(keys.isEmpty());
-    DeviceLibrary library = ShippedLibrary();
+    const Devices library = ShippedDevices();
     int listed = 0, twoPart = 0, threePart = 0;
     // Upper-case digits, four wide, as the module formats its keys.
     static const QRegularExpression form("^0x([0-9A-F]{4})_0x([0-9A-F]{4})(?:_0x([0-9A-F]{4}))?$");

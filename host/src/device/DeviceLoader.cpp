@@ -7,7 +7,6 @@
 #include "zorhost/files/BoundedRead.h"
 
 #include <QByteArray>
-#include <QDir>
 #include <QJsonDocument>
 #include <QJsonParseError>
 
@@ -128,61 +127,6 @@ bool IsSameDeviceType(const std::uint8_t* a, std::size_t aSize, const std::uint8
             return false;
     }
     return true;
-}
-
-bool DeviceLibrary::Add(const std::string& path, LoadError* error) {
-    LoadResult result = LoadDeviceFile(path);
-    if (!result) {
-        if (error)
-            *error = result.error;
-        return false;
-    }
-    const ProductInfo& p = result.device->product;
-    for (const auto& seen : devices_) {
-        const ProductInfo& q = seen->product;
-        if (p.lineId == q.lineId && p.productId == q.productId &&
-            p.subProductId == q.subProductId) {
-            if (error)
-                *error = {path, "product",
-                          "same line, product and sub-product as " + seen->sourceFile};
-            return false;
-        }
-    }
-    devices_.push_back(std::move(result.device));
-    return true;
-}
-
-std::vector<LoadError> DeviceLibrary::AddDirectory(const std::string& dir) {
-    std::vector<LoadError> errors;
-    QDir d(QString::fromStdString(dir));
-    const QStringList names = d.entryList({QStringLiteral("*.json")}, QDir::Files, QDir::Name);
-    for (const QString& name : names) {
-        LoadError error;
-        if (!Add(Std(d.filePath(name)), &error))
-            errors.push_back(std::move(error));
-    }
-    return errors;
-}
-
-std::shared_ptr<const DeviceDescription>
-DeviceLibrary::FindByIds(std::uint32_t lineId, std::uint32_t productId,
-                         std::uint32_t subProductId) const {
-    for (const auto& d : devices_) {
-        if (d->product.lineId == lineId && d->product.productId == productId &&
-            d->product.subProductId == subProductId)
-            return d;
-    }
-    return nullptr;
-}
-
-std::shared_ptr<const DeviceDescription> DeviceLibrary::FindByLabel(const std::uint8_t* label,
-                                                                    std::size_t size) const {
-    for (const auto& d : devices_) {
-        const auto& own = d->product.electronicLabel;
-        if (IsSameDeviceType(own.data(), own.size(), label, size))
-            return d;
-    }
-    return nullptr;
 }
 
 } // namespace zorhost::device

@@ -157,17 +157,6 @@ int SimulatedDrive::Latency_us() const {
     return m_slow ? std::max(m_latency_us, kSlowLatency_ms * 1000) : m_latency_us;
 }
 
-void SimulatedDrive::SetFailureRate(double rate, std::uint32_t seed) {
-    std::lock_guard lock(m_mutex);
-    m_failureRate = std::isfinite(rate) ? std::clamp(rate, 0.0, 1.0) : 0.0;
-    m_failureDraw.seed(seed == 0 ? 1 : seed);
-}
-
-double SimulatedDrive::FailureRate() const {
-    std::lock_guard lock(m_mutex);
-    return m_failureRate;
-}
-
 void SimulatedDrive::SetRealTime(bool realTime) {
     std::lock_guard lock(m_mutex);
     m_realTime = realTime;
@@ -219,7 +208,6 @@ void SimulatedDrive::ClearFailures() {
     for (FailureMode m : {FailureMode::Offline, FailureMode::FailReads, FailureMode::FailWrites,
                           FailureMode::Slow, FailureMode::RefuseWrites})
         ClearFailure(m);
-    SetFailureRate(0);
 }
 
 bool SimulatedDrive::HasFailure(FailureMode mode) const {
@@ -266,15 +254,13 @@ LinkResult SimulatedDrive::Admit(DriveRequest::Kind kind, std::uint32_t address,
                                  int timeout_ms) {
     const auto start = std::chrono::steady_clock::now();
     int latency_us;
-    bool online, realTime, garbled = false;
+    bool online, realTime;
     {
         std::lock_guard lock(m_mutex);
         Log(kind, address, count);
         online = m_connected && !m_offlineFault;
         latency_us = m_slow ? std::max(m_latency_us, kSlowLatency_ms * 1000) : m_latency_us;
         realTime = m_realTime;
-        if (online && m_failureRate > 0)
-            garbled = std::uniform_real_distribution<double>(0, 1)(m_failureDraw) < m_failureRate;
     }
     const bool limited = timeout_ms > 0;
     const std::int64_t timeout_us = std::int64_t(std::max(timeout_ms, 0)) * 1000;
@@ -290,8 +276,6 @@ LinkResult SimulatedDrive::Admit(DriveRequest::Kind kind, std::uint32_t address,
         return {LinkStatus::Offline};
     if (limited && latency_us > timeout_us)
         return {LinkStatus::Timeout};
-    if (garbled)
-        return {LinkStatus::Error};
     return {};
 }
 

@@ -34,28 +34,6 @@ LoadResult ParseDeviceJson(std::string_view json, const std::string& sourceName)
 // folder of the program's tree (see InstallLayout.h).
 std::string DefaultDeviceDirectory();
 
-// The loaded products of a host, found by their numbers or their electronic label.
-class DeviceLibrary {
-public:
-    // Loads one file; on any error the library is left as it was.
-    bool Add(const std::string& path, LoadError* error = nullptr);
-    // Loads every *.json directly in dir, in name order; returns the refusals.
-    std::vector<LoadError> AddDirectory(const std::string& dir);
-
-    const std::vector<std::shared_ptr<const DeviceDescription>>& Devices() const {
-        return devices_;
-    }
-    std::shared_ptr<const DeviceDescription>
-    FindByIds(std::uint32_t lineId, std::uint32_t productId, std::uint32_t subProductId = 0) const;
-    // Same device type: equal 16-bit pairs at the byte offsets 0, 2, 4 and 14; a label
-    // shorter than 16 bytes matches nothing.
-    std::shared_ptr<const DeviceDescription> FindByLabel(const std::uint8_t* label,
-                                                         std::size_t size) const;
-
-private:
-    std::vector<std::shared_ptr<const DeviceDescription>> devices_;
-};
-
 bool IsSameDeviceType(const std::uint8_t* a, std::size_t aSize, const std::uint8_t* b,
                       std::size_t bSize);
 

@@ -18,7 +18,6 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
-#include <random>
 #include <set>
 #include <unordered_map>
 #include <vector>
@@ -92,11 +91,6 @@ public:
     int Latency_us() const;
     void SetRealTime(bool realTime);
 
-    // Share of requests, 0 to 1, that fail with a communication error (LinkStatus::Error)
-    // once they reached an online drive. The draw is seeded, so a run repeats exactly.
-    void SetFailureRate(double rate, std::uint32_t seed = 1);
-    double FailureRate() const;
-
     // Faults accumulate; addresses matter for FailReads and FailWrites only and add up.
     void SetFailure(FailureMode mode, std::vector<std::uint32_t> addresses = {});
     void ClearFailure(FailureMode mode);
@@ -145,8 +139,6 @@ private:
     bool m_offlineFault = false;
     bool m_slow = false;
     std::set<std::uint32_t> m_failReads, m_failWrites, m_refuseWrites;
-    double m_failureRate = 0;
-    std::minstd_rand m_failureDraw;
     bool m_running = false;
     bool m_realTime = false;
     int m_latency_us = 2000;
