@@ -4,8 +4,6 @@
 #include "zorhost/sim/DriveLink.h"
 #include "zorhost/sim/SimulatedDrive.h"
 
-#include <afx/afxtest.h>
-
 namespace pt {
 namespace {
 
@@ -69,7 +67,6 @@ protected:
         const AfxPrompt* box = prompts.Last(AfxPrompt::MessageBox);
         return box != nullptr ? box->text.GetString() : "";
     }
-    CAfxRecordingResponder prompts;
 };
 
 TEST_F(CommitTest, ClickingFromOneValueCellToAnotherCommitsTheFirstAndOpensTheSecond) {
@@ -95,8 +92,7 @@ TEST_F(CommitTest, APointTypedWithoutPlacesEndsTheFigure) {
     OpenNumeric(row);
     CItemEdit& edit = List().GetItemEdit();
     edit.SetSel(0, -1);
-    for (const char* c = "12.5"; *c != 0; ++c)
-        AfxTestPressKey(&edit, *c == '.' ? 0xBE : UINT(*c), wchar_t(*c));
+    TypeKeys(&edit, "12.5");
     AfxTestPressKey(&edit, VK_RETURN);
     EXPECT_EQ(DriveValue("H06-05"), 12);
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u) << LastBox();

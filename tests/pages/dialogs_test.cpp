@@ -34,7 +34,6 @@ protected:
     static CString Figure(CDialog& d) {
         return d.GetDlgItem(IDC_WRITE_VALUE)->GetWindowTextString();
     }
-    static void ClickOk(CDialog& d) { static_cast<CButton*>(d.GetDlgItem(IDOK))->Click(); }
     static CString Field(CWriteVarDialog& d, int row) {
         return d.GetGrid()->GetCellItem(row, 2)->GetValue();
     }
@@ -72,7 +71,6 @@ protected:
             names.push_back(tree.GetItemText(i).Left(3));
         return names;
     }
-    CAfxRecordingResponder prompts;
     static int CheckedRow(CWriteLinkerVarDialog& d) {
         int found = -1;
         for (int i = 0; i < d.GetRowCount(); ++i)

@@ -19,7 +19,6 @@ class Page1Test : public PageTest {
 protected:
     BOOL Visible(UINT id) { return Page().GetDlgItem(int(id))->IsWindowVisible(); }
     BOOL Enabled(UINT id) { return Page().GetDlgItem(int(id))->IsWindowEnabled(); }
-    CAfxRecordingResponder prompts;
 };
 
 TEST_F(Page1Test, StartUpOfTheSingleAxisServo) {

@@ -5,6 +5,7 @@
 
 #include "module/host/HostContract.h"
 #include "pages/VarTablePage1.h"
+#include "pages/VarTablePage2.h"
 #include "table/VarTable.h"
 #include "zorhost/ReferenceHost.h"
 
@@ -32,10 +33,11 @@ protected:
     void CloseFrame();
 
     CVarTablePage1& Page() { return *static_cast<CVarTablePage1*>(table->GetPage1()); }
+    CVarTablePage2& Page2() { return *static_cast<CVarTablePage2*>(table->GetPage2()); }
     CVarTableListCtrl_1& List() { return Page().GetPageList(); }
     IVarStore* Store() { return table->GetVarList(); }
-    // Shows the group `name` of the fixed groups.
-    void ShowGroup(const char* name);
+    // Shows the group `name` of the fixed groups on `page` (the first page unless told).
+    void ShowGroup(const char* name, CVarTablePage* page = nullptr);
     // The row of `code` among the rows `page` (the first page unless told) shows, -1 when
     // it is not shown.
     int RowOf(const char* code, CVarTablePage* page = nullptr);
@@ -46,6 +48,8 @@ protected:
     IVarObjEx* Var(const char* code);
     UINT Address(const char* code);
     double DriveValue(const char* code);
+    // The addresses the drive was asked to write since the last call, in order.
+    std::vector<UINT> Writes();
     // Runs one read cycle for what the page asked, the way the host's clock does.
     void ReadCycle();
     void Pump();
@@ -57,6 +61,11 @@ protected:
     std::unique_ptr<CVarTable> table;
     zorhost::sim::SimulatedDrive* drive = nullptr;
     IHostDeviceModule* module = nullptr;
+    CAfxRecordingResponder prompts;
 };
+
+// Types `text` key by key into `edit`, as a user does.
+void TypeKeys(CWnd* edit, const CString& text);
+void ClickOk(CDialog& dialog);
 
 } // namespace pt

@@ -12,7 +12,6 @@ namespace {
 
 class RowsTest : public PageTest {
 protected:
-    CVarTablePageBase& Page2() { return *static_cast<CVarTablePageBase*>(table->GetPage2()); }
     void Select(CVarTablePageBase& page, std::initializer_list<int> rows) {
         page.GetList().SetItemState(-1, 0, LVIS_SELECTED);
         for (int row : rows)
@@ -27,7 +26,6 @@ protected:
             all += menu->menuItems[i] + "|";
         return all;
     }
-    CAfxRecordingResponder prompts;
 };
 
 TEST_F(RowsTest, MenuByPageAndSelection) {

@@ -2,19 +2,11 @@
 // page, the present language and the access level.
 #include "page_fixture.h"
 
-#include "pages/VarTablePage2.h"
-
-#include <afx/afxtest.h>
-
 namespace pt {
 namespace {
 
 class SearchTest : public PageTest {
 protected:
-    CVarTablePageBase& Page2() { return *static_cast<CVarTablePageBase*>(table->GetPage2()); }
-    void ShowGroupOn(CVarTablePageBase& page, const char* name) {
-        page.ShowGroup(Store()->GetGroupRoot(0)->FindByName(name), Store());
-    }
     // Types `text` into the page's box and presses Enter, as a user does.
     void Enter(CVarTablePageBase& page, const char* text) {
         CSearcherComboBox* box = page.GetSearcher();
@@ -23,15 +15,7 @@ protected:
         AfxTestPressKey(box, VK_RETURN);
         Pump();
     }
-    static bool Shows(CVarTablePageBase& page, const char* code) {
-        for (int i = 0; i < page.GetShownCount(); ++i) {
-            CString c;
-            page.GetShownVar(i)->GetAttr()->GetCode(c);
-            if (c == code)
-                return true;
-        }
-        return false;
-    }
+    bool Shows(CVarTablePageBase& page, const char* code) { return RowOf(code, &page) >= 0; }
     static CString Entries(CComboBox& box) {
         CString all;
         for (int i = 0; i < box.GetCount(); ++i) {
@@ -85,16 +69,16 @@ TEST_F(SearchTest, FieldsOfEachPage) {
     CVarTablePageBase* pages[] = {&Page(), &Page2()};
     for (CVarTablePageBase* page : pages) {
         SCOPED_TRACE(page->IsFirstPage() ? "first page" : "second page");
-        ShowGroupOn(*page, "H00");
+        ShowGroup("H00", page);
         page->SearchRows("h00-10");
         EXPECT_TRUE(Shows(*page, "H00-10"));
         EXPECT_EQ(page->GetShownCount(), 1);
         // An option name of the DI functions is a field of the first page only.
-        ShowGroupOn(*page, "H03");
+        ShowGroup("H03", page);
         page->SearchRows("伺服使能");
         EXPECT_EQ(Shows(*page, "H03-02"), page->IsFirstPage() != FALSE);
         // "kg·cm²" is the unit of H00-10 only; the address 10 is held by more.
-        ShowGroupOn(*page, "H00");
+        ShowGroup("H00", page);
         page->SearchRows("KG·CM²");
         EXPECT_EQ(page->GetShownCount(), 1);
     }

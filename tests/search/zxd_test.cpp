@@ -128,7 +128,6 @@ TEST_F(ZxdFileTest, EmptyListAndTheFrameCommand) {
     CheckFile(ReadAll(empty), 0);
     // Command 32857 of the frame: the file dialog, the file, the success box.
     ShowGroup("H02");
-    CAfxRecordingResponder prompts;
     const std::filesystem::path chosen = dir / "from-menu.zxd";
     prompts.ChooseFiles({CString(chosen.string().c_str())});
     ASSERT_TRUE(table->OnFrameCommand(ID_EXPORT_ZXD));
@@ -156,7 +155,6 @@ TEST_F(ZxdFileTest, UploadBeforeTheExport) {
     double raw = 0;
     ASSERT_TRUE(drive->PeekRaw(address, raw));
     ASSERT_TRUE(drive->PokeRaw(address, raw + 1));
-    CAfxRecordingResponder prompts;
     const std::filesystem::path fresh = dir / "fresh.zxd";
     prompts.ChooseFiles({CString(fresh.string().c_str())});
     ASSERT_TRUE(table->OnFrameCommand(ID_EXPORT_ZXD));
