@@ -5,9 +5,6 @@
 #include "values/WriteLinkerVarDialog.h"
 #include "values/WriteVarDialog.h"
 
-#include <afx/afxtest.h>
-
-#include <functional>
 #include <set>
 
 namespace pt {

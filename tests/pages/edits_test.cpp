@@ -16,13 +16,10 @@ TEST(NumericCellEdit, TypedKeysKeepTheFirstPointAndEndAtThePlaces) {
     };
     const Row rows[] = {
         {16, 0, TRUE, "12.5", "12."}, // the point ends the figure: never 125
-        {16, 1, TRUE, "12.5", "12.5"},
-        {16, 2, TRUE, "12.5", "12.5"},
-        {16, 2, TRUE, "12.345", "12.34"},
-        {16, 2, TRUE, "-12.5", "-12.5"},
+        {16, 1, TRUE, "12.5", "12.5"},    {16, 2, TRUE, "12.5", "12.5"},
+        {16, 2, TRUE, "12.345", "12.34"}, {16, 2, TRUE, "-12.5", "-12.5"},
         {16, 2, FALSE, "-12.5", "12.5"}, // no minus where negatives are refused
-        {16, 2, FALSE, "7-", "7"},
-        {3, 1, FALSE, "12345.6", "123.6"},
+        {16, 2, FALSE, "7-", "7"},        {3, 1, FALSE, "12345.6", "123.6"},
         {16, 4, FALSE, "1.2.3a", "1.23"}, // a second point and letters are dropped
     };
     CWnd parent;

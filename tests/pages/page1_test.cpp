@@ -3,7 +3,6 @@
 #include "page_fixture.h"
 
 #include <afx/afxqt.h>
-#include <afx/afxtest.h>
 
 #include <QAbstractScrollArea>
 #include <QCoreApplication>

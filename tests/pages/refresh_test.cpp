@@ -2,7 +2,6 @@
 #include "page_fixture.h"
 
 #include <algorithm>
-#include <functional>
 #include <set>
 
 namespace pt {
@@ -60,7 +59,6 @@ TEST_F(RefreshTest, AtTheEndOfTheListNoRowBeyondTheLastIsRead) {
     List().EnsureVisible(shown - 1, FALSE);
     const int top = List().GetTopIndex();
     ASSERT_GT(top, 0);
-    Page().GetLinkedVars();
     Page().SubmitRefreshQuery();
     const std::vector<UINT>& asked = refresh->lastAddresses;
     for (UINT a : RowAddresses(top, shown))

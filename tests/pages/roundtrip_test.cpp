@@ -8,8 +8,6 @@
 
 #include "values/WriteVarDialog.h"
 
-#include <afx/afxtest.h>
-
 #include <cmath>
 #include <fstream>
 #include <sstream>

@@ -5,8 +5,6 @@
 #include "pages/ConfigListDlg.h"
 #include "pages/RowCommands.h"
 
-#include <afx/afxtest.h>
-
 namespace pt {
 namespace {
 

@@ -6,15 +6,12 @@
 #include "files/ZxdExport.h"
 #include "table/TableResources.h"
 
-#include <afx/afxtest.h>
-
 #include <zlib.h>
 
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <string>
 
 namespace pt {
 namespace {
@@ -121,32 +118,20 @@ TEST_F(ZxdFileTest, RowsOfTheListAndTheirImage) {
     EXPECT_EQ(Word(withNull, 256 + 16 * (rows.size() - 1)), ZXD_END_MARK);
 }
 
-TEST_F(ZxdFileTest, EmptyListAndTheFrameCommand) {
+TEST_F(ZxdFileTest, AnEmptyListAndAnUnwritablePlace) {
     OpenFrame("ZD3S");
     const std::filesystem::path empty = dir / "empty.zxd";
     ASSERT_EQ(WriteZxdFile(empty.string(), module, {}), ZxdResult::Written);
     CheckFile(ReadAll(empty), 0);
-    // Command 32857 of the frame: the file dialog, the file, the success box.
-    ShowGroup("H02");
-    const std::filesystem::path chosen = dir / "from-menu.zxd";
-    prompts.ChooseFiles({CString(chosen.string().c_str())});
-    ASSERT_TRUE(table->OnFrameCommand(ID_EXPORT_ZXD));
-    EXPECT_EQ(table->busyExporting, 0);
-    const AfxPrompt* dialog = prompts.Last(AfxPrompt::FileDialog);
-    ASSERT_NE(dialog, nullptr);
-    EXPECT_EQ(dialog->defExt, "zxd");
-    EXPECT_EQ(dialog->text.Right(4), ".zxd");
-    CheckFile(ReadAll(chosen), uint32_t(Page().GetShownCount()));
-    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "文件保存成功");
     // Unwritable place: the open failure, and no file.
     prompts.ChooseFiles({CString((dir / "missing" / "x.zxd").string().c_str())});
     table->OnFrameCommand(ID_EXPORT_ZXD);
     EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "文件打开失败");
 }
 
-// The export reads the drive first: the records hold what the drive holds, the end of that
-// upload starts no save of its own, and a failed read leaves no file.
-TEST_F(ZxdFileTest, UploadBeforeTheExport) {
+// Command 32857 of the frame reads the drive first: the records hold what the drive holds,
+// the end of that upload starts no save of its own, and a failed read leaves no file.
+TEST_F(ZxdFileTest, TheFrameCommandUploadsBeforeTheExport) {
     OpenFrame("ZD3S");
     ShowGroup("H00");
     const int row = 2;
@@ -158,10 +143,13 @@ TEST_F(ZxdFileTest, UploadBeforeTheExport) {
     const std::filesystem::path fresh = dir / "fresh.zxd";
     prompts.ChooseFiles({CString(fresh.string().c_str())});
     ASSERT_TRUE(table->OnFrameCommand(ID_EXPORT_ZXD));
+    EXPECT_EQ(table->busyExporting, 0);
     const std::string bytes = ReadAll(fresh);
     CheckFile(bytes, uint32_t(Page().GetShownCount()));
     EXPECT_EQ(Word(bytes, 256 + 16 * row + 8), uint32_t(raw + 1));
-    EXPECT_EQ(prompts.Count(AfxPrompt::FileDialog), 1u);
+    ASSERT_EQ(prompts.Count(AfxPrompt::FileDialog), 1u);
+    EXPECT_EQ(prompts.Last(AfxPrompt::FileDialog)->defExt, "zxd");
+    EXPECT_EQ(prompts.Last(AfxPrompt::FileDialog)->text.Right(4), ".zxd");
     EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "文件保存成功");
 
     drive->SetFailure(zorhost::sim::FailureMode::FailReads, {address});

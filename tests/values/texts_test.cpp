@@ -4,8 +4,6 @@
 #include "values_fixture.h"
 #include "zorhost/device/DeviceLoader.h"
 
-#include <cmath>
-
 using namespace VarText;
 
 namespace {

@@ -17,9 +17,7 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <memory>
-#include <vector>
 
 class ValuesTest : public ::testing::Test {
 protected:
