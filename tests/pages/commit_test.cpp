@@ -7,14 +7,8 @@
 namespace pt {
 namespace {
 
-constexpr int kValueColumn = 3;
-
-class CommitTest : public PageTest {
+class CommitTest : public ServoPageTest {
 protected:
-    void SetUp() override {
-        PageTest::SetUp();
-        OpenFrame();
-    }
     // Plain integer parameters that can be changed at any time, in row order.
     std::vector<int> PlainRows() {
         std::vector<int> rows;

@@ -10,12 +10,8 @@
 namespace pt {
 namespace {
 
-class DialogTest : public PageTest {
+class DialogTest : public ServoPageTest {
 protected:
-    void SetUp() override {
-        PageTest::SetUp();
-        OpenFrame();
-    }
     // Runs the packed-value dialog on `code` holding `value`; `act` works inside it. The
     // value it gives back when it ends with OK, -1 when it does not.
     LONGLONG RunWriteDialog(const char* code, int value,

@@ -16,7 +16,7 @@ int CountTreeItems(CTreeCtrl& tree, HTREEITEM first) {
     return n;
 }
 
-class LevelTest : public PageTest {
+class LevelTest : public ServoPageTest {
 protected:
     // Chooses entry `index` of the access box as a user does.
     void Choose(int index) {
@@ -34,7 +34,6 @@ protected:
 };
 
 TEST_F(LevelTest, LoggingInWithTheFactoryCodeBringsTheHiddenGroupsAndRows) {
-    OpenFrame("ZD3S");
     // A user of the basic level, as the drive grants after power-on.
     table->ApplyAccessLevel(module, 1);
     ReadAndPoll();

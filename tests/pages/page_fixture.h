@@ -23,6 +23,9 @@
 
 namespace pt {
 
+// The value column of the single-axis live list.
+constexpr int kValueColumn = 3;
+
 class PageTest : public ::testing::Test {
 protected:
     void SetUp() override;
@@ -62,6 +65,15 @@ protected:
     zorhost::sim::SimulatedDrive* drive = nullptr;
     IHostDeviceModule* module = nullptr;
     CAfxRecordingResponder prompts;
+};
+
+// The live list of the demo servo, open from the start.
+class ServoPageTest : public PageTest {
+protected:
+    void SetUp() override {
+        PageTest::SetUp();
+        OpenFrame();
+    }
 };
 
 // Types `text` key by key into `edit`, as a user does.

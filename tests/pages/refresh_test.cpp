@@ -7,12 +7,8 @@
 namespace pt {
 namespace {
 
-class RefreshTest : public PageTest {
+class RefreshTest : public ServoPageTest {
 protected:
-    void SetUp() override {
-        PageTest::SetUp();
-        OpenFrame();
-    }
     UINT AuthorityAddress() {
         IVarObjEx* var =
             host.Services().Get<IHostDeviceHelper>()->FindNamedVar(module, "Authority");

@@ -8,7 +8,7 @@
 namespace pt {
 namespace {
 
-class RowsTest : public PageTest {
+class RowsTest : public ServoPageTest {
 protected:
     void Select(CVarTablePageBase& page, std::initializer_list<int> rows) {
         page.GetList().SetItemState(-1, 0, LVIS_SELECTED);
@@ -27,7 +27,6 @@ protected:
 };
 
 TEST_F(RowsTest, MenuByPageAndSelection) {
-    OpenFrame("ZD3S");
     Page2().ShowAllParameters(Store());
     struct Case {
         bool firstPage;
@@ -59,7 +58,6 @@ TEST_F(RowsTest, MenuByPageAndSelection) {
 }
 
 TEST_F(RowsTest, MonitorGetsTheSelectionOnceInRowOrder) {
-    OpenFrame("ZD3S");
     host.Access().ClearWatchList("ZD3S");
     Select(Page(), {7, 1, 3});
     prompts.ChooseMenuCommand(ID_ADD_TO_MONITOR);
@@ -81,7 +79,6 @@ TEST_F(RowsTest, MonitorGetsTheSelectionOnceInRowOrder) {
 }
 
 TEST_F(RowsTest, RemoveRowsKeepsTheOtherMembers) {
-    OpenFrame("ZD3S");
     IGroupSet* custom = Store()->GetGroupRoot(1);
     ASSERT_NE(custom, nullptr);
     IGroupNode* group = custom->NewGroup();
@@ -119,7 +116,6 @@ TEST_F(RowsTest, RemoveRowsKeepsTheOtherMembers) {
 }
 
 TEST_F(RowsTest, ColumnChoicesSurviveATreeSelection) {
-    OpenFrame("ZD3S");
     CListCtrlEx& list = Page().GetList();
     const int name = 2;
     const int dec = 11;

@@ -5,7 +5,7 @@
 namespace pt {
 namespace {
 
-class SearchTest : public PageTest {
+class SearchTest : public ServoPageTest {
 protected:
     // Types `text` into the page's box and presses Enter, as a user does.
     void Enter(CVarTablePageBase& page, const char* text) {
@@ -33,7 +33,6 @@ protected:
 };
 
 TEST_F(SearchTest, HistoryAndTheMeaningOfAll) {
-    OpenFrame("ZD3S");
     ShowGroup("H00");
     const int base = Page().GetShownCount();
     ASSERT_GT(base, 2);
@@ -65,7 +64,6 @@ TEST_F(SearchTest, HistoryAndTheMeaningOfAll) {
 }
 
 TEST_F(SearchTest, FieldsOfEachPage) {
-    OpenFrame("ZD3S");
     CVarTablePageBase* pages[] = {&Page(), &Page2()};
     for (CVarTablePageBase* page : pages) {
         SCOPED_TRACE(page->IsFirstPage() ? "first page" : "second page");
@@ -85,7 +83,6 @@ TEST_F(SearchTest, FieldsOfEachPage) {
 }
 
 TEST_F(SearchTest, FindsTheTextsOfTheLanguageOnShow) {
-    OpenFrame("ZD3S");
     ShowGroup("H03");
     Page().SearchRows("伺服使能");
     const int chinese = Page().GetShownCount();
@@ -103,7 +100,6 @@ TEST_F(SearchTest, FindsTheTextsOfTheLanguageOnShow) {
 // The texts made while the program is idle, after a selection and after a language change,
 // give the finds that texts made during the search give.
 TEST_F(SearchTest, TextsPreparedWhileIdle) {
-    OpenFrame("ZD3S");
     ShowGroup("H03");
     EXPECT_TRUE(AfxPumpMessagesUntil(
         [&] { return Page().GetSearchIndex().GetCount() >= Page().GetGroupVars().GetCount(); },
@@ -124,7 +120,6 @@ TEST_F(SearchTest, TextsPreparedWhileIdle) {
 }
 
 TEST_F(SearchTest, AccessLevelLimitsTheFinds) {
-    OpenFrame("ZD3S");
     ShowGroup("H00");
     Page().SearchRows("h00-10");
     ASSERT_EQ(Page().GetShownCount(), 1);

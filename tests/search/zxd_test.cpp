@@ -49,7 +49,7 @@ TEST(ZxdRecordTest, ValueWordsAndTheChecksumRule) {
     EXPECT_EQ(ZxdChecksum(record, sizeof record), 0xFFFFFF79u);
 }
 
-class ZxdFileTest : public PageTest {
+class ZxdFileTest : public ServoPageTest {
 protected:
     TempDir temp;
     std::filesystem::path dir{temp.Path()};
@@ -91,7 +91,6 @@ protected:
 };
 
 TEST_F(ZxdFileTest, RowsOfTheListAndTheirImage) {
-    OpenFrame("ZD3S");
     ShowGroup("H00");
     std::vector<IVarObjEx*> rows;
     Page().CollectShown(rows);
@@ -119,7 +118,6 @@ TEST_F(ZxdFileTest, RowsOfTheListAndTheirImage) {
 }
 
 TEST_F(ZxdFileTest, AnEmptyListAndAnUnwritablePlace) {
-    OpenFrame("ZD3S");
     const std::filesystem::path empty = dir / "empty.zxd";
     ASSERT_EQ(WriteZxdFile(empty.string(), module, {}), ZxdResult::Written);
     CheckFile(ReadAll(empty), 0);
@@ -132,7 +130,6 @@ TEST_F(ZxdFileTest, AnEmptyListAndAnUnwritablePlace) {
 // Command 32857 of the frame reads the drive first: the records hold what the drive holds,
 // the end of that upload starts no save of its own, and a failed read leaves no file.
 TEST_F(ZxdFileTest, TheFrameCommandUploadsBeforeTheExport) {
-    OpenFrame("ZD3S");
     ShowGroup("H00");
     const int row = 2;
     IVarObjEx* var = Page().GetShownVar(row);
