@@ -11,9 +11,7 @@ class StagingTest : public pt::PageTest {
 protected:
     void SetUp() override {
         pt::PageTest::SetUp();
-        zorhost::ProjectSetup setup = zorhost::ReferenceHost::DemoProject();
-        setup.listStyle = 1;
-        ASSERT_TRUE(host.LoadProject(setup));
+        host.Project()->Workspace().SetListStyle(1);
         OpenFrame("ZD3S");
         Page2().ShowAllParameters(Store());
         filterActive = 0;
