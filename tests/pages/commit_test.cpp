@@ -171,20 +171,5 @@ TEST_F(CommitTest, ARefusedWriteShowsTheDrivesReason) {
     EXPECT_TRUE(box->caption.IsEmpty());
 }
 
-TEST_F(CommitTest, MinusReplacesTheSelectedTextByOneSign) {
-    const int row = PlainRows().at(0);
-    OpenNumeric(row);
-    // The cell's text stands selected after opening.
-    AfxTestPressKey(&List().GetItemEdit(), 0xBD);
-    EXPECT_EQ(List().GetItemEdit().GetWindowTextString(), "-");
-    AfxTestPressKey(&List().GetItemEdit(), 0xBD);
-    EXPECT_EQ(List().GetItemEdit().GetWindowTextString(), "-");
-    // A lone minus is no value: nothing goes to the drive.
-    const double before = RawAt(row);
-    AfxTestPressKey(&List().GetItemEdit(), VK_RETURN);
-    EXPECT_EQ(RawAt(row), before);
-    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u);
-}
-
 } // namespace
 } // namespace pt

@@ -21,6 +21,8 @@ TEST(NumericCellEdit, TypedKeysKeepTheFirstPointAndEndAtThePlaces) {
         {16, 2, FALSE, "-12.5", "12.5"}, // no minus where negatives are refused
         {16, 2, FALSE, "7-", "7"},        {3, 1, FALSE, "12345.6", "123.6"},
         {16, 4, FALSE, "1.2.3a", "1.23"}, // a second point and letters are dropped
+        {16, 2, TRUE, "12-5", "-5"},      // a minus starts a new negative figure
+        {16, 2, TRUE, "--12", "-12"},
     };
     CWnd parent;
     ASSERT_TRUE(parent.Create(nullptr, "", WS_POPUP, CRect(0, 0, 200, 50), nullptr, 0));
