@@ -19,7 +19,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -410,22 +409,19 @@ TEST_F(CustomGroupTest, SaveWritesThroughALinkKeepsTheModeAndLeavesNoTemporaryFi
 TEST_F(CustomGroupTest, GroupsLoadFromAParameterFileOfTheSameDeviceTypeOnly) {
     // A file of this drive and one of another device type, each with every variable.
     auto write = [&](const char* key, const std::string& path) {
+        IHostDeviceModule* m = host->Module(key);
         auto* file =
             static_cast<IParamFile*>(host->ModuleManager().CreateInstance(IParamFile::kIID));
-        IHostDeviceModule* m = host->Module(key);
-        if (m == nullptr) {
-            ASSERT_TRUE(host->LoadProject(zorhost::ReferenceHost::DemoProject()));
-            m = host->Module(key);
-        }
         file->GetVarList()->CopyFrom(m->GetVarList());
         file->SetElecLabel(m->GetElecLabel(), m->GetElecLabelSize());
         ASSERT_TRUE(file->Save(CString(path)));
         file->Release();
     };
     const std::string other = dir / "inverter.zorparam";
+    const std::string same = dir / "Spindle tune.zorparam";
+    ASSERT_TRUE(host->LoadDemo());
     write("ZV5", other);
     OpenProject();
-    const std::string same = dir / "Spindle tune.zorparam";
     write("ZD3S", same);
     OpenPanel();
     const int vars = host->Module("ZD3S")->GetVarList()->GetCount();

@@ -4,19 +4,11 @@
 #include "zorhost/sim/DriveLink.h"
 #include "zorhost/sim/SimulatedDrive.h"
 
-#include <afx/afxtest.h>
-
 namespace pt {
 namespace {
 
-constexpr int kValueColumn = 3;
-
-class CommitTest : public PageTest {
+class CommitTest : public ServoPageTest {
 protected:
-    void SetUp() override {
-        PageTest::SetUp();
-        OpenFrame();
-    }
     // Plain integer parameters that can be changed at any time, in row order.
     std::vector<int> PlainRows() {
         std::vector<int> rows;
@@ -69,7 +61,6 @@ protected:
         const AfxPrompt* box = prompts.Last(AfxPrompt::MessageBox);
         return box != nullptr ? box->text.GetString() : "";
     }
-    CAfxRecordingResponder prompts;
 };
 
 TEST_F(CommitTest, ClickingFromOneValueCellToAnotherCommitsTheFirstAndOpensTheSecond) {
@@ -95,8 +86,7 @@ TEST_F(CommitTest, APointTypedWithoutPlacesEndsTheFigure) {
     OpenNumeric(row);
     CItemEdit& edit = List().GetItemEdit();
     edit.SetSel(0, -1);
-    for (const char* c = "12.5"; *c != 0; ++c)
-        AfxTestPressKey(&edit, *c == '.' ? 0xBE : UINT(*c), wchar_t(*c));
+    TypeKeys(&edit, "12.5");
     AfxTestPressKey(&edit, VK_RETURN);
     EXPECT_EQ(DriveValue("H06-05"), 12);
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u) << LastBox();
@@ -179,21 +169,6 @@ TEST_F(CommitTest, ARefusedWriteShowsTheDrivesReason) {
         zorhost::sim::LinkResult::Refuse(zorhost::sim::Refusal::AccessDenied), false);
     EXPECT_EQ(box->text, CodeOf(row) + ": " + CString(reason));
     EXPECT_TRUE(box->caption.IsEmpty());
-}
-
-TEST_F(CommitTest, MinusReplacesTheSelectedTextByOneSign) {
-    const int row = PlainRows().at(0);
-    OpenNumeric(row);
-    // The cell's text stands selected after opening.
-    AfxTestPressKey(&List().GetItemEdit(), 0xBD);
-    EXPECT_EQ(List().GetItemEdit().GetWindowTextString(), "-");
-    AfxTestPressKey(&List().GetItemEdit(), 0xBD);
-    EXPECT_EQ(List().GetItemEdit().GetWindowTextString(), "-");
-    // A lone minus is no value: nothing goes to the drive.
-    const double before = RawAt(row);
-    AfxTestPressKey(&List().GetItemEdit(), VK_RETURN);
-    EXPECT_EQ(RawAt(row), before);
-    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u);
 }
 
 } // namespace

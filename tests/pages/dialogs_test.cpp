@@ -5,20 +5,13 @@
 #include "values/WriteLinkerVarDialog.h"
 #include "values/WriteVarDialog.h"
 
-#include <afx/afxtest.h>
-
-#include <functional>
 #include <set>
 
 namespace pt {
 namespace {
 
-class DialogTest : public PageTest {
+class DialogTest : public ServoPageTest {
 protected:
-    void SetUp() override {
-        PageTest::SetUp();
-        OpenFrame();
-    }
     // Runs the packed-value dialog on `code` holding `value`; `act` works inside it. The
     // value it gives back when it ends with OK, -1 when it does not.
     LONGLONG RunWriteDialog(const char* code, int value,
@@ -34,7 +27,6 @@ protected:
     static CString Figure(CDialog& d) {
         return d.GetDlgItem(IDC_WRITE_VALUE)->GetWindowTextString();
     }
-    static void ClickOk(CDialog& d) { static_cast<CButton*>(d.GetDlgItem(IDOK))->Click(); }
     static CString Field(CWriteVarDialog& d, int row) {
         return d.GetGrid()->GetCellItem(row, 2)->GetValue();
     }
@@ -72,7 +64,6 @@ protected:
             names.push_back(tree.GetItemText(i).Left(3));
         return names;
     }
-    CAfxRecordingResponder prompts;
     static int CheckedRow(CWriteLinkerVarDialog& d) {
         int found = -1;
         for (int i = 0; i < d.GetRowCount(); ++i)

@@ -4,15 +4,8 @@
 namespace pt {
 namespace {
 
-// Value column of the single-axis live list.
-constexpr int kValueColumn = 3;
-
-class EditorTest : public PageTest {
+class EditorTest : public ServoPageTest {
 protected:
-    void SetUp() override {
-        PageTest::SetUp();
-        OpenFrame();
-    }
     enum Opened { None, Numeric, Text, Combo, Button };
     Opened OpenedEditor() {
         CListCtrlEx& list = List();
@@ -106,10 +99,9 @@ TEST_F(EditorTest, AClickOnAColumnThatIsNotRegisteredOnlySelects) {
     EXPECT_TRUE(List().GetItemState(row, LVIS_SELECTED) & LVIS_SELECTED);
 }
 
-class DisplayModeTest : public PageTest {};
+class DisplayModeTest : public ServoPageTest {};
 
 TEST_F(DisplayModeTest, APerUnitParameterChoosesItsScaleInTheDisplayColumn) {
-    OpenFrame("ZD3S");
     ShowGroup("H07");
     const int row = RowOf("H07-03");
     ASSERT_GE(row, 0);

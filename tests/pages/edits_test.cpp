@@ -1,49 +1,28 @@
 // The character rules of the cell edits, and the sorting list.
 #include "controls/AMSEdit.h"
+#include "page_fixture.h"
 #include "pages/ListCtrlEx.h"
 
-#include <afx/afxres.h>
-#include <afx/afxtest.h>
-
-#include <gtest/gtest.h>
-
 namespace {
-
-CString Valid(const char* text, int whole, int decimals, BOOL negative) {
-    return CAMSNumericEdit::ValidText(text, whole, decimals, negative);
-}
-
-TEST(NumericEditRules, OneWalkKeepsWhatFormsANumberOfTheAllowedShape) {
-    EXPECT_EQ(Valid("-12.345", 16, 2, TRUE), "-12.34");
-    EXPECT_EQ(Valid("-12", 16, 2, FALSE), "12");
-    // A minus counts only in front.
-    EXPECT_EQ(Valid("1-2", 16, 2, TRUE), "12");
-    // Whole digits beyond the limit are dropped, the rest goes on.
-    EXPECT_EQ(Valid("12345.6", 3, 1, FALSE), "123.6");
-    // No decimals: the point is kept and ends the text.
-    EXPECT_EQ(Valid("12.5", 9, 0, FALSE), "12.");
-    // A second point is dropped; letters too.
-    EXPECT_EQ(Valid("1.2.3a", 9, 4, FALSE), "1.23");
-    EXPECT_EQ(Valid("", 9, 4, TRUE), "");
-}
 
 // Typed key by key into the list's numeric cell edit, as a user types.
 TEST(NumericCellEdit, TypedKeysKeepTheFirstPointAndEndAtThePlaces) {
     struct Row {
+        int whole;
         int places;
         BOOL negative;
         const char* typed;
         const char* shown;
     };
     const Row rows[] = {
-        {0, TRUE, "12.5", "12."}, // the point ends the figure: never 125
-        {1, TRUE, "12.5", "12.5"},
-        {2, TRUE, "12.5", "12.5"},
-        {2, TRUE, "12.345", "12.34"},
-        {2, TRUE, "-12.5", "-12.5"},
-        {2, FALSE, "-12.5", "12.5"}, // the minus does nothing where
-                                     // negatives are refused
-        {2, FALSE, "7-", "7"},
+        {16, 0, TRUE, "12.5", "12."}, // the point ends the figure: never 125
+        {16, 1, TRUE, "12.5", "12.5"},    {16, 2, TRUE, "12.5", "12.5"},
+        {16, 2, TRUE, "12.345", "12.34"}, {16, 2, TRUE, "-12.5", "-12.5"},
+        {16, 2, FALSE, "-12.5", "12.5"}, // no minus where negatives are refused
+        {16, 2, FALSE, "7-", "7"},        {3, 1, FALSE, "12345.6", "123.6"},
+        {16, 4, FALSE, "1.2.3a", "1.23"}, // a second point and letters are dropped
+        {16, 2, TRUE, "12-5", "-5"},      // a minus starts a new negative figure
+        {16, 2, TRUE, "--12", "-12"},
     };
     CWnd parent;
     ASSERT_TRUE(parent.Create(nullptr, "", WS_POPUP, CRect(0, 0, 200, 50), nullptr, 0));
@@ -51,15 +30,17 @@ TEST(NumericCellEdit, TypedKeysKeepTheFirstPointAndEndAtThePlaces) {
         SCOPED_TRACE(testing::Message() << r.typed << " places " << r.places);
         CItemEdit edit;
         ASSERT_TRUE(edit.Create(WS_CHILD | WS_VISIBLE, CRect(0, 0, 200, 24), &parent, 1));
-        edit.SetMaxWholeDigits(16);
+        edit.SetMaxWholeDigits(r.whole);
         edit.AllowNegative(r.negative);
         edit.SetMaxDecimalPlaces(r.places);
         edit.SetFocus();
-        for (const char* c = r.typed; *c != 0; ++c)
-            AfxTestPressKey(&edit, *c == '-' ? 0xBD : *c == '.' ? 0xBE : UINT(*c), wchar_t(*c));
+        pt::TypeKeys(&edit, r.typed);
         EXPECT_EQ(edit.GetWindowTextString(), r.shown);
         edit.DestroyWindow();
     }
+    // A minus key in the cell edit starts a new negative figure; the rule behind it still
+    // drops a minus anywhere but in front.
+    EXPECT_EQ(CAMSNumericEdit::ValidText("1-2", 16, 2, TRUE), "12");
 }
 
 TEST(AlphanumericEditRules, RefusedCharactersAndTheHexadecimalSet) {
@@ -74,11 +55,6 @@ TEST(AlphanumericEditRules, RefusedCharactersAndTheHexadecimalSet) {
     for (char c : std::string("gGzZ.,"))
         EXPECT_FALSE(edit.IsCharacterValid(UINT(c))) << c;
 }
-
-} // namespace
-
-// ---------------------------------------------------------------- sorting list
-namespace {
 
 class SortingList : public CVarListCtrlEx {
 public:

@@ -5,30 +5,18 @@
 
 #include "groups/LoginDialog.h"
 
-#include <afx/afxtest.h>
-
-#include <vector>
-
 namespace pt {
 namespace {
 
-int CountTreeItems(CTreeCtrl& tree) {
+// The items from `first` on and all below them, expanded or not.
+int CountTreeItems(CTreeCtrl& tree, HTREEITEM first) {
     int n = 0;
-    // Depth-first over every item, expanded or not.
-    std::vector<HTREEITEM> stack;
-    for (HTREEITEM h = tree.GetRootItem(); h != nullptr; h = tree.GetNextSiblingItem(h))
-        stack.push_back(h);
-    while (!stack.empty()) {
-        HTREEITEM h = stack.back();
-        stack.pop_back();
-        ++n;
-        for (HTREEITEM c = tree.GetChildItem(h); c != nullptr; c = tree.GetNextSiblingItem(c))
-            stack.push_back(c);
-    }
+    for (HTREEITEM h = first; h != nullptr; h = tree.GetNextSiblingItem(h))
+        n += 1 + CountTreeItems(tree, tree.GetChildItem(h));
     return n;
 }
 
-class LevelTest : public PageTest {
+class LevelTest : public ServoPageTest {
 protected:
     // Chooses entry `index` of the access box as a user does.
     void Choose(int index) {
@@ -46,13 +34,12 @@ protected:
 };
 
 TEST_F(LevelTest, LoggingInWithTheFactoryCodeBringsTheHiddenGroupsAndRows) {
-    OpenFrame("ZD3S");
     // A user of the basic level, as the drive grants after power-on.
     table->ApplyAccessLevel(module, 1);
     ReadAndPoll();
     ASSERT_EQ(module->GetAccessLevel(), 1);
     const int rowsBefore = Page().GetShownCount();
-    const int itemsBefore = CountTreeItems(table->GetTree());
+    const int itemsBefore = CountTreeItems(table->GetTree(), table->GetTree().GetRootItem());
     ShootIfAsked(&parent, "level_before.png");
 
     int dialogs = 0;
@@ -67,7 +54,7 @@ TEST_F(LevelTest, LoggingInWithTheFactoryCodeBringsTheHiddenGroupsAndRows) {
     ReadAndPoll();
     EXPECT_EQ(module->GetAccessLevel(), 3);
     EXPECT_GT(Page().GetShownCount(), rowsBefore);
-    EXPECT_GT(CountTreeItems(table->GetTree()), itemsBefore);
+    EXPECT_GT(CountTreeItems(table->GetTree(), table->GetTree().GetRootItem()), itemsBefore);
     ShootIfAsked(&parent, "level_after.png");
 }
 

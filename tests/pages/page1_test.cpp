@@ -3,7 +3,6 @@
 #include "page_fixture.h"
 
 #include <afx/afxqt.h>
-#include <afx/afxtest.h>
 
 #include <QAbstractScrollArea>
 #include <QCoreApplication>
@@ -19,7 +18,6 @@ class Page1Test : public PageTest {
 protected:
     BOOL Visible(UINT id) { return Page().GetDlgItem(int(id))->IsWindowVisible(); }
     BOOL Enabled(UINT id) { return Page().GetDlgItem(int(id))->IsWindowEnabled(); }
-    CAfxRecordingResponder prompts;
 };
 
 TEST_F(Page1Test, StartUpOfTheSingleAxisServo) {
@@ -33,10 +31,6 @@ TEST_F(Page1Test, StartUpOfTheSingleAxisServo) {
         EXPECT_TRUE(Enabled(id)) << id;
     }
     EXPECT_GT(Page().GetAccessBox().GetCount(), 0);
-    ASSERT_EQ(Page().GetSearchBox().GetCount(), 1);
-    CString first;
-    Page().GetSearchBox().GetLBText(0, first);
-    EXPECT_EQ(first, "All");
     // Single-axis layout: 13 columns, value in 3, display mode in 9, hidden columns 0 wide.
     ASSERT_EQ(List().GetColumnCount(), 13);
     EXPECT_EQ(List().GetColumnText(3), "当前值");

@@ -1,5 +1,9 @@
 #include "page_fixture.h"
 
+#include "zorhost/sim/SimulatedDrive.h"
+
+#include <cctype>
+
 namespace pt {
 
 namespace {
@@ -44,12 +48,12 @@ void PageTest::CloseFrame() {
         parent.DestroyWindow();
 }
 
-void PageTest::ShowGroup(const char* name) {
+void PageTest::ShowGroup(const char* name, CVarTablePage* page) {
     IGroupSet* root = Store()->GetGroupRoot(0);
     ASSERT_NE(root, nullptr);
     IGroupNode* group = root->FindByName(name);
     ASSERT_NE(group, nullptr) << name;
-    Page().ShowGroup(group, Store());
+    (page != nullptr ? page : &Page())->ShowGroup(group, Store());
 }
 
 int PageTest::RowOf(const char* code, CVarTablePage* page) {
@@ -90,6 +94,14 @@ double PageTest::DriveValue(const char* code) {
     return raw;
 }
 
+std::vector<UINT> PageTest::Writes() {
+    std::vector<UINT> addresses;
+    for (const zorhost::sim::DriveRequest& r : drive->TakeRequests())
+        if (r.kind == zorhost::sim::DriveRequest::Write)
+            addresses.push_back(r.address);
+    return addresses;
+}
+
 void PageTest::ReadCycle() {
     Page().SubmitRefreshQuery();
     host.Refresh().RunCycle();
@@ -99,6 +111,18 @@ void PageTest::ReadCycle() {
 void PageTest::Pump() {
     int n = 0;
     AfxPumpMessagesUntil([&] { return ++n > 3; }, 200);
+}
+
+void TypeKeys(CWnd* edit, const CString& text) {
+    for (int i = 0; i < text.GetLength(); ++i) {
+        const wchar_t ch = text.GetAt(i);
+        const UINT vk = ch == L'-' ? 0xBD : ch == L'.' ? 0xBE : UINT(std::toupper(int(ch)));
+        AfxTestPressKey(edit, vk, ch);
+    }
+}
+
+void ClickOk(CDialog& dialog) {
+    static_cast<CButton*>(dialog.GetDlgItem(IDOK))->Click();
 }
 
 } // namespace pt

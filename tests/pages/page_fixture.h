@@ -5,6 +5,7 @@
 
 #include "module/host/HostContract.h"
 #include "pages/VarTablePage1.h"
+#include "pages/VarTablePage2.h"
 #include "table/VarTable.h"
 #include "zorhost/ReferenceHost.h"
 
@@ -22,6 +23,9 @@
 
 namespace pt {
 
+// The value column of the single-axis live list.
+constexpr int kValueColumn = 3;
+
 class PageTest : public ::testing::Test {
 protected:
     void SetUp() override;
@@ -32,10 +36,11 @@ protected:
     void CloseFrame();
 
     CVarTablePage1& Page() { return *static_cast<CVarTablePage1*>(table->GetPage1()); }
+    CVarTablePage2& Page2() { return *static_cast<CVarTablePage2*>(table->GetPage2()); }
     CVarTableListCtrl_1& List() { return Page().GetPageList(); }
     IVarStore* Store() { return table->GetVarList(); }
-    // Shows the group `name` of the fixed groups.
-    void ShowGroup(const char* name);
+    // Shows the group `name` of the fixed groups on `page` (the first page unless told).
+    void ShowGroup(const char* name, CVarTablePage* page = nullptr);
     // The row of `code` among the rows `page` (the first page unless told) shows, -1 when
     // it is not shown.
     int RowOf(const char* code, CVarTablePage* page = nullptr);
@@ -46,6 +51,8 @@ protected:
     IVarObjEx* Var(const char* code);
     UINT Address(const char* code);
     double DriveValue(const char* code);
+    // The addresses the drive was asked to write since the last call, in order.
+    std::vector<UINT> Writes();
     // Runs one read cycle for what the page asked, the way the host's clock does.
     void ReadCycle();
     void Pump();
@@ -57,6 +64,20 @@ protected:
     std::unique_ptr<CVarTable> table;
     zorhost::sim::SimulatedDrive* drive = nullptr;
     IHostDeviceModule* module = nullptr;
+    CAfxRecordingResponder prompts;
 };
+
+// The live list of the demo servo, open from the start.
+class ServoPageTest : public PageTest {
+protected:
+    void SetUp() override {
+        PageTest::SetUp();
+        OpenFrame();
+    }
+};
+
+// Types `text` key by key into `edit`, as a user does.
+void TypeKeys(CWnd* edit, const CString& text);
+void ClickOk(CDialog& dialog);
 
 } // namespace pt

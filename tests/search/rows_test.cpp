@@ -5,14 +5,11 @@
 #include "pages/ConfigListDlg.h"
 #include "pages/RowCommands.h"
 
-#include <afx/afxtest.h>
-
 namespace pt {
 namespace {
 
-class RowsTest : public PageTest {
+class RowsTest : public ServoPageTest {
 protected:
-    CVarTablePageBase& Page2() { return *static_cast<CVarTablePageBase*>(table->GetPage2()); }
     void Select(CVarTablePageBase& page, std::initializer_list<int> rows) {
         page.GetList().SetItemState(-1, 0, LVIS_SELECTED);
         for (int row : rows)
@@ -27,11 +24,9 @@ protected:
             all += menu->menuItems[i] + "|";
         return all;
     }
-    CAfxRecordingResponder prompts;
 };
 
 TEST_F(RowsTest, MenuByPageAndSelection) {
-    OpenFrame("ZD3S");
     Page2().ShowAllParameters(Store());
     struct Case {
         bool firstPage;
@@ -63,7 +58,6 @@ TEST_F(RowsTest, MenuByPageAndSelection) {
 }
 
 TEST_F(RowsTest, MonitorGetsTheSelectionOnceInRowOrder) {
-    OpenFrame("ZD3S");
     host.Access().ClearWatchList("ZD3S");
     Select(Page(), {7, 1, 3});
     prompts.ChooseMenuCommand(ID_ADD_TO_MONITOR);
@@ -85,7 +79,6 @@ TEST_F(RowsTest, MonitorGetsTheSelectionOnceInRowOrder) {
 }
 
 TEST_F(RowsTest, RemoveRowsKeepsTheOtherMembers) {
-    OpenFrame("ZD3S");
     IGroupSet* custom = Store()->GetGroupRoot(1);
     ASSERT_NE(custom, nullptr);
     IGroupNode* group = custom->NewGroup();
@@ -123,7 +116,6 @@ TEST_F(RowsTest, RemoveRowsKeepsTheOtherMembers) {
 }
 
 TEST_F(RowsTest, ColumnChoicesSurviveATreeSelection) {
-    OpenFrame("ZD3S");
     CListCtrlEx& list = Page().GetList();
     const int name = 2;
     const int dec = 11;

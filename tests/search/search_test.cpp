@@ -2,19 +2,11 @@
 // page, the present language and the access level.
 #include "page_fixture.h"
 
-#include "pages/VarTablePage2.h"
-
-#include <afx/afxtest.h>
-
 namespace pt {
 namespace {
 
-class SearchTest : public PageTest {
+class SearchTest : public ServoPageTest {
 protected:
-    CVarTablePageBase& Page2() { return *static_cast<CVarTablePageBase*>(table->GetPage2()); }
-    void ShowGroupOn(CVarTablePageBase& page, const char* name) {
-        page.ShowGroup(Store()->GetGroupRoot(0)->FindByName(name), Store());
-    }
     // Types `text` into the page's box and presses Enter, as a user does.
     void Enter(CVarTablePageBase& page, const char* text) {
         CSearcherComboBox* box = page.GetSearcher();
@@ -23,15 +15,7 @@ protected:
         AfxTestPressKey(box, VK_RETURN);
         Pump();
     }
-    static bool Shows(CVarTablePageBase& page, const char* code) {
-        for (int i = 0; i < page.GetShownCount(); ++i) {
-            CString c;
-            page.GetShownVar(i)->GetAttr()->GetCode(c);
-            if (c == code)
-                return true;
-        }
-        return false;
-    }
+    bool Shows(CVarTablePageBase& page, const char* code) { return RowOf(code, &page) >= 0; }
     static CString Entries(CComboBox& box) {
         CString all;
         for (int i = 0; i < box.GetCount(); ++i) {
@@ -49,7 +33,6 @@ protected:
 };
 
 TEST_F(SearchTest, HistoryAndTheMeaningOfAll) {
-    OpenFrame("ZD3S");
     ShowGroup("H00");
     const int base = Page().GetShownCount();
     ASSERT_GT(base, 2);
@@ -81,27 +64,25 @@ TEST_F(SearchTest, HistoryAndTheMeaningOfAll) {
 }
 
 TEST_F(SearchTest, FieldsOfEachPage) {
-    OpenFrame("ZD3S");
     CVarTablePageBase* pages[] = {&Page(), &Page2()};
     for (CVarTablePageBase* page : pages) {
         SCOPED_TRACE(page->IsFirstPage() ? "first page" : "second page");
-        ShowGroupOn(*page, "H00");
+        ShowGroup("H00", page);
         page->SearchRows("h00-10");
         EXPECT_TRUE(Shows(*page, "H00-10"));
         EXPECT_EQ(page->GetShownCount(), 1);
         // An option name of the DI functions is a field of the first page only.
-        ShowGroupOn(*page, "H03");
+        ShowGroup("H03", page);
         page->SearchRows("伺服使能");
         EXPECT_EQ(Shows(*page, "H03-02"), page->IsFirstPage() != FALSE);
         // "kg·cm²" is the unit of H00-10 only; the address 10 is held by more.
-        ShowGroupOn(*page, "H00");
+        ShowGroup("H00", page);
         page->SearchRows("KG·CM²");
         EXPECT_EQ(page->GetShownCount(), 1);
     }
 }
 
 TEST_F(SearchTest, FindsTheTextsOfTheLanguageOnShow) {
-    OpenFrame("ZD3S");
     ShowGroup("H03");
     Page().SearchRows("伺服使能");
     const int chinese = Page().GetShownCount();
@@ -119,7 +100,6 @@ TEST_F(SearchTest, FindsTheTextsOfTheLanguageOnShow) {
 // The texts made while the program is idle, after a selection and after a language change,
 // give the finds that texts made during the search give.
 TEST_F(SearchTest, TextsPreparedWhileIdle) {
-    OpenFrame("ZD3S");
     ShowGroup("H03");
     EXPECT_TRUE(AfxPumpMessagesUntil(
         [&] { return Page().GetSearchIndex().GetCount() >= Page().GetGroupVars().GetCount(); },
@@ -140,7 +120,6 @@ TEST_F(SearchTest, TextsPreparedWhileIdle) {
 }
 
 TEST_F(SearchTest, AccessLevelLimitsTheFinds) {
-    OpenFrame("ZD3S");
     ShowGroup("H00");
     Page().SearchRows("h00-10");
     ASSERT_EQ(Page().GetShownCount(), 1);
@@ -149,17 +128,14 @@ TEST_F(SearchTest, AccessLevelLimitsTheFinds) {
     Page().SearchRows("h00-10");
     EXPECT_EQ(Page().GetShownCount(), 0);
     // The host sets a level on the module before it tells the panel: the texts for the level
-    // are made while idle, so that the next search finds them ready.
+    // are made while idle, and the next search finds by them.
     const int base = Page().GetGroupVars().GetCount();
-    auto prepared = [&] { return Page().GetSearchIndex().GetCount() >= base; };
-    ASSERT_TRUE(AfxPumpMessagesUntil(prepared, 2000));
-    Pump();
     module->SetAccessLevel(3);
     table->SetModuleAccessLevel("ZD3S", 3);
-    ASSERT_TRUE(AfxPumpMessagesUntil(prepared, 2000));
-    Pump();
-    Page().SearchRows("h");
-    EXPECT_TRUE(prepared());
+    EXPECT_TRUE(
+        AfxPumpMessagesUntil([&] { return Page().GetSearchIndex().GetCount() >= base; }, 2000));
+    Page().SearchRows("h00-10");
+    EXPECT_EQ(Page().GetShownCount(), 1);
 }
 
 } // namespace

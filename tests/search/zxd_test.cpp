@@ -6,15 +6,12 @@
 #include "files/ZxdExport.h"
 #include "table/TableResources.h"
 
-#include <afx/afxtest.h>
-
 #include <zlib.h>
 
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <string>
 
 namespace pt {
 namespace {
@@ -52,7 +49,7 @@ TEST(ZxdRecordTest, ValueWordsAndTheChecksumRule) {
     EXPECT_EQ(ZxdChecksum(record, sizeof record), 0xFFFFFF79u);
 }
 
-class ZxdFileTest : public PageTest {
+class ZxdFileTest : public ServoPageTest {
 protected:
     TempDir temp;
     std::filesystem::path dir{temp.Path()};
@@ -94,7 +91,6 @@ protected:
 };
 
 TEST_F(ZxdFileTest, RowsOfTheListAndTheirImage) {
-    OpenFrame("ZD3S");
     ShowGroup("H00");
     std::vector<IVarObjEx*> rows;
     Page().CollectShown(rows);
@@ -121,34 +117,19 @@ TEST_F(ZxdFileTest, RowsOfTheListAndTheirImage) {
     EXPECT_EQ(Word(withNull, 256 + 16 * (rows.size() - 1)), ZXD_END_MARK);
 }
 
-TEST_F(ZxdFileTest, EmptyListAndTheFrameCommand) {
-    OpenFrame("ZD3S");
+TEST_F(ZxdFileTest, AnEmptyListAndAnUnwritablePlace) {
     const std::filesystem::path empty = dir / "empty.zxd";
     ASSERT_EQ(WriteZxdFile(empty.string(), module, {}), ZxdResult::Written);
     CheckFile(ReadAll(empty), 0);
-    // Command 32857 of the frame: the file dialog, the file, the success box.
-    ShowGroup("H02");
-    CAfxRecordingResponder prompts;
-    const std::filesystem::path chosen = dir / "from-menu.zxd";
-    prompts.ChooseFiles({CString(chosen.string().c_str())});
-    ASSERT_TRUE(table->OnFrameCommand(ID_EXPORT_ZXD));
-    EXPECT_EQ(table->busyExporting, 0);
-    const AfxPrompt* dialog = prompts.Last(AfxPrompt::FileDialog);
-    ASSERT_NE(dialog, nullptr);
-    EXPECT_EQ(dialog->defExt, "zxd");
-    EXPECT_EQ(dialog->text.Right(4), ".zxd");
-    CheckFile(ReadAll(chosen), uint32_t(Page().GetShownCount()));
-    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "文件保存成功");
     // Unwritable place: the open failure, and no file.
     prompts.ChooseFiles({CString((dir / "missing" / "x.zxd").string().c_str())});
     table->OnFrameCommand(ID_EXPORT_ZXD);
     EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "文件打开失败");
 }
 
-// The export reads the drive first: the records hold what the drive holds, the end of that
-// upload starts no save of its own, and a failed read leaves no file.
-TEST_F(ZxdFileTest, UploadBeforeTheExport) {
-    OpenFrame("ZD3S");
+// Command 32857 of the frame reads the drive first: the records hold what the drive holds,
+// the end of that upload starts no save of its own, and a failed read leaves no file.
+TEST_F(ZxdFileTest, TheFrameCommandUploadsBeforeTheExport) {
     ShowGroup("H00");
     const int row = 2;
     IVarObjEx* var = Page().GetShownVar(row);
@@ -156,14 +137,16 @@ TEST_F(ZxdFileTest, UploadBeforeTheExport) {
     double raw = 0;
     ASSERT_TRUE(drive->PeekRaw(address, raw));
     ASSERT_TRUE(drive->PokeRaw(address, raw + 1));
-    CAfxRecordingResponder prompts;
     const std::filesystem::path fresh = dir / "fresh.zxd";
     prompts.ChooseFiles({CString(fresh.string().c_str())});
     ASSERT_TRUE(table->OnFrameCommand(ID_EXPORT_ZXD));
+    EXPECT_EQ(table->busyExporting, 0);
     const std::string bytes = ReadAll(fresh);
     CheckFile(bytes, uint32_t(Page().GetShownCount()));
     EXPECT_EQ(Word(bytes, 256 + 16 * row + 8), uint32_t(raw + 1));
-    EXPECT_EQ(prompts.Count(AfxPrompt::FileDialog), 1u);
+    ASSERT_EQ(prompts.Count(AfxPrompt::FileDialog), 1u);
+    EXPECT_EQ(prompts.Last(AfxPrompt::FileDialog)->defExt, "zxd");
+    EXPECT_EQ(prompts.Last(AfxPrompt::FileDialog)->text.Right(4), ".zxd");
     EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "文件保存成功");
 
     drive->SetFailure(zorhost::sim::FailureMode::FailReads, {address});

@@ -1,39 +1,25 @@
 #include "TempDir.h"
 #include "page_fixture.h"
-#include "pages/VarTablePage2.h"
-
-#include <afx/afxtest.h>
 
 #include <filesystem>
 
 namespace {
 
-using zorhost::sim::DriveRequest;
 using zorhost::sim::FailureMode;
 
 class StagingTest : public pt::PageTest {
 protected:
     void SetUp() override {
         pt::PageTest::SetUp();
-        zorhost::ProjectSetup setup = zorhost::ReferenceHost::DemoProject();
-        setup.listStyle = 1;
-        ASSERT_TRUE(host.LoadProject(setup));
+        host.Project()->Workspace().SetListStyle(1);
         OpenFrame("ZD3S");
         Page2().ShowAllParameters(Store());
         filterActive = 0;
     }
 
-    CVarTablePage2& Page2() { return *static_cast<CVarTablePage2*>(table->GetPage2()); }
     void Stage(const char* code, double value, BOOL checked) {
         Var(code)->SetSetValue(Variant::UI2(uint16_t(value)));
         Var(code)->SetChecked(checked);
-    }
-    std::vector<UINT> Writes() {
-        std::vector<UINT> addresses;
-        for (const DriveRequest& r : drive->TakeRequests())
-            if (r.kind == DriveRequest::Write)
-                addresses.push_back(r.address);
-        return addresses;
     }
     size_t SuccessBoxes() {
         size_t n = 0;
@@ -61,7 +47,6 @@ protected:
         return path;
     }
 
-    CAfxRecordingResponder prompts;
     TempDir temp;
 };
 

@@ -3,7 +3,6 @@
 #include "values/ValueText.h"
 #include "values_fixture.h"
 
-#include <cmath>
 #include <limits>
 
 using namespace VarText;

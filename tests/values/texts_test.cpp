@@ -4,7 +4,7 @@
 #include "values_fixture.h"
 #include "zorhost/device/DeviceLoader.h"
 
-#include <cmath>
+#include <optional>
 
 using namespace VarText;
 
@@ -12,66 +12,59 @@ namespace {
 
 class ValueTexts : public ValuesTest {};
 
-TEST_F(ValueTexts, DecimalParametersShowTheirOwnUnitWithTheirPlaces) {
-    IVarObjEx* torque = Var("H00-01"); // i16, 1 decimal, factory 1000 = 100.0
-    EXPECT_EQ(ItemValueText(torque), CString("100.0"));
-    EXPECT_EQ(FactoryValueText(torque), CString("100.0"));
-    EXPECT_EQ(MinValueText(torque), CString("-300.0"));
-    EXPECT_EQ(MaxValueText(torque), CString("300.0"));
-    torque->SetValue(Variant::I2(-5));
-    EXPECT_EQ(ItemValueText(torque), CString("-0.5"));
-    torque->SetValue(Variant());
-    EXPECT_EQ(ItemValueText(torque), CString("")) << "no value, no text";
-}
-
-TEST_F(ValueTexts, RoundingAtTheLimitsOfEachType) {
-    IVarObjEx* fine = Var("H00-16"); // i16, 4 decimals
-    fine->SetValue(Variant::I2(-32768));
-    EXPECT_EQ(ItemValueText(fine), CString("-3.2768"));
-    fine->SetValue(Variant::I2(32767));
-    EXPECT_EQ(ItemValueText(fine), CString("3.2767"));
-    EXPECT_EQ(MinValueText(fine), CString("-3.2768"));
-    IVarObjEx* count = Var("H00-26"); // u32
-    count->SetValue(Variant::UI4(4294967295u));
-    EXPECT_EQ(ItemValueText(count), CString("4294967295"));
-    EXPECT_EQ(MaxValueText(count), CString("4294967295"));
-    IVarObjEx* ratio = Var("H00-28"); // f64, 3 decimals
-    ratio->SetValue(Variant::R8(-0.0004));
-    EXPECT_EQ(ItemValueText(ratio), CString("0.000")) << "no negative zero";
-    ratio->SetValue(Variant::R8(1.2346));
-    EXPECT_EQ(ItemValueText(ratio), CString("1.235"));
-    EXPECT_EQ(MaxValueText(ratio), CString("1.500"));
-    IVarObjEx* none = Var("H00-10"); // u16, 0 decimals
-    none->SetValue(Variant::UI2(65535));
-    EXPECT_EQ(ItemValueText(none), CString("65535"));
-}
-
-TEST_F(ValueTexts, HexadecimalShowsTheTypesWidthAndNeverForDecimals) {
-    IVarObjEx* serial = Var("H00-20"); // u32 hex, factory 4660
-    EXPECT_EQ(ItemValueText(serial), CString("0x1234"));
-    EXPECT_EQ(FactoryValueText(serial), CString("0x1234"));
-    EXPECT_EQ(MaxValueText(serial), CString("0xFFFFFFFF"));
-    serial->SetValue(Variant::UI4(0xA));
-    EXPECT_EQ(ItemValueText(serial), CString("0x000A")) << "at least four digits";
-    IVarObjEx* offset = Var("H00-03"); // i16 hex, factory -1
-    EXPECT_EQ(ItemValueText(offset), CString("0xFFFF")) << "16 bits, not 32";
-    EXPECT_EQ(MinValueText(offset), CString("0x8000"));
-    EXPECT_EQ(MaxValueText(offset), CString("0x7FFF"));
-    IVarObjEx* filter = Var("H00-04"); // u16 hex with 1 decimal, factory 255
-    EXPECT_EQ(ItemValueText(filter), CString("25.5"));
-    EXPECT_EQ(MaxValueText(filter), CString("100.0"));
-}
-
-TEST_F(ValueTexts, RawAndHiddenFormats) {
-    IVarObjEx* raw = Var("H00-06"); // format 3
-    EXPECT_EQ(ItemValueText(raw), CString(""));
-    EXPECT_EQ(FactoryValueText(raw), CString("7")) << "limits still show their figure";
-    IVarObjEx* hidden = Var("H00-05"); // format 4: the column puts "******" over it
-    EXPECT_EQ(ItemValueText(hidden), CString("1234"));
-    EXPECT_EQ(MinValueText(hidden), CString("0"));
-    EXPECT_EQ(MaxValueText(hidden), CString("65535"));
-    EXPECT_EQ(DisplayFormatText(raw), CString("原始值"));
-    EXPECT_EQ(DisplayFormatText(hidden), CString("原始值"));
+// Values and limits by type, places and display format. Each row may first give the
+// parameter a value; the rows of one parameter run in order.
+TEST_F(ValueTexts, ValuesAndLimitsByTypePlacesAndFormat) {
+    struct Case {
+        const char* code;
+        std::optional<Variant> value;
+        CString (*text)(IVarObjEx*);
+        const char* expected;
+    };
+    const Case cases[] = {
+        // i16, 1 decimal, factory 1000 = 100.0
+        {"H00-01", {}, ItemValueText, "100.0"},
+        {"H00-01", {}, FactoryValueText, "100.0"},
+        {"H00-01", {}, MinValueText, "-300.0"},
+        {"H00-01", {}, MaxValueText, "300.0"},
+        {"H00-01", Variant::I2(-5), ItemValueText, "-0.5"},
+        {"H00-01", Variant(), ItemValueText, ""}, // no value, no text
+        // The ends of each type: i16 with 4 decimals, u32, f64 with 3, u16.
+        {"H00-16", Variant::I2(-32768), ItemValueText, "-3.2768"},
+        {"H00-16", Variant::I2(32767), ItemValueText, "3.2767"},
+        {"H00-16", {}, MinValueText, "-3.2768"},
+        {"H00-26", Variant::UI4(4294967295u), ItemValueText, "4294967295"},
+        {"H00-26", {}, MaxValueText, "4294967295"},
+        {"H00-28", Variant::R8(-0.0004), ItemValueText, "0.000"}, // no negative zero
+        {"H00-28", Variant::R8(1.2346), ItemValueText, "1.235"},
+        {"H00-28", {}, MaxValueText, "1.500"},
+        {"H00-10", Variant::UI2(65535), ItemValueText, "65535"},
+        // Hexadecimal shows the type's width, at least four digits; never with decimals.
+        {"H00-20", {}, ItemValueText, "0x1234"}, // u32, factory 4660
+        {"H00-20", {}, FactoryValueText, "0x1234"},
+        {"H00-20", {}, MaxValueText, "0xFFFFFFFF"},
+        {"H00-20", Variant::UI4(0xA), ItemValueText, "0x000A"},
+        {"H00-03", {}, ItemValueText, "0xFFFF"}, // i16, factory -1: 16 bits, not 32
+        {"H00-03", {}, MinValueText, "0x8000"},
+        {"H00-03", {}, MaxValueText, "0x7FFF"},
+        {"H00-04", {}, ItemValueText, "25.5"}, // u16 with 1 decimal, factory 255
+        {"H00-04", {}, MaxValueText, "100.0"},
+        // Raw (format 3): no value text, but the limits show their figure.
+        {"H00-06", {}, ItemValueText, ""},
+        {"H00-06", {}, FactoryValueText, "7"},
+        {"H00-06", {}, DisplayFormatText, "原始值"},
+        // Hidden (format 4): the column puts "******" over the figure.
+        {"H00-05", {}, ItemValueText, "1234"},
+        {"H00-05", {}, MinValueText, "0"},
+        {"H00-05", {}, MaxValueText, "65535"},
+        {"H00-05", {}, DisplayFormatText, "原始值"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.code << " " << c.expected);
+        if (c.value)
+            Var(c.code)->SetValue(*c.value);
+        EXPECT_EQ(c.text(Var(c.code)), CString(c.expected));
+    }
 }
 
 TEST_F(ValueTexts, PercentOf16And32BitAndRealParameters) {

@@ -8,7 +8,6 @@ void ValuesTest::SetUp() {
     auto loaded =
         zorhost::device::LoadDeviceFile(PARMIRA_SOURCE_DIR "/tests/values/data/values_device.json");
     ASSERT_TRUE(loaded) << loaded.error.ToString();
-    device = loaded.device;
     auto project = std::make_unique<zorhost::model::CProject>();
     m_module = project->Workspace().Modules().Add(
         std::make_unique<zorhost::model::CDeviceModule>(loaded.device, CString("M1"), 1));

@@ -9,7 +9,6 @@
 #include "module/ParmiraApp.h"
 #include "module/host/HostContract.h"
 #include "zorhost/HostServices.h"
-#include "zorhost/device/DeviceDescription.h"
 #include "zorhost/model/ProjectModel.h"
 #include "zorhost/services/HostVarUtil.h"
 
@@ -17,9 +16,7 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <memory>
-#include <vector>
 
 class ValuesTest : public ::testing::Test {
 protected:
@@ -29,14 +26,12 @@ protected:
     // The variable of `code` in module M1 (fails the test when absent).
     IVarObjEx* Var(const char* code);
     IVarAttr* Attr(const char* code) { return Var(code)->GetAttr(); }
-    zorhost::model::CDeviceModule& Module() { return *m_module; }
 
     zorhost::CHostVarUtil util;
     FakeDeviceHelper helper; // direct reads and writes as the test scripts them
     FakeUiService ui;        // strings: only <2037>, as a translated caption
     zorhost::model::CProjectRoot root;
     zorhost::HostServices services;
-    std::shared_ptr<const zorhost::device::DeviceDescription> device;
 
 private:
     zorhost::model::CDeviceModule* m_module = nullptr;

@@ -27,21 +27,6 @@ TEST_F(VarInfo, EnumerationValuesCarryTheirNameThroughTheTranslator) {
         << "compared as a figure of the parameter's type";
 }
 
-TEST_F(VarInfo, SetValueTextFollowsTheSetValue) {
-    IVarObjEx* mode = Var("H00-00");
-    EXPECT_EQ(info.SetValueText(mode), CString("")) << "the page puts --- there";
-    mode->SetSetValue(Variant::UI2(2));
-    EXPECT_EQ(info.SetValueText(mode), CString("2[转矩模式]"));
-}
-
-TEST_F(VarInfo, BitsAndPlainNumbersHaveNoMeaningText) {
-    IVarObjEx* bits = Var("H00-14");
-    bits->SetValue(Variant::UI2(3));
-    EXPECT_EQ(info.CurrentValueText(bits), CString("3"));
-    IVarObjEx* torque = Var("H00-01");
-    EXPECT_EQ(info.CurrentValueText(torque), CString("100.0"));
-}
-
 TEST_F(VarInfo, ConnectorValuesNameTheirTarget) {
     IVarObjEx* source = Var("H00-13");
     ASSERT_TRUE(IsConnectorVar(source->GetAttr()));
