@@ -29,7 +29,7 @@ void RegisterControls() {
                        "controls",
                        400,
                        300,
-                       {{IDC_LEVEL, DlgCtl::ComboDropList, "", 10, 10, 150, 24, CBS_SORT},
+                       {{IDC_LEVEL, DlgCtl::ComboDropList, "", 10, 10, 150, 24},
                         {IDC_SEARCH, DlgCtl::ComboDropDown, "", 10, 40, 150, 24},
                         {IDC_NOTE, DlgCtl::Edit, "", 10, 70, 200, 80, ES_MULTILINE | ES_READONLY},
                         {IDC_R1, DlgCtl::Radio, "一", 10, 160, 60, 20, WS_GROUP},
@@ -78,21 +78,21 @@ TEST_F(ControlsTest, ComboEntriesDataAndChoice) {
     auto* level = Item<CComboBox>(IDC_LEVEL);
     ASSERT_NE(level, nullptr); // the stand-in has the control's class
     EXPECT_EQ(level->AddString("user"), 0);
-    EXPECT_EQ(level->AddString("Factory"), 0); // sorted, without regard to case
     EXPECT_EQ(level->AddString("service"), 1);
-    EXPECT_EQ(level->GetCurSel(), CB_ERR); // adding selects nothing
     level->SetItemData(1, 0xABCD);
+    EXPECT_EQ(level->InsertString(0, "Factory"), 0);
+    EXPECT_EQ(level->GetCurSel(), CB_ERR); // adding selects nothing
     CString text;
     level->GetLBText(2, text);
-    EXPECT_EQ(text, "user");
+    EXPECT_EQ(text, "service");
     EXPECT_EQ(level->SetCurSel(9), CB_ERR);
     EXPECT_EQ(level->GetCurSel(), CB_ERR);
     dlg.commands.clear();
-    level->ChooseEntry(1);
-    EXPECT_EQ(level->GetCurSel(), 1);
+    level->ChooseEntry(2);
+    EXPECT_EQ(level->GetCurSel(), 2);
     EXPECT_EQ(level->GetWindowTextString(), "service");
     EXPECT_EQ(CodesOf(IDC_LEVEL), (std::vector<UINT>{CBN_SELCHANGE, CBN_SELENDOK, CBN_CLOSEUP}));
-    EXPECT_EQ(level->GetItemData(1), 0xABCDu); // data stays with its entry
+    EXPECT_EQ(level->GetItemData(2), 0xABCDu); // data stays with its entry
     level->ResetContent();
     EXPECT_EQ(level->GetCount(), 0);
 }

@@ -442,14 +442,8 @@ int CComboBox::AddString(const char* text) {
     AfxCombo* c = ComboOf(m_hWnd);
     if (!c)
         return CB_ERR;
-    WindowData* d = Lookup(m_hWnd);
     const QString t = Q(text);
-    int at = c->count();
-    if (d && (d->style & CBS_SORT)) {
-        at = 0;
-        while (at < c->count() && QString::compare(c->itemText(at), t, Qt::CaseInsensitive) <= 0)
-            ++at;
-    }
+    const int at = c->count();
     const int keep = c->currentIndex();
     const QString editText = c->isEditable() ? c->lineEdit()->text() : QString();
     c->insertItem(at, t, QVariant(qulonglong(0)));

@@ -243,13 +243,6 @@ int CListCtrl::InsertItem(int nItem, const char* text) {
     return at;
 }
 
-int CListCtrl::InsertItem(int nItem, const char* text, int nImage) {
-    const int at = InsertItem(nItem, text);
-    if (at >= 0)
-        SetItemImage(at, nImage);
-    return at;
-}
-
 BOOL CListCtrl::SetItemImage(int nItem, int nImage) {
     AfxListView* v = ViewOf(m_hWnd);
     if (!v || v->m_ownerData || nItem < 0 || size_t(nItem) >= v->m_rows.size())
@@ -264,36 +257,6 @@ int CListCtrl::OnGetItemImage(int nItem) {
     if (!v || v->m_ownerData || nItem < 0 || size_t(nItem) >= v->m_rows.size())
         return -1;
     return v->m_rows[size_t(nItem)].image;
-}
-
-BOOL CListCtrl::DeleteItem(int nItem) {
-    AfxListView* v = ViewOf(m_hWnd);
-    if (!v || nItem < 0 || nItem >= v->m_count)
-        return FALSE;
-    v->m_model->beginRemoveRows(QModelIndex(), nItem, nItem);
-    if (!v->m_ownerData)
-        v->m_rows.erase(v->m_rows.begin() + nItem);
-    --v->m_count;
-    std::unordered_map<int, UINT> moved;
-    for (const auto& [r, s] : v->m_stateImages)
-        if (r != nItem)
-            moved[r > nItem ? r - 1 : r] = s;
-    v->m_stateImages.swap(moved);
-    v->m_model->endRemoveRows();
-    return TRUE;
-}
-
-BOOL CListCtrl::DeleteAllItems() {
-    AfxListView* v = ViewOf(m_hWnd);
-    if (!v)
-        return FALSE;
-    v->m_model->beginResetModel();
-    v->m_rows.clear();
-    v->m_count = 0;
-    v->m_stateImages.clear();
-    v->m_selectionMark = -1;
-    v->m_model->endResetModel();
-    return TRUE;
 }
 
 BOOL CListCtrl::SetItemText(int nItem, int nSubItem, const char* text) {

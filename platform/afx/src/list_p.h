@@ -29,12 +29,10 @@ public:
     using QAbstractTableModel::beginInsertRows;
     using QAbstractTableModel::beginRemoveColumns;
     using QAbstractTableModel::beginRemoveRows;
-    using QAbstractTableModel::beginResetModel;
     using QAbstractTableModel::endInsertColumns;
     using QAbstractTableModel::endInsertRows;
     using QAbstractTableModel::endRemoveColumns;
     using QAbstractTableModel::endRemoveRows;
-    using QAbstractTableModel::endResetModel;
 
 private:
     AfxListView* m_view;

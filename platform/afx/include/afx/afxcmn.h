@@ -261,10 +261,7 @@ public:
     BOOL SetItemCountEx(int nItems, DWORD dwFlags = LVSICF_NOINVALIDATEALL);
     int GetItemCount() const;
     int InsertItem(int nItem, const char* text);
-    int InsertItem(int nItem, const char* text, int nImage);
     BOOL SetItemImage(int nItem, int nImage);
-    BOOL DeleteItem(int nItem);
-    BOOL DeleteAllItems();
     BOOL SetItemText(int nItem, int nSubItem, const char* text);
     CString GetItemText(int nItem, int nSubItem) const;
     BOOL SetItemData(int nItem, DWORD_PTR dwData);
