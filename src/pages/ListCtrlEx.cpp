@@ -166,6 +166,8 @@ void CListCtrlEx::InitCellEdit(CItemEdit*, int, int) {}
 void CListCtrlEx::InitCellCombo(CItemComBox*, int, int) {}
 void CListCtrlEx::InitCellButton(CItemButton*, int, int) {}
 
+void CListCtrlEx::SortColumn(int, BOOL) {}
+
 BOOL CListCtrlEx::OnGetCellColors(int nItem, int nSubItem, COLORREF& text, COLORREF& back) {
     text = GetCellTextColor(nItem, nSubItem);
     back = GetCellBackColor(nItem, nSubItem);
@@ -404,6 +406,11 @@ LRESULT CListCtrlEx::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 // ---------------------------------------------------------------- CVarListCtrlEx
+void CVarListCtrlEx::SortColumn(int nColumn, BOOL bAscending) {
+    // The skin's sort, past CListCtrlEx's empty one, which stands for lists that don't sort.
+    CZorSkinPListCtrl::SortColumn(nColumn, bAscending); // NOLINT(bugprone-parent-virtual-call)
+}
+
 BOOL CVarListCtrlEx::OnChildNotify(UINT message, WPARAM, LPARAM lParam, LRESULT*) {
     if (message != WM_NOTIFY)
         return FALSE;

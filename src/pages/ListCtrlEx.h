@@ -102,6 +102,9 @@ public:
     virtual void InitCellCombo(CItemComBox* combo, int row, int column);
     virtual void InitCellButton(CItemButton* button, int row, int column);
 
+    // Rows always stand in the order they were given.
+    void SortColumn(int nColumn, BOOL bAscending) override;
+
     BOOL OnGetCellColors(int nItem, int nSubItem, COLORREF& text, COLORREF& back) override;
 
     // The editor for a cell, as a click opens it (also for keyboard-driven opening).
@@ -141,6 +144,8 @@ private:
 // A list that sorts by a column on a click on its header; column 0 never sorts.
 class CVarListCtrlEx : public CListCtrlEx {
 public:
+    void SortColumn(int nColumn, BOOL bAscending) override;
+    int GetSortedColumn() const { return m_nSortColumn; }
     BOOL IsSortedAscending() const { return m_bAscending; }
 
 protected:

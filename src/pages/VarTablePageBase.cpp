@@ -317,6 +317,8 @@ BOOL CVarTablePageBase::OnInitDialog() {
 
 void CVarTablePageBase::LinkList() {
     CListCtrlEx& list = GetList();
+    list.SetMarkSortedColumn(FALSE);
+    list.SetMultiSort(TRUE);
     list.EnableHeaderSort(FALSE);
     list.ApplySkinStyle();
     DWORD ex = LVS_EX_FULLROWSELECT | LVS_EX_GRIDLINES | LVS_EX_DOUBLEBUFFER;

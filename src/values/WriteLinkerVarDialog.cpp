@@ -155,6 +155,7 @@ BOOL CWriteLinkerVarDialog::OnInitDialog() {
     SetDlgItemText(IDCANCEL, StringById(188, "取消").GetString());
     m_list.SetExtendedStyle(m_list.GetExtendedStyle() | LVS_EX_FULLROWSELECT | LVS_EX_GRIDLINES |
                             LVS_EX_CHECKBOXES);
+    m_list.SetMarkSortedColumn(FALSE);
     m_list.EnableHeaderSort(FALSE);
     m_list.InsertColumn(0, StringById(2013, "参数").GetString(), LVCFMT_LEFT, 80);
     m_list.InsertColumn(1, StringById(2014, "参数名称").GetString(), LVCFMT_LEFT, 300);

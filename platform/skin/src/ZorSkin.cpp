@@ -183,8 +183,9 @@ BOOL CZorSkinPListCtrl::OnChildNotify(UINT message, WPARAM, LPARAM lParam, LRESU
     m_sortAscending = col == m_sortColumn ? !m_sortAscending : TRUE;
     m_sortColumn = col;
     SortColumn(col, m_sortAscending);
-    if (CHeaderCtrl* h = GetHeaderCtrl())
-        h->SetSortArrow(col, m_sortAscending);
+    if (m_markSorted)
+        if (CHeaderCtrl* h = GetHeaderCtrl())
+            h->SetSortArrow(col, m_sortAscending);
     return FALSE; // the parent hears of the click too
 }
 

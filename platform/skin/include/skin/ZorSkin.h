@@ -56,8 +56,17 @@ private:
 // ---------------------------------------------------------------- list, tree, combo, button
 class CZorSkinPListCtrl : public CListCtrl {
 public:
+    // Whether the header shows which column is sorted.
+    void SetMarkSortedColumn(BOOL bMark) { m_markSorted = bMark; }
+    // The default sort is stable, so successive sorts nest (the earlier column orders
+    // ties); the flag is kept for callers that state it.
+    void SetMultiSort(BOOL bMulti) { m_multiSort = bMulti; }
+    BOOL IsMultiSort() const { return m_multiSort; }
     // Whether a click on a column header sorts (through SortColumn).
     void EnableHeaderSort(BOOL bEnable) { m_headerSort = bEnable; }
+    BOOL IsHeaderSortEnabled() const { return m_headerSort; }
+    int GetSortColumn() const { return m_sortColumn; }
+    BOOL IsSortAscending() const { return m_sortAscending; }
     // Sorts the rows by a column. The default re-orders the rows of a stored list by
     // text (numbers by value); virtual lists have nothing to re-order here.
     virtual void SortColumn(int nColumn, BOOL bAscending);
@@ -68,6 +77,8 @@ protected:
     BOOL OnChildNotify(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* pResult) override;
 
 private:
+    BOOL m_markSorted = TRUE;
+    BOOL m_multiSort = FALSE;
     BOOL m_headerSort = TRUE;
     int m_sortColumn = -1;
     BOOL m_sortAscending = TRUE;
