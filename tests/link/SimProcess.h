@@ -2,8 +2,6 @@
 // where it listens, and always stopped (killed at the latest when the object goes).
 #pragma once
 
-#include <QProcess>
-
 #include <string>
 #include <vector>
 
@@ -14,6 +12,8 @@ public:
     // Starts `zordrive-sim --control-stdin args...` and waits for its first line.
     explicit SimProcess(const std::vector<std::string>& args);
     ~SimProcess();
+    SimProcess(const SimProcess&) = delete;
+    SimProcess& operator=(const SimProcess&) = delete;
 
     bool Started() const { return !m_firstLine.empty(); }
     const std::string& FirstLine() const { return m_firstLine; }
@@ -26,9 +26,10 @@ public:
     void Kill();
 
 private:
-    std::string ReadLine();
-    QProcess m_process;
-    std::string m_firstLine;
+    std::string ReadLine(int timeout_ms);
+    int m_pid = -1;
+    int m_in = -1, m_out = -1;
+    std::string m_buffer, m_firstLine;
 };
 
 // Runs a command line, returns its standard output; gives up after `timeout_ms`.
