@@ -1,6 +1,6 @@
 // The device lists beside the program name products that the shipped descriptions define.
 
-#include "zorhost/device/DeviceLoader.h"
+#include "ShippedDevices.h"
 
 #include <gtest/gtest.h>
 
@@ -22,13 +22,10 @@ using Devices = std::vector<std::shared_ptr<const DeviceDescription>>;
 
 Devices ShippedDevices() {
     Devices devices;
-    const QDir dir(QStringLiteral(PARMIRA_SOURCE_DIR "/devices"));
-    for (const QString& name : dir.entryList({QStringLiteral("*.json")}, QDir::Files)) {
-        LoadResult loaded = LoadDeviceFile(dir.filePath(name).toStdString());
-        EXPECT_TRUE(loaded) << loaded.error.ToString();
-        if (loaded)
-            devices.push_back(loaded.device);
-    }
+    const QDir dir(QStringLiteral(PARMIRA_DEVICES_DIR));
+    for (const QString& name : dir.entryList({QStringLiteral("*.json")}, QDir::Files))
+        if (auto device = LoadShippedDevice(name.toUtf8().constData()))
+            devices.push_back(std::move(device));
     return devices;
 }
 

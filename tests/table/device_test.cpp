@@ -1,4 +1,5 @@
 // Device lists, the attribute-update file, command 2095 and the oscilloscope guard.
+#include "TestFiles.h"
 #include "frame_fixture.h"
 
 #include "table/OldProtocolDevice.h"
@@ -7,8 +8,6 @@
 
 #include <afx/afxtest.h>
 
-#include <fstream>
-
 using namespace tt;
 
 namespace {
@@ -16,7 +15,7 @@ namespace {
 class DeviceTest : public FrameTest {
 protected:
     void WriteConfig(const char* name, const std::string& text) {
-        std::ofstream(host.tempDir + "/Config/" + name, std::ios::binary) << text;
+        Spit(host.tempDir + "/Config/" + name, text);
     }
     // Gives the module a product record with these numbers.
     void SetProduct(DWORD line, DWORD product, DWORD sub = 0) {
