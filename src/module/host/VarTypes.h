@@ -6,20 +6,6 @@
 
 #include <cstdint>
 
-inline bool IsIntegerVarType(int tag) {
-    switch (tag) {
-    case VT_I1:
-    case VT_I2:
-    case VT_I4:
-    case VT_UI1:
-    case VT_UI2:
-    case VT_UI4:
-        return true;
-    default:
-        return false;
-    }
-}
-
 // The figures an integer tag can hold; false for any other tag.
 inline bool IntegerVarTypeRange(int tag, double& lo, double& hi) {
     switch (tag) {
@@ -44,4 +30,9 @@ inline bool IntegerVarTypeRange(int tag, double& lo, double& hi) {
     default:
         return false;
     }
+}
+
+inline bool IsIntegerVarType(int tag) {
+    double lo = 0, hi = 0;
+    return IntegerVarTypeRange(tag, lo, hi);
 }
