@@ -1,22 +1,29 @@
-#include <afx/afxcmn.h>
-#include <afx/afxtest.h>
-
+// The owner-data list: it asks only for the cells it paints, paints their colours, grid,
+// images and text as the plain way would, keeps selection and checks, repaints only what
+// changed, and hears its header and the wheel.
 #include "../../platform/afx/src/list_text_p.h"
 
+#include <afx/afxcmn.h>
+#include <afx/afxqt.h>
+#include <afx/afxtest.h>
+
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QImage>
 #include <QPainter>
+#include <QWheelEvent>
 #include <QWidget>
-#include <afx/afxqt.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <set>
+#include <vector>
 
 namespace {
 
-// An owner-data list that counts the cells it is asked for.
+// An owner-data list that counts the cells it is asked for and records what it hears of
+// its header and the wheel.
 class CountingList : public CListCtrl {
 public:
     long requests = 0;
@@ -24,6 +31,9 @@ public:
     int maxRow = -1;
     std::set<int> columnsAsked;
     int redRow = -1;
+    std::vector<int> resized; // columns whose header changed
+    int wheels = 0;
+    bool eatWheel = false;
 
     CString OnGetCellText(int row, int col) override {
         ++requests;
@@ -40,6 +50,16 @@ public:
         text = RGB(0, 0, 255);
         back = RGB(255, 0, 0);
         return TRUE;
+    }
+    BOOL OnNotify(WPARAM, LPARAM lParam, LRESULT*) override {
+        auto* nm = reinterpret_cast<NMHEADER*>(lParam);
+        if (nm->hdr.code == HDN_ITEMCHANGED)
+            resized.push_back(nm->iItem);
+        return FALSE;
+    }
+    BOOL OnMouseWheel(UINT flags, short delta, CPoint pt) override {
+        ++wheels;
+        return eatWheel ? TRUE : CListCtrl::OnMouseWheel(flags, delta, pt);
     }
     void ResetCounts() {
         requests = 0;
@@ -256,4 +276,29 @@ TEST_F(ListFixture, OnlyChangedCellsAreInvalidated) {
     EXPECT_EQ(list.InvalidateChangedCells(), 9);
     painted();
     EXPECT_EQ(list.InvalidateChangedCells(), 0);
+}
+
+TEST_F(ListFixture, HearsHeaderAndWheel) {
+    list.SetItemCount(1000);
+    list.SetColumnWidth(1, 150);
+    ASSERT_FALSE(list.resized.empty());
+    EXPECT_EQ(list.resized.back(), 1);
+    list.EnsureVisible(500, FALSE);
+    const int top = list.GetTopIndex();
+    auto* area = qobject_cast<QAbstractScrollArea*>(AfxWidgetFromHandle(list.GetSafeHwnd()));
+    ASSERT_NE(area, nullptr);
+    QWidget* viewport = area->viewport();
+    auto wheel = [&] {
+        QWheelEvent e(QPointF(50, 50), viewport->mapToGlobal(QPointF(50, 50)), QPoint(),
+                      QPoint(0, -120), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(viewport, &e);
+    };
+    list.eatWheel = true;
+    wheel();
+    EXPECT_EQ(list.wheels, 1);
+    EXPECT_EQ(list.GetTopIndex(), top); // swallowed: nothing scrolled
+    list.eatWheel = false;
+    wheel();
+    EXPECT_EQ(list.wheels, 2);
+    EXPECT_GT(list.GetTopIndex(), top);
 }

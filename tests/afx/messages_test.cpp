@@ -1,8 +1,12 @@
+// Messages and the waits around them: posts from worker threads, timers, keys in a dialog,
+// waits that keep the messages flowing, locks, events and nested modal runs.
+#include <afx/afxmt.h>
 #include <afx/afxtest.h>
 #include <afx/afxwin.h>
 
 #include <QApplication>
 #include <QThread>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -146,4 +150,98 @@ TEST(MessagesTest, EnterAndEscapeEndTheDialogAndAClickReachesItsParent) {
     static_cast<CButton*>(dlg.GetDlgItem(9102))->Click();
     ASSERT_FALSE(dlg.commands.empty());
     EXPECT_EQ(dlg.commands.back(), std::make_pair(9102u, BN_CLICKED));
+}
+
+TEST(ThreadsTest, PumpingWaitKeepsMessagesFlowing) {
+    RecordingWnd wnd;
+    ASSERT_TRUE(MakeTopLevel(wnd));
+    CEvent done; // auto-reset
+    const HWND h = wnd.GetSafeHwnd();
+    std::atomic<bool> go{false};
+    std::thread worker([&] {
+        while (!go.load())
+            std::this_thread::yield();
+        for (int i = 0; i < 20; ++i)
+            ::PostMessage(h, UM_SEQ, 0, i);
+        done.SetEvent();
+    });
+    go = true;
+    // Polls in 50 ms steps, as the nested copy loop does.
+    DWORD r = WAIT_TIMEOUT;
+    for (int i = 0; i < 200 && r == WAIT_TIMEOUT; ++i)
+        r = AfxWaitPumping(done, 50);
+    worker.join();
+    EXPECT_EQ(r, WAIT_OBJECT_0);
+    // Messages posted before the signal were handled during the wait or right after.
+    EXPECT_TRUE(AfxPumpMessagesUntil([&] { return wnd.seq.size() == 20; }, 2000));
+    // Auto-reset: the signal was consumed; a wait now times out, timers still run meanwhile.
+    wnd.SetTimer(1, 5);
+    EXPECT_EQ(AfxWaitPumping(done, 60), WAIT_TIMEOUT);
+    EXPECT_FALSE(wnd.ticks.empty());
+}
+
+// A quit ends a pumping wait at once, however long it was to be, and the loops outside it
+// end too; once they have, waits work as before.
+TEST(ThreadsTest, PumpingWaitEndsWhenTheApplicationQuits) {
+    CEvent never, finished;
+    // A wait that missed the quit would spin for ever; the watchdog turns that into a
+    // failure rather than a hung suite.
+    std::thread watchdog([&] {
+        if (!finished.Lock(30000))
+            never.SetEvent();
+    });
+    DWORD r = WAIT_OBJECT_0;
+    QTimer::singleShot(0, qApp, [&] {
+        QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(3); });
+        r = AfxWaitPumping(never, INFINITE);
+    });
+    EXPECT_EQ(QCoreApplication::exec(), 3);
+    finished.SetEvent();
+    watchdog.join();
+    EXPECT_EQ(r, WAIT_QUIT);
+    EXPECT_EQ(AfxWaitPumping(never, 1), WAIT_TIMEOUT);
+}
+
+TEST(ThreadsTest, LocksAreRecursiveAndEventsWakeWaiters) {
+    CCriticalSection cs;
+    int shared = 0;
+    {
+        CSingleLock outer(&cs, TRUE);
+        CSingleLock inner(&cs, TRUE); // recursive on one thread
+        EXPECT_TRUE(inner.IsLocked());
+        shared = 1;
+    }
+    std::thread t([&] {
+        CSingleLock lock(&cs, TRUE);
+        shared = 2;
+    });
+    t.join();
+    EXPECT_EQ(shared, 2);
+    CEvent ev;
+    std::thread setter([&] { ev.SetEvent(); });
+    EXPECT_TRUE(ev.Lock(INFINITE));
+    setter.join();
+}
+
+TEST(ThreadsTest, NestedModalRunsAreDrivenInnermostFirst) {
+    AfxRegisterDialog(AfxGetInstanceHandle(), {9700, "outer", 100, 100, {}});
+    AfxRegisterDialog(AfxGetInstanceHandle(), {9701, "inner", 80, 80, {}});
+    std::vector<UINT> seen;
+    INT_PTR innerResult = 0;
+    CAfxModalDriver driver([&](CDialog& d) {
+        seen.push_back(d.GetTemplateId());
+        if (d.GetTemplateId() == 9700) {
+            CDialog inner(9701, &d);
+            innerResult = inner.DoModal();
+            d.EndDialog(IDYES);
+        } else {
+            // A posted message reaches the outer dialog while the inner one runs.
+            d.EndDialog(IDNO);
+        }
+    });
+    CDialog outer(9700);
+    EXPECT_EQ(outer.DoModal(), IDYES);
+    EXPECT_EQ(innerResult, IDNO);
+    EXPECT_EQ(seen, (std::vector<UINT>{9700, 9701}));
+    EXPECT_EQ(driver.runs, 2);
 }

@@ -1,11 +1,26 @@
+// What the user is asked and answers: message boxes, file dialogs and popup menus, with a
+// recording responder and without one.
 #include <afx/afxdlgs.h>
 #include <afx/afxtest.h>
+#include <afx/afxwin.h>
 
-#include <QDir>
+#include <QAction>
+#include <QApplication>
 #include <QFile>
+#include <QKeyEvent>
+#include <QMenu>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <gtest/gtest.h>
+
+namespace {
+
+// The path of `name` in `dir`, made as an empty file first when `make` is set.
+CString PathIn(const QTemporaryDir& dir, const char* name, bool make = false) {
+    EXPECT_TRUE(!make || QFile(dir.filePath(name)).open(QIODevice::WriteOnly)) << name;
+    return CString(dir.filePath(name).toStdString());
+}
 
 TEST(PromptsTest, MessageBoxesAreAnsweredAndRecorded) {
     CAfxRecordingResponder r;
@@ -42,11 +57,7 @@ TEST(PromptsTest, WithoutResponderOffscreenTheDefaultAnswers) {
 TEST(PromptsTest, SaveDialogAddsTheExtensionAndAsksBeforeOverwriting) {
     QTemporaryDir dir;
     ASSERT_TRUE(dir.isValid());
-    const CString existing = CString(dir.filePath("参数.csv").toStdString());
-    QFile f(dir.filePath("参数.csv"));
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.close();
-    const CString fresh = CString(dir.filePath("新文件").toStdString());
+    const CString existing = PathIn(dir, "参数.csv", true), fresh = PathIn(dir, "新文件");
 
     CAfxRecordingResponder r;
     r.ChooseFiles({fresh});
@@ -83,12 +94,7 @@ TEST(PromptsTest, SaveDialogAddsTheExtensionAndAsksBeforeOverwriting) {
 
 TEST(PromptsTest, OpenDialogWithSeveralFilesAndCancel) {
     QTemporaryDir dir;
-    const CString a = CString(dir.filePath("a.xlsx").toStdString());
-    const CString b = CString(dir.filePath("b.xls").toStdString());
-    for (const char* n : {"a.xlsx", "b.xls"}) {
-        QFile f(dir.filePath(n));
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    }
+    const CString a = PathIn(dir, "a.xlsx", true), b = PathIn(dir, "b.xls", true);
     CAfxRecordingResponder r;
     r.ChooseFiles({a, b});
     CFileDialog open(TRUE, nullptr, nullptr, OFN_ALLOWMULTISELECT | OFN_FILEMUSTEXIST,
@@ -100,10 +106,67 @@ TEST(PromptsTest, OpenDialogWithSeveralFilesAndCancel) {
     EXPECT_EQ(got, (std::vector<CString>{a, b}));
     EXPECT_TRUE(r.Last(AfxPrompt::FileDialog)->open);
 
-    r.ChooseFiles({CString(dir.filePath("missing.xls").toStdString())});
+    r.ChooseFiles({PathIn(dir, "missing.xls")});
     EXPECT_EQ(open.DoModal(), IDCANCEL); // must exist
     r.CancelFileDialog();
     EXPECT_EQ(open.DoModal(), IDCANCEL);
     EXPECT_EQ(open.GetPathName(), "");
     EXPECT_EQ(open.GetStartPosition(), nullptr);
 }
+
+TEST(MenuTest, PopupShowsItsEntriesAndReturnsTheChosenCommand) {
+    AfxRegisterMenu(AfxGetInstanceHandle(), {1980,
+                                             {{0,
+                                               "tree",
+                                               MF_POPUP,
+                                               {{2108, "新建自定义组"},
+                                                {2101, "删除自定义组"},
+                                                {0, "", MF_SEPARATOR},
+                                                {0, "更多", MF_POPUP, {{2146, "另存为..."}}},
+                                                {32853, "不再提示更新"}}}}});
+    CWnd wnd;
+    ASSERT_TRUE(wnd.Create(nullptr, "menu", WS_POPUP, CRect(0, 0, 100, 100), nullptr, 0));
+    CMenu menu;
+    ASSERT_TRUE(menu.LoadMenu(1980));
+    CMenu* popup = menu.GetSubMenu(0);
+    popup->EnableMenuItem(2101, MF_GRAYED);
+    CAfxRecordingResponder r;
+    r.ChooseMenuCommand(2108);
+    EXPECT_EQ(popup->TrackPopupMenu(TPM_RETURNCMD, 10, 10, &wnd), 2108);
+    const AfxPrompt* shown = r.Last(AfxPrompt::PopupMenu);
+    ASSERT_NE(shown, nullptr);
+    EXPECT_EQ(shown->menuItems.GetSize(), 4);
+    EXPECT_EQ(shown->menuItems[1], "-2101:删除自定义组");
+    EXPECT_EQ(shown->menuItems[2], "2146:更多>另存为...");
+    EXPECT_EQ(popup->TrackPopupMenu(TPM_RETURNCMD, 10, 10, &wnd), 0); // dismissed
+}
+
+TEST(MenuTest, RealPopupMenuReturnsTheTriggeredEntry) {
+    CMenu menu;
+    menu.CreatePopupMenu();
+    menu.AppendMenu(MF_STRING, 11, "一");
+    menu.AppendMenu(MF_SEPARATOR);
+    menu.AppendMenu(MF_STRING | MF_GRAYED, 12, "二");
+    menu.AppendMenu(MF_STRING, 13, "三");
+    ASSERT_EQ(AfxGetPromptResponder(), nullptr);
+    // Picks the entry as soon as the menu is up.
+    QTimer picker;
+    QObject::connect(&picker, &QTimer::timeout, [&picker] {
+        QMenu* q = nullptr;
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (auto* m = qobject_cast<QMenu*>(w); m && m->isVisible())
+                q = m;
+        if (!q)
+            return;
+        picker.stop();
+        for (QAction* a : q->actions())
+            if (a->data().toUInt() == 13)
+                q->setActiveAction(a);
+        QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+        QCoreApplication::sendEvent(q, &enter);
+    });
+    picker.start(5);
+    EXPECT_EQ(menu.TrackPopupMenu(TPM_RETURNCMD, 20, 20, nullptr), 13);
+}
+
+} // namespace

@@ -1,10 +1,22 @@
+// The basics that need no window: CString's character-based editing, string tables under
+// resource handles, loading a module library and starting an application under its own
+// handle, and local time from a pinned zone.
 #include <afx/CString.h>
 #include <afx/afxres.h>
+#include <afx/afxtypes.h>
+#include <afx/afxwin.h>
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
+#include <cstdlib>
+#include <ctime>
+#include <string>
 #include <thread>
+#include <vector>
+
+namespace {
 
 // Lengths, indexes and cuts count characters, in ASCII and in Chinese text alike, and
 // clamp out-of-range arguments as the classic string does.
@@ -130,3 +142,97 @@ TEST(CStringTest, ConstReadsFromSeveralThreads) {
         r.join();
     EXPECT_EQ(wrong.load(), 0);
 }
+
+TEST(TypesTest, LocalTimeOfAPinnedMomentAndZone) {
+    // Pinned zone and moments: the test does not depend on when or where it runs.
+    const char* old = std::getenv("TZ");
+    const std::string saved = old ? old : "";
+    using Fields = std::array<WORD, 8>; // year, month, day, day of week, h, min, s, ms
+    struct Case {
+        const char* zone;
+        long long ms;
+        Fields expected;
+    };
+    const Case cases[] = {
+        {"UTC", 1772323199123LL, {2026, 2, 28, 6, 23, 59, 59, 123}}, // a Saturday, end of February
+        {"UTC", -1LL, {1969, 12, 31, 3, 23, 59, 59, 999}},           // just before 1970
+        {"UTC", 0LL, {1970, 1, 1, 4, 0, 0, 0, 0}},
+        // Eight hours east, no summer time (a POSIX rule, no zone files).
+        {"CST-8", 1772323199123LL, {2026, 3, 1, 0, 7, 59, 59, 123}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.zone) + " " + std::to_string(c.ms));
+        setenv("TZ", c.zone, 1);
+        tzset();
+        SYSTEMTIME st{};
+        LocalTimeFromUnixMs(c.ms, &st);
+        EXPECT_EQ((Fields{st.wYear, st.wMonth, st.wDay, st.wDayOfWeek, st.wHour, st.wMinute,
+                          st.wSecond, st.wMilliseconds}),
+                  c.expected);
+    }
+    if (old)
+        setenv("TZ", saved.c_str(), 1);
+    else
+        unsetenv("TZ");
+    tzset();
+}
+
+TEST(LoaderTest, LoadsAModuleRunsItsAppAndUnloadsIt) {
+    const HINSTANCE before = AfxGetResourceHandle();
+    HMODULE h = AfxLoadLibrary(AFX_TEST_MODULE);
+    ASSERT_NE(h, nullptr) << AfxGetLoadError().GetString();
+    EXPECT_EQ(AfxGetResourceHandle(), before); // restored after InitInstance
+    auto initHandle = reinterpret_cast<HINSTANCE (*)()>(GetProcAddress(h, "InitHandle"));
+    ASSERT_NE(initHandle, nullptr);
+    EXPECT_EQ(initHandle(), h); // the module's handle was current in InitInstance
+    CString text;
+    EXPECT_TRUE(AfxLoadStringFrom(h, 100, text));
+    EXPECT_EQ(text, "模块字符串");
+    EXPECT_FALSE(AfxLoadStringFrom(before, 100, text));
+    auto notifier = reinterpret_cast<void (*)(void (*)(int))>(GetProcAddress(h, "SetExitNotifier"));
+    ASSERT_NE(notifier, nullptr);
+    static int exitSeen = -1;
+    notifier([](int handleWasCurrent) { exitSeen = handleWasCurrent; });
+    EXPECT_EQ(GetProcAddress(h, "NoSuchExport"), nullptr);
+    EXPECT_TRUE(AfxFreeLibrary(h));
+    EXPECT_EQ(exitSeen, 1);
+    EXPECT_EQ(AfxLoadLibrary("/nonexistent/libnothing.so"), nullptr);
+    EXPECT_FALSE(AfxGetLoadError().IsEmpty());
+}
+
+class LinkedApp : public CWinApp {
+public:
+    LinkedApp() : CWinApp("Linked") {}
+    BOOL InitInstance() override {
+        during = AfxGetResourceHandle();
+        AfxRegisterString(m_hInstance, 7, "seven");
+        return ok;
+    }
+    int ExitInstance() override {
+        exitDuring = AfxGetResourceHandle();
+        return 3;
+    }
+    bool ok = true;
+    HINSTANCE during = nullptr;
+    HINSTANCE exitDuring = nullptr;
+};
+
+TEST(LoaderTest, StaticallyLinkedAppStartsUnderItsOwnHandle) {
+    LinkedApp app;
+    HINSTANCE h = AfxStartApp(&app, "linked");
+    ASSERT_NE(h, nullptr);
+    EXPECT_EQ(app.during, h);
+    EXPECT_EQ(AfxGetApp(), &app);
+    CString s;
+    EXPECT_TRUE(AfxLoadStringFrom(h, 7, s));
+    EXPECT_EQ(AfxStopApp(&app), 3);
+    EXPECT_EQ(app.exitDuring, h);
+    EXPECT_EQ(app.m_hInstance, nullptr);
+
+    LinkedApp failing;
+    failing.ok = false;
+    EXPECT_EQ(AfxStartApp(&failing, "failing"), nullptr);
+    EXPECT_EQ(failing.m_hInstance, nullptr);
+}
+
+} // namespace
