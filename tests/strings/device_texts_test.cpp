@@ -1,8 +1,8 @@
 // Parameter names, value meanings and group descriptions of a device reach the user in
 // his language: the descriptions bring their English and the text service takes it.
+#include "ShippedDevices.h"
 #include "text_checks.h"
 #include "zorhost/device/DeviceDescription.h"
-#include "zorhost/device/DeviceLoader.h"
 #include "zorhost/services/HostUiService.h"
 
 #include <gtest/gtest.h>
@@ -13,28 +13,15 @@ using namespace zorhost;
 
 namespace {
 
-std::shared_ptr<const device::DeviceDescription> Load(const std::string& name) {
-    const device::LoadResult result =
-        device::LoadDeviceFile(device::DefaultDeviceDirectory() + "/" + name);
-    EXPECT_TRUE(result) << result.error.ToString();
-    return result.device;
-}
-
-CString English(CHostUiService& ui, std::string_view text) {
-    CString out;
-    ui.TranslateText(out, CString(std::string(text).c_str()));
-    return out;
-}
-
 // What the module shows of a device that has no English would reach an English user in
 // Chinese: every shipped description must carry it for each Chinese text.
 TEST(DeviceTexts, EveryShippedDeviceTextHasEnglish) {
     namespace fs = std::filesystem;
     int devices = 0;
-    for (const auto& entry : fs::directory_iterator(device::DefaultDeviceDirectory())) {
+    for (const auto& entry : fs::directory_iterator(PARMIRA_DEVICES_DIR)) {
         if (entry.path().extension() != ".json")
             continue;
-        auto dev = Load(entry.path().filename().string());
+        auto dev = LoadShippedDevice(entry.path().filename().c_str());
         if (dev == nullptr)
             continue;
         ++devices;
@@ -43,10 +30,11 @@ TEST(DeviceTexts, EveryShippedDeviceTextHasEnglish) {
         ui.SetLanguage(UiLanguage::English);
         std::string missing;
         auto check = [&](device::TextRef text) {
-            const std::string_view written = dev->Text(text);
-            if (HasChineseText(std::string(written)) &&
-                HasChineseText(English(ui, written).GetString()))
-                missing += "\n  " + std::string(written);
+            const std::string written(dev->Text(text));
+            CString english;
+            ui.TranslateText(english, CString(written.c_str()));
+            if (HasChineseText(written) && HasChineseText(english.GetString()))
+                missing += "\n  " + written;
         };
         for (const device::ParameterDef& p : dev->parameters)
             check(p.name);

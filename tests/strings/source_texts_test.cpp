@@ -1,5 +1,6 @@
 // Every Chinese text written into the module's sources must have English, so that a text
 // added later without a translation fails here rather than on a user's screen.
+#include "TestFiles.h"
 #include "text_checks.h"
 #include "zorhost/services/HostUiService.h"
 
@@ -8,7 +9,6 @@
 #include <cctype>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -160,10 +160,7 @@ TEST(SourceTexts, EveryChineseLiteralUnderSrcHasEnglish) {
         if (!entry.is_regular_file() || (ext != ".cpp" && ext != ".h"))
             continue;
         ++files;
-        std::ifstream in(entry.path(), std::ios::binary);
-        std::stringstream content;
-        content << in.rdbuf();
-        for (const Literal& literal : StringLiterals(content.str())) {
+        for (const Literal& literal : StringLiterals(Slurp(entry.path().string()))) {
             if (!HasChineseText(literal.text))
                 continue;
             ++chineseTexts;
