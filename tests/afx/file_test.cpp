@@ -1,6 +1,7 @@
-#include "TestFiles.h"
 // AfxReplaceFile: the rules of opening for writing (mode, links, refusal), the system's
 // own reason on failure with the old file kept, and temporaries of killed saves removed.
+#include "TestFiles.h"
+
 #include <afx/afxfile.h>
 #include <afx/afxtest.h>
 
@@ -8,11 +9,10 @@
 
 #include <QTemporaryDir>
 
-#include <algorithm>
 #include <cerrno>
-#include <dirent.h>
+#include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <set>
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <sys/wait.h>
@@ -25,24 +25,17 @@ mode_t ModeOf(const std::string& path) {
     return ::lstat(path.c_str(), &st) == 0 ? st.st_mode : 0;
 }
 
-// Everything in the folder but the named files.
-std::vector<std::string> Others(const std::string& dir, std::vector<std::string> known) {
-    std::vector<std::string> others;
-    if (DIR* d = ::opendir(dir.c_str())) {
-        while (const dirent* e = ::readdir(d)) {
-            const std::string name = e->d_name;
-            if (name != "." && name != ".." &&
-                std::find(known.begin(), known.end(), name) == known.end())
-                others.push_back(name);
-        }
-        ::closedir(d);
-    }
-    return others;
-}
-
 class ReplaceFileTest : public ::testing::Test {
 protected:
     std::string Path(const char* name) const { return dir.path().toStdString() + "/" + name; }
+    // Everything in the folder but the named files.
+    std::set<std::string> Others(const std::set<std::string>& known) const {
+        std::set<std::string> others;
+        for (const auto& e : std::filesystem::directory_iterator(dir.path().toStdString()))
+            if (!known.count(e.path().filename()))
+                others.insert(e.path().filename());
+        return others;
+    }
     QTemporaryDir dir;
 };
 
@@ -73,9 +66,7 @@ TEST_F(ReplaceFileTest, KeepsModeAndWritesThroughLinks) {
     EXPECT_TRUE(S_ISLNK(ModeOf(dangling)));
     EXPECT_EQ(Slurp(Path("made.csv")), "x");
     EXPECT_EQ(ModeOf(Path("made.csv")) & 07777, 0644u);
-    EXPECT_TRUE(
-        Others(dir.path().toStdString(), {"t.csv", "link.csv", "chain.csv", "d.csv", "made.csv"})
-            .empty());
+    EXPECT_TRUE(Others({"t.csv", "link.csv", "chain.csv", "d.csv", "made.csv"}).empty());
 }
 
 // What the save was refused with, run as a user who may write the folder but not the file
@@ -106,7 +97,7 @@ TEST_F(ReplaceFileTest, RefusesWhereOpeningForWritingIsRefused) {
     EXPECT_EQ(WEXITSTATUS(status), 0) << "the save went through";
     EXPECT_STREQ(why, "Permission denied");
     EXPECT_EQ(Slurp(file), "old");
-    EXPECT_TRUE(Others(dir.path().toStdString(), {"ro.csv"}).empty());
+    EXPECT_TRUE(Others({"ro.csv"}).empty());
 
     std::string error;
     EXPECT_FALSE(AfxReplaceFile(dir.path().toStdString(), "x", &error));
@@ -136,7 +127,7 @@ TEST_F(ReplaceFileTest, FullDiskKeepsOldFileAndSaysWhy) {
     EXPECT_EQ(error, "No space left on device");
     EXPECT_EQ(AfxGetLastFileError(), error);
     EXPECT_EQ(Slurp(file), "old");
-    EXPECT_TRUE(Others(dir.path().toStdString(), {"t.csv"}).empty());
+    EXPECT_TRUE(Others({"t.csv"}).empty());
 
     // A device is written in place, and says the same when it is full.
     EXPECT_FALSE(AfxReplaceFile("/dev/full", "x", &error));
@@ -166,11 +157,7 @@ TEST_F(ReplaceFileTest, RemovesTemporariesOfKilledSavesOnly) {
     ASSERT_EQ(::utimes(Path(stale.c_str()).c_str(), old), 0);
 
     ASSERT_TRUE(AfxReplaceFile(file, "new"));
-    auto left = Others(dir.path().toStdString(), {"t.csv"});
-    std::sort(left.begin(), left.end());
-    std::vector<std::string> expected{live, odd, other};
-    std::sort(expected.begin(), expected.end());
-    EXPECT_EQ(left, expected);
+    EXPECT_EQ(Others({"t.csv"}), (std::set<std::string>{live, odd, other}));
 }
 
 } // namespace

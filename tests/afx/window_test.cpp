@@ -206,12 +206,7 @@ TEST(WindowTest, PlainWindowsHearMovesAndSetTheCursor) {
 
 namespace {
 
-enum : UINT {
-    IDD_PANEL = 9210,
-    IDC_HOLE = 9211,
-    IDD_CHILD = 9212,
-    IDC_CHILD_EDIT = 9213,
-};
+enum : UINT { IDD_PANEL = 9210, IDC_HOLE, IDD_CHILD, IDC_CHILD_EDIT };
 
 class ChildDialog : public CDialog {
 public:
@@ -276,17 +271,8 @@ TEST(WindowTest, AChildDialogLivesInsideItsPlaceholder) {
 
 namespace {
 
-enum : UINT {
-    IDD_CONTROLS = 9600,
-    IDC_LEVEL = 9601,
-    IDC_SEARCH = 9602,
-    IDC_NOTE = 9603,
-    IDC_R1 = 9604,
-    IDC_R2 = 9605,
-    IDC_S1 = 9606,
-    IDC_S2 = 9607,
-    IDC_PASSWORD = 9608,
-};
+enum : UINT { IDD_CONTROLS = 9600, IDC_LEVEL, IDC_SEARCH, IDC_NOTE, IDC_PASSWORD };
+enum : UINT { IDC_R1 = 9610, IDC_R2, IDC_S1, IDC_S2 }; // two radio groups
 
 void RegisterControls() {
     AfxRegisterDialog(AfxGetInstanceHandle(),

@@ -17,17 +17,8 @@
 
 namespace {
 
-enum : UINT {
-    IDD_PANEL = 9400,
-    IDC_HOLE = 9401,
-    IDC_TOTAL = 9402,
-    IDC_NOTICE = 9403,
-    IDC_FILTER = 9404,
-    IDC_CENTER = 9405,
-    IDM_FILTER = 9410,
-    ID_SHOW_ALL = 9411,
-    ID_SHOW_CHANGED = 9412,
-};
+enum : UINT { IDD_PANEL = 9400, IDC_HOLE, IDC_TOTAL, IDC_NOTICE, IDC_FILTER, IDC_CENTER };
+enum : UINT { IDM_FILTER = 9410, ID_SHOW_ALL, ID_SHOW_CHANGED };
 
 class Panel : public CZorSkinPDialog {
 public:

@@ -251,7 +251,6 @@ TEST_F(WindowTranslationTest, TranslatorOutlivingItsWindowDoesNothing) {
     // A new window of the same dialog, which may get the old one's handle back, is not the
     // translator's to touch.
     ASSERT_TRUE(dialog.Create(IDD_TRANSLATED));
-    list = static_cast<CListCtrl*>(dialog.GetDlgItem(IDC_VAR_LIST));
     ui.SetLanguage(UiLanguage::English);
     translator->Retranslate(0);
     EXPECT_EQ(dialog.GetWindowTextString(), "参数比较");
