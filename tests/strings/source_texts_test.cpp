@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cstring>
 #include <filesystem>
@@ -47,26 +48,14 @@ bool IsIdentChar(char c) {
 std::vector<Literal> StringLiterals(const std::string& src) {
     std::vector<Literal> result;
     int line = 1;
+    size_t counted = 0;                 // newlines are counted up to here
     size_t lastEnd = std::string::npos; // where the previous literal ended
-    auto onlyBlanksSince = [&](size_t from, size_t to) {
-        for (size_t k = from; k < to; ++k)
-            if (!std::isspace(static_cast<unsigned char>(src[k])))
-                return false;
-        return true;
-    };
     for (size_t i = 0; i < src.size();) {
         const char c = src[i];
-        if (c == '\n') {
-            ++line;
-            ++i;
-        } else if (src.compare(i, 2, "//") == 0) {
-            while (i < src.size() && src[i] != '\n')
-                ++i;
+        if (src.compare(i, 2, "//") == 0) {
+            i = std::min(src.find('\n', i), src.size());
         } else if (src.compare(i, 2, "/*") == 0) {
-            const size_t end = src.find("*/", i + 2);
-            const size_t stop = end == std::string::npos ? src.size() : end + 2;
-            for (; i < stop; ++i)
-                line += src[i] == '\n';
+            i = std::min(src.find("*/", i + 2), src.size() - 2) + 2;
         } else if (c == '\'' &&
                    !(i > 0 && std::isxdigit(static_cast<unsigned char>(src[i - 1])) &&
                      i + 1 < src.size() && std::isxdigit(static_cast<unsigned char>(src[i + 1])))) {
@@ -76,17 +65,17 @@ std::vector<Literal> StringLiterals(const std::string& src) {
                     ++i;
             ++i;
         } else if (c == '"') {
-            const int startLine = line;
+            line += int(std::count(src.begin() + long(counted), src.begin() + long(i), '\n'));
+            counted = i;
             std::string text;
             // R"d(...)d", also behind an encoding prefix (u8R, LR ...).
             const bool raw = i > 0 && src[i - 1] == 'R' &&
                              (i < 2 || !IsIdentChar(src[i - 2]) || std::strchr("8uUL", src[i - 2]));
-            const size_t start = i;
+            const size_t literalStart = raw ? i - 1 : i;
             if (raw) {
                 const size_t open = src.find('(', i);
                 const std::string close = ")" + src.substr(i + 1, open - i - 1) + "\"";
-                const size_t end = src.find(close, open);
-                const size_t stop = end == std::string::npos ? src.size() : end;
+                const size_t stop = std::min(src.find(close, open), src.size());
                 text = src.substr(open + 1, stop - open - 1);
                 i = stop + close.size();
             } else {
@@ -99,14 +88,11 @@ std::vector<Literal> StringLiterals(const std::string& src) {
                 ++i;
                 text = Unescape(body);
             }
-            for (size_t k = start; k < i && k < src.size(); ++k)
-                line += src[k] == '\n';
-            const size_t literalStart = raw ? start - 1 : start;
-            if (!result.empty() && lastEnd != std::string::npos &&
-                onlyBlanksSince(lastEnd, literalStart))
+            if (lastEnd != std::string::npos &&
+                src.find_first_not_of(" \t\r\n\v\f", lastEnd) >= literalStart)
                 result.back().text += text;
             else
-                result.push_back({text, startLine});
+                result.push_back({text, line});
             lastEnd = i;
         } else {
             ++i;
