@@ -10,7 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <thread>
 #include <vector>
 
@@ -157,15 +156,11 @@ TEST(ThreadsTest, PumpingWaitKeepsMessagesFlowing) {
     ASSERT_TRUE(MakeTopLevel(wnd));
     CEvent done; // auto-reset
     const HWND h = wnd.GetSafeHwnd();
-    std::atomic<bool> go{false};
     std::thread worker([&] {
-        while (!go.load())
-            std::this_thread::yield();
         for (int i = 0; i < 20; ++i)
             ::PostMessage(h, UM_SEQ, 0, i);
         done.SetEvent();
     });
-    go = true;
     // Polls in 50 ms steps, as the nested copy loop does.
     DWORD r = WAIT_TIMEOUT;
     for (int i = 0; i < 200 && r == WAIT_TIMEOUT; ++i)

@@ -208,25 +208,24 @@ namespace {
 
 enum : UINT { IDD_PANEL = 9210, IDC_HOLE, IDD_CHILD, IDC_CHILD_EDIT };
 
+// Made on the heap; deletes itself once its window is gone, as embedded pages do.
 class ChildDialog : public CDialog {
 public:
-    ChildDialog() : CDialog(IDD_CHILD) {}
+    ChildDialog(int* destroyed, bool* deleted)
+        : CDialog(IDD_CHILD), m_destroyed(destroyed), m_deleted(deleted) {}
     std::vector<CSize> sizes;
-    int* destroyedCount = nullptr;
-    bool* deletedFlag = nullptr;
 
 protected:
     void OnSize(UINT, int cx, int cy) override { sizes.emplace_back(cx, cy); }
-    void OnDestroy() override {
-        if (destroyedCount)
-            ++*destroyedCount;
-    }
+    void OnDestroy() override { ++*m_destroyed; }
     void PostNcDestroy() override {
-        if (deletedFlag) {
-            *deletedFlag = true;
-            delete this;
-        }
+        *m_deleted = true;
+        delete this;
     }
+
+private:
+    int* m_destroyed;
+    bool* m_deleted;
 };
 
 } // namespace
@@ -247,9 +246,7 @@ TEST(WindowTest, AChildDialogLivesInsideItsPlaceholder) {
     ASSERT_NE(hole, nullptr);
     int destroyed = 0;
     bool deleted = false;
-    auto* child = new ChildDialog;
-    child->destroyedCount = &destroyed;
-    child->deletedFlag = &deleted;
+    auto* child = new ChildDialog(&destroyed, &deleted);
     ASSERT_TRUE(child->Create(IDD_CHILD, hole));
     EXPECT_EQ(child->GetParent(), hole);
     CRect r;

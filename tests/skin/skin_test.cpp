@@ -15,6 +15,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace {
 
 enum : UINT { IDD_PANEL = 9400, IDC_HOLE, IDC_TOTAL, IDC_NOTICE, IDC_FILTER, IDC_CENTER };
@@ -231,16 +233,13 @@ struct GridFixture : ::testing::Test {
         grid.SetRowHeaderWidth(30);
         grid.SetSortMarker(FALSE);
         grid.SetZoomRange(0.1, 4.0);
-        const unsigned bits[] = {0, 2};
-        const char* const names[] = {"使能", "方向"};
-        for (int i = 0; i < 2; ++i) {
+        for (const auto& [bit, code, name] :
+             {std::tuple{0u, "bit0", "使能"}, std::tuple{2u, "bit2", "方向"}}) {
             const int r = grid.AddRow();
-            CString code;
-            code.Format("bit%u", bits[i]);
-            grid.SetCellText(r, 0, code.GetString());
-            grid.SetCellText(r, 1, names[i]);
+            grid.SetCellText(r, 0, code);
+            grid.SetCellText(r, 1, name);
             grid.SetCellItem(r, 2, new BitItem("1", &sum));
-            grid.SetRowData(r, bits[i]);
+            grid.SetRowData(r, bit);
         }
     }
 };
