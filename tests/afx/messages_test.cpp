@@ -122,7 +122,10 @@ protected:
     }
 };
 
-void RegisterKeyDialog() {
+} // namespace
+
+// A pre-translation that takes a key is left to the cell editors' suite, which relies on it.
+TEST(MessagesTest, EnterAndEscapeEndTheDialogAndAClickReachesItsParent) {
     AfxRegisterDialog(AfxGetInstanceHandle(),
                       {9100,
                        "keys",
@@ -131,13 +134,6 @@ void RegisterKeyDialog() {
                        {{9101, DlgCtl::Edit, "", 10, 10, 100, 22},
                         {9102, DlgCtl::Button, "Apply", 10, 40, 80, 24},
                         {IDOK, DlgCtl::Button, "OK", 100, 40, 80, 24, BS_DEFPUSHBUTTON}}});
-}
-
-} // namespace
-
-// A pre-translation that takes a key is left to the cell editors' suite, which relies on it.
-TEST(MessagesTest, EnterAndEscapeEndTheDialogAndAClickReachesItsParent) {
-    RegisterKeyDialog();
     KeyDialog dlg;
     ASSERT_TRUE(dlg.Create(9100));
     CWnd* edit = dlg.GetDlgItem(9101);

@@ -271,22 +271,6 @@ namespace {
 enum : UINT { IDD_CONTROLS = 9600, IDC_LEVEL, IDC_SEARCH, IDC_NOTE, IDC_PASSWORD };
 enum : UINT { IDC_R1 = 9610, IDC_R2, IDC_S1, IDC_S2 }; // two radio groups
 
-void RegisterControls() {
-    AfxRegisterDialog(AfxGetInstanceHandle(),
-                      {IDD_CONTROLS,
-                       "controls",
-                       400,
-                       300,
-                       {{IDC_LEVEL, DlgCtl::ComboDropList, "", 10, 10, 150, 24},
-                        {IDC_SEARCH, DlgCtl::ComboDropDown, "", 10, 40, 150, 24},
-                        {IDC_NOTE, DlgCtl::Edit, "", 10, 70, 200, 80, ES_MULTILINE | ES_READONLY},
-                        {IDC_R1, DlgCtl::Radio, "一", 10, 160, 60, 20, WS_GROUP},
-                        {IDC_R2, DlgCtl::Radio, "二", 80, 160, 60, 20},
-                        {IDC_S1, DlgCtl::Radio, "甲", 10, 190, 60, 20, WS_GROUP},
-                        {IDC_S2, DlgCtl::Radio, "乙", 80, 190, 60, 20},
-                        {IDC_PASSWORD, DlgCtl::Edit, "", 10, 220, 100, 22, ES_PASSWORD}}});
-}
-
 class ControlsDialog : public CDialog {
 public:
     ControlsDialog() : CDialog(IDD_CONTROLS) {}
@@ -306,7 +290,20 @@ protected:
 class ControlsTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        RegisterControls();
+        AfxRegisterDialog(
+            AfxGetInstanceHandle(),
+            {IDD_CONTROLS,
+             "controls",
+             400,
+             300,
+             {{IDC_LEVEL, DlgCtl::ComboDropList, "", 10, 10, 150, 24},
+              {IDC_SEARCH, DlgCtl::ComboDropDown, "", 10, 40, 150, 24},
+              {IDC_NOTE, DlgCtl::Edit, "", 10, 70, 200, 80, ES_MULTILINE | ES_READONLY},
+              {IDC_R1, DlgCtl::Radio, "一", 10, 160, 60, 20, WS_GROUP},
+              {IDC_R2, DlgCtl::Radio, "二", 80, 160, 60, 20},
+              {IDC_S1, DlgCtl::Radio, "甲", 10, 190, 60, 20, WS_GROUP},
+              {IDC_S2, DlgCtl::Radio, "乙", 80, 190, 60, 20},
+              {IDC_PASSWORD, DlgCtl::Edit, "", 10, 220, 100, 22, ES_PASSWORD}}});
         ASSERT_TRUE(dlg.Create(IDD_CONTROLS));
     }
     template <class T> T* Item(UINT id) { return dynamic_cast<T*>(dlg.GetDlgItem(int(id))); }
