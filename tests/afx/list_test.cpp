@@ -81,11 +81,8 @@ struct ListFixture : ::testing::Test {
             list.Create(WS_CHILD | WS_VISIBLE | LVS_REPORT | LVS_OWNERDATA | LVS_SHOWSELALWAYS,
                         CRect(0, 0, 800, 460), &host, 77));
         list.SetExtendedStyle(LVS_EX_FULLROWSELECT | LVS_EX_GRIDLINES | LVS_EX_CHECKBOXES);
-        for (int c = 0; c < 13; ++c) {
-            CString title;
-            title.Format("列%d", c);
-            list.InsertColumn(c, title.GetString(), LVCFMT_LEFT, 90);
-        }
+        for (int c = 0; c < 13; ++c)
+            list.InsertColumn(c, "列", LVCFMT_LEFT, 90);
     }
 };
 
