@@ -44,8 +44,6 @@ BOOL MakeTopLevel(CWnd& w) {
     return w.Create(nullptr, "test", WS_POPUP, CRect(0, 0, 50, 50), nullptr, 0);
 }
 
-} // namespace
-
 TEST(MessagesTest, PostsFromWorkersArriveOnTheUiThreadInOrder) {
     RecordingWnd wnd;
     ASSERT_TRUE(MakeTopLevel(wnd));
@@ -104,8 +102,6 @@ TEST(MessagesTest, TimerFiresAndEndsWithItsWindow) {
     EXPECT_FALSE(clock.KillTimer(1));
 }
 
-namespace {
-
 class KeyDialog : public CDialog {
 public:
     KeyDialog() : CDialog(9100) {}
@@ -121,8 +117,6 @@ protected:
         return CDialog::OnCommand(wParam, lParam);
     }
 };
-
-} // namespace
 
 // A pre-translation that takes a key is left to the cell editors' suite, which relies on it.
 TEST(MessagesTest, EnterAndEscapeEndTheDialogAndAClickReachesItsParent) {
@@ -236,3 +230,5 @@ TEST(ThreadsTest, NestedModalRunsAreDrivenInnermostFirst) {
     EXPECT_EQ(seen, (std::vector<UINT>{9700, 9701}));
     EXPECT_EQ(driver.runs, 2);
 }
+
+} // namespace

@@ -33,8 +33,6 @@ protected:
     void OnLButtonDown(UINT, CPoint) override {}
 };
 
-} // namespace
-
 TEST(WindowTest, HelpClimbsToTheParentAndASubclassTakesTheClicks) {
     AfxRegisterDialog(AfxGetInstanceHandle(),
                       {9500,
@@ -61,7 +59,6 @@ TEST(WindowTest, HelpClimbsToTheParentAndASubclassTakesTheClicks) {
     EXPECT_EQ(deaf.GetItemState(1, LVIS_SELECTED), LVIS_SELECTED);
 }
 
-namespace {
 // Logs its destruction; destroys and deletes a window it made in its own OnDestroy, as a
 // panel does with the frame inside it.
 class LoggingWnd : public CWnd {
@@ -89,7 +86,6 @@ private:
     std::vector<CString>* m_log;
     CString m_name;
 };
-} // namespace
 
 TEST(WindowTest, ChildrenHearOnDestroyOnceWhenTheirParentGoes) {
     std::vector<CString> log;
@@ -121,7 +117,6 @@ TEST(WindowTest, AWindowDeletedByItsOwnerDetachesItsObject) {
     EXPECT_EQ(edit.GetWindowTextString(), "");
 }
 
-namespace {
 // Commits its text when it loses the focus, as a cell editor does.
 class CommitEdit : public CEdit {
 public:
@@ -135,7 +130,6 @@ protected:
         CEdit::OnKillFocus(pNewWnd);
     }
 };
-} // namespace
 
 TEST(WindowTest, FocusMovesAndADestroyedEditorLosesItFirst) {
     CWnd host;
@@ -161,7 +155,6 @@ TEST(WindowTest, FocusMovesAndADestroyedEditorLosesItFirst) {
     EXPECT_EQ(editor.commits[1], "7");
 }
 
-namespace {
 // Drags a bar, as a splitter does: capture on press, moves while held, release.
 class Bar : public CWnd {
 public:
@@ -179,7 +172,6 @@ protected:
     }
     void OnLButtonUp(UINT, CPoint) override { ReleaseCapture(); }
 };
-} // namespace
 
 TEST(WindowTest, PlainWindowsHearMovesAndSetTheCursor) {
     CWnd host;
@@ -204,8 +196,6 @@ TEST(WindowTest, PlainWindowsHearMovesAndSetTheCursor) {
     EXPECT_EQ(CWnd::GetCapture(), nullptr);
 }
 
-namespace {
-
 enum : UINT { IDD_PANEL = 9210, IDC_HOLE, IDD_CHILD, IDC_CHILD_EDIT };
 
 // Made on the heap; deletes itself once its window is gone, as embedded pages do.
@@ -227,8 +217,6 @@ private:
     int* m_destroyed;
     bool* m_deleted;
 };
-
-} // namespace
 
 TEST(WindowTest, AChildDialogLivesInsideItsPlaceholder) {
     HINSTANCE h = AfxGetInstanceHandle();
@@ -265,8 +253,6 @@ TEST(WindowTest, AChildDialogLivesInsideItsPlaceholder) {
     EXPECT_EQ(destroyed, 1);
     EXPECT_TRUE(deleted);
 }
-
-namespace {
 
 enum : UINT { IDD_CONTROLS = 9600, IDC_LEVEL, IDC_SEARCH, IDC_NOTE, IDC_PASSWORD };
 enum : UINT { IDC_R1 = 9610, IDC_R2, IDC_S1, IDC_S2 }; // two radio groups
@@ -316,8 +302,6 @@ protected:
     }
     ControlsDialog dlg;
 };
-
-} // namespace
 
 TEST_F(ControlsTest, ComboEntriesDataAndChoice) {
     auto* level = Item<CComboBox>(IDC_LEVEL);
@@ -389,3 +373,5 @@ TEST_F(ControlsTest, RadioGroupsStayApart) {
     dlg.CheckRadioButton(IDC_S1, IDC_S2, IDC_S2);
     EXPECT_EQ(dlg.IsDlgButtonChecked(IDC_S1), 0u);
 }
+
+} // namespace

@@ -81,8 +81,6 @@ struct SkinDialogTest : ::testing::Test {
     Panel panel;
 };
 
-} // namespace
-
 TEST_F(SkinDialogTest, AnchoredControlsFollowTheEdges) {
     panel.MoveWindow(0, 0, 500, 360);
     CRect client;
@@ -138,8 +136,6 @@ TEST_F(SkinDialogTest, TextGaugeDrawsItsTextInTheMiddle) {
     EXPECT_EQ(panel.gauge.GetText().Left(2), "注：");
 }
 
-namespace {
-
 // Records the sorts a header click asks for instead of sorting.
 class SortedList : public CZorSkinPListCtrl {
 public:
@@ -161,8 +157,6 @@ protected:
         return TRUE;
     }
 };
-
-} // namespace
 
 // The module's lists are all owner-data: a header click only asks the list's own sort, and
 // the parent hears of it whether the list sorts or not.
@@ -186,8 +180,6 @@ TEST(SkinListTest, HeaderClickAsksTheVirtualSortAndTellsTheParent) {
     EXPECT_EQ(list.sorts.size(), 3u);
     EXPECT_EQ(host.columnClicks, (std::vector<int>{1, 1, 0, 1}));
 }
-
-namespace {
 
 // A value cell that re-joins all rows of its grid, as a bit editor does.
 class BitItem : public CZorSkinPGridItem {
@@ -239,8 +231,6 @@ struct GridFixture : ::testing::Test {
     }
 };
 
-} // namespace
-
 TEST_F(GridFixture, ItemsJoinOnEveryChange) {
     EXPECT_EQ(grid.GetCellText(1, 2), "1");
     CZorSkinPGridItem* first = grid.GetCellItem(0, 2);
@@ -276,3 +266,5 @@ TEST_F(GridFixture, InPlaceListOpensOnlyInEditableColumns) {
     EXPECT_EQ(sum, 1u); // bit 0 still set, bit 2 cleared
     EXPECT_EQ(grid.GetCellText(1, 2), "0");
 }
+
+} // namespace
