@@ -38,23 +38,20 @@ TEST(DeviceTexts, EveryShippedDeviceTextHasEnglish) {
         };
         for (const device::ParameterDef& p : dev->parameters)
             check(p.name);
-        for (const device::ParameterInfo& info : dev->parameterInfos)
-            check(info.text);
+        auto checkTexts = [&](const auto& entries) {
+            for (const auto& entry : entries)
+                check(entry.text);
+        };
+        checkTexts(dev->parameterInfos);
         for (const device::ValueInfo& info : dev->valueInfos) {
-            for (const auto& option : info.enumeration)
-                check(option.text);
-            for (const auto& bit : info.bits)
-                check(bit.text);
-            for (const auto& range : info.ranges) {
-                check(range.text);
-                for (const auto& option : range.options)
-                    check(option.text);
-            }
-            for (const auto& digit : info.digits) {
-                check(digit.text);
-                for (const auto& option : digit.options)
-                    check(option.text);
-            }
+            checkTexts(info.enumeration);
+            checkTexts(info.bits);
+            checkTexts(info.ranges);
+            checkTexts(info.digits);
+            for (const auto& range : info.ranges)
+                checkTexts(range.options);
+            for (const auto& digit : info.digits)
+                checkTexts(digit.options);
         }
         for (const device::GroupDef& group : dev->groups)
             check(group.description);

@@ -326,10 +326,10 @@ protected:
     CDialog dialog;
     CListCtrl* list = nullptr;
     CHostUiService ui;
+    const std::unique_ptr<IHostWindowTranslator> translator{ui.CreateWindowTranslator()};
 };
 
 TEST_F(WindowTranslationTest, TranslatorSwitchesBackAndForthWithoutLoss) {
-    std::unique_ptr<IHostWindowTranslator> translator(ui.CreateWindowTranslator());
     ASSERT_NE(translator, nullptr);
     translator->Attach(dialog.GetSafeHwnd());
     ExpectLanguage(false); // attaching only remembers
@@ -346,7 +346,6 @@ TEST_F(WindowTranslationTest, TranslatorSwitchesBackAndForthWithoutLoss) {
 }
 
 TEST_F(WindowTranslationTest, TextsSetByCodeAndLateChildrenFollowTheLanguage) {
-    std::unique_ptr<IHostWindowTranslator> translator(ui.CreateWindowTranslator());
     translator->Attach(dialog.GetSafeHwnd());
     ui.SetLanguage(UiLanguage::English);
     translator->Retranslate(0);
@@ -377,7 +376,6 @@ TEST_F(WindowTranslationTest, ServiceRetranslatesAWindowWithoutATranslator) {
     ui.RetranslateWindow(dialog.GetSafeHwnd());
     ExpectLanguage(true);
     // A second translator over the same window agrees with what the first walk kept.
-    std::unique_ptr<IHostWindowTranslator> translator(ui.CreateWindowTranslator());
     translator->Attach(dialog.GetSafeHwnd());
     ui.SetLanguage(UiLanguage::Chinese);
     translator->Retranslate(0);
@@ -386,7 +384,6 @@ TEST_F(WindowTranslationTest, ServiceRetranslatesAWindowWithoutATranslator) {
 }
 
 TEST_F(WindowTranslationTest, TranslatorOutlivingItsWindowDoesNothing) {
-    std::unique_ptr<IHostWindowTranslator> translator(ui.CreateWindowTranslator());
     translator->Retranslate(0); // not attached yet
     translator->Attach(dialog.GetSafeHwnd());
     dialog.DestroyWindow();
