@@ -119,17 +119,15 @@ TEST_F(ListFixture, ColourCallbackPaintsTheCell) {
     CRect cell;
     ASSERT_TRUE(list.GetSubItemRect(2, 1, LVIR_LABEL, cell));
     const QImage shot = AfxWidgetFromHandle(list.GetSafeHwnd())->grab().toImage();
-    // Right part of the cell: past the short text, inside the grid lines.
-    const QColor c = shot.pixelColor(cell.right - 6, cell.top + cell.Height() / 2);
-    EXPECT_EQ(c, QColor(255, 0, 0));
-    const QColor other =
-        shot.pixelColor(cell.right - 6, cell.top + cell.Height() / 2 + cell.Height());
-    EXPECT_NE(other, QColor(255, 0, 0));
+    const QColor red(255, 0, 0), grid(0xd8, 0xdc, 0xe2);
+    const int middle = cell.top + cell.Height() / 2;
+    // Right part of the cell: past the short text, inside the grid lines; not the row below.
+    EXPECT_EQ(shot.pixelColor(cell.right - 6, middle), red);
+    EXPECT_NE(shot.pixelColor(cell.right - 6, middle + cell.Height()), red);
     // The grid: the last column and the last row of each cell, and nothing inside.
-    const QColor grid(0xd8, 0xdc, 0xe2);
-    EXPECT_EQ(shot.pixelColor(cell.right - 2, cell.top + cell.Height() / 2), QColor(255, 0, 0));
-    EXPECT_EQ(shot.pixelColor(cell.right - 1, cell.top + cell.Height() / 2), grid);
-    EXPECT_EQ(shot.pixelColor(cell.right - 6, cell.bottom - 2), QColor(255, 0, 0));
+    EXPECT_EQ(shot.pixelColor(cell.right - 2, middle), red);
+    EXPECT_EQ(shot.pixelColor(cell.right - 1, middle), grid);
+    EXPECT_EQ(shot.pixelColor(cell.right - 6, cell.bottom - 2), red);
     EXPECT_EQ(shot.pixelColor(cell.right - 6, cell.bottom - 1), grid);
 }
 
