@@ -1,6 +1,11 @@
+// The module's flows over real Modbus stacks: TCP to zordrive-sim, RTU over a
+// pseudo-terminal, and an outside client reading the simulator.
 #include "LinkFixture.h"
 
+#include "zorhost/link/ModbusLink.h"
 #include "zorhost/services/HostDeviceHelper.h"
+
+#include <unistd.h>
 
 using namespace linktest;
 using zorhost::device::DataType;
@@ -170,4 +175,51 @@ TEST_F(TcpHost, RunCommandCrossesTheLink) {
     }
     sim->Kill();
     EXPECT_FALSE(host.SetRunning(kKey, true).ok()) << "no success over a dead link";
+}
+
+// Two drives on one line, each under its own unit id, over a pseudo-terminal pair.
+TEST(ModbusRtu, ReadsAndWritesAParameterOverAPseudoTerminal) {
+    SimProcess sim({"--rtu", "pty", "zd3s_servo.json", "zv5_inverter.json"});
+    ASSERT_FALSE(sim.Path().empty()) << sim.FirstLine();
+    auto inverter = LoadShippedDevice("zv5_inverter.json");
+    ASSERT_NE(inverter, nullptr);
+    zorhost::link::LinkSettings s;
+    s.kind = zorhost::link::LinkKind::ModbusRtu;
+    s.device = sim.Path();
+    s.unit = 2;
+    s.timeout_ms = 300;
+    zorhost::link::ModbusLink line(inverter, s);
+    ASSERT_TRUE(line.WaitOnline(3000));
+
+    const ParameterDef& p = inverter->parameters[inverter->FindByCode("H00-08")];
+    double raw = -1;
+    ASSERT_TRUE(ReadRaw(line, p.address, p.dataType, raw, 300).ok());
+    EXPECT_EQ(raw, p.factoryValue);
+    ASSERT_TRUE(WriteRaw(line, p.address, p.dataType, p.maxValue, 300).ok());
+    ASSERT_TRUE(ReadRaw(line, p.address, p.dataType, raw, 300).ok());
+    EXPECT_EQ(raw, p.maxValue);
+    const zorhost::sim::LinkResult refused =
+        WriteRaw(line, p.address, p.dataType, p.maxValue + 1, 300);
+    EXPECT_EQ(refused.refusal, zorhost::sim::Refusal::OutOfRange);
+    EXPECT_EQ(refused.high, p.maxValue);
+    EXPECT_GT(line.Traffic().requests, 0u);
+}
+
+// A Modbus client none of our code wrote reads what the device description says.
+TEST(Interop, MbpollReadsTheFactoryValueFromTheSimulator) {
+    if (::access("/usr/bin/mbpoll", X_OK) != 0)
+        GTEST_SKIP() << "mbpoll is not installed (scripts/setup.sh installs it)";
+    SimProcess sim({"--tcp", "127.0.0.1:0", "zd3s_servo.json"});
+    ASSERT_GT(sim.Port(), 0) << sim.FirstLine();
+    auto servo = LoadShippedDevice("zd3s_servo.json");
+    ASSERT_NE(servo, nullptr);
+    const auto& p = servo->parameters[servo->FindByCode("H02-09")];
+    // mbpoll counts references from 1.
+    const std::string reference = std::to_string(p.address + 1);
+    const std::string out =
+        RunCapture({"/usr/bin/mbpoll", "-m", "tcp", "-p", std::to_string(sim.Port()), "-a", "1",
+                    "-r", reference, "-c", "1", "-t", "4", "-1", "-o", "1", "127.0.0.1"},
+                   10000);
+    const std::string expected = "[" + reference + "]: \t" + std::to_string(int(p.factoryValue));
+    EXPECT_NE(out.find(expected), std::string::npos) << out;
 }
