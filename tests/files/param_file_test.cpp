@@ -300,7 +300,6 @@ TEST_F(ParamFileTest, FileWrittenFromTheFormatNoteReads) {
     EXPECT_EQ(file.ToBytes(), seed.substr(1));
 }
 
-// Tables as the module writes them, read with and without a module, and malformed ones.
 TEST_F(ParamFileTest, TableReaderTakesWhatTheWritersWriteAndNamesTheBadLine) {
     const std::string head = "Sign,Time\nZorvanta,2026-03-01 09:07:05\n\n"
                              "DriveName,BusID,Version,ElecData\n伺服,A,3,V2.10,0D001AAB\n\n";

@@ -85,7 +85,6 @@ TEST_F(FilesTest, ElevenColumnTableMatchesTheExpectedBytes) {
                   "H02-03,名称,2.2,2.2,,-0.5,H02-10,,514,双精度浮点数,H02-03\n");
 }
 
-// The list export: its bytes, the steps of its progress box, a cancel, and a failure.
 TEST_F(FilesTest, ListExportMatchesTheExpectedBytesAndStepsTheProgressBox) {
     TableVars vars;
     std::vector<IVarObjEx*> rows = vars.All();

@@ -256,8 +256,6 @@ TEST_F(DemoHost, GoingOfflineMidUploadStillEndsWithTheEvent) {
     EXPECT_EQ(transfer.UploadsEnded(), int(ends.size()));
 }
 
-// The host's progress display follows the transfer, and its cancel button ends it: with
-// the event, and with success 0.
 TEST_F(DemoHost, ProgressFollowsTheUploadAndCancelEndsIt) {
     struct Progress : zorhost::TransferProgress {
         int total = -1, last = 0, ends = 0, cancelAt = 0;

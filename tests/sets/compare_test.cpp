@@ -203,8 +203,6 @@ TEST_F(CompareTest, HiddenNonTransferableAndAskedReadOnlyParametersAreNeverListe
         EXPECT_NE(attrOf(dlg.GetSameList().GetAt(i))->GetModifyMode(), 2);
 }
 
-// Without an answer from the drive there is nothing to compare: a warning, no lists, and
-// the controls are there for the next try.
 TEST_F(CompareTest, AnOfflineOrFailingDriveComparesNothingAndLeavesTheControlsEnabled) {
     host.SetOnline("ZD3S", false);
     const int uploads = host.Transfer().UploadsEnded();
