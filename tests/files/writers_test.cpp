@@ -3,6 +3,7 @@
 // host; and upload and save on the real frame of the demo servo (a device of line 13): what
 // is asked, what is read from the drive, what lands in the file, and the synchronising
 // refresh of the modified parameters.
+#include "TextOf.h"
 #include "files_fixture.h"
 #include "page_fixture.h"
 
@@ -186,10 +187,8 @@ TEST_F(FilesTest, TablesWrittenByTheModuleReadBackToTheSameValues) {
         IParamFileTable* t = file->GetVarList();
         ASSERT_EQ(t->GetCount(), int(all.size()));
         for (int i = 0; i < t->GetCount(); ++i) {
-            CString a, b;
-            t->GetAt(i)->GetInstanceGuid(a);
-            all[size_t(i)]->GetInstanceGuid(b);
-            ASSERT_EQ(a, b);
+            const CString a = TextOf(t->GetAt(i), &IVarObjEx::GetInstanceGuid);
+            ASSERT_EQ(a, TextOf(all[size_t(i)], &IVarObjEx::GetInstanceGuid));
             const Variant want = all[size_t(i)]->GetValue();
             const Variant got = t->GetAt(i)->GetValue();
             // Without a module, a real's type is all the table tells; the figure must agree.
@@ -240,9 +239,7 @@ protected:
         EXPECT_TRUE(file.Open(CString(path))) << file.LastError();
         std::set<CString> keys;
         for (int i = 0; i < file.GetVarList()->GetCount(); ++i) {
-            CString key;
-            file.GetVarList()->GetAt(i)->GetInstanceGuid(key);
-            keys.insert(key);
+            keys.insert(TextOf(file.GetVarList()->GetAt(i), &IVarObjEx::GetInstanceGuid));
         }
         return keys;
     }
