@@ -129,9 +129,6 @@ INSTANTIATE_TEST_SUITE_P(AllFiles, ShippedDevice, ::testing::ValuesIn(kShipped))
 TEST(ServoDevice, CoversEveryModeLevelAndValueKind) {
     auto d = LoadShippedDevice("zd3s_servo.json");
     ASSERT_TRUE(d);
-    EXPECT_EQ(d->product.lineId, 13u);
-    EXPECT_EQ(d->product.accessModel, AccessModel::DriveAuthority);
-    EXPECT_FALSE(d->IsMultiAxis());
     EXPECT_GE(d->parameters.size(), 450u);
     EXPECT_GE(d->groupSet.roots.size(), 20u);
 
@@ -177,8 +174,6 @@ TEST(ServoDevice, CoversEveryModeLevelAndValueKind) {
 
     for (const char* name : {"Authority", "InputPassword", "Factory", "TempAuthority"})
         EXPECT_NE(d->FindNamedVariable(name), nullptr) << name;
-    for (int n = 1; n <= 9; ++n)
-        EXPECT_NE(d->FindFunction("ControlFunction" + std::to_string(n)), nullptr);
     for (const char* name :
          {"FunctionVersion", "FunctionTempVersion", "PerformanceVersion", "PerformanceTempVersion"})
         EXPECT_NE(d->FindFunction(name), nullptr) << name;
@@ -189,7 +184,6 @@ TEST(ServoDevice, CoversEveryModeLevelAndValueKind) {
 TEST(FourAxisDevice, AxesRepeatTheBlockAtTheirBases) {
     auto d = LoadShippedDevice("zd4m_four_axis.json");
     ASSERT_TRUE(d);
-    EXPECT_EQ(d->product.accessModel, AccessModel::DrivePassword);
     ASSERT_EQ(d->axes.size(), 4u);
     EXPECT_EQ(d->product.axisCopyCount, 4);
     for (int a = 0; a < 4; ++a) {
@@ -209,8 +203,6 @@ TEST(FourAxisDevice, AxesRepeatTheBlockAtTheirBases) {
 TEST(InverterDevice, CategoriesSortSomeGroupsAndLeaveOthersAtTheTop) {
     auto d = LoadShippedDevice("zv5_inverter.json");
     ASSERT_TRUE(d);
-    EXPECT_EQ(d->product.accessModel, AccessModel::ToolOnly);
-    EXPECT_EQ(d->product.kind, ProductKind::Inverter);
     ASSERT_FALSE(d->groupSet.categories.empty());
     std::set<std::uint32_t> inCategory;
     for (const CategoryDef& c : d->groupSet.categories) {
