@@ -179,8 +179,7 @@ TEST_F(DemoHost, AnAccessCodeOpensTheTopLevelAndReachesADriveThatKeepsItsOwn) {
 }
 
 TEST_F(DemoHost, RefusedWritesLeaveTheDriveValueAndSayWhy) {
-    auto* helper = host.Services().Get<IHostDeviceHelper>();
-    ASSERT_NE(helper, nullptr);
+    IHostDeviceHelper& helper = host.DeviceHelper();
     SimulatedDrive& d = *host.Drive("ZD3S");
     struct Case {
         const char* code;
@@ -200,7 +199,7 @@ TEST_F(DemoHost, RefusedWritesLeaveTheDriveValueAndSayWhy) {
         const UINT a = Address("ZD3S", c.code);
         const double before = Peek("ZD3S", a);
         const Written w =
-            Write(*helper, "ZD3S", a, Var("ZD3S", a)->GetAttr()->GetDataType(), c.value);
+            Write(helper, "ZD3S", a, Var("ZD3S", a)->GetAttr()->GetDataType(), c.value);
         EXPECT_FALSE(w.ok);
         EXPECT_EQ(Peek("ZD3S", a), before);
         ASSERT_EQ(w.errors.size(), 1u) << w.Why();
@@ -212,7 +211,7 @@ TEST_F(DemoHost, RefusedWritesLeaveTheDriveValueAndSayWhy) {
     // The same parameter at standstill, and within its limits, is taken.
     d.SetRunning(false);
     const UINT a = Address("ZD3S", "H02-00");
-    const Written taken = Write(*helper, "ZD3S", a, 18, Variant::UI2(1));
+    const Written taken = Write(helper, "ZD3S", a, 18, Variant::UI2(1));
     EXPECT_TRUE(taken.ok);
     EXPECT_TRUE(taken.errors.empty()) << taken.Why();
     EXPECT_EQ(Peek("ZD3S", a), 1);
@@ -221,13 +220,13 @@ TEST_F(DemoHost, RefusedWritesLeaveTheDriveValueAndSayWhy) {
     // Limits linked to another parameter follow that parameter's live value.
     const UINT linked = Address("ZD3S", "H06-08"), limit = Address("ZD3S", "H06-02");
     ASSERT_TRUE(d.PokeRaw(limit, 3000));
-    EXPECT_FALSE(helper->WriteParameter("ZD3S", linked, 3001));
-    EXPECT_TRUE(helper->WriteParameter("ZD3S", linked, 3000));
+    EXPECT_FALSE(helper.WriteParameter("ZD3S", linked, 3001));
+    EXPECT_TRUE(helper.WriteParameter("ZD3S", linked, 3000));
     ASSERT_TRUE(d.PokeRaw(limit, 4000));
-    EXPECT_TRUE(helper->WriteParameter("ZD3S", linked, 3500));
+    EXPECT_TRUE(helper.WriteParameter("ZD3S", linked, 3500));
 
     host.SetEnglish(true);
-    EXPECT_EQ(Write(*helper, "ZD3S", Address("ZD3S", "H02-09"), 18, Variant::UI2(5)).errors,
+    EXPECT_EQ(Write(helper, "ZD3S", Address("ZD3S", "H02-09"), 18, Variant::UI2(5)).errors,
               std::vector<CString>{"H02-09: value out of range (50 to 1000)"});
 }
 

@@ -178,19 +178,18 @@ TEST_F(DemoHost, OscilloscopeWindowAndBusyState) {
 }
 
 TEST_F(DemoHost, UploadReadsTheModuleIntoItsVariablesAndEndsWithTheEvent) {
-    auto* transfer = host.Services().Get<IHostTransferService>();
-    ASSERT_NE(transfer, nullptr);
+    IHostTransferService& transfer = host.Transfer();
     SimulatedDrive& d = *host.Drive("ZD4M");
     const UINT a = Address("ZD4M", "H0B-00", 2);
     ASSERT_TRUE(d.PokeRaw(a, 777));
     d.TakeRequests();
 
     std::vector<IVarObjEx*> all;
-    EXPECT_TRUE(transfer->GetModuleVars("ZD4M", all));
+    EXPECT_TRUE(transfer.GetModuleVars("ZD4M", all));
     EXPECT_EQ(int(all.size()), host.Module("ZD4M")->Store().GetCount());
-    EXPECT_FALSE(transfer->GetModuleVars("NOPE", all));
+    EXPECT_FALSE(transfer.GetModuleVars("NOPE", all));
 
-    EXPECT_TRUE(transfer->UploadModule(nullptr, "ZD4M"));
+    EXPECT_TRUE(transfer.UploadModule(nullptr, "ZD4M"));
     ASSERT_EQ(ends.size(), 1u);
     EXPECT_EQ(ends[0].key, CString("ZD4M"));
     EXPECT_TRUE(ends[0].success);
@@ -294,8 +293,7 @@ TEST_F(DemoHost, ProgressFollowsTheUploadAndCancelEndsIt) {
 }
 
 TEST_F(DemoHost, RefreshCycleReadsExactlyTheAddressesAskedAndStoresThem) {
-    auto* refresh = host.Services().Get<IHostRefreshService>();
-    ASSERT_NE(refresh, nullptr);
+    IHostRefreshService& refresh = host.Refresh();
     SimulatedDrive& d = *host.Drive("ZD3S");
     const UINT small = Address("ZD3S", "H02-08"), wide = Address("ZD3S", "H05-23"),
                speed = Address("ZD3S", "H0B-00");
@@ -306,7 +304,7 @@ TEST_F(DemoHost, RefreshCycleReadsExactlyTheAddressesAskedAndStoresThem) {
     const double driveSpeed = Peek("ZD3S", speed);
     d.TakeRequests();
 
-    Submit(*refresh, "ZD3S", {Var("ZD3S", small), Var("ZD3S", wide), Var("ZD3S", speed)});
+    Submit(refresh, "ZD3S", {Var("ZD3S", small), Var("ZD3S", wide), Var("ZD3S", speed)});
     EXPECT_EQ(d.TakeRequests().size(), 0u) << "nothing is read before the cycle";
     EXPECT_EQ(host.Refresh().RunCycle(), 3);
 
