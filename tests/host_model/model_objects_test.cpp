@@ -298,10 +298,8 @@ TEST(HostModel, ConnectorValuesAndCodesAreInverse) {
     EXPECT_GT(checked, 20);
     EXPECT_EQ(table->GetEntryCount(0), 0);
     EXPECT_EQ(table->GetEntryCount(4), 0);
-    EXPECT_EQ(table->FindByValueText("abc"), nullptr);
-    EXPECT_EQ(table->FindByValueText("3000x"), nullptr);
-    EXPECT_EQ(table->FindByValueText(""), nullptr);
-    EXPECT_EQ(table->FindByValueText("99999"), nullptr);
+    for (const char* text : {"abc", "3000x", "", "99999"})
+        EXPECT_EQ(table->FindByValueText(text), nullptr) << text;
     EXPECT_EQ(table->ValueFromCode("H00-04", 1), -1) << "not a signal";
     const std::string bSource =
         Members(set->FindByName(TextOf(table->GetEntry(0, 1), &IConnectorGroup::GetGroupKey)))
