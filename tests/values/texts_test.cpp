@@ -1,5 +1,8 @@
 // The texts of a row: values and limits by display format and per-unit mode, the display
-// format and unit columns, modify and effect modes, linked limits.
+// format and unit columns, linked limits; what a value means (enumeration names through the
+// translator, connector targets, compare rows); and the parsers of spreadsheet cells and
+// typed values, which need no host.
+#include "values/GetVarInfo.h"
 #include "values/ValueText.h"
 #include "values_fixture.h"
 #include "zorhost/device/DeviceLoader.h"
@@ -199,6 +202,163 @@ TEST_F(ValueTexts, MissingServiceOrAttributeGivesEmptyTexts) {
     Var("H00-07")->SetPerUnitMode(2);
     EXPECT_EQ(PerUnitBase(Var("H00-07")), 0.0);
     EXPECT_EQ(FactoryValueText(Var("H00-07")), CString("0.00"));
+}
+
+class VarInfo : public ValuesTest {
+protected:
+    CGetVarInfo info;
+};
+
+TEST_F(VarInfo, EnumerationValuesCarryTheirNameThroughTheTranslator) {
+    IVarObjEx* mode = Var("H00-00");
+    mode->SetValue(Variant::UI2(1));
+    EXPECT_EQ(info.CurrentValueText(mode), CString("1[速度模式]"));
+    ui.translations["速度模式"] = "Speed";
+    EXPECT_EQ(info.CurrentValueText(mode), CString("1[Speed]"));
+    mode->SetValue(Variant::UI2(7));
+    EXPECT_EQ(info.CurrentValueText(mode), CString("7")) << "no entry, no brackets";
+    mode->SetValue(Variant());
+    EXPECT_EQ(info.CurrentValueText(mode), CString(""));
+    EXPECT_EQ(info.Meaning(mode->GetAttr(), Variant::R8(2.0)), CString("转矩模式"))
+        << "compared as a figure of the parameter's type";
+}
+
+TEST_F(VarInfo, ConnectorValuesNameTheirTarget) {
+    IVarObjEx* source = Var("H00-13");
+    ASSERT_TRUE(IsConnectorVar(source->GetAttr()));
+    EXPECT_FALSE(IsConnectorVar(Attr("H00-00")));
+    EXPECT_FALSE(IsConnectorVar(Attr("H00-01")));
+    source->SetValue(Variant::UI2(2012)); // K group H02 from 2000: H02-00 at 0x0200
+    EXPECT_EQ(info.CurrentValueText(source), CString("H02-00[电机转速]"));
+    ui.translations["母线电压"] = "DC bus voltage";
+    source->SetSetValue(Variant::UI2(2013));
+    EXPECT_EQ(info.SetValueText(source), CString("H02-01[DC bus voltage]"));
+    source->SetValue(Variant::UI2(5));
+    EXPECT_EQ(info.CurrentValueText(source), CString("5")) << "points nowhere: plain text";
+    source->SetValue(Variant::UI2(1));
+    EXPECT_EQ(info.CurrentValueText(source), CString("1[K连接器]"));
+}
+
+TEST_F(VarInfo, PerUnitCellsReadInTheScaleOfTheRow) {
+    IVarObjEx* current = Var("H00-07");
+    current->SetPerUnitMode(PER_UNIT_PERCENT);
+    EXPECT_EQ(info.CurrentValueText(current), CString("100.00%"));
+    current->SetPerUnitMode(PER_UNIT_RAW);
+    EXPECT_EQ(info.CurrentValueText(current), CString("4096"));
+}
+
+TEST_F(VarInfo, ValueTextWithMeaningOfCompareRows) {
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-00"), Variant()), CString("---"));
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-00"), Variant::Null()), CString("---"));
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-00"), Variant::UI2(2)), CString("2[转矩模式]"));
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-01"), Variant::I2(1505)), CString("150.5"));
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-16"), Variant::I2(-32768)), CString("-3.2768"));
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-20"), Variant::UI4(255)), CString("FF"));
+    // Per-unit values read as a percentage whatever the row shows.
+    Var("H00-07")->SetPerUnitMode(2);
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-07"), Variant::I2(4096)), CString("100%"));
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-22"), Variant::I4(268435456)), CString("100%"));
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-06"), Variant::UI2(1)), CString(""));
+}
+
+TEST_F(VarInfo, WithoutTheTranslatorTheFigureStandsAlone) {
+    IVarObjEx* mode = Var("H00-00");
+    mode->SetValue(Variant::UI2(1));
+    services.Withhold<IHostUiService>();
+    EXPECT_EQ(info.CurrentValueText(mode), CString("1"));
+    services.Withhold<IHostUiService>(false);
+    services.Withhold<IHostVarUtil>();
+    EXPECT_EQ(info.ValueTextWithMeaning(mode, Variant::UI2(1)), CString(""));
+    EXPECT_EQ(info.CurrentValueText(nullptr), CString(""));
+    EXPECT_EQ(info.EnumText(nullptr, nullptr, Variant()), CString(""));
+}
+
+// The order of the tests matters only for texts that extend another; only the boolean's
+// name may have more behind it.
+TEST(DataTypeFromName, WholeNamesExceptTheBoolean) {
+    EXPECT_EQ(DataTypeFromName("无符号16位"), VT_UI2);
+    EXPECT_EQ(DataTypeFromName("有符号32位"), VT_I4);
+    EXPECT_EQ(DataTypeFromName("无符号8位字符"), VT_UI1);
+    EXPECT_EQ(DataTypeFromName("无符号日期类型"), VT_DATE);
+    EXPECT_EQ(DataTypeFromName("布尔型"), VT_BOOL);
+    EXPECT_EQ(DataTypeFromName("布尔型(16位)"), VT_BOOL);
+    EXPECT_EQ(DataTypeFromName("有符号16位 "), 0);
+    EXPECT_EQ(DataTypeFromName(" 有符号16位"), 0);
+    EXPECT_EQ(DataTypeFromName("有符号16"), 0);
+    EXPECT_EQ(DataTypeFromName(""), 0);
+    EXPECT_EQ(DataTypeFromName("int16"), 0);
+    EXPECT_EQ(DataTypeFromName("布尔"), 0);
+}
+
+TEST(HexTextToDecimal, PrefixBlanksCaseEightDigitsAndHostileTexts) {
+    EXPECT_EQ(HexTextToDecimal("0x00ff"), CString("255"));
+    EXPECT_EQ(HexTextToDecimal("00 FF"), CString("255"));
+    EXPECT_EQ(HexTextToDecimal("0XaBc"), CString("2748"));
+    EXPECT_EQ(HexTextToDecimal("FFFFFFFF"), CString("4294967295"));
+    EXPECT_EQ(HexTextToDecimal("0x8000"), CString("32768"));
+    // It stops at the first foreign character and keeps eight digits.
+    EXPECT_EQ(HexTextToDecimal("12G4"), CString("18"));
+    EXPECT_EQ(HexTextToDecimal("123456789"), CString("305419896")) << "ninth digit dropped";
+    EXPECT_EQ(HexTextToDecimal(CString(std::string(40, 'F'))), CString("4294967295"));
+    EXPECT_EQ(HexTextToDecimal("1-2"), CString("1"));
+    // Hostile texts give zero.
+    EXPECT_EQ(HexTextToDecimal(""), CString("0"));
+    EXPECT_EQ(HexTextToDecimal("0x"), CString("0"));
+    EXPECT_EQ(HexTextToDecimal("   "), CString("0"));
+    EXPECT_EQ(HexTextToDecimal("ＦＦ"), CString("0")) << "full-width letters are no digits";
+    EXPECT_EQ(HexTextToDecimal("参数"), CString("0"));
+    EXPECT_EQ(HexTextToDecimal("-1"), CString("0"));
+}
+
+TEST(BinaryTextToDecimal, PrefixBlanksAndLength) {
+    EXPECT_EQ(BinaryTextToDecimal("0b1010"), CString("10"));
+    EXPECT_EQ(BinaryTextToDecimal("0B1111"), CString("15"));
+    EXPECT_EQ(BinaryTextToDecimal("1 1"), CString("3"));
+    EXPECT_EQ(BinaryTextToDecimal("101"), CString("5"));
+    EXPECT_EQ(BinaryTextToDecimal("11"), CString("")) << "shorter than three characters";
+    EXPECT_EQ(BinaryTextToDecimal(""), CString(""));
+    EXPECT_EQ(BinaryTextToDecimal("1111111111111111"), CString("65535"));
+    EXPECT_EQ(BinaryTextToDecimal(CString(std::string(40, '1'))), CString("65535"))
+        << "only 16 digits count";
+    EXPECT_EQ(BinaryTextToDecimal("1012"), CString("5")) << "stops at the 2";
+    EXPECT_EQ(BinaryTextToDecimal("0b"), CString(""));
+    EXPECT_EQ(BinaryTextToDecimal("0b2"), CString("0"));
+    EXPECT_EQ(BinaryTextToDecimal("一一一"), CString("0"));
+}
+
+TEST(ParseAddressText, DecimalAndHexadecimalCellsAndTextsThatNameNone) {
+    EXPECT_EQ(ParseAddressText("0x1A"), 26u);
+    EXPECT_EQ(ParseAddressText("0X1a"), 26u);
+    EXPECT_EQ(ParseAddressText("26"), 26u);
+    EXPECT_EQ(ParseAddressText("26abc"), 26u) << "leading digits count";
+    EXPECT_EQ(ParseAddressText("0x 02 29"), 0x229u);
+    EXPECT_EQ(ParseAddressText("0xFFFFFFFF"), 0xFFFFFFFFu);
+    EXPECT_EQ(ParseAddressText("4294967295"), 4294967295u);
+    // Texts that name no address give zero.
+    EXPECT_EQ(ParseAddressText("0xZZ"), 0u);
+    EXPECT_EQ(ParseAddressText("0x"), 0u);
+    EXPECT_EQ(ParseAddressText(""), 0u);
+    EXPECT_EQ(ParseAddressText("地址"), 0u);
+    EXPECT_EQ(ParseAddressText("-5"), 0u);
+    EXPECT_EQ(ParseAddressText("0x1G"), 0u) << "the tail must be hexadecimal";
+    // Too large for an address: no wrap-around onto some other parameter.
+    EXPECT_EQ(ParseAddressText("0x100000000"), 0u);
+    EXPECT_EQ(ParseAddressText(CString("0x" + std::string(40, 'F'))), 0u);
+    EXPECT_EQ(ParseAddressText(CString(std::string(40, '9'))), 0u);
+    EXPECT_EQ(ParseAddressText("4294967296"), 0u);
+}
+
+TEST(ConnectorNames, WholeNamesAndBracketedNames) {
+    EXPECT_TRUE(IsConnectorName("K连接器"));
+    EXPECT_TRUE(IsConnectorName("kf连接器"));
+    EXPECT_TRUE(IsConnectorName("连接器"));
+    EXPECT_FALSE(IsConnectorName("BKF连接器")) << "not one of the whole names";
+    EXPECT_FALSE(IsConnectorName("K连接器 "));
+    EXPECT_TRUE(HasConnectorName("速度给定[BKF连接器]"));
+    EXPECT_TRUE(HasConnectorName("x[b连接器]y"));
+    EXPECT_FALSE(HasConnectorName("K连接器"));
+    EXPECT_FALSE(HasConnectorName("[连接器]"));
+    EXPECT_FALSE(HasConnectorName(""));
 }
 
 } // namespace
