@@ -14,6 +14,8 @@ namespace {
 class Commit : public ValuesTest {
 protected:
     CAfxRecordingResponder prompts;
+    std::vector<CString> errors; // of the limit checks
+    Variant out;
 };
 
 TEST_F(Commit, TheLiveListWritesTheRawFigureAtOnce) {
@@ -108,6 +110,17 @@ TEST_F(Commit, PerUnitFiguresAreTypedInTheScaleShown) {
     EXPECT_EQ(CommitCellText(gain, "25", 0, 0), COMMIT_WRITTEN);
     EXPECT_EQ(helper.writes.back().value, Variant::R8(0.25));
 
+    // No base, no engineering commit: the drive doesn't answer for the base, or a further
+    // base is named but without a scale.
+    const size_t written = helper.writes.size();
+    current->SetPerUnitMode(2);
+    EXPECT_EQ(CommitCellText(current, "15", 0, 0), COMMIT_REFUSED);
+    EXPECT_EQ(CommitCellText(current, "0.00", 0, 0), COMMIT_REFUSED) << "the cell's own text";
+    current->SetPerUnitMode(3);
+    helper.driveValues[0x000C] = Variant::UI2(3000);
+    EXPECT_EQ(CommitCellText(current, "15", 0, 0), COMMIT_REFUSED);
+    EXPECT_EQ(helper.writes.size(), written);
+
     current->SetPerUnitMode(2); // base H00-10 = 30 A
     helper.driveValues[0x000A] = Variant::UI2(30);
     EXPECT_EQ(CommitCellText(current, "15", 0, 0), COMMIT_WRITTEN);
@@ -117,17 +130,6 @@ TEST_F(Commit, PerUnitFiguresAreTypedInTheScaleShown) {
     current->SetPerUnitMode(0);
     EXPECT_EQ(CommitCellText(current, "1000", 0, 0), COMMIT_WRITTEN);
     EXPECT_EQ(helper.writes.back().value, Variant::R8(1000.0));
-}
-
-TEST_F(Commit, NoBaseNoEngineeringCommit) {
-    IVarObjEx* current = Var("H00-07");
-    current->SetPerUnitMode(2); // the drive doesn't answer for the base
-    EXPECT_EQ(CommitCellText(current, "15", 0, 0), COMMIT_REFUSED);
-    EXPECT_EQ(CommitCellText(current, "0.00", 0, 0), COMMIT_REFUSED) << "the cell's own text";
-    current->SetPerUnitMode(3); // a further base: named, but without a scale
-    helper.driveValues[0x000C] = Variant::UI2(3000);
-    EXPECT_EQ(CommitCellText(current, "15", 0, 0), COMMIT_REFUSED);
-    EXPECT_TRUE(helper.writes.empty());
 }
 
 TEST_F(Commit, TheStagingListStoresASetValueAndTheCheckMark) {
@@ -161,28 +163,7 @@ TEST_F(Commit, ConnectorValuesPassTheLimitCheckButNotTheTypesRange) {
     EXPECT_EQ(source->GetSetValue(), Variant::UI2(2012));
 }
 
-TEST_F(Commit, WithoutTheHostNothingHappens) {
-    services.Withhold<IHostDeviceHelper>();
-    EXPECT_EQ(CommitCellText(Var("H00-01"), "1", 0, 0), COMMIT_IGNORED);
-    services.Withhold<IHostDeviceHelper>(false);
-    services.Withhold<IHostVarUtil>();
-    EXPECT_EQ(CommitCellText(Var("H00-01"), "1", 0, 0), COMMIT_IGNORED);
-    EXPECT_EQ(CommitCellText(Var("H00-01"), "1", 1, 1), COMMIT_IGNORED);
-    services.Withhold<IHostVarUtil>(false);
-    services.Withhold<IHostProjectRoot>();
-    EXPECT_EQ(CommitCellText(Var("H00-01"), "1", 1, 1), COMMIT_REFUSED)
-        << "no module to check against";
-    EXPECT_TRUE(helper.writes.empty());
-    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u);
-}
-
-class Limits : public ValuesTest {
-protected:
-    std::vector<CString> errors;
-    Variant out;
-};
-
-TEST_F(Limits, ApplyLimitsAcceptsBothEndsAndGivesTheRawFigure) {
+TEST_F(Commit, ApplyLimitsAcceptsBothEndsAndRefusesJustOutsideWithTheExactText) {
     EXPECT_TRUE(ApplyLimits(1, VT_I2, 300.0, -300.0, Variant::R8(300.0), out, errors));
     EXPECT_EQ(out, Variant::R8(3000.0)) << "raw figure under the tag of the source";
     EXPECT_TRUE(ApplyLimits(1, VT_I2, 300.0, -300.0, Variant::R8(-300.0), out, errors));
@@ -195,9 +176,8 @@ TEST_F(Limits, ApplyLimitsAcceptsBothEndsAndGivesTheRawFigure) {
     EXPECT_TRUE(ApplyLimits(-1, VT_I2, 10, 0, Variant::R8(5), out, errors));
     EXPECT_EQ(out, Variant::R8(5)) << "negative decimals leave the value as it is";
     EXPECT_TRUE(errors.empty());
-}
 
-TEST_F(Limits, ApplyLimitsRefusesJustOutsideWithTheExactText) {
+    // Just outside: refused with the exact text.
     EXPECT_FALSE(ApplyLimits(1, VT_I2, 300.0, -300.0, Variant::R8(300.1), out, errors));
     EXPECT_FALSE(ApplyLimits(0, VT_I2, 32767, -32768, Variant::R8(-32769), out, errors));
     EXPECT_FALSE(ApplyLimits(0, VT_UI4, 4294967295.0, 0, Variant::R8(4294967296.0), out, errors));
@@ -207,16 +187,14 @@ TEST_F(Limits, ApplyLimitsRefusesJustOutsideWithTheExactText) {
     EXPECT_EQ(errors[2], CString("Over the limit,value = 4294967296,[min = 0,max = 4294967295]"));
     EXPECT_TRUE(ApplyLimits(0, VT_UI4, 4294967295.0, 0, Variant::R8(4294967295.0), out, errors));
     EXPECT_TRUE(ApplyLimits(0, VT_I2, 32767, -32768, Variant::R8(-32768), out, errors));
-}
-
-TEST_F(Limits, NaNIsNeverInside) {
+    // NaN is never inside.
     const double nan = std::numeric_limits<double>::quiet_NaN();
     EXPECT_FALSE(ApplyLimits(0, VT_R8, 1e300, -1e300, Variant::R8(nan), out, errors));
     EXPECT_FALSE(CheckEditedValue("M1", 0x001C, VT_R8, Variant::R8(nan), out, errors));
-    EXPECT_EQ(errors.size(), 2u);
+    EXPECT_EQ(errors.size(), 5u);
 }
 
-TEST_F(Limits, CheckEditedValueTakesTheParametersOwnLimits) {
+TEST_F(Commit, CheckEditedValueTakesTheParametersOwnLimits) {
     // H00-01: i16, 1 decimal, -3000..3000 raw = -300.0..300.0
     EXPECT_TRUE(CheckEditedValue("M1", 0x0001, VT_I2, Variant::R8(300.0), out, errors));
     EXPECT_EQ(out, Variant::I2(3000)) << "the raw figure in the parameter's type";
@@ -240,7 +218,7 @@ TEST_F(Limits, CheckEditedValueTakesTheParametersOwnLimits) {
     EXPECT_EQ(errors.back(), CString("Over the limit,value = 3.2768,[min = -3.2768,max = 3.2767]"));
 }
 
-TEST_F(Limits, LinkedLimitsAreTheTargetsLiveValueFromTheDrive) {
+TEST_F(Commit, LinkedLimitsAreTheTargetsLiveValueFromTheDrive) {
     helper.driveValues[0x000C] = Variant::UI2(2500); // H00-12, the maximum of H00-11
     EXPECT_TRUE(CheckEditedValue("M1", 0x000B, VT_UI2, Variant::R8(2500), out, errors));
     EXPECT_EQ(out, Variant::UI2(2500));
@@ -261,15 +239,25 @@ TEST_F(Limits, LinkedLimitsAreTheTargetsLiveValueFromTheDrive) {
     EXPECT_FALSE(CheckEditedValue("M1", 0x000B, VT_UI2, Variant::R8(1), out, errors));
 }
 
-TEST_F(Limits, NoModuleVariableOrServiceMeansNoAnswer) {
+// Without the host or the module nothing is written, and a limit check says nothing.
+TEST_F(Commit, WithoutTheHostOrTheModuleNothingHappens) {
     EXPECT_FALSE(CheckEditedValue("M9", 0x0001, VT_I2, Variant::R8(1), out, errors));
     EXPECT_FALSE(CheckEditedValue("M1", 0x7777, VT_I2, Variant::R8(1), out, errors));
-    services.Withhold<IHostProjectRoot>();
-    EXPECT_FALSE(CheckEditedValue("M1", 0x0001, VT_I2, Variant::R8(1), out, errors));
-    services.Withhold<IHostProjectRoot>(false);
+    services.Withhold<IHostDeviceHelper>();
+    EXPECT_EQ(CommitCellText(Var("H00-01"), "1", 0, 0), COMMIT_IGNORED);
+    services.Withhold<IHostDeviceHelper>(false);
     services.Withhold<IHostVarUtil>();
+    EXPECT_EQ(CommitCellText(Var("H00-01"), "1", 0, 0), COMMIT_IGNORED);
+    EXPECT_EQ(CommitCellText(Var("H00-01"), "1", 1, 1), COMMIT_IGNORED);
     EXPECT_FALSE(CheckEditedValue("M1", 0x0001, VT_I2, Variant::R8(1), out, errors));
     EXPECT_FALSE(ApplyLimits(0, VT_I2, 10, 0, Variant::R8(1), out, errors));
+    services.Withhold<IHostVarUtil>(false);
+    services.Withhold<IHostProjectRoot>();
+    EXPECT_EQ(CommitCellText(Var("H00-01"), "1", 1, 1), COMMIT_REFUSED)
+        << "no module to check against";
+    EXPECT_FALSE(CheckEditedValue("M1", 0x0001, VT_I2, Variant::R8(1), out, errors));
+    EXPECT_TRUE(helper.writes.empty());
+    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u);
     EXPECT_TRUE(errors.empty()) << "quiet: nothing to tell without a host";
 }
 

@@ -5,7 +5,6 @@
 #include "values/GetVarInfo.h"
 #include "values/ValueText.h"
 #include "values_fixture.h"
-#include "zorhost/device/DeviceLoader.h"
 
 #include <optional>
 
@@ -13,7 +12,10 @@ using namespace VarText;
 
 namespace {
 
-class ValueTexts : public ValuesTest {};
+class ValueTexts : public ValuesTest {
+protected:
+    CGetVarInfo info;
+};
 
 // Values and limits by type, places and display format. Each row may first give the
 // parameter a value; the rows of one parameter run in order.
@@ -87,6 +89,7 @@ TEST_F(ValueTexts, PercentOf16And32BitAndRealParameters) {
         << "no negative zero";
     EXPECT_EQ(UnitText(current), CString("%"));
     EXPECT_EQ(DisplayFormatText(current), CString("百分比"));
+    EXPECT_EQ(info.CurrentValueText(current), CString("100.00%")) << "the cell, in the row's scale";
     EXPECT_TRUE(helper.reads.empty()) << "percent needs no base";
 }
 
@@ -98,6 +101,7 @@ TEST_F(ValueTexts, RawFigureModeShowsTwoPlaces) {
         EXPECT_EQ(DisplayFormatText(current), CString("原始值")) << mode;
         EXPECT_EQ(UnitText(current), CString("A")) << mode;
     }
+    EXPECT_EQ(info.CurrentValueText(current), CString("4096")) << "the cell's figure has no places";
 }
 
 TEST_F(ValueTexts, EngineeringValuesReadTheirBaseOnceAndKeepIt) {
@@ -187,29 +191,7 @@ TEST_F(ValueTexts, LinkedLimitsStayOnTheirAxis) {
         CheckEditedValue("M4", jog->GetInstanceAddress(), VT_UI2, Variant::R8(4501), out, errors));
 }
 
-TEST_F(ValueTexts, MissingServiceOrAttributeGivesEmptyTexts) {
-    EXPECT_EQ(ItemValueText(nullptr), CString(""));
-    EXPECT_EQ(MinValueText(nullptr), CString(""));
-    EXPECT_EQ(DisplayFormatText(nullptr), CString(""));
-    EXPECT_EQ(ModifyModeText(nullptr), CString(""));
-    EXPECT_EQ(PerUnitBase(nullptr), 0.0);
-    services.Withhold<IHostVarUtil>();
-    EXPECT_EQ(ItemValueText(Var("H00-01")), CString(""));
-    EXPECT_EQ(FactoryValueText(Var("H00-01")), CString(""));
-    EXPECT_EQ(LinkedLimitText(Var("H00-11"), TRUE), CString(""));
-    services.Withhold<IHostVarUtil>(false);
-    services.Withhold<IHostDeviceHelper>();
-    Var("H00-07")->SetPerUnitMode(2);
-    EXPECT_EQ(PerUnitBase(Var("H00-07")), 0.0);
-    EXPECT_EQ(FactoryValueText(Var("H00-07")), CString("0.00"));
-}
-
-class VarInfo : public ValuesTest {
-protected:
-    CGetVarInfo info;
-};
-
-TEST_F(VarInfo, EnumerationValuesCarryTheirNameThroughTheTranslator) {
+TEST_F(ValueTexts, EnumerationValuesCarryTheirNameThroughTheTranslator) {
     IVarObjEx* mode = Var("H00-00");
     mode->SetValue(Variant::UI2(1));
     EXPECT_EQ(info.CurrentValueText(mode), CString("1[速度模式]"));
@@ -223,7 +205,7 @@ TEST_F(VarInfo, EnumerationValuesCarryTheirNameThroughTheTranslator) {
         << "compared as a figure of the parameter's type";
 }
 
-TEST_F(VarInfo, ConnectorValuesNameTheirTarget) {
+TEST_F(ValueTexts, ConnectorValuesNameTheirTarget) {
     IVarObjEx* source = Var("H00-13");
     ASSERT_TRUE(IsConnectorVar(source->GetAttr()));
     EXPECT_FALSE(IsConnectorVar(Attr("H00-00")));
@@ -239,15 +221,7 @@ TEST_F(VarInfo, ConnectorValuesNameTheirTarget) {
     EXPECT_EQ(info.CurrentValueText(source), CString("1[K连接器]"));
 }
 
-TEST_F(VarInfo, PerUnitCellsReadInTheScaleOfTheRow) {
-    IVarObjEx* current = Var("H00-07");
-    current->SetPerUnitMode(PER_UNIT_PERCENT);
-    EXPECT_EQ(info.CurrentValueText(current), CString("100.00%"));
-    current->SetPerUnitMode(PER_UNIT_RAW);
-    EXPECT_EQ(info.CurrentValueText(current), CString("4096"));
-}
-
-TEST_F(VarInfo, ValueTextWithMeaningOfCompareRows) {
+TEST_F(ValueTexts, ValueTextWithMeaningOfCompareRows) {
     EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-00"), Variant()), CString("---"));
     EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-00"), Variant::Null()), CString("---"));
     EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-00"), Variant::UI2(2)), CString("2[转矩模式]"));
@@ -261,7 +235,16 @@ TEST_F(VarInfo, ValueTextWithMeaningOfCompareRows) {
     EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-06"), Variant::UI2(1)), CString(""));
 }
 
-TEST_F(VarInfo, WithoutTheTranslatorTheFigureStandsAlone) {
+// Without the translator an enumeration's figure stands alone; without the value service,
+// the device helper or an attribute the texts are empty.
+TEST_F(ValueTexts, WithoutAServiceOrAnAttributeTextsAreEmptyOrPlain) {
+    EXPECT_EQ(ItemValueText(nullptr), CString(""));
+    EXPECT_EQ(MinValueText(nullptr), CString(""));
+    EXPECT_EQ(DisplayFormatText(nullptr), CString(""));
+    EXPECT_EQ(ModifyModeText(nullptr), CString(""));
+    EXPECT_EQ(PerUnitBase(nullptr), 0.0);
+    EXPECT_EQ(info.CurrentValueText(nullptr), CString(""));
+    EXPECT_EQ(info.EnumText(nullptr, nullptr, Variant()), CString(""));
     IVarObjEx* mode = Var("H00-00");
     mode->SetValue(Variant::UI2(1));
     services.Withhold<IHostUiService>();
@@ -269,8 +252,14 @@ TEST_F(VarInfo, WithoutTheTranslatorTheFigureStandsAlone) {
     services.Withhold<IHostUiService>(false);
     services.Withhold<IHostVarUtil>();
     EXPECT_EQ(info.ValueTextWithMeaning(mode, Variant::UI2(1)), CString(""));
-    EXPECT_EQ(info.CurrentValueText(nullptr), CString(""));
-    EXPECT_EQ(info.EnumText(nullptr, nullptr, Variant()), CString(""));
+    EXPECT_EQ(ItemValueText(Var("H00-01")), CString(""));
+    EXPECT_EQ(FactoryValueText(Var("H00-01")), CString(""));
+    EXPECT_EQ(LinkedLimitText(Var("H00-11"), TRUE), CString(""));
+    services.Withhold<IHostVarUtil>(false);
+    services.Withhold<IHostDeviceHelper>();
+    Var("H00-07")->SetPerUnitMode(2);
+    EXPECT_EQ(PerUnitBase(Var("H00-07")), 0.0);
+    EXPECT_EQ(FactoryValueText(Var("H00-07")), CString("0.00"));
 }
 
 // The order of the tests matters only for texts that extend another; only the boolean's
