@@ -55,6 +55,11 @@ TEST_F(Page1Test, StartUpOfTheSingleAxisServo) {
     EXPECT_EQ(List().GetItemText(row, 1), "H00-00");
     EXPECT_EQ(List().GetItemText(row, 12), "0x0000");
     EXPECT_EQ(List().GetItemText(row, 11), "0");
+    // A hidden value shows stars.
+    const int hidden = FindRow([](IVarAttr* a) { return a->GetDisplayFormat() == 4; });
+    ASSERT_GE(hidden, 0) << "the demo servo shows a hidden parameter";
+    EXPECT_EQ(List().GetItemText(hidden, 3), "******");
+    EXPECT_EQ(List().GetItemText(hidden, 5), "******");
 }
 
 TEST_F(Page1Test, TheFourAxisDriveGetsTheMultiAxisLayoutAndAxisCopy) {
@@ -125,14 +130,6 @@ TEST_F(Page1Test, TheTipOverAPackedValueListsEachFieldWithItsValue) {
     QCoreApplication::sendEvent(port, &move);
     EXPECT_EQ(List().GetToolTip().GetText(), tip);
     EXPECT_TRUE(AfxPumpMessagesUntil([&] { return List().GetToolTip().IsTipShown() != 0; }, 3000));
-}
-
-TEST_F(Page1Test, AHiddenValueShowsStarsAndAPasswordEdit) {
-    OpenFrame("ZD3S");
-    const int row = FindRow([](IVarAttr* a) { return a->GetDisplayFormat() == 4; });
-    ASSERT_GE(row, 0) << "the demo servo shows a hidden parameter";
-    EXPECT_EQ(List().GetItemText(row, 3), "******");
-    EXPECT_EQ(List().GetItemText(row, 5), "******");
 }
 
 TEST_F(Page1Test, TheEndOfASynchronisingUploadRefillsWithTheFilterThenReturnsToAllRows) {
