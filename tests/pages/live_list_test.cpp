@@ -275,8 +275,11 @@ TEST_F(CommitTest, EscapeWritesNothingScrollingCommitsTheNumericEditAndDropsTheT
     const double hexBefore = RawAt(hexRow);
     List().EnsureVisible(hexRow, FALSE);
     List().ClickCell(hexRow, kValueColumn);
-    ASSERT_NE(List().GetItemEditEx().GetSafeHwnd(), nullptr);
-    AfxTestTypeText(&List().GetItemEditEx(), "0x0003");
+    CItemEditEx& hex = List().GetItemEditEx();
+    ASSERT_NE(hex.GetSafeHwnd(), nullptr);
+    hex.SetSel(0, -1);
+    TypeKeys(&hex, "0x0g0.3");
+    EXPECT_EQ(hex.GetWindowTextString(), "0x003") << "keys of hexadecimal figures only";
     List().SendMessage(WM_VSCROLL, MAKEWPARAM(SB_LINEDOWN, 0), 0);
     EXPECT_EQ(List().GetItemEditEx().GetSafeHwnd(), nullptr);
     EXPECT_EQ(RawAt(hexRow), hexBefore);

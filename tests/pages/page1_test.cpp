@@ -364,19 +364,6 @@ TEST(NumericCellEdit, TypedKeysKeepTheFirstPointAndEndAtThePlaces) {
     EXPECT_EQ(CAMSNumericEdit::ValidText("1-2", 16, 2, TRUE), "12");
 }
 
-TEST(AlphanumericEditRules, RefusedCharactersAndTheHexadecimalSet) {
-    CAMSAlphanumericEdit edit;
-    for (char c : std::string("%'*\"+?><:\\"))
-        EXPECT_FALSE(edit.IsCharacterValid(UINT(c))) << c;
-    EXPECT_TRUE(edit.IsCharacterValid('a'));
-    edit.SetInvalidCharacters("~!@#$%^&*(){}[]|\\:;\"'<>,.?/"
-                              "qwrtyuiopsghjklzvnmQWRTYUIOPSGHJKLZVNM");
-    for (char c : std::string("0123456789abcdefABCDEFxX-+"))
-        EXPECT_TRUE(edit.IsCharacterValid(UINT(c))) << c;
-    for (char c : std::string("gGzZ.,"))
-        EXPECT_FALSE(edit.IsCharacterValid(UINT(c))) << c;
-}
-
 class SortingList : public CVarListCtrlEx {
 public:
     void ClickHeader(int column) {
