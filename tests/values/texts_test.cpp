@@ -2,6 +2,7 @@
 // format and unit columns, linked limits; what a value means (enumeration names through the
 // translator, connector targets, compare rows); and the parsers of spreadsheet cells and
 // typed values, which need no host.
+#include "ShippedDevices.h"
 #include "values/GetVarInfo.h"
 #include "values/ValueText.h"
 #include "values_fixture.h"
@@ -72,7 +73,7 @@ TEST_F(ValueTexts, ValuesAndLimitsByTypePlacesAndFormat) {
     }
 }
 
-TEST_F(ValueTexts, PercentOf16And32BitAndRealParameters) {
+TEST_F(ValueTexts, PercentOf16And32BitAndRealParametersAndTheRawFigure) {
     IVarObjEx* current = Var("H00-07"); // i16, 4096 = 100 %
     IVarObjEx* speed = Var("H00-22");   // i32, 2^28 = 100 %
     IVarObjEx* gain = Var("H00-24");    // f32, fraction as it stands
@@ -91,10 +92,8 @@ TEST_F(ValueTexts, PercentOf16And32BitAndRealParameters) {
     EXPECT_EQ(DisplayFormatText(current), CString("百分比"));
     EXPECT_EQ(info.CurrentValueText(current), CString("100.00%")) << "the cell, in the row's scale";
     EXPECT_TRUE(helper.reads.empty()) << "percent needs no base";
-}
 
-TEST_F(ValueTexts, RawFigureModeShowsTwoPlaces) {
-    IVarObjEx* current = Var("H00-07");
+    // The raw figure's mode shows two places in the texts, none in the cell.
     for (int mode : {-1, 0}) {
         current->SetPerUnitMode(mode);
         EXPECT_EQ(FactoryValueText(current), CString("4096.00")) << mode;
@@ -104,18 +103,24 @@ TEST_F(ValueTexts, RawFigureModeShowsTwoPlaces) {
     EXPECT_EQ(info.CurrentValueText(current), CString("4096")) << "the cell's figure has no places";
 }
 
-TEST_F(ValueTexts, EngineeringValuesReadTheirBaseOnceAndKeepIt) {
+TEST_F(ValueTexts, EngineeringValuesReadTheirBaseOnceAndKeepItAndWithoutOneReadZero) {
     IVarObjEx* current = Var("H00-07");
     current->SetPerUnitMode(2); // base H00-10 at 0x000A
+    // The drive doesn't answer for the base yet: zero, and a failed read holds nothing.
+    EXPECT_EQ(PerUnitBase(current), 0.0);
+    EXPECT_EQ(MinValueText(current), CString("0.00"));
+    EXPECT_EQ(PerUnitValueText(current, Variant::I2(1)), CString("0.00"));
+    ASSERT_EQ(helper.reads.size(), 3u);
+
     helper.driveValues[0x000A] = Variant::UI2(30);
     ui.translations["额定电流"] = "Rated current";
     EXPECT_EQ(FactoryValueText(current), CString("30.00"));
     EXPECT_EQ(MaxValueText(current), CString("60.00"));
     EXPECT_EQ(MinValueText(current), CString("-60.00"));
     EXPECT_EQ(PerUnitValueText(current, Variant::I2(1024)), CString("7.50"));
-    ASSERT_EQ(helper.reads.size(), 1u) << "one read, then the table holds the base";
-    EXPECT_EQ(helper.reads[0].address, 0x000Au);
-    EXPECT_EQ(helper.reads[0].dataType, int(VT_I2)) << "read as the parameter's type";
+    ASSERT_EQ(helper.reads.size(), 4u) << "one read, then the table holds the base";
+    EXPECT_EQ(helper.reads.back().address, 0x000Au);
+    EXPECT_EQ(helper.reads.back().dataType, int(VT_I2)) << "read as the parameter's type";
     helper.driveValues[0x000A] = Variant::UI2(99);
     EXPECT_EQ(PerUnitBase(current), 30.0) << "a held base isn't read again";
     EXPECT_EQ(DisplayFormatText(current), CString("Rated current"));
@@ -127,31 +132,20 @@ TEST_F(ValueTexts, EngineeringValuesReadTheirBaseOnceAndKeepIt) {
     EXPECT_EQ(FactoryValueText(current), CString(""));
     EXPECT_EQ(PerUnitValueText(current, Variant::I2(1024)), CString(""));
     EXPECT_EQ(DisplayFormatText(current), CString("最高速度"));
-    EXPECT_EQ(helper.reads.size(), 1u);
-    current->SetPerUnitMode(2);
+    EXPECT_EQ(helper.reads.size(), 4u);
+    current->SetPerUnitMode(9);
+    EXPECT_EQ(DisplayFormatText(current), CString("")) << "no entry of that mode";
+    EXPECT_EQ(PerUnitBase(current), 0.0);
 
     IVarObjEx* speed = Var("H00-22");
     speed->SetPerUnitMode(2);
     EXPECT_EQ(FactoryValueText(speed), CString("30.00")) << "2^28 with the held base 30";
-}
-
-TEST_F(ValueTexts, WithoutABaseEngineeringTextsReadZeroAndAreTriedAgain) {
-    IVarObjEx* current = Var("H00-07");
-    current->SetPerUnitMode(2);
-    EXPECT_EQ(PerUnitBase(current), 0.0);
-    EXPECT_EQ(MinValueText(current), CString("0.00"));
-    EXPECT_EQ(PerUnitValueText(current, Variant::I2(1)), CString("0.00"));
-    EXPECT_EQ(helper.reads.size(), 3u) << "a failed read holds nothing";
-    current->SetPerUnitMode(9);
-    EXPECT_EQ(DisplayFormatText(current), CString("")) << "no entry of that mode";
-    EXPECT_EQ(PerUnitBase(current), 0.0);
-    // Real parameters take no part of the base.
     IVarObjEx* gain = Var("H00-24");
     gain->SetPerUnitMode(2);
-    EXPECT_EQ(FactoryValueText(gain), CString("50.00"));
+    EXPECT_EQ(FactoryValueText(gain), CString("50.00")) << "reals take no part of the base";
 }
 
-TEST_F(ValueTexts, LinkedLimitShowsTheLiveValueOfItsTarget) {
+TEST_F(ValueTexts, LinkedLimitShowsTheLiveValueOfItsTargetOnItsOwnAxis) {
     IVarObjEx* limited = Var("H00-11"); // maximum linked to H00-12
     IVarObjEx* target = nullptr;
     EXPECT_TRUE(IsLimitLinked(limited->GetAttr(), TRUE));
@@ -163,22 +157,18 @@ TEST_F(ValueTexts, LinkedLimitShowsTheLiveValueOfItsTarget) {
     EXPECT_EQ(LinkedLimitText(limited, FALSE, &target), CString(""));
     EXPECT_EQ(target, nullptr);
     EXPECT_EQ(LinkedLimitText(Var("H00-18"), FALSE), CString("100.0[H00-01]"));
-}
 
-// On a multi-axis drive a linked limit follows the parameter of its own axis.
-TEST_F(ValueTexts, LinkedLimitsStayOnTheirAxis) {
-    auto loaded = zorhost::device::LoadDeviceFile(std::string(PARMIRA_SOURCE_DIR) +
-                                                  "/devices/zd4m_four_axis.json");
-    ASSERT_TRUE(loaded) << loaded.error.ToString();
+    // On a multi-axis drive a linked limit follows the parameter of its own axis.
+    auto device = LoadShippedDevice("zd4m_four_axis.json");
+    ASSERT_NE(device, nullptr);
     auto* project = static_cast<zorhost::model::CProject*>(root.GetProject());
     zorhost::model::CDeviceModule* four = project->Workspace().Modules().Add(
-        std::make_unique<zorhost::model::CDeviceModule>(loaded.device, CString("M4"), 4));
+        std::make_unique<zorhost::model::CDeviceModule>(device, CString("M4"), 4));
     ASSERT_NE(four, nullptr);
     IVarObjEx* jog = four->Store().FindByCode("A2.H06-01"); // maximum: H06-00 of its axis
     IVarObjEx* axis2Max = four->Store().FindByCode("A2.H06-00");
     ASSERT_TRUE(jog && axis2Max);
     axis2Max->SetValue(Variant::UI2(4500));
-    IVarObjEx* target = nullptr;
     EXPECT_EQ(LinkedLimitText(jog, TRUE, &target), CString("4500[H06-00]"));
     EXPECT_EQ(target, axis2Max);
 
