@@ -1,3 +1,6 @@
+// The staging list of the demo servo: set values typed, checked and written in list order,
+// refused and dropped writes, the filter, workbooks and parameter files opened into set
+// values, saves of the checked rows, and the frame's flows from this page.
 #include "TempDir.h"
 #include "page_fixture.h"
 
