@@ -55,13 +55,22 @@ TEST_F(Commit, AValueEqualToTheCurrentOneWritesNothing) {
     EXPECT_EQ(CommitCellText(torque, "0", 0, 0), COMMIT_WRITTEN) << "no value yet: written";
 }
 
-TEST_F(Commit, PlaceholdersAndTextsThatAreNoFigureAreIgnored) {
+// Placeholders and texts that are no whole figure are ignored: a cut or broken hexadecimal
+// text would put another number into the drive.
+TEST_F(Commit, PlaceholdersAndTextsThatAreNoWholeFigureAreIgnored) {
     IVarObjEx* torque = Var("H00-01");
     for (const char* text : {"", "   ", "---", "-", "abc", "1,5", "nan", "inf", "1e999", "0x"})
         EXPECT_EQ(CommitCellText(torque, text, 0, 0), COMMIT_IGNORED) << text;
     EXPECT_EQ(CommitCellText(nullptr, "1", 0, 0), COMMIT_IGNORED);
+    for (const char* text : {"12G4", "123456789", "0x", "-1", "ＦＦ"})
+        EXPECT_EQ(CommitCellText(Var("H00-20"), text, 0, 0), COMMIT_IGNORED) << text;
     EXPECT_TRUE(helper.writes.empty());
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u);
+
+    EXPECT_EQ(CommitCellText(Var("H00-20"), "0x00ff", 0, 0), COMMIT_WRITTEN);
+    EXPECT_EQ(helper.writes.back().value, Variant::R8(255.0));
+    EXPECT_EQ(CommitCellText(Var("H00-20"), "FFFF FFFF", 0, 0), COMMIT_WRITTEN);
+    EXPECT_EQ(helper.writes.back().value, Variant::R8(4294967295.0));
 }
 
 TEST_F(Commit, ARefusedWriteShowsTheDrivesReason) {
@@ -78,18 +87,6 @@ TEST_F(Commit, ARefusedWriteShowsTheDrivesReason) {
     EXPECT_EQ(CommitCellText(Var("H00-01"), "501", 0, 0), COMMIT_WRITE_FAILED);
     EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, CString("参数下载失败."));
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 2u);
-}
-
-TEST_F(Commit, HexadecimalTextsAreReadWholeOrNotAtAll) {
-    EXPECT_EQ(CommitCellText(Var("H00-20"), "0x00ff", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(helper.writes.back().value, Variant::R8(255.0));
-    EXPECT_EQ(CommitCellText(Var("H00-20"), "FFFF FFFF", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(helper.writes.back().value, Variant::R8(4294967295.0));
-    const size_t before = helper.writes.size();
-    // A cut or broken text would put another number into the drive.
-    for (const char* text : {"12G4", "123456789", "0x", "-1", "ＦＦ"})
-        EXPECT_EQ(CommitCellText(Var("H00-20"), text, 0, 0), COMMIT_IGNORED) << text;
-    EXPECT_EQ(helper.writes.size(), before);
 }
 
 // The figure is typed in the scale the row shows; the drive gets the raw figure.
