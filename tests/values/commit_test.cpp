@@ -150,9 +150,8 @@ TEST_F(Commit, TheStagingListStoresASetValueAndTheCheckMark) {
     // The staging list reads hexadecimal whatever the value's meaning.
     EXPECT_EQ(CommitCellText(Var("H00-20"), "0x10", 1, 1), COMMIT_STAGED);
     EXPECT_EQ(Var("H00-20")->GetSetValue(), Variant::UI4(16));
-}
 
-TEST_F(Commit, ConnectorValuesPassTheLimitCheckButNotTheTypesRange) {
+    // Connector values pass the limit check but not the type's range.
     IVarObjEx* source = Var("H00-13"); // u16 connector: its value is an address
     EXPECT_EQ(CommitCellText(source, "2012", 1, 1), COMMIT_STAGED);
     EXPECT_EQ(source->GetSetValue(), Variant::UI2(2012));

@@ -181,7 +181,7 @@ TEST_F(ValueTexts, LinkedLimitShowsTheLiveValueOfItsTargetOnItsOwnAxis) {
         CheckEditedValue("M4", jog->GetInstanceAddress(), VT_UI2, Variant::R8(4501), out, errors));
 }
 
-TEST_F(ValueTexts, EnumerationValuesCarryTheirNameThroughTheTranslator) {
+TEST_F(ValueTexts, EnumerationValuesCarryTheirNameAndConnectorValuesTheirTarget) {
     IVarObjEx* mode = Var("H00-00");
     mode->SetValue(Variant::UI2(1));
     EXPECT_EQ(info.CurrentValueText(mode), CString("1[速度模式]"));
@@ -193,9 +193,7 @@ TEST_F(ValueTexts, EnumerationValuesCarryTheirNameThroughTheTranslator) {
     EXPECT_EQ(info.CurrentValueText(mode), CString(""));
     EXPECT_EQ(info.Meaning(mode->GetAttr(), Variant::R8(2.0)), CString("转矩模式"))
         << "compared as a figure of the parameter's type";
-}
-
-TEST_F(ValueTexts, ConnectorValuesNameTheirTarget) {
+    // A connector's value names its target.
     IVarObjEx* source = Var("H00-13");
     ASSERT_TRUE(IsConnectorVar(source->GetAttr()));
     EXPECT_FALSE(IsConnectorVar(Attr("H00-00")));
