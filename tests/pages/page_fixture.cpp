@@ -1,7 +1,5 @@
 #include "page_fixture.h"
 
-#include "zorhost/sim/SimulatedDrive.h"
-
 #include <cctype>
 
 namespace pt {
@@ -17,10 +15,6 @@ void PageTest::SetUp() {
     host.Services().Register<IHostRefreshService>(refresh.get());
     scope.AddParentDialog(IDD_TEST_PARENT, 1200, 720);
     ModuleScope::Attach(host.Services());
-}
-
-void PageTest::TearDown() {
-    CloseFrame();
 }
 
 void PageTest::OpenFrame(const char* moduleKey) {
@@ -75,25 +69,6 @@ int PageTest::FindRow(const std::function<bool(IVarAttr*)>& match) {
     return -1;
 }
 
-int PageTest::Kind(IVarAttr* a) {
-    return a->GetValueInfo() != nullptr ? a->GetValueInfo()->GetKind() : 0;
-}
-
-IVarObjEx* PageTest::Var(const char* code) {
-    return Store()->FindByCode(code);
-}
-
-UINT PageTest::Address(const char* code) {
-    IVarObjEx* var = Var(code);
-    return var != nullptr ? var->GetInstanceAddress() : 0;
-}
-
-double PageTest::DriveValue(const char* code) {
-    double raw = -12345;
-    drive->PeekRaw(Address(code), raw);
-    return raw;
-}
-
 std::vector<UINT> PageTest::Writes() {
     std::vector<UINT> addresses;
     for (const zorhost::sim::DriveRequest& r : drive->TakeRequests())
@@ -102,27 +77,12 @@ std::vector<UINT> PageTest::Writes() {
     return addresses;
 }
 
-void PageTest::ReadCycle() {
-    Page().SubmitRefreshQuery();
-    host.Refresh().RunCycle();
-    Pump();
-}
-
-void PageTest::Pump() {
-    int n = 0;
-    AfxPumpMessagesUntil([&] { return ++n > 3; }, 200);
-}
-
 void TypeKeys(CWnd* edit, const CString& text) {
     for (int i = 0; i < text.GetLength(); ++i) {
         const wchar_t ch = text.GetAt(i);
         const UINT vk = ch == L'-' ? 0xBD : ch == L'.' ? 0xBE : UINT(std::toupper(int(ch)));
         AfxTestPressKey(edit, vk, ch);
     }
-}
-
-void ClickOk(CDialog& dialog) {
-    static_cast<CButton*>(dialog.GetDlgItem(IDOK))->Click();
 }
 
 } // namespace pt

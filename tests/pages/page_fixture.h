@@ -8,6 +8,7 @@
 #include "pages/VarTablePage2.h"
 #include "table/VarTable.h"
 #include "zorhost/ReferenceHost.h"
+#include "zorhost/sim/SimulatedDrive.h"
 
 #include "FakeRefreshService.h"
 #include "ModuleScope.h"
@@ -29,7 +30,7 @@ constexpr int kValueColumn = 3;
 class PageTest : public ::testing::Test {
 protected:
     void SetUp() override;
-    void TearDown() override;
+    void TearDown() override { CloseFrame(); }
 
     // Opens the frame on the servo; the live list shows all parameters.
     void OpenFrame(const char* moduleKey = "ZD3S");
@@ -47,15 +48,31 @@ protected:
     // The first row of the first page whose parameter matches, -1 when none does.
     int FindRow(const std::function<bool(IVarAttr*)>& match);
     // The kind of a parameter's value meaning, 0 for a plain number.
-    static int Kind(IVarAttr* a);
-    IVarObjEx* Var(const char* code);
-    UINT Address(const char* code);
-    double DriveValue(const char* code);
+    static int Kind(IVarAttr* a) {
+        return a->GetValueInfo() != nullptr ? a->GetValueInfo()->GetKind() : 0;
+    }
+    IVarObjEx* Var(const char* code) { return Store()->FindByCode(code); }
+    UINT Address(const char* code) {
+        IVarObjEx* var = Var(code);
+        return var != nullptr ? var->GetInstanceAddress() : 0;
+    }
+    double DriveValue(const char* code) {
+        double raw = -12345;
+        drive->PeekRaw(Address(code), raw);
+        return raw;
+    }
     // The addresses the drive was asked to write since the last call, in order.
     std::vector<UINT> Writes();
     // Runs one read cycle for what the page asked, the way the host's clock does.
-    void ReadCycle();
-    void Pump();
+    void ReadCycle() {
+        Page().SubmitRefreshQuery();
+        host.Refresh().RunCycle();
+        Pump();
+    }
+    void Pump() {
+        int n = 0;
+        AfxPumpMessagesUntil([&] { return ++n > 3; }, 200);
+    }
 
     zorhost::ReferenceHost host;
     ModuleScope scope{"pages-test"};
@@ -78,6 +95,8 @@ protected:
 
 // Types `text` key by key into `edit`, as a user does.
 void TypeKeys(CWnd* edit, const CString& text);
-void ClickOk(CDialog& dialog);
+inline void ClickOk(CDialog& dialog) {
+    static_cast<CButton*>(dialog.GetDlgItem(IDOK))->Click();
+}
 
 } // namespace pt
