@@ -34,49 +34,6 @@ void PageTest::OpenFrame(const char* moduleKey) {
     ASSERT_NE(Page().GetSafeHwnd(), nullptr);
 }
 
-void PageTest::CloseFrame() {
-    if (table != nullptr && table->GetSafeHwnd() != nullptr)
-        table->DestroyWindow();
-    table.reset();
-    if (parent.GetSafeHwnd() != nullptr)
-        parent.DestroyWindow();
-}
-
-void PageTest::ShowGroup(const char* name, CVarTablePage* page) {
-    IGroupSet* root = Store()->GetGroupRoot(0);
-    ASSERT_NE(root, nullptr);
-    IGroupNode* group = root->FindByName(name);
-    ASSERT_NE(group, nullptr) << name;
-    (page != nullptr ? page : &Page())->ShowGroup(group, Store());
-}
-
-int PageTest::RowOf(const char* code, CVarTablePage* page) {
-    if (page == nullptr)
-        page = &Page();
-    for (int i = 0; i < page->GetShownCount(); ++i) {
-        CString c;
-        page->GetShownVar(i)->GetAttr()->GetCode(c);
-        if (c == code)
-            return i;
-    }
-    return -1;
-}
-
-int PageTest::FindRow(const std::function<bool(IVarAttr*)>& match) {
-    for (int i = 0; i < Page().GetShownCount(); ++i)
-        if (match(Page().GetShownVar(i)->GetAttr()))
-            return i;
-    return -1;
-}
-
-std::vector<UINT> PageTest::Writes() {
-    std::vector<UINT> addresses;
-    for (const zorhost::sim::DriveRequest& r : drive->TakeRequests())
-        if (r.kind == zorhost::sim::DriveRequest::Write)
-            addresses.push_back(r.address);
-    return addresses;
-}
-
 void TypeKeys(CWnd* edit, const CString& text) {
     for (int i = 0; i < text.GetLength(); ++i) {
         const wchar_t ch = text.GetAt(i);
