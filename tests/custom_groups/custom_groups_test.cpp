@@ -44,16 +44,6 @@ std::string KeyOf(IVarObjEx* var) {
     return key.str();
 }
 
-// A servo module named "Spindle", on its in-process simulated drive.
-zorhost::ModuleSetup Servo(const char* key, int number) {
-    zorhost::ModuleSetup m;
-    m.deviceFile = "zd3s_servo.json";
-    m.key = key;
-    m.displayName = "Spindle";
-    m.number = number;
-    return m;
-}
-
 class CustomGroupTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -68,10 +58,15 @@ protected:
         host.reset();
     }
 
+    // A servo module named "Spindle", on its in-process simulated drive.
     zorhost::ProjectSetup Setup() const {
         zorhost::ProjectSetup setup;
         setup.directory = CString(dir / "line2"); // made when the project opens
-        setup.modules = {Servo("ZD3S", 1)};
+        setup.modules.resize(1);
+        setup.modules[0].deviceFile = "zd3s_servo.json";
+        setup.modules[0].key = "ZD3S";
+        setup.modules[0].displayName = "Spindle";
+        setup.modules[0].number = 1;
         return setup;
     }
     void OpenProject() {
@@ -373,7 +368,9 @@ TEST_F(CustomGroupTest, DamagedStoreIsReportedKeptAsideAndTheModuleStillWorks) {
 
 TEST_F(CustomGroupTest, TwoDrivesOfOneTypeKeepTheirGroupsApart) {
     zorhost::ProjectSetup setup = Setup();
-    setup.modules.push_back(Servo("ZD3S-B", 2));
+    setup.modules.push_back(setup.modules[0]);
+    setup.modules[1].key = "ZD3S-B";
+    setup.modules[1].number = 2;
     ASSERT_TRUE(host->LoadProject(setup));
     AddGroup("Only on A", {1});
     IHostDeviceModule* b = host->Module("ZD3S-B");
