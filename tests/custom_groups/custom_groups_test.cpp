@@ -3,7 +3,6 @@
 // With PARMIRA_SCREENSHOT_DIR set, pictures of the dialog and of the tree are left there.
 #include "groups/GroupDialog.h"
 #include "groups/MultiSelectVarDialog.h"
-#include "module/ParmiraApp.h"
 #include "module/host/HostContract.h"
 #include "table/ParmiraDialog.h"
 #include "table/TableResources.h"
