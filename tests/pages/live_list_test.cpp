@@ -184,11 +184,7 @@ protected:
         Page().GetShownVar(row)->GetAttr()->GetCode(code);
         return code;
     }
-    double RawAt(int row) {
-        double raw = -12345;
-        drive->PeekRaw(Page().GetShownVar(row)->GetInstanceAddress(), raw);
-        return raw;
-    }
+    double RawAt(int row) { return DriveValue(CodeOf(row).GetString()); }
     // A value inside the limits that the drive doesn't hold and that isn't the factory value.
     int FreshValue(int row) {
         IHostVarUtil* util = host.Services().Get<IHostVarUtil>();
