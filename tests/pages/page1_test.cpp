@@ -15,8 +15,6 @@
 #include <QMouseEvent>
 #include <QWidget>
 
-#include <algorithm>
-
 namespace pt {
 namespace {
 
@@ -130,29 +128,6 @@ TEST_F(Page1Test, TheTipOverAPackedValueListsEachFieldWithItsValue) {
     QCoreApplication::sendEvent(port, &move);
     EXPECT_EQ(List().GetToolTip().GetText(), tip);
     EXPECT_TRUE(AfxPumpMessagesUntil([&] { return List().GetToolTip().IsTipShown() != 0; }, 3000));
-}
-
-TEST_F(Page1Test, TheEndOfASynchronisingUploadRefillsWithTheFilterThenReturnsToAllRows) {
-    OpenFrame("ZD3S");
-    ShowGroup("H03");
-    ReadCycle();
-    ReadCycle();
-    const int all = Page().GetShownCount();
-    IVarObjEx* changed = Page().GetShownVar(0);
-    drive->PokeRaw(changed->GetInstanceAddress(), 7);
-    ReadCycle();
-    // Waiting for the upload of "已修改参数".
-    Page().SetListFilter(LIST_FILTER_MODIFIED);
-    Page().OnModuleUploaded("ZV5", TRUE);
-    EXPECT_EQ(Page().GetShownCount(), all) << "another module's upload refills nothing";
-    EXPECT_EQ(Page().GetListFilter(), LIST_FILTER_ALL);
-    Page().SetListFilter(LIST_FILTER_MODIFIED);
-    Page().OnModuleUploaded("ZD3S", TRUE);
-    EXPECT_EQ(Page().GetListFilter(), LIST_FILTER_ALL);
-    std::vector<IVarObjEx*> rows;
-    Page().CollectShown(rows);
-    EXPECT_LT(int(rows.size()), Store()->GetCount() / 4);
-    EXPECT_EQ(std::count(rows.begin(), rows.end(), changed), 1);
 }
 
 // The items from `first` on and all below them, expanded or not.
