@@ -212,7 +212,7 @@ TEST_F(CustomGroupTest, NewGroupListsPickedMembersInChosenOrderAndComesBackAfter
     EXPECT_EQ(MemberKeys(Custom()->GetAt(0)), picked);
 }
 
-TEST_F(CustomGroupTest, EditKeepsOrChangesNameAndDescriptionAsTold) {
+TEST_F(CustomGroupTest, EditKeepsOrChangesNameAndDescriptionAsToldDeleteAsksFirst) {
     AddGroup("Alpha", {1, 2});
     AddGroup("Beta", {3});
     OpenPanel();
@@ -246,18 +246,14 @@ TEST_F(CustomGroupTest, EditKeepsOrChangesNameAndDescriptionAsTold) {
     EXPECT_EQ(NameOf(0), "ALPHA");
     EXPECT_EQ(MemberKeys(Custom()->GetAt(0)).size(), 2u);
     EXPECT_NE(CustomItem("ALPHA[first]"), nullptr);
-}
 
-TEST_F(CustomGroupTest, DeleteAsksAndRemovesFromTreeHostAndStore) {
-    AddGroup("Alpha", {1});
-    AddGroup("Beta", {2});
-    OpenPanel();
-    table->GetTree().SelectItem(CustomItem("Alpha"));
+    // Delete asks first, then takes the group from the tree, the host and the store.
+    table->GetTree().SelectItem(CustomItem("ALPHA[first]"));
     prompts.AnswerMessageBox(IDNO);
     table->OnFrameCommand(ID_DELETE_CUSTOM_GROUP);
-    ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u);
-    const AfxPrompt& question = prompts.prompts[0];
-    EXPECT_EQ(question.text, CString("确定删除对象'Alpha'吗?"));
+    ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), 3u);
+    const AfxPrompt& question = prompts.prompts[2];
+    EXPECT_EQ(question.text, CString("确定删除对象'ALPHA'吗?"));
     EXPECT_EQ(question.caption, CString("警告"));
     EXPECT_EQ(question.Buttons(), UINT(MB_YESNO));
     EXPECT_EQ(Custom()->GetCount(), 2);
