@@ -286,9 +286,8 @@ inline CVarTablePage* MakeTestPage(int style) {
 // back at the end. Resources are registered under a handle of the test's own.
 class TableHost {
 public:
-    // With `testPages`, frames get TestPage objects made from empty page dialogs; without,
-    // they get the module's own list pages.
-    explicit TableHost(bool testPages = true) {
+    // Frames get TestPage objects made from empty page dialogs.
+    TableHost() {
         std::filesystem::create_directories(tempDir + "/bin");
         std::filesystem::create_directories(tempDir + "/Config");
         util.installDir = CString(tempDir + "/bin");
@@ -301,12 +300,11 @@ public:
         services.Register<IHostRefreshService>(&refresh);
         services.Register<IHostTransferService>(&transfer);
         services.Register<IHostModuleManager>(&manager);
-        if (testPages)
-            for (UINT id : {IDD_VAR_TABLE_PAGE1, IDD_VAR_TABLE_PAGE2})
-                AfxRegisterDialog(scope.Handle(), DlgTemplate{id, "", 500, 500, {}, WS_CHILD});
+        for (UINT id : {IDD_VAR_TABLE_PAGE1, IDD_VAR_TABLE_PAGE2})
+            AfxRegisterDialog(scope.Handle(), DlgTemplate{id, "", 500, 500, {}, WS_CHILD});
         scope.AddParentDialog(9901, 900, 600);
         g_pages[0] = g_pages[1] = nullptr;
-        CVarTable::SetPageFactory(testPages ? &MakeTestPage : nullptr);
+        CVarTable::SetPageFactory(&MakeTestPage);
         ModuleScope::Attach(services);
     }
     ~TableHost() {
