@@ -64,18 +64,13 @@ TEST_F(Window, OneTabPerModuleOpenedAgainOnlyComesToTheFront) {
     EXPECT_EQ(tabs->count(), 2);
 }
 
-TEST_F(Window, ListStyleAndConnectionGoToTheHost) {
+// The window's SetOnline is walked by the offline notice of the fit tests.
+TEST_F(Window, ListStyleGoesToTheHost) {
     ASSERT_TRUE(Open("ZD3S"));
     window.SetListStyle(zorhost::project::ListStyle::Staging);
     EXPECT_EQ(host.Project()->Workspace().GetListStyle(), 1);
     window.SetListStyle(zorhost::project::ListStyle::Live);
     EXPECT_EQ(host.Project()->Workspace().GetListStyle(), 0);
-
-    window.SetOnline("ZV5", false);
-    EXPECT_FALSE(host.Module("ZV5")->IsOnline());
-    EXPECT_FALSE(host.Drive("ZV5")->IsConnected());
-    window.SetOnline("ZV5", true);
-    EXPECT_TRUE(host.Module("ZV5")->IsOnline());
 }
 
 TEST_F(Window, TheDrivesAreReadWhenTheProjectOpens) {

@@ -1,4 +1,8 @@
-// The built program run as a script runs it: its output, its messages and exit codes.
+// The built program run as a script runs it: its output, its messages and exit codes; and
+// its check of a module library before the system loader maps it (one cut short must be
+// refused with a reason, not crash the loader).
+#include "ModuleFileCheck.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -8,6 +12,8 @@
 #include <QtEndian>
 
 #include <gtest/gtest.h>
+
+using zordrivebench::CheckModuleFile;
 
 namespace {
 
@@ -246,4 +252,27 @@ TEST(ProgramWindow, TheScreenshotIsTakenWithTheFirstModulesPanelUp) {
     EXPECT_EQ(unwritable.code, 1) << unwritable.err.toStdString();
     EXPECT_TRUE(unwritable.err.contains(QStringLiteral("/proc/no-such-folder")))
         << unwritable.err.toStdString();
+}
+
+TEST(ModuleFile, AWholeLibraryPassesAndEveryCutCopyIsRefused) {
+    QFile whole(QStringLiteral(PARMIRA_BINARY_DIR "/bin/QXParmira.so"));
+    ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
+    const QByteArray bytes = whole.readAll();
+    QString why;
+    ASSERT_TRUE(CheckModuleFile(whole.fileName(), &why)) << why.toStdString();
+
+    QTemporaryDir dir;
+    // Inside the header, inside the program headers, inside the segments, and one byte
+    // short of the section table at the end.
+    for (const qsizetype size : {qsizetype(0), qsizetype(40), qsizetype(1000), qsizetype(100000),
+                                 bytes.size() / 2, bytes.size() - 1}) {
+        const QString cut = WriteFile(dir, "QXParmira.so", bytes.left(size));
+        why.clear();
+        EXPECT_FALSE(CheckModuleFile(cut, &why)) << size;
+        EXPECT_FALSE(why.isEmpty()) << size;
+    }
+    EXPECT_FALSE(CheckModuleFile(dir.path(), &why)) << "a folder";
+    EXPECT_FALSE(CheckModuleFile(dir.filePath(QStringLiteral("none.so")), &why));
+    EXPECT_FALSE(
+        CheckModuleFile(QStringLiteral(PARMIRA_BINARY_DIR "/devices/zd3s_servo.json"), &why));
 }
