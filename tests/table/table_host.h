@@ -286,8 +286,9 @@ inline CVarTablePage* MakeTestPage(int style) {
 // back at the end. Resources are registered under a handle of the test's own.
 class TableHost {
 public:
-    // Frames get TestPage objects made from empty page dialogs.
-    TableHost() {
+    // With `testPages`, frames get TestPage objects made from empty page dialogs; without,
+    // they get the module's own list pages.
+    explicit TableHost(bool testPages = true) {
         std::filesystem::create_directories(tempDir + "/bin");
         std::filesystem::create_directories(tempDir + "/Config");
         util.installDir = CString(tempDir + "/bin");
@@ -300,11 +301,12 @@ public:
         services.Register<IHostRefreshService>(&refresh);
         services.Register<IHostTransferService>(&transfer);
         services.Register<IHostModuleManager>(&manager);
-        for (UINT id : {IDD_VAR_TABLE_PAGE1, IDD_VAR_TABLE_PAGE2})
-            AfxRegisterDialog(scope.Handle(), DlgTemplate{id, "", 500, 500, {}, WS_CHILD});
+        if (testPages)
+            for (UINT id : {IDD_VAR_TABLE_PAGE1, IDD_VAR_TABLE_PAGE2})
+                AfxRegisterDialog(scope.Handle(), DlgTemplate{id, "", 500, 500, {}, WS_CHILD});
         scope.AddParentDialog(9901, 900, 600);
         g_pages[0] = g_pages[1] = nullptr;
-        CVarTable::SetPageFactory(&MakeTestPage);
+        CVarTable::SetPageFactory(testPages ? &MakeTestPage : nullptr);
         ModuleScope::Attach(services);
     }
     ~TableHost() {
