@@ -52,6 +52,8 @@ protected:
 
 } // namespace
 
+// Keys type digits only; a text set as a whole (the word, pasted) is taken as it is, and
+// Enter is OK.
 TEST_F(LoginDialogTest, OkHandsBackTypedTextAndApplyToAll) {
     CLoginDialog dlg;
     const INT_PTR result = RunLogin(dlg, [](CDialog& d) {
@@ -62,18 +64,6 @@ TEST_F(LoginDialogTest, OkHandsBackTypedTextAndApplyToAll) {
         ASSERT_NE(check, nullptr);
         EXPECT_FALSE(check->IsWindowVisible()); // the user never sees it
         EXPECT_EQ(d.IsDlgButtonChecked(IDC_LOGIN_APPLY_ALL), 1u);
-        AfxTestTypeText(d.GetDlgItem(IDC_LOGIN_PASSWORD), "BenchAdmin");
-        ShootIfAsked(&d, "login_dialog.png");
-        Click(d, IDOK);
-    });
-    EXPECT_EQ(result, IDOK);
-    EXPECT_EQ(dlg.GetPassword(), "BenchAdmin");
-    EXPECT_EQ(dlg.m_nApplyToAll, 1);
-}
-
-TEST_F(LoginDialogTest, KeyboardTypesDigitsOnly) {
-    CLoginDialog dlg;
-    RunLogin(dlg, [](CDialog& d) {
         CWnd* edit = d.GetDlgItem(IDC_LOGIN_PASSWORD);
         ASSERT_NE(edit, nullptr);
         edit->SetFocus();
@@ -82,9 +72,14 @@ TEST_F(LoginDialogTest, KeyboardTypesDigitsOnly) {
                                                  {'4', L'4'}};
         for (auto [vk, ch] : keys)
             AfxTestPressKey(edit, vk, ch);
-        AfxTestPressKey(edit, VK_RETURN, L'\r'); // Enter is OK
+        EXPECT_EQ(edit->GetWindowTextString(), "124");
+        AfxTestTypeText(edit, "BenchAdmin");
+        ShootIfAsked(&d, "login_dialog.png");
+        AfxTestPressKey(edit, VK_RETURN, L'\r');
     });
-    EXPECT_EQ(dlg.GetPassword(), "124");
+    EXPECT_EQ(result, IDOK);
+    EXPECT_EQ(dlg.GetPassword(), "BenchAdmin");
+    EXPECT_EQ(dlg.m_nApplyToAll, 1);
 }
 
 // The dialog listens for language changes for its whole life and retranslates through
