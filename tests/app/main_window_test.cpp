@@ -2,6 +2,7 @@
 // and its monitor view: the watched parameters of the host's lists, once each in the order
 // they came, with live values and a trend of the numeric ones.
 #include "MonitorDock.h"
+#include "TestFiles.h"
 #include "WindowSettings.h"
 #include "bench_window.h"
 
@@ -156,12 +157,8 @@ TEST_F(Window, ActivatingAModuleInTheProjectTreeOpensItsPanel) {
 TEST_F(Window, TheSettingsBringBackSizeSplitterLanguageAndProject) {
     QTemporaryDir dir;
     const QString project = dir.filePath(QStringLiteral("line.json"));
-    {
-        QFile f(project);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(R"({"format": "zordrivebench-project", "version": 1,
-                    "modules": [{"key": "S1", "deviceFile": "zd3s_servo.json"}]})");
-    }
+    Spit(project.toStdString(), R"({"format": "zordrivebench-project", "version": 1,
+        "modules": [{"key": "S1", "deviceFile": "zd3s_servo.json"}]})");
     QString error;
     ASSERT_TRUE(window.OpenProject(project, &error)) << error.toStdString();
     window.resize(1100, 700);
