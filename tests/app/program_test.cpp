@@ -1,6 +1,7 @@
 // The built program run as a script runs it: its output, its messages and exit codes; and
 // its check of a module library before the system loader maps it (one cut short must be
 // refused with a reason, not crash the loader).
+#include "../link/SimProcess.h"
 #include "ModuleFileCheck.h"
 
 #include <QDir>
@@ -161,22 +162,20 @@ TEST(ProgramExport, RefusedExportsSayWhyAndWriteNothing) {
 // A drive on the wire that answers but refuses some reads: not an offline drive, and the
 // message names each refused parameter.
 TEST(ProgramExport, RefusedReadsAreNamedUnderTheirOwnExitCode) {
-    QProcess sim;
-    sim.start(QStringLiteral(PARMIRA_BINARY_DIR "/bin/zordrive-sim"),
-              {"--tcp", "127.0.0.1:0", "--refuse", "521,12814", "zd3s_servo.json"});
-    ASSERT_TRUE(sim.waitForReadyRead(20000)) << "zordrive-sim did not start";
-    const QString port = QString::fromUtf8(sim.readLine()).trimmed().section(QLatin1Char(':'), -1);
+    // Started by fork, as the link tests start it: a start through QProcess blinds the
+    // thread sanitizer to this thread's locks.
+    linktest::SimProcess sim({"--tcp", "127.0.0.1:0", "--refuse", "521,12814", "zd3s_servo.json"});
+    ASSERT_TRUE(sim.Started()) << "zordrive-sim did not start";
+    const QByteArray port = QByteArray::number(sim.Port());
     QTemporaryDir dir;
     const QString project = WriteFile(dir, "tcp.json",
                                       R"({"format": "zordrivebench-project", "version": 1,
         "modules": [{"key": "S", "deviceFile": "zd3s_servo.json",
                      "link": {"type": "modbus-tcp", "host": "127.0.0.1", "port": )" +
-                                          port.toUtf8() + "}}]}");
+                                          port + "}}]}");
     const QString target = QDir(dir.path()).filePath(QStringLiteral("s.csv"));
     const Outcome r =
         Program({"--project", project, "--access-code", "2468", "--export", "S", target});
-    sim.kill();
-    sim.waitForFinished();
     EXPECT_EQ(r.code, 11) << r.err.toStdString();
     for (const char* named : {"0x0209 (521) H02-09", "0x320E (12814) H32-14"})
         EXPECT_TRUE(r.err.contains(QLatin1String(named))) << r.err.toStdString();
