@@ -31,12 +31,6 @@ INT_PTR RunLogin(CLoginDialog& dlg, const std::function<void(CDialog&)>& act) {
     return result;
 }
 
-void Click(CDialog& dlg, int id) {
-    auto* button = static_cast<CButton*>(dlg.GetDlgItem(id));
-    ASSERT_NE(button, nullptr);
-    button->Click();
-}
-
 class LoginDialogTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -98,7 +92,7 @@ TEST_F(LoginDialogTest, FollowsLanguageWithOwnTranslator) {
             CMessageLanguageChanged sink(&theApp);
             sink.OnLanguageChanged();
             EXPECT_EQ(ui.lastTranslator->retranslations, before + 1);
-            Click(d, IDCANCEL);
+            static_cast<CButton*>(d.GetDlgItem(IDCANCEL))->Click();
         });
         // Cancelled: what was typed is not used.
         EXPECT_EQ(cancelled, IDCANCEL);
@@ -113,7 +107,7 @@ TEST_F(LoginDialogTest, FollowsLanguageWithOwnTranslator) {
     CLoginDialog plain;
     const INT_PTR result = RunLogin(plain, [](CDialog& d) {
         AfxTestTypeText(d.GetDlgItem(IDC_LOGIN_PASSWORD), "7");
-        Click(d, IDOK);
+        static_cast<CButton*>(d.GetDlgItem(IDOK))->Click();
     });
     EXPECT_EQ(result, IDOK);
     EXPECT_EQ(plain.GetPassword(), "7");
