@@ -91,23 +91,6 @@ TEST(ProgramList, PrintsKeyTabDisplayNameForEveryModule) {
               QStringLiteral("FEED\t") + lines[2].section(QLatin1Char('\t'), 1));
 }
 
-// A project whose device file is nowhere: the place in the project, and every folder that
-// was searched.
-TEST(ProgramList, AMissingDeviceFileIsNamedWithThePlace) {
-    QTemporaryDir dir;
-    const QString missingDevice = WriteFile(dir, "nodevice.json", R"({
-        "format": "zordrivebench-project", "version": 1,
-        "modules": [{"key": "A", "deviceFile": "no_such_drive.json"}]})");
-    const Outcome r = Program({"--project", missingDevice, "--list"});
-    EXPECT_EQ(r.code, 3);
-    EXPECT_TRUE(r.out.isEmpty());
-    EXPECT_TRUE(r.err.contains(missingDevice + QStringLiteral(": modules[0].deviceFile: "
-                                                              "\"no_such_drive.json\"")))
-        << r.err.toStdString();
-    EXPECT_TRUE(r.err.contains(dir.path() + QStringLiteral(", "))) << r.err.toStdString();
-    EXPECT_TRUE(r.err.contains(QStringLiteral("/devices"))) << r.err.toStdString();
-}
-
 TEST(ProgramArguments, MistakesAreRefusedWithTheUsage) {
     for (const QStringList& args :
          {QStringList{"--frobnicate"}, QStringList{"--export", "ZD3S"}, QStringList{"--project"},
@@ -122,10 +105,14 @@ TEST(ProgramArguments, MistakesAreRefusedWithTheUsage) {
 }
 
 // Each refusal has its own exit code and reason; an old file at the target is left as it
-// was, and nothing else is left in the folder.
-TEST(ProgramExport, RefusedExportsSayWhyAndWriteNothing) {
+// was, and nothing else is left in the folder. A project whose device file is nowhere names
+// the place in the project and every folder that was searched.
+TEST(ProgramExport, RefusalsSayWhyAndWriteNothing) {
     QTemporaryDir dir;
     const QString project = TwoDriveProject(dir);
+    const QString missingDevice = WriteFile(dir, "nodevice.json", R"({
+        "format": "zordrivebench-project", "version": 1,
+        "modules": [{"key": "A", "deviceFile": "no_such_drive.json"}]})");
     const QString target = WriteFile(dir, "out.csv", "old table\n");
     const QString text = QDir(dir.path()).filePath(QStringLiteral("out.txt"));
     // The module makes one missing folder level, not two.
@@ -145,6 +132,10 @@ TEST(ProgramExport, RefusedExportsSayWhyAndWriteNothing) {
         {{"--access-code", "1357", "--export", "ZD3S", target}, 10, {}},
         {{"--export", "ZD3S", deep}, 7, {deep}},
         {{"--export", "ZD4M", deepParam}, 7, {deepParam}},
+        {{"--project", missingDevice, "--list"},
+         3,
+         {missingDevice + ": modules[0].deviceFile: \"no_such_drive.json\"", dir.path() + ", ",
+          "/devices"}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.args.join(' ').toStdString());
@@ -156,7 +147,7 @@ TEST(ProgramExport, RefusedExportsSayWhyAndWriteNothing) {
     }
     EXPECT_EQ(ReadFile(target), QByteArray("old table\n"));
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-              (QStringList{"out.csv", "two.json"}));
+              (QStringList{"nodevice.json", "out.csv", "two.json"}));
 }
 
 // A drive on the wire that answers but refuses some reads: not an offline drive, and the
