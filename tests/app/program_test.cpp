@@ -91,19 +91,6 @@ TEST(ProgramList, PrintsKeyTabDisplayNameForEveryModule) {
               QStringLiteral("FEED\t") + lines[2].section(QLatin1Char('\t'), 1));
 }
 
-TEST(ProgramArguments, MistakesAreRefusedWithTheUsage) {
-    for (const QStringList& args :
-         {QStringList{"--frobnicate"}, QStringList{"--export", "ZD3S"}, QStringList{"--project"},
-          QStringList{"--list", "--export", "ZD3S", "x.csv"},
-          QStringList{"--list", "--screenshot", "x.png"},
-          QStringList{"--project", "a.json", "--project", "b.json", "--list"},
-          QStringList{"--access-code", "2468", "--list"}}) {
-        const Outcome r = Program(args);
-        EXPECT_EQ(r.code, 2) << args.join(' ').toStdString();
-        EXPECT_TRUE(r.err.contains(QStringLiteral("usage:"))) << r.err.toStdString();
-    }
-}
-
 // Each refusal has its own exit code and reason; an old file at the target is left as it
 // was, and nothing else is left in the folder. A project whose device file is nowhere names
 // the place in the project and every folder that was searched.
@@ -124,6 +111,14 @@ TEST(ProgramExport, RefusalsSayWhyAndWriteNothing) {
         QStringList said;
     };
     const Case cases[] = {
+        // Mistakes in the arguments are refused with the usage.
+        {{"--frobnicate"}, 2, {"usage:"}},
+        {{"--export", "ZD3S"}, 2, {"usage:"}},
+        {{"--project"}, 2, {"usage:"}},
+        {{"--list", "--export", "ZD3S", "x.csv"}, 2, {"usage:"}},
+        {{"--list", "--screenshot", "x.png"}, 2, {"usage:"}},
+        {{"--project", "a.json", "--project", "b.json", "--list"}, 2, {"usage:"}},
+        {{"--access-code", "2468", "--list"}, 2, {"usage:"}},
         {{"--project", project, "--export", "ZD3S", target}, 4, {"\"ZD3S\"", "SPINDLE, FEED"}},
         // Keys are compared exactly, as the module compares them.
         {{"--project", project, "--export", "spindle", target}, 4, {}},
