@@ -89,7 +89,7 @@ TEST_F(TabManager, ClosingDestroysThePanelOnceWhicheverWayTheTabCloses) {
     Panel a(&destroyed), b(&destroyed), c(&destroyed);
     HWND first = Open("One", 1, a);
     HWND second = Open("Two", 2, b);
-    Open("Three", 3, c);
+    HWND third = Open("Three", 3, c);
 
     tabs.CloseTab(first);
     EXPECT_EQ(destroyed, 1);
@@ -106,17 +106,13 @@ TEST_F(TabManager, ClosingDestroysThePanelOnceWhicheverWayTheTabCloses) {
     EXPECT_EQ(b.GetSafeHwnd(), nullptr);
     EXPECT_EQ(widget.count(), 1);
     EXPECT_EQ(Caption(0), QStringLiteral("Three"));
-}
 
-TEST_F(TabManager, APanelThatClosesItsOwnTabWhileDyingIsDestroyedOnce) {
-    Panel a(&destroyed), b(&destroyed);
-    HWND first = Open("One", 1, a);
-    Open("Two", 2, b);
-    a.onDestroy = [&] { tabs.CloseTab(first); };
-    tabs.CloseTab(first);
-    EXPECT_EQ(destroyed, 1);
-    EXPECT_EQ(tabs.TabCount(), 1);
-    EXPECT_EQ(widget.count(), 1);
+    // A panel that closes its own tab while dying.
+    c.onDestroy = [&] { tabs.CloseTab(third); };
+    tabs.CloseTab(third);
+    EXPECT_EQ(destroyed, 3);
+    EXPECT_EQ(tabs.TabCount(), 0);
+    EXPECT_EQ(widget.count(), 0);
 }
 
 TEST(TabManagerLifetime, TheManagerClosesItsTabsAndLeavesOthersAlone) {
