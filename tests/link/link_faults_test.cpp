@@ -103,7 +103,6 @@ TEST_F(LinkFaults, UploadEndsWithFailure) {
     EXPECT_TRUE(ends.back()) << "the drive that came back uploads";
 }
 
-// Whatever the download does not name as failed is on the drive.
 TEST_F(LinkFaults, DownloadNamesEveryWriteThatDidNotHappen) {
     int round = 0;
     for (const Fault& fault : kFaults)
@@ -195,8 +194,6 @@ TEST_F(LinkFaults, RefreshNeverHoldsTheWindow) {
     EXPECT_TRUE(host.Module(kKey)->IsOnline()) << "a cycle waited for the drive";
 }
 
-// A slow drive holds no window: its events are handled while an upload and a download wait
-// for their answers.
 TEST_F(LinkFaults, TransfersKeepTheWindowTurning) {
     ASSERT_TRUE(sim->Command("latency 20"));
     int ticks = 0;

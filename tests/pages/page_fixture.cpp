@@ -1,7 +1,5 @@
 #include "page_fixture.h"
 
-#include "zorhost/sim/SimulatedDrive.h"
-
 #include <cctype>
 
 namespace pt {
@@ -17,10 +15,6 @@ void PageTest::SetUp() {
     host.Services().Register<IHostRefreshService>(refresh.get());
     scope.AddParentDialog(IDD_TEST_PARENT, 1200, 720);
     ModuleScope::Attach(host.Services());
-}
-
-void PageTest::TearDown() {
-    CloseFrame();
 }
 
 void PageTest::OpenFrame(const char* moduleKey) {
@@ -40,89 +34,12 @@ void PageTest::OpenFrame(const char* moduleKey) {
     ASSERT_NE(Page().GetSafeHwnd(), nullptr);
 }
 
-void PageTest::CloseFrame() {
-    if (table != nullptr && table->GetSafeHwnd() != nullptr)
-        table->DestroyWindow();
-    table.reset();
-    if (parent.GetSafeHwnd() != nullptr)
-        parent.DestroyWindow();
-}
-
-void PageTest::ShowGroup(const char* name, CVarTablePage* page) {
-    IGroupSet* root = Store()->GetGroupRoot(0);
-    ASSERT_NE(root, nullptr);
-    IGroupNode* group = root->FindByName(name);
-    ASSERT_NE(group, nullptr) << name;
-    (page != nullptr ? page : &Page())->ShowGroup(group, Store());
-}
-
-int PageTest::RowOf(const char* code, CVarTablePage* page) {
-    if (page == nullptr)
-        page = &Page();
-    for (int i = 0; i < page->GetShownCount(); ++i) {
-        CString c;
-        page->GetShownVar(i)->GetAttr()->GetCode(c);
-        if (c == code)
-            return i;
-    }
-    return -1;
-}
-
-int PageTest::FindRow(const std::function<bool(IVarAttr*)>& match) {
-    for (int i = 0; i < Page().GetShownCount(); ++i)
-        if (match(Page().GetShownVar(i)->GetAttr()))
-            return i;
-    return -1;
-}
-
-int PageTest::Kind(IVarAttr* a) {
-    return a->GetValueInfo() != nullptr ? a->GetValueInfo()->GetKind() : 0;
-}
-
-IVarObjEx* PageTest::Var(const char* code) {
-    return Store()->FindByCode(code);
-}
-
-UINT PageTest::Address(const char* code) {
-    IVarObjEx* var = Var(code);
-    return var != nullptr ? var->GetInstanceAddress() : 0;
-}
-
-double PageTest::DriveValue(const char* code) {
-    double raw = -12345;
-    drive->PeekRaw(Address(code), raw);
-    return raw;
-}
-
-std::vector<UINT> PageTest::Writes() {
-    std::vector<UINT> addresses;
-    for (const zorhost::sim::DriveRequest& r : drive->TakeRequests())
-        if (r.kind == zorhost::sim::DriveRequest::Write)
-            addresses.push_back(r.address);
-    return addresses;
-}
-
-void PageTest::ReadCycle() {
-    Page().SubmitRefreshQuery();
-    host.Refresh().RunCycle();
-    Pump();
-}
-
-void PageTest::Pump() {
-    int n = 0;
-    AfxPumpMessagesUntil([&] { return ++n > 3; }, 200);
-}
-
 void TypeKeys(CWnd* edit, const CString& text) {
     for (int i = 0; i < text.GetLength(); ++i) {
         const wchar_t ch = text.GetAt(i);
         const UINT vk = ch == L'-' ? 0xBD : ch == L'.' ? 0xBE : UINT(std::toupper(int(ch)));
         AfxTestPressKey(edit, vk, ch);
     }
-}
-
-void ClickOk(CDialog& dialog) {
-    static_cast<CButton*>(dialog.GetDlgItem(IDOK))->Click();
 }
 
 } // namespace pt

@@ -8,6 +8,7 @@
 #include "pages/VarTablePage2.h"
 #include "table/VarTable.h"
 #include "zorhost/ReferenceHost.h"
+#include "zorhost/sim/SimulatedDrive.h"
 
 #include "FakeRefreshService.h"
 #include "ModuleScope.h"
@@ -29,33 +30,82 @@ constexpr int kValueColumn = 3;
 class PageTest : public ::testing::Test {
 protected:
     void SetUp() override;
-    void TearDown() override;
+    void TearDown() override { CloseFrame(); }
 
     // Opens the frame on the servo; the live list shows all parameters.
     void OpenFrame(const char* moduleKey = "ZD3S");
-    void CloseFrame();
+    void CloseFrame() {
+        if (table != nullptr && table->GetSafeHwnd() != nullptr)
+            table->DestroyWindow();
+        table.reset();
+        if (parent.GetSafeHwnd() != nullptr)
+            parent.DestroyWindow();
+    }
 
     CVarTablePage1& Page() { return *static_cast<CVarTablePage1*>(table->GetPage1()); }
     CVarTablePage2& Page2() { return *static_cast<CVarTablePage2*>(table->GetPage2()); }
     CVarTableListCtrl_1& List() { return Page().GetPageList(); }
     IVarStore* Store() { return table->GetVarList(); }
     // Shows the group `name` of the fixed groups on `page` (the first page unless told).
-    void ShowGroup(const char* name, CVarTablePage* page = nullptr);
+    void ShowGroup(const char* name, CVarTablePage* page = nullptr) {
+        IGroupSet* root = Store()->GetGroupRoot(0);
+        ASSERT_NE(root, nullptr);
+        IGroupNode* group = root->FindByName(name);
+        ASSERT_NE(group, nullptr) << name;
+        (page != nullptr ? page : &Page())->ShowGroup(group, Store());
+    }
     // The row of `code` among the rows `page` (the first page unless told) shows, -1 when
     // it is not shown.
-    int RowOf(const char* code, CVarTablePage* page = nullptr);
+    int RowOf(const char* code, CVarTablePage* page = nullptr) {
+        if (page == nullptr)
+            page = &Page();
+        for (int i = 0; i < page->GetShownCount(); ++i) {
+            CString c;
+            page->GetShownVar(i)->GetAttr()->GetCode(c);
+            if (c == code)
+                return i;
+        }
+        return -1;
+    }
     // The first row of the first page whose parameter matches, -1 when none does.
-    int FindRow(const std::function<bool(IVarAttr*)>& match);
+    int FindRow(const std::function<bool(IVarAttr*)>& match) {
+        for (int i = 0; i < Page().GetShownCount(); ++i)
+            if (match(Page().GetShownVar(i)->GetAttr()))
+                return i;
+        return -1;
+    }
     // The kind of a parameter's value meaning, 0 for a plain number.
-    static int Kind(IVarAttr* a);
-    IVarObjEx* Var(const char* code);
-    UINT Address(const char* code);
-    double DriveValue(const char* code);
+    static int Kind(IVarAttr* a) {
+        return a->GetValueInfo() != nullptr ? a->GetValueInfo()->GetKind() : 0;
+    }
+    IVarObjEx* Var(const char* code) { return Store()->FindByCode(code); }
+    UINT Address(const char* code) {
+        IVarObjEx* var = Var(code);
+        return var != nullptr ? var->GetInstanceAddress() : 0;
+    }
+    double DriveValue(const char* code) {
+        double raw = -12345;
+        drive->PeekRaw(Address(code), raw);
+        return raw;
+    }
     // The addresses the drive was asked to write since the last call, in order.
-    std::vector<UINT> Writes();
+    std::vector<UINT> Writes() {
+        std::vector<UINT> addresses;
+        for (const zorhost::sim::DriveRequest& r : drive->TakeRequests())
+            if (r.kind == zorhost::sim::DriveRequest::Write)
+                addresses.push_back(r.address);
+        return addresses;
+    }
     // Runs one read cycle for what the page asked, the way the host's clock does.
-    void ReadCycle();
-    void Pump();
+    void ReadCycle() {
+        Page().SubmitRefreshQuery();
+        host.Refresh().RunCycle();
+        Pump();
+    }
+    void Pump() {
+        int n = 0;
+        AfxPumpMessagesUntil([&] { return ++n > 3; }, 200);
+    }
 
     zorhost::ReferenceHost host;
     ModuleScope scope{"pages-test"};
@@ -78,6 +128,8 @@ protected:
 
 // Types `text` key by key into `edit`, as a user does.
 void TypeKeys(CWnd* edit, const CString& text);
-void ClickOk(CDialog& dialog);
+inline void ClickOk(CDialog& dialog) {
+    static_cast<CButton*>(dialog.GetDlgItem(IDOK))->Click();
+}
 
 } // namespace pt

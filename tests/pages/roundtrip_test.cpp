@@ -41,17 +41,15 @@ bool Signed(const char* type) {
 // addresses apart so that a 32-bit value has its two registers.
 std::vector<Case> AllCases() {
     std::vector<Case> cases;
+    int next[2] = {0, 0}; // the next index of H00 and of H01
     for (const char* type : kTypes) {
         const int group = type[1] == '3' ? 1 : 0;
-        int index = 0;
-        for (const Case& c : cases)
-            index += (c.type[1] == '3' ? 1 : 0) == group ? 2 : 0;
         for (Editor editor : kEditors)
             for (int format : {0, 1})
                 for (int decimals : kDecimals) {
                     CString code;
-                    code.Format("H%02d-%02d", group, index);
-                    index += 2;
+                    code.Format("H%02d-%02d", group, next[group]);
+                    next[group] += 2;
                     cases.push_back({type, format, editor, decimals, code});
                 }
     }

@@ -3,7 +3,6 @@
 #include "module/Implementation.h"
 #include "module/ParmiraApp.h"
 #include "module/host/IHostDeviceModule.h"
-#include "module/host/IVarStore.h"
 #include "sets/OneKeyParseRecipeDialog.h"
 #include "sets/TranslateFailedDialog.h"
 
@@ -27,17 +26,6 @@ void RecipeTest::SetUp() {
 
 void RecipeTest::TearDown() {
     ModuleScope::Detach();
-}
-
-IVarObjEx* RecipeTest::Var(const char* code) {
-    IVarObjEx* var = Module()->GetVarList()->FindByCode(code);
-    EXPECT_NE(var, nullptr) << code;
-    return var;
-}
-
-UINT RecipeTest::Address(const char* code) {
-    IVarObjEx* var = Var(code);
-    return var != nullptr ? var->GetInstanceAddress() : 0;
 }
 
 void RecipeTest::RunRecipeDialog(const std::function<void(COneKeyParseRecipeDialog&)>& act,

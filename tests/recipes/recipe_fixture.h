@@ -3,6 +3,7 @@
 #pragma once
 
 #include "module/host/IVarObjEx.h"
+#include "module/host/IVarStore.h"
 #include "zorhost/ReferenceHost.h"
 
 #include "ModuleScope.h"
@@ -27,8 +28,15 @@ protected:
 
     zorhost::model::CDeviceModule* Module() { return host.Module(kKey); }
     zorhost::sim::SimulatedDrive& Drive() { return *host.Drive(kKey); }
-    IVarObjEx* Var(const char* code);
-    UINT Address(const char* code);
+    IVarObjEx* Var(const char* code) {
+        IVarObjEx* var = Module()->GetVarList()->FindByCode(code);
+        EXPECT_NE(var, nullptr) << code;
+        return var;
+    }
+    UINT Address(const char* code) {
+        IVarObjEx* var = Var(code);
+        return var != nullptr ? var->GetInstanceAddress() : 0;
+    }
     // Opens the recipe dialog the way the host does and lets `act` work inside it; the
     // dialog is closed afterwards unless `act` closed it. Failure lists opened on the way
     // are read into `failed` (codes, in order) and closed.

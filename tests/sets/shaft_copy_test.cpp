@@ -46,8 +46,6 @@ protected:
     }
 };
 
-// Only what differs between axis 1 and axis 2 is listed, and only the ticked rows are
-// written to axis 2.
 TEST_F(ShaftCopyTest, WritesOnlyTheTickedDifferingParametersOfTheTargetAxis) {
     Poke("ZD4M", "A1.H05-06", 800); // positioning window, 734 on every axis
     Poke("ZD4M", "A1.H06-02", 200); // acceleration time, 0 on every axis

@@ -1,3 +1,6 @@
+// The staging list of the demo servo: set values typed, checked and written in list order,
+// refused and dropped writes, the filter, workbooks and parameter files opened into set
+// values, saves of the checked rows, and the frame's flows from this page.
 #include "TempDir.h"
 #include "page_fixture.h"
 
@@ -183,25 +186,27 @@ TEST_F(StagingTest, ParameterFileFillsSetValuesAfterTheTypeQuestion) {
     EXPECT_TRUE(Writes().empty()); // opening writes nothing
 }
 
-TEST_F(StagingTest, SavedSetValuesAreTheCheckedRowsStagedValues) {
+// Saves of the checked rows: of their staged set values, or of what the drive holds after
+// "上传并保存(所有勾选项)" read them; a read the drive refuses leaves no file dialog and no file.
+TEST_F(StagingTest, SavesOfTheCheckedRowsTakeTheirSetValuesOrWhatTheDriveHolds) {
+    const auto open = [&](const std::string& path) {
+        auto* file =
+            static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
+        file->LoadContext(module);
+        EXPECT_TRUE(file->Open(CString(path.c_str())));
+        return file;
+    };
     Stage("H06-02", 1500, TRUE);
     Stage("H06-03", 2, FALSE);
-    const std::string path = temp / "staged.zorparam";
-    ASSERT_TRUE(Page2().SaveSetValuesAs(CString(path.c_str())));
-    auto* file = static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
-    file->LoadContext(module);
-    ASSERT_TRUE(file->Open(CString(path.c_str())));
+    const std::string staged = temp / "staged.zorparam";
+    ASSERT_TRUE(Page2().SaveSetValuesAs(CString(staged.c_str())));
+    IParamFile* file = open(staged);
     ASSERT_EQ(file->GetVarList()->GetCount(), 1);
     EXPECT_EQ(file->GetVarList()->FindByCode("H06-02")->GetValue(), Variant::UI2(1500));
     file->Release();
-    EXPECT_FALSE(Page2().SaveSetValuesAs(CString((path + ".txt").c_str())));
-}
+    EXPECT_FALSE(Page2().SaveSetValuesAs(CString((staged + ".txt").c_str())));
 
-// The staging list's "上传并保存(所有勾选项)": the checked rows are read from the drive, then
-// saved; a read the drive refuses leaves no file dialog and no file.
-TEST_F(StagingTest, UploadOfCheckedRowsSavesDriveValuesOnlyWhenEveryReadSucceeded) {
     ASSERT_TRUE(Page2().GetDlgItem(int(IDC_PAGE_SAVE_CHECKED))->IsWindowEnabled());
-    Var("H06-02")->SetChecked(TRUE);
     Var("H06-03")->SetChecked(TRUE);
     Var("H06-02")->SetValue(Variant::UI2(7777)); // stale until the upload replaces it
     const std::string path = temp / "uploaded.zorparam";
@@ -210,9 +215,7 @@ TEST_F(StagingTest, UploadOfCheckedRowsSavesDriveValuesOnlyWhenEveryReadSucceede
     };
     prompts.ChooseFiles({CString(path.c_str())});
     click();
-    auto* file = static_cast<IParamFile*>(host.ModuleManager().CreateInstance(IParamFile::kIID));
-    file->LoadContext(module);
-    ASSERT_TRUE(file->Open(CString(path.c_str())));
+    file = open(path);
     EXPECT_EQ(file->GetVarList()->GetCount(), 2);
     IVarObjEx* saved = file->GetVarList()->FindByCode("H06-02");
     ASSERT_NE(saved, nullptr);

@@ -1,8 +1,11 @@
-// The commit of an edited value cell: the live list writes to the drive at once, the
-// staging list stores a set value; hexadecimal and per-unit texts are turned into the
-// parameter's raw figure first.
+// The commit of an edited value cell and the limits it is checked against: the live list
+// writes to the drive at once, the staging list stores a set value; hexadecimal and per-unit
+// texts are turned into the parameter's raw figure first. Limits are accepted on both ends,
+// refused just outside with the one English text, linked limits are read from the drive.
 #include "values/ValueText.h"
 #include "values_fixture.h"
+
+#include <limits>
 
 using namespace VarText;
 
@@ -11,6 +14,8 @@ namespace {
 class Commit : public ValuesTest {
 protected:
     CAfxRecordingResponder prompts;
+    std::vector<CString> errors; // of the limit checks
+    Variant out;
 };
 
 TEST_F(Commit, TheLiveListWritesTheRawFigureAtOnce) {
@@ -50,13 +55,22 @@ TEST_F(Commit, AValueEqualToTheCurrentOneWritesNothing) {
     EXPECT_EQ(CommitCellText(torque, "0", 0, 0), COMMIT_WRITTEN) << "no value yet: written";
 }
 
-TEST_F(Commit, PlaceholdersAndTextsThatAreNoFigureAreIgnored) {
+// Placeholders and texts that are no whole figure are ignored: a cut or broken hexadecimal
+// text would put another number into the drive.
+TEST_F(Commit, PlaceholdersAndTextsThatAreNoWholeFigureAreIgnored) {
     IVarObjEx* torque = Var("H00-01");
     for (const char* text : {"", "   ", "---", "-", "abc", "1,5", "nan", "inf", "1e999", "0x"})
         EXPECT_EQ(CommitCellText(torque, text, 0, 0), COMMIT_IGNORED) << text;
     EXPECT_EQ(CommitCellText(nullptr, "1", 0, 0), COMMIT_IGNORED);
+    for (const char* text : {"12G4", "123456789", "0x", "-1", "ＦＦ"})
+        EXPECT_EQ(CommitCellText(Var("H00-20"), text, 0, 0), COMMIT_IGNORED) << text;
     EXPECT_TRUE(helper.writes.empty());
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u);
+
+    EXPECT_EQ(CommitCellText(Var("H00-20"), "0x00ff", 0, 0), COMMIT_WRITTEN);
+    EXPECT_EQ(helper.writes.back().value, Variant::R8(255.0));
+    EXPECT_EQ(CommitCellText(Var("H00-20"), "FFFF FFFF", 0, 0), COMMIT_WRITTEN);
+    EXPECT_EQ(helper.writes.back().value, Variant::R8(4294967295.0));
 }
 
 TEST_F(Commit, ARefusedWriteShowsTheDrivesReason) {
@@ -73,18 +87,6 @@ TEST_F(Commit, ARefusedWriteShowsTheDrivesReason) {
     EXPECT_EQ(CommitCellText(Var("H00-01"), "501", 0, 0), COMMIT_WRITE_FAILED);
     EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, CString("参数下载失败."));
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 2u);
-}
-
-TEST_F(Commit, HexadecimalTextsAreReadWholeOrNotAtAll) {
-    EXPECT_EQ(CommitCellText(Var("H00-20"), "0x00ff", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(helper.writes.back().value, Variant::R8(255.0));
-    EXPECT_EQ(CommitCellText(Var("H00-20"), "FFFF FFFF", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(helper.writes.back().value, Variant::R8(4294967295.0));
-    const size_t before = helper.writes.size();
-    // A cut or broken text would put another number into the drive.
-    for (const char* text : {"12G4", "123456789", "0x", "-1", "ＦＦ"})
-        EXPECT_EQ(CommitCellText(Var("H00-20"), text, 0, 0), COMMIT_IGNORED) << text;
-    EXPECT_EQ(helper.writes.size(), before);
 }
 
 // The figure is typed in the scale the row shows; the drive gets the raw figure.
@@ -105,6 +107,17 @@ TEST_F(Commit, PerUnitFiguresAreTypedInTheScaleShown) {
     EXPECT_EQ(CommitCellText(gain, "25", 0, 0), COMMIT_WRITTEN);
     EXPECT_EQ(helper.writes.back().value, Variant::R8(0.25));
 
+    // No base, no engineering commit: the drive doesn't answer for the base, or a further
+    // base is named but without a scale.
+    const size_t written = helper.writes.size();
+    current->SetPerUnitMode(2);
+    EXPECT_EQ(CommitCellText(current, "15", 0, 0), COMMIT_REFUSED);
+    EXPECT_EQ(CommitCellText(current, "0.00", 0, 0), COMMIT_REFUSED) << "the cell's own text";
+    current->SetPerUnitMode(3);
+    helper.driveValues[0x000C] = Variant::UI2(3000);
+    EXPECT_EQ(CommitCellText(current, "15", 0, 0), COMMIT_REFUSED);
+    EXPECT_EQ(helper.writes.size(), written);
+
     current->SetPerUnitMode(2); // base H00-10 = 30 A
     helper.driveValues[0x000A] = Variant::UI2(30);
     EXPECT_EQ(CommitCellText(current, "15", 0, 0), COMMIT_WRITTEN);
@@ -114,17 +127,6 @@ TEST_F(Commit, PerUnitFiguresAreTypedInTheScaleShown) {
     current->SetPerUnitMode(0);
     EXPECT_EQ(CommitCellText(current, "1000", 0, 0), COMMIT_WRITTEN);
     EXPECT_EQ(helper.writes.back().value, Variant::R8(1000.0));
-}
-
-TEST_F(Commit, NoBaseNoEngineeringCommit) {
-    IVarObjEx* current = Var("H00-07");
-    current->SetPerUnitMode(2); // the drive doesn't answer for the base
-    EXPECT_EQ(CommitCellText(current, "15", 0, 0), COMMIT_REFUSED);
-    EXPECT_EQ(CommitCellText(current, "0.00", 0, 0), COMMIT_REFUSED) << "the cell's own text";
-    current->SetPerUnitMode(3); // a further base: named, but without a scale
-    helper.driveValues[0x000C] = Variant::UI2(3000);
-    EXPECT_EQ(CommitCellText(current, "15", 0, 0), COMMIT_REFUSED);
-    EXPECT_TRUE(helper.writes.empty());
 }
 
 TEST_F(Commit, TheStagingListStoresASetValueAndTheCheckMark) {
@@ -148,9 +150,8 @@ TEST_F(Commit, TheStagingListStoresASetValueAndTheCheckMark) {
     // The staging list reads hexadecimal whatever the value's meaning.
     EXPECT_EQ(CommitCellText(Var("H00-20"), "0x10", 1, 1), COMMIT_STAGED);
     EXPECT_EQ(Var("H00-20")->GetSetValue(), Variant::UI4(16));
-}
 
-TEST_F(Commit, ConnectorValuesPassTheLimitCheckButNotTheTypesRange) {
+    // Connector values pass the limit check but not the type's range.
     IVarObjEx* source = Var("H00-13"); // u16 connector: its value is an address
     EXPECT_EQ(CommitCellText(source, "2012", 1, 1), COMMIT_STAGED);
     EXPECT_EQ(source->GetSetValue(), Variant::UI2(2012));
@@ -158,19 +159,102 @@ TEST_F(Commit, ConnectorValuesPassTheLimitCheckButNotTheTypesRange) {
     EXPECT_EQ(source->GetSetValue(), Variant::UI2(2012));
 }
 
-TEST_F(Commit, WithoutTheHostNothingHappens) {
+TEST_F(Commit, ApplyLimitsAcceptsBothEndsAndRefusesJustOutsideWithTheExactText) {
+    EXPECT_TRUE(ApplyLimits(1, VT_I2, 300.0, -300.0, Variant::R8(300.0), out, errors));
+    EXPECT_EQ(out, Variant::R8(3000.0)) << "raw figure under the tag of the source";
+    EXPECT_TRUE(ApplyLimits(1, VT_I2, 300.0, -300.0, Variant::R8(-300.0), out, errors));
+    EXPECT_EQ(out, Variant::R8(-3000.0));
+    EXPECT_TRUE(ApplyLimits(1, VT_I2, 300.0, -300.0, Variant::I2(3000), out, errors))
+        << "a raw figure of the type is scaled like the host holds it";
+    EXPECT_EQ(out, Variant::I2(3000));
+    EXPECT_TRUE(ApplyLimits(3, VT_R8, 1.5, -1.5, Variant::R8(1.5), out, errors));
+    EXPECT_EQ(out, Variant::R8(1.5)) << "reals keep the figure itself";
+    EXPECT_TRUE(ApplyLimits(-1, VT_I2, 10, 0, Variant::R8(5), out, errors));
+    EXPECT_EQ(out, Variant::R8(5)) << "negative decimals leave the value as it is";
+    EXPECT_TRUE(errors.empty());
+
+    // Just outside: refused with the exact text.
+    EXPECT_FALSE(ApplyLimits(1, VT_I2, 300.0, -300.0, Variant::R8(300.1), out, errors));
+    EXPECT_FALSE(ApplyLimits(0, VT_I2, 32767, -32768, Variant::R8(-32769), out, errors));
+    EXPECT_FALSE(ApplyLimits(0, VT_UI4, 4294967295.0, 0, Variant::R8(4294967296.0), out, errors));
+    ASSERT_EQ(errors.size(), 3u);
+    EXPECT_EQ(errors[0], CString("Over the limit,value = 300.1,[min = -300,max = 300]"));
+    EXPECT_EQ(errors[1], CString("Over the limit,value = -32769,[min = -32768,max = 32767]"));
+    EXPECT_EQ(errors[2], CString("Over the limit,value = 4294967296,[min = 0,max = 4294967295]"));
+    EXPECT_TRUE(ApplyLimits(0, VT_UI4, 4294967295.0, 0, Variant::R8(4294967295.0), out, errors));
+    EXPECT_TRUE(ApplyLimits(0, VT_I2, 32767, -32768, Variant::R8(-32768), out, errors));
+    // NaN is never inside.
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_FALSE(ApplyLimits(0, VT_R8, 1e300, -1e300, Variant::R8(nan), out, errors));
+    EXPECT_FALSE(CheckEditedValue("M1", 0x001C, VT_R8, Variant::R8(nan), out, errors));
+    EXPECT_EQ(errors.size(), 5u);
+}
+
+TEST_F(Commit, CheckEditedValueTakesTheParametersOwnLimits) {
+    // H00-01: i16, 1 decimal, -3000..3000 raw = -300.0..300.0
+    EXPECT_TRUE(CheckEditedValue("M1", 0x0001, VT_I2, Variant::R8(300.0), out, errors));
+    EXPECT_EQ(out, Variant::I2(3000)) << "the raw figure in the parameter's type";
+    EXPECT_TRUE(CheckEditedValue("M1", 0x0001, VT_I2, Variant::R8(-300.0), out, errors));
+    EXPECT_EQ(out, Variant::I2(-3000));
+    EXPECT_TRUE(errors.empty());
+    out = Variant::I2(7);
+    EXPECT_FALSE(CheckEditedValue("M1", 0x0001, VT_I2, Variant::R8(300.1), out, errors));
+    EXPECT_FALSE(CheckEditedValue("M1", 0x0001, VT_I2, Variant::R8(-300.1), out, errors));
+    ASSERT_EQ(errors.size(), 2u);
+    EXPECT_EQ(errors[0], CString("Over the limit,value = 300.1,[min = -300,max = 300]"));
+    EXPECT_EQ(errors[1], CString("Over the limit,value = -300.1,[min = -300,max = 300]"));
+    EXPECT_EQ(out, Variant::I2(7)) << "a refusal leaves the out value alone";
+
+    // u32 up to its last figure; i16 with 4 decimals down to -3.2768.
+    EXPECT_TRUE(CheckEditedValue("M1", 0x001A, VT_UI4, Variant::R8(4294967295.0), out, errors));
+    EXPECT_EQ(out, Variant::UI4(4294967295u));
+    EXPECT_TRUE(CheckEditedValue("M1", 0x0010, VT_I2, Variant::R8(-3.2768), out, errors));
+    EXPECT_EQ(out, Variant::I2(-32768));
+    EXPECT_FALSE(CheckEditedValue("M1", 0x0010, VT_I2, Variant::R8(3.2768), out, errors));
+    EXPECT_EQ(errors.back(), CString("Over the limit,value = 3.2768,[min = -3.2768,max = 3.2767]"));
+}
+
+TEST_F(Commit, LinkedLimitsAreTheTargetsLiveValueFromTheDrive) {
+    helper.driveValues[0x000C] = Variant::UI2(2500); // H00-12, the maximum of H00-11
+    EXPECT_TRUE(CheckEditedValue("M1", 0x000B, VT_UI2, Variant::R8(2500), out, errors));
+    EXPECT_EQ(out, Variant::UI2(2500));
+    EXPECT_FALSE(CheckEditedValue("M1", 0x000B, VT_UI2, Variant::R8(2501), out, errors));
+    EXPECT_EQ(errors.back(), CString("Over the limit,value = 2501,[min = 0,max = 2500]"));
+    ASSERT_FALSE(helper.reads.empty());
+    EXPECT_EQ(helper.reads.back().address, 0x000Cu);
+    EXPECT_EQ(helper.reads.back().dataType, int(VT_UI2));
+
+    // A linked minimum with decimals on the target: H00-01 holding -1000 means -100.0.
+    helper.driveValues[0x0001] = Variant::I2(-1000);
+    EXPECT_TRUE(CheckEditedValue("M1", 0x0012, VT_I2, Variant::R8(-100), out, errors));
+    EXPECT_FALSE(CheckEditedValue("M1", 0x0012, VT_I2, Variant::R8(-101), out, errors));
+
+    // A target the drive doesn't answer for counts as 0.
+    helper.driveValues.erase(0x000C);
+    EXPECT_TRUE(CheckEditedValue("M1", 0x000B, VT_UI2, Variant::R8(0), out, errors));
+    EXPECT_FALSE(CheckEditedValue("M1", 0x000B, VT_UI2, Variant::R8(1), out, errors));
+}
+
+// Without the host or the module nothing is written, and a limit check says nothing.
+TEST_F(Commit, WithoutTheHostOrTheModuleNothingHappens) {
+    EXPECT_FALSE(CheckEditedValue("M9", 0x0001, VT_I2, Variant::R8(1), out, errors));
+    EXPECT_FALSE(CheckEditedValue("M1", 0x7777, VT_I2, Variant::R8(1), out, errors));
     services.Withhold<IHostDeviceHelper>();
     EXPECT_EQ(CommitCellText(Var("H00-01"), "1", 0, 0), COMMIT_IGNORED);
     services.Withhold<IHostDeviceHelper>(false);
     services.Withhold<IHostVarUtil>();
     EXPECT_EQ(CommitCellText(Var("H00-01"), "1", 0, 0), COMMIT_IGNORED);
     EXPECT_EQ(CommitCellText(Var("H00-01"), "1", 1, 1), COMMIT_IGNORED);
+    EXPECT_FALSE(CheckEditedValue("M1", 0x0001, VT_I2, Variant::R8(1), out, errors));
+    EXPECT_FALSE(ApplyLimits(0, VT_I2, 10, 0, Variant::R8(1), out, errors));
     services.Withhold<IHostVarUtil>(false);
     services.Withhold<IHostProjectRoot>();
     EXPECT_EQ(CommitCellText(Var("H00-01"), "1", 1, 1), COMMIT_REFUSED)
         << "no module to check against";
+    EXPECT_FALSE(CheckEditedValue("M1", 0x0001, VT_I2, Variant::R8(1), out, errors));
     EXPECT_TRUE(helper.writes.empty());
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u);
+    EXPECT_TRUE(errors.empty()) << "quiet: nothing to tell without a host";
 }
 
 } // namespace

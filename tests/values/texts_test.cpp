@@ -1,8 +1,11 @@
 // The texts of a row: values and limits by display format and per-unit mode, the display
-// format and unit columns, modify and effect modes, linked limits.
+// format and unit columns, linked limits; what a value means (enumeration names through the
+// translator, connector targets, compare rows); and the parsers of spreadsheet cells and
+// typed values, which need no host.
+#include "ShippedDevices.h"
+#include "values/GetVarInfo.h"
 #include "values/ValueText.h"
 #include "values_fixture.h"
-#include "zorhost/device/DeviceLoader.h"
 
 #include <optional>
 
@@ -10,7 +13,10 @@ using namespace VarText;
 
 namespace {
 
-class ValueTexts : public ValuesTest {};
+class ValueTexts : public ValuesTest {
+protected:
+    CGetVarInfo info;
+};
 
 // Values and limits by type, places and display format. Each row may first give the
 // parameter a value; the rows of one parameter run in order.
@@ -67,7 +73,7 @@ TEST_F(ValueTexts, ValuesAndLimitsByTypePlacesAndFormat) {
     }
 }
 
-TEST_F(ValueTexts, PercentOf16And32BitAndRealParameters) {
+TEST_F(ValueTexts, PercentOf16And32BitAndRealParametersAndTheRawFigure) {
     IVarObjEx* current = Var("H00-07"); // i16, 4096 = 100 %
     IVarObjEx* speed = Var("H00-22");   // i32, 2^28 = 100 %
     IVarObjEx* gain = Var("H00-24");    // f32, fraction as it stands
@@ -84,31 +90,37 @@ TEST_F(ValueTexts, PercentOf16And32BitAndRealParameters) {
         << "no negative zero";
     EXPECT_EQ(UnitText(current), CString("%"));
     EXPECT_EQ(DisplayFormatText(current), CString("百分比"));
+    EXPECT_EQ(info.CurrentValueText(current), CString("100.00%")) << "the cell, in the row's scale";
     EXPECT_TRUE(helper.reads.empty()) << "percent needs no base";
-}
 
-TEST_F(ValueTexts, RawFigureModeShowsTwoPlaces) {
-    IVarObjEx* current = Var("H00-07");
+    // The raw figure's mode shows two places in the texts, none in the cell.
     for (int mode : {-1, 0}) {
         current->SetPerUnitMode(mode);
         EXPECT_EQ(FactoryValueText(current), CString("4096.00")) << mode;
         EXPECT_EQ(DisplayFormatText(current), CString("原始值")) << mode;
         EXPECT_EQ(UnitText(current), CString("A")) << mode;
     }
+    EXPECT_EQ(info.CurrentValueText(current), CString("4096")) << "the cell's figure has no places";
 }
 
-TEST_F(ValueTexts, EngineeringValuesReadTheirBaseOnceAndKeepIt) {
+TEST_F(ValueTexts, EngineeringValuesReadTheirBaseOnceAndKeepItAndWithoutOneReadZero) {
     IVarObjEx* current = Var("H00-07");
     current->SetPerUnitMode(2); // base H00-10 at 0x000A
+    // The drive doesn't answer for the base yet: zero, and a failed read holds nothing.
+    EXPECT_EQ(PerUnitBase(current), 0.0);
+    EXPECT_EQ(MinValueText(current), CString("0.00"));
+    EXPECT_EQ(PerUnitValueText(current, Variant::I2(1)), CString("0.00"));
+    ASSERT_EQ(helper.reads.size(), 3u);
+
     helper.driveValues[0x000A] = Variant::UI2(30);
     ui.translations["额定电流"] = "Rated current";
     EXPECT_EQ(FactoryValueText(current), CString("30.00"));
     EXPECT_EQ(MaxValueText(current), CString("60.00"));
     EXPECT_EQ(MinValueText(current), CString("-60.00"));
     EXPECT_EQ(PerUnitValueText(current, Variant::I2(1024)), CString("7.50"));
-    ASSERT_EQ(helper.reads.size(), 1u) << "one read, then the table holds the base";
-    EXPECT_EQ(helper.reads[0].address, 0x000Au);
-    EXPECT_EQ(helper.reads[0].dataType, int(VT_I2)) << "read as the parameter's type";
+    ASSERT_EQ(helper.reads.size(), 4u) << "one read, then the table holds the base";
+    EXPECT_EQ(helper.reads.back().address, 0x000Au);
+    EXPECT_EQ(helper.reads.back().dataType, int(VT_I2)) << "read as the parameter's type";
     helper.driveValues[0x000A] = Variant::UI2(99);
     EXPECT_EQ(PerUnitBase(current), 30.0) << "a held base isn't read again";
     EXPECT_EQ(DisplayFormatText(current), CString("Rated current"));
@@ -120,31 +132,20 @@ TEST_F(ValueTexts, EngineeringValuesReadTheirBaseOnceAndKeepIt) {
     EXPECT_EQ(FactoryValueText(current), CString(""));
     EXPECT_EQ(PerUnitValueText(current, Variant::I2(1024)), CString(""));
     EXPECT_EQ(DisplayFormatText(current), CString("最高速度"));
-    EXPECT_EQ(helper.reads.size(), 1u);
-    current->SetPerUnitMode(2);
+    EXPECT_EQ(helper.reads.size(), 4u);
+    current->SetPerUnitMode(9);
+    EXPECT_EQ(DisplayFormatText(current), CString("")) << "no entry of that mode";
+    EXPECT_EQ(PerUnitBase(current), 0.0);
 
     IVarObjEx* speed = Var("H00-22");
     speed->SetPerUnitMode(2);
     EXPECT_EQ(FactoryValueText(speed), CString("30.00")) << "2^28 with the held base 30";
-}
-
-TEST_F(ValueTexts, WithoutABaseEngineeringTextsReadZeroAndAreTriedAgain) {
-    IVarObjEx* current = Var("H00-07");
-    current->SetPerUnitMode(2);
-    EXPECT_EQ(PerUnitBase(current), 0.0);
-    EXPECT_EQ(MinValueText(current), CString("0.00"));
-    EXPECT_EQ(PerUnitValueText(current, Variant::I2(1)), CString("0.00"));
-    EXPECT_EQ(helper.reads.size(), 3u) << "a failed read holds nothing";
-    current->SetPerUnitMode(9);
-    EXPECT_EQ(DisplayFormatText(current), CString("")) << "no entry of that mode";
-    EXPECT_EQ(PerUnitBase(current), 0.0);
-    // Real parameters take no part of the base.
     IVarObjEx* gain = Var("H00-24");
     gain->SetPerUnitMode(2);
-    EXPECT_EQ(FactoryValueText(gain), CString("50.00"));
+    EXPECT_EQ(FactoryValueText(gain), CString("50.00")) << "reals take no part of the base";
 }
 
-TEST_F(ValueTexts, LinkedLimitShowsTheLiveValueOfItsTarget) {
+TEST_F(ValueTexts, LinkedLimitShowsTheLiveValueOfItsTargetOnItsOwnAxis) {
     IVarObjEx* limited = Var("H00-11"); // maximum linked to H00-12
     IVarObjEx* target = nullptr;
     EXPECT_TRUE(IsLimitLinked(limited->GetAttr(), TRUE));
@@ -156,22 +157,18 @@ TEST_F(ValueTexts, LinkedLimitShowsTheLiveValueOfItsTarget) {
     EXPECT_EQ(LinkedLimitText(limited, FALSE, &target), CString(""));
     EXPECT_EQ(target, nullptr);
     EXPECT_EQ(LinkedLimitText(Var("H00-18"), FALSE), CString("100.0[H00-01]"));
-}
 
-// On a multi-axis drive a linked limit follows the parameter of its own axis.
-TEST_F(ValueTexts, LinkedLimitsStayOnTheirAxis) {
-    auto loaded = zorhost::device::LoadDeviceFile(std::string(PARMIRA_SOURCE_DIR) +
-                                                  "/devices/zd4m_four_axis.json");
-    ASSERT_TRUE(loaded) << loaded.error.ToString();
+    // On a multi-axis drive a linked limit follows the parameter of its own axis.
+    auto device = LoadShippedDevice("zd4m_four_axis.json");
+    ASSERT_NE(device, nullptr);
     auto* project = static_cast<zorhost::model::CProject*>(root.GetProject());
     zorhost::model::CDeviceModule* four = project->Workspace().Modules().Add(
-        std::make_unique<zorhost::model::CDeviceModule>(loaded.device, CString("M4"), 4));
+        std::make_unique<zorhost::model::CDeviceModule>(device, CString("M4"), 4));
     ASSERT_NE(four, nullptr);
     IVarObjEx* jog = four->Store().FindByCode("A2.H06-01"); // maximum: H06-00 of its axis
     IVarObjEx* axis2Max = four->Store().FindByCode("A2.H06-00");
     ASSERT_TRUE(jog && axis2Max);
     axis2Max->SetValue(Variant::UI2(4500));
-    IVarObjEx* target = nullptr;
     EXPECT_EQ(LinkedLimitText(jog, TRUE, &target), CString("4500[H06-00]"));
     EXPECT_EQ(target, axis2Max);
 
@@ -184,13 +181,65 @@ TEST_F(ValueTexts, LinkedLimitsStayOnTheirAxis) {
         CheckEditedValue("M4", jog->GetInstanceAddress(), VT_UI2, Variant::R8(4501), out, errors));
 }
 
-TEST_F(ValueTexts, MissingServiceOrAttributeGivesEmptyTexts) {
+TEST_F(ValueTexts, EnumerationValuesCarryTheirNameAndConnectorValuesTheirTarget) {
+    IVarObjEx* mode = Var("H00-00");
+    mode->SetValue(Variant::UI2(1));
+    EXPECT_EQ(info.CurrentValueText(mode), CString("1[速度模式]"));
+    ui.translations["速度模式"] = "Speed";
+    EXPECT_EQ(info.CurrentValueText(mode), CString("1[Speed]"));
+    mode->SetValue(Variant::UI2(7));
+    EXPECT_EQ(info.CurrentValueText(mode), CString("7")) << "no entry, no brackets";
+    mode->SetValue(Variant());
+    EXPECT_EQ(info.CurrentValueText(mode), CString(""));
+    EXPECT_EQ(info.Meaning(mode->GetAttr(), Variant::R8(2.0)), CString("转矩模式"))
+        << "compared as a figure of the parameter's type";
+    // A connector's value names its target.
+    IVarObjEx* source = Var("H00-13");
+    ASSERT_TRUE(IsConnectorVar(source->GetAttr()));
+    EXPECT_FALSE(IsConnectorVar(Attr("H00-00")));
+    EXPECT_FALSE(IsConnectorVar(Attr("H00-01")));
+    source->SetValue(Variant::UI2(2012)); // K group H02 from 2000: H02-00 at 0x0200
+    EXPECT_EQ(info.CurrentValueText(source), CString("H02-00[电机转速]"));
+    ui.translations["母线电压"] = "DC bus voltage";
+    source->SetSetValue(Variant::UI2(2013));
+    EXPECT_EQ(info.SetValueText(source), CString("H02-01[DC bus voltage]"));
+    source->SetValue(Variant::UI2(5));
+    EXPECT_EQ(info.CurrentValueText(source), CString("5")) << "points nowhere: plain text";
+    source->SetValue(Variant::UI2(1));
+    EXPECT_EQ(info.CurrentValueText(source), CString("1[K连接器]"));
+}
+
+TEST_F(ValueTexts, ValueTextWithMeaningOfCompareRows) {
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-00"), Variant()), CString("---"));
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-00"), Variant::Null()), CString("---"));
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-00"), Variant::UI2(2)), CString("2[转矩模式]"));
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-01"), Variant::I2(1505)), CString("150.5"));
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-16"), Variant::I2(-32768)), CString("-3.2768"));
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-20"), Variant::UI4(255)), CString("FF"));
+    // Per-unit values read as a percentage whatever the row shows.
+    Var("H00-07")->SetPerUnitMode(2);
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-07"), Variant::I2(4096)), CString("100%"));
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-22"), Variant::I4(268435456)), CString("100%"));
+    EXPECT_EQ(info.ValueTextWithMeaning(Var("H00-06"), Variant::UI2(1)), CString(""));
+}
+
+// Without the translator an enumeration's figure stands alone; without the value service,
+// the device helper or an attribute the texts are empty.
+TEST_F(ValueTexts, WithoutAServiceOrAnAttributeTextsAreEmptyOrPlain) {
     EXPECT_EQ(ItemValueText(nullptr), CString(""));
     EXPECT_EQ(MinValueText(nullptr), CString(""));
     EXPECT_EQ(DisplayFormatText(nullptr), CString(""));
     EXPECT_EQ(ModifyModeText(nullptr), CString(""));
     EXPECT_EQ(PerUnitBase(nullptr), 0.0);
+    EXPECT_EQ(info.CurrentValueText(nullptr), CString(""));
+    EXPECT_EQ(info.EnumText(nullptr, nullptr, Variant()), CString(""));
+    IVarObjEx* mode = Var("H00-00");
+    mode->SetValue(Variant::UI2(1));
+    services.Withhold<IHostUiService>();
+    EXPECT_EQ(info.CurrentValueText(mode), CString("1"));
+    services.Withhold<IHostUiService>(false);
     services.Withhold<IHostVarUtil>();
+    EXPECT_EQ(info.ValueTextWithMeaning(mode, Variant::UI2(1)), CString(""));
     EXPECT_EQ(ItemValueText(Var("H00-01")), CString(""));
     EXPECT_EQ(FactoryValueText(Var("H00-01")), CString(""));
     EXPECT_EQ(LinkedLimitText(Var("H00-11"), TRUE), CString(""));
@@ -199,6 +248,94 @@ TEST_F(ValueTexts, MissingServiceOrAttributeGivesEmptyTexts) {
     Var("H00-07")->SetPerUnitMode(2);
     EXPECT_EQ(PerUnitBase(Var("H00-07")), 0.0);
     EXPECT_EQ(FactoryValueText(Var("H00-07")), CString("0.00"));
+}
+
+// The order of the tests matters only for texts that extend another; only the boolean's
+// name may have more behind it.
+TEST(DataTypeFromName, WholeNamesExceptTheBoolean) {
+    EXPECT_EQ(DataTypeFromName("无符号16位"), VT_UI2);
+    EXPECT_EQ(DataTypeFromName("有符号32位"), VT_I4);
+    EXPECT_EQ(DataTypeFromName("无符号8位字符"), VT_UI1);
+    EXPECT_EQ(DataTypeFromName("无符号日期类型"), VT_DATE);
+    EXPECT_EQ(DataTypeFromName("布尔型"), VT_BOOL);
+    EXPECT_EQ(DataTypeFromName("布尔型(16位)"), VT_BOOL);
+    EXPECT_EQ(DataTypeFromName("有符号16位 "), 0);
+    EXPECT_EQ(DataTypeFromName(" 有符号16位"), 0);
+    EXPECT_EQ(DataTypeFromName("有符号16"), 0);
+    EXPECT_EQ(DataTypeFromName(""), 0);
+    EXPECT_EQ(DataTypeFromName("int16"), 0);
+    EXPECT_EQ(DataTypeFromName("布尔"), 0);
+}
+
+TEST(HexTextToDecimal, PrefixBlanksCaseEightDigitsAndHostileTexts) {
+    EXPECT_EQ(HexTextToDecimal("0x00ff"), CString("255"));
+    EXPECT_EQ(HexTextToDecimal("00 FF"), CString("255"));
+    EXPECT_EQ(HexTextToDecimal("0XaBc"), CString("2748"));
+    EXPECT_EQ(HexTextToDecimal("FFFFFFFF"), CString("4294967295"));
+    EXPECT_EQ(HexTextToDecimal("0x8000"), CString("32768"));
+    // It stops at the first foreign character and keeps eight digits.
+    EXPECT_EQ(HexTextToDecimal("12G4"), CString("18"));
+    EXPECT_EQ(HexTextToDecimal("123456789"), CString("305419896")) << "ninth digit dropped";
+    EXPECT_EQ(HexTextToDecimal(CString(std::string(40, 'F'))), CString("4294967295"));
+    EXPECT_EQ(HexTextToDecimal("1-2"), CString("1"));
+    // Hostile texts give zero.
+    EXPECT_EQ(HexTextToDecimal(""), CString("0"));
+    EXPECT_EQ(HexTextToDecimal("0x"), CString("0"));
+    EXPECT_EQ(HexTextToDecimal("   "), CString("0"));
+    EXPECT_EQ(HexTextToDecimal("ＦＦ"), CString("0")) << "full-width letters are no digits";
+    EXPECT_EQ(HexTextToDecimal("参数"), CString("0"));
+    EXPECT_EQ(HexTextToDecimal("-1"), CString("0"));
+}
+
+TEST(BinaryTextToDecimal, PrefixBlanksAndLength) {
+    EXPECT_EQ(BinaryTextToDecimal("0b1010"), CString("10"));
+    EXPECT_EQ(BinaryTextToDecimal("0B1111"), CString("15"));
+    EXPECT_EQ(BinaryTextToDecimal("1 1"), CString("3"));
+    EXPECT_EQ(BinaryTextToDecimal("101"), CString("5"));
+    EXPECT_EQ(BinaryTextToDecimal("11"), CString("")) << "shorter than three characters";
+    EXPECT_EQ(BinaryTextToDecimal(""), CString(""));
+    EXPECT_EQ(BinaryTextToDecimal("1111111111111111"), CString("65535"));
+    EXPECT_EQ(BinaryTextToDecimal(CString(std::string(40, '1'))), CString("65535"))
+        << "only 16 digits count";
+    EXPECT_EQ(BinaryTextToDecimal("1012"), CString("5")) << "stops at the 2";
+    EXPECT_EQ(BinaryTextToDecimal("0b"), CString(""));
+    EXPECT_EQ(BinaryTextToDecimal("0b2"), CString("0"));
+    EXPECT_EQ(BinaryTextToDecimal("一一一"), CString("0"));
+}
+
+TEST(ParseAddressText, DecimalAndHexadecimalCellsAndTextsThatNameNone) {
+    EXPECT_EQ(ParseAddressText("0x1A"), 26u);
+    EXPECT_EQ(ParseAddressText("0X1a"), 26u);
+    EXPECT_EQ(ParseAddressText("26"), 26u);
+    EXPECT_EQ(ParseAddressText("26abc"), 26u) << "leading digits count";
+    EXPECT_EQ(ParseAddressText("0x 02 29"), 0x229u);
+    EXPECT_EQ(ParseAddressText("0xFFFFFFFF"), 0xFFFFFFFFu);
+    EXPECT_EQ(ParseAddressText("4294967295"), 4294967295u);
+    // Texts that name no address give zero.
+    EXPECT_EQ(ParseAddressText("0xZZ"), 0u);
+    EXPECT_EQ(ParseAddressText("0x"), 0u);
+    EXPECT_EQ(ParseAddressText(""), 0u);
+    EXPECT_EQ(ParseAddressText("地址"), 0u);
+    EXPECT_EQ(ParseAddressText("-5"), 0u);
+    EXPECT_EQ(ParseAddressText("0x1G"), 0u) << "the tail must be hexadecimal";
+    // Too large for an address: no wrap-around onto some other parameter.
+    EXPECT_EQ(ParseAddressText("0x100000000"), 0u);
+    EXPECT_EQ(ParseAddressText(CString("0x" + std::string(40, 'F'))), 0u);
+    EXPECT_EQ(ParseAddressText(CString(std::string(40, '9'))), 0u);
+    EXPECT_EQ(ParseAddressText("4294967296"), 0u);
+}
+
+TEST(ConnectorNames, WholeNamesAndBracketedNames) {
+    EXPECT_TRUE(IsConnectorName("K连接器"));
+    EXPECT_TRUE(IsConnectorName("kf连接器"));
+    EXPECT_TRUE(IsConnectorName("连接器"));
+    EXPECT_FALSE(IsConnectorName("BKF连接器")) << "not one of the whole names";
+    EXPECT_FALSE(IsConnectorName("K连接器 "));
+    EXPECT_TRUE(HasConnectorName("速度给定[BKF连接器]"));
+    EXPECT_TRUE(HasConnectorName("x[b连接器]y"));
+    EXPECT_FALSE(HasConnectorName("K连接器"));
+    EXPECT_FALSE(HasConnectorName("[连接器]"));
+    EXPECT_FALSE(HasConnectorName(""));
 }
 
 } // namespace

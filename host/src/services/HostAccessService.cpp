@@ -4,16 +4,9 @@
 
 namespace zorhost {
 
-void CHostAccessService::NotifyAccessLevel(const CString& moduleKey, int level) {
-    LevelListener listener;
-    {
-        std::lock_guard lock(m_mutex);
-        m_levels[moduleKey] = level;
-        listener = m_listener;
-    }
-    if (listener)
-        listener(moduleKey, level);
-}
+// The level also reaches the host on the module object (SetAccessLevel), which is where
+// the reference host reads it.
+void CHostAccessService::NotifyAccessLevel(const CString&, int) {}
 
 void CHostAccessService::AddWatchVars(const CString& moduleKey,
                                       const std::vector<UINT>& addresses) {
@@ -22,12 +15,6 @@ void CHostAccessService::AddWatchVars(const CString& moduleKey,
     for (UINT a : addresses)
         if (std::find(list.begin(), list.end(), a) == list.end())
             list.push_back(a);
-}
-
-int CHostAccessService::NotifiedLevel(const CString& moduleKey) const {
-    std::lock_guard lock(m_mutex);
-    auto it = m_levels.find(moduleKey);
-    return it == m_levels.end() ? -1 : it->second;
 }
 
 std::vector<UINT> CHostAccessService::WatchList(const CString& moduleKey) const {

@@ -217,28 +217,13 @@ BOOL CHostTransferService::DownloadAxisRecords(HWND, const CString& targetKey, c
     model::CDeviceModule* module = m_drives.FindModule(targetKey);
     std::vector<CString> errors;
     const bool ok = module != nullptr && WriteAxisRecords(m_helper, module, rows, errors);
-    m_lastAxisErrors = errors;
     if (m_notifier)
         m_notifier(targetKey, ok ? 1 : 0, true);
     return ok ? 1 : 0;
 }
 
-void CHostTransferService::NotifyLevelToTransfer(const CString& moduleKey, int level) {
-    std::lock_guard lock(m_levelMutex);
-    for (auto& [key, l] : m_levels)
-        if (key == moduleKey) {
-            l = level;
-            return;
-        }
-    m_levels.emplace_back(moduleKey, level);
-}
-
-int CHostTransferService::NotifiedLevel(const CString& moduleKey) const {
-    std::lock_guard lock(m_levelMutex);
-    for (const auto& [key, l] : m_levels)
-        if (key == moduleKey)
-            return l;
-    return -1;
-}
+// The module's level reaches the host on the module object (SetAccessLevel), and the
+// module leaves out of its records what that level may not touch: nothing to keep here.
+void CHostTransferService::NotifyLevelToTransfer(const CString&, int) {}
 
 } // namespace zorhost

@@ -63,7 +63,6 @@ public:
     // all that is left. Announced in every case.
     BOOL DownloadRecords(HWND owner, const CString& moduleKey,
                          const std::vector<IRWDataItem*>& records) override;
-    // Axis comparison comes with the file side of the host; until then it is refused.
     BOOL CompareAxes(const CString& sourceKey, const CString& targetKey, const CString& sourceAxis,
                      const CString& targetAxis, std::vector<IRWDataItem*>& rows) override;
     BOOL DownloadAxisRecords(HWND owner, const CString& targetKey, const CString& targetAxis,
@@ -97,12 +96,8 @@ public:
     // and may write, leaving out read-only and hidden parameters as the staging list does.
     std::vector<IRWDataItem*> RecordsFromFile(IParamFile* file, IHostDeviceModule* module);
 
-    // Last level each module reported, -1 when none.
-    int NotifiedLevel(const CString& moduleKey) const;
     // Uploads announced so far, for tests of the event path.
     int UploadsEnded() const { return m_uploadsEnded; }
-    // What the last axis download could not write, one text per parameter.
-    const std::vector<CString>& LastAxisErrors() const { return m_lastAxisErrors; }
 
 private:
     // Reads `vars` from the drive into themselves; false when any read failed, the drive
@@ -123,9 +118,6 @@ private:
     FileChooser m_chooseFile;
     Question m_ask;
     IHostModuleManager* m_manager = nullptr;
-    mutable std::mutex m_levelMutex;
-    std::vector<std::pair<CString, int>> m_levels;
-    std::vector<CString> m_lastAxisErrors;
 };
 
 } // namespace zorhost

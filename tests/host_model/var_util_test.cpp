@@ -1,23 +1,34 @@
+// The host's value utility: texts to values and back at each type's limits, comparisons,
+// packed fields, and the small file readers (text lines, profile integers, folders).
 #include "zorhost/services/HostVarUtil.h"
+
+#include "TempDir.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fstream>
 #include <limits>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using zorhost::CHostVarUtil;
 
 namespace {
 
-CString Fmt(CHostVarUtil& u, const Variant& v, int decimals, BOOL hex = 0) {
-    CString t;
-    u.FormatVariant(t, v, decimals, hex);
-    return t;
-}
+class HostVarUtil : public ::testing::Test {
+protected:
+    std::string Write(const char* name, const std::string& content) {
+        std::ofstream(m_dir / name, std::ios::binary) << content;
+        return m_dir / name;
+    }
+    CHostVarUtil u;
+    TempDir m_dir;
+};
 
 // Text -> variant -> text must come back unchanged at each type's limits.
-TEST(HostVarUtilValues, ParseAndFormatRoundTripAtTypeLimits) {
-    CHostVarUtil u;
+TEST_F(HostVarUtil, ParseAndFormatRoundTripAtTypeLimits) {
     struct Case {
         VARTYPE tag;
         const char* text;
@@ -30,15 +41,15 @@ TEST(HostVarUtilValues, ParseAndFormatRoundTripAtTypeLimits) {
         Variant v;
         ASSERT_TRUE(u.ParseVariant(v, c.text, c.tag)) << c.text;
         EXPECT_EQ(v.vt, c.tag);
-        EXPECT_EQ(Fmt(u, v, 0), CString(c.text)) << c.text;
-        CString plain;
+        CString formatted, plain;
+        u.FormatVariant(formatted, v, 0, 0);
         u.VariantToText(plain, v);
+        EXPECT_EQ(formatted, CString(c.text)) << c.text;
         EXPECT_EQ(plain, CString(c.text));
     }
 }
 
-TEST(HostVarUtilValues, ParseRefusesOutOfRangeNanAndJunk) {
-    CHostVarUtil u;
+TEST_F(HostVarUtil, ParseRefusesOutOfRangeNanAndJunk) {
     Variant v;
     EXPECT_FALSE(u.ParseVariant(v, "-32769", VT_I2));
     EXPECT_FALSE(u.ParseVariant(v, "32768", VT_I2));
@@ -52,8 +63,7 @@ TEST(HostVarUtilValues, ParseRefusesOutOfRangeNanAndJunk) {
     }
 }
 
-TEST(HostVarUtilValues, ParseAcceptsDecimalHexAndBlanksAndDoublesClampToTheType) {
-    CHostVarUtil u;
+TEST_F(HostVarUtil, ParseAcceptsDecimalHexAndBlanksAndDoublesClampToTheType) {
     const struct {
         const char* text;
         VARTYPE tag;
@@ -90,8 +100,7 @@ TEST(HostVarUtilValues, ParseAcceptsDecimalHexAndBlanksAndDoublesClampToTheType)
     EXPECT_FALSE(u.DoubleToVariant(1, e));
 }
 
-TEST(HostVarUtilValues, EqualityAcrossTagsAndTexts) {
-    CHostVarUtil u;
+TEST_F(HostVarUtil, EqualityAcrossTagsAndTexts) {
     EXPECT_TRUE(u.VariantEquals(Variant::I4(1), Variant::UI4(1)));
     EXPECT_TRUE(u.VariantEquals(Variant::R8(2), Variant::Str("2.0")));
     EXPECT_FALSE(u.VariantEquals(Variant::R8(2), Variant::Str("abc")));
@@ -102,8 +111,7 @@ TEST(HostVarUtilValues, EqualityAcrossTagsAndTexts) {
     EXPECT_TRUE(u.VariantEqualsExact(Variant::I4(1), Variant::I4(1)));
 }
 
-TEST(HostVarUtilValues, RealnessTextAndTypeNames) {
-    CHostVarUtil u;
+TEST_F(HostVarUtil, RealnessTextAndTypeNames) {
     EXPECT_TRUE(u.IsRealVariant(Variant::I2(3)));
     EXPECT_TRUE(u.IsRealVariant(Variant::Str(" -4.5 ")));
     EXPECT_FALSE(u.IsRealVariant(Variant::Str("4.5x")));
@@ -132,8 +140,7 @@ TEST(HostVarUtilValues, RealnessTextAndTypeNames) {
     EXPECT_TRUE(t.IsEmpty());
 }
 
-TEST(HostVarUtilValues, PackedFieldsAndDigitOptions) {
-    CHostVarUtil u;
+TEST_F(HostVarUtil, PackedFieldsAndDigitOptions) {
     EXPECT_EQ(u.GetBit(0x8000, 15), 1);
     EXPECT_EQ(u.GetBit(0x8000, 14), 0);
     EXPECT_EQ(u.GetBit(-1, 63), 1);
@@ -154,8 +161,7 @@ TEST(HostVarUtilValues, PackedFieldsAndDigitOptions) {
     EXPECT_EQ(t, CString("0xFFFF"));
 }
 
-TEST(HostVarUtilValues, BytesAndLeadingIntegers) {
-    CHostVarUtil u;
+TEST_F(HostVarUtil, BytesAndLeadingIntegers) {
     const BYTE block[] = {0x10, 0xFF};
     EXPECT_EQ(u.ByteAt(block, 2, 1), 255);
     EXPECT_EQ(u.ByteAt(block, 2, 2), 0);
@@ -171,6 +177,59 @@ TEST(HostVarUtilValues, BytesAndLeadingIntegers) {
     CHostVarUtil latin("ISO-8859-1");
     latin.ToNarrowText("é速", bytes);
     EXPECT_EQ(bytes, std::string("\xE9?"));
+}
+
+TEST_F(HostVarUtil, LinesWithoutEndsBomOrTrailingBreak) {
+    std::vector<CString> lines{"stale"};
+    ASSERT_TRUE(u.ReadTextLines(Write("a.txt", "\xEF\xBB\xBFone\r\ntwo\n\nfour\n").c_str(), lines));
+    ASSERT_EQ(lines.size(), 4u);
+    EXPECT_EQ(lines[0], CString("one"));
+    EXPECT_EQ(lines[1], CString("two"));
+    EXPECT_EQ(lines[2], CString(""));
+    EXPECT_EQ(lines[3], CString("four"));
+
+    ASSERT_TRUE(u.ReadTextLines(Write("b.txt", "last without break").c_str(), lines));
+    ASSERT_EQ(lines.size(), 1u);
+    ASSERT_TRUE(u.ReadTextLines(Write("c.txt", "").c_str(), lines));
+    EXPECT_TRUE(lines.empty());
+    lines.push_back("x");
+    EXPECT_FALSE(u.ReadTextLines((m_dir / "missing").c_str(), lines));
+    EXPECT_TRUE(lines.empty());
+}
+
+TEST_F(HostVarUtil, ProfileIntegersBySectionAndKey) {
+    std::string path = Write("p.ini", "; comment\n[Other]\nRate=1\n"
+                                      "[ Comm ]\r\n Rate = 115200 \nAxis=-3x\nEmpty=\n");
+    CString p(path);
+    EXPECT_EQ(u.GetIniInt(p, "comm", "rate", 9), 115200);
+    EXPECT_EQ(u.GetIniInt(p, "Other", "Rate", 9), 1);
+    EXPECT_EQ(u.GetIniInt(p, "Comm", "Axis", 9), -3);
+    EXPECT_EQ(u.GetIniInt(p, "Comm", "Empty", 9), 0);
+    EXPECT_EQ(u.GetIniInt(p, "Comm", "Absent", 9), 9);
+    EXPECT_EQ(u.GetIniInt(p, "Nowhere", "Rate", 9), 9);
+    EXPECT_EQ(u.GetIniInt((m_dir / "none.ini").c_str(), "Comm", "Rate", -1), -1);
+}
+
+TEST_F(HostVarUtil, DirectoriesAndHelpFile) {
+    CString sub((m_dir / "made").c_str());
+    EXPECT_TRUE(u.MakeDirectory(sub));
+    EXPECT_TRUE(u.MakeDirectory(sub)) << "an existing directory counts";
+    struct stat st {};
+    EXPECT_EQ(stat(sub.GetString(), &st), 0);
+    std::string file = Write("plain", "x");
+    EXPECT_FALSE(u.MakeDirectory(file.c_str())) << "a file is not a directory";
+    EXPECT_FALSE(u.MakeDirectory((m_dir / "no/two").c_str()));
+
+    CString dir;
+    u.GetInstallDir(dir);
+    ASSERT_FALSE(dir.IsEmpty());
+    EXPECT_NE(dir.str().back(), '/');
+    std::string self = dir.str() + "/test_host_model";
+    EXPECT_EQ(access(self.c_str(), X_OK), 0) << self;
+
+    CString help;
+    u.GetHelpFile(help);
+    EXPECT_EQ(help, CString(dir.str() + "/help/index.html"));
 }
 
 } // namespace

@@ -1,12 +1,28 @@
-// Broken descriptions are refused with the file and the place named, and leave nothing behind.
+// Device descriptions as the loader takes them: broken ones are refused with the file and
+// the place named and leave nothing behind, generated ones load with the size asked for, and
+// every reader of a file from outside refuses endless input (a path that leads to a device
+// such as /dev/zero) with a message, after reading no more than its ceiling.
+#include "ShippedDevices.h"
 
+#include "zorhost/device/DeviceGenerator.h"
 #include "zorhost/device/DeviceLoader.h"
+#include "zorhost/files/BoundedRead.h"
+#include "zorhost/files/ParamFile.h"
+#include "zorhost/model/VarDatabase.h"
+#include "zorhost/model/VarStore.h"
+#include "zorhost/project/ProjectFile.h"
+#include "zorhost/services/HostVarUtil.h"
 
 #include <gtest/gtest.h>
 
+#include <QTemporaryDir>
+
 #include <cfloat>
+#include <fstream>
+#include <set>
 #include <string>
 
+using namespace zorhost;
 using namespace zorhost::device;
 
 namespace {
@@ -231,5 +247,109 @@ INSTANTIATE_TEST_SUITE_P(
             name += std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
         return name;
     });
+
+TEST(DeviceGenerator, LargeSingleAxisDeviceLoadsWithTheAskedSize) {
+    LoadResult r = GenerateDevice(20000);
+    ASSERT_TRUE(r) << r.error.ToString();
+    const DeviceDescription& d = *r.device;
+    ASSERT_EQ(d.parameters.size(), 20000u);
+    std::size_t members = 0;
+    for (std::uint32_t g : d.groupSet.roots)
+        members += d.groups[g].members.size();
+    EXPECT_EQ(members, 20000u);
+    std::set<int> kinds;
+    int linked = 0;
+    for (const ParameterDef& p : d.parameters) {
+        if (const ValueInfo* info = d.ValueInfoOf(p))
+            kinds.insert(int(info->kind));
+        linked += p.IsMaxLinked();
+    }
+    EXPECT_EQ(kinds, (std::set<int>{1, 2, 3, 4}));
+    EXPECT_GT(linked, 0);
+    // Lookups reach the last parameter.
+    const ParameterDef& last = d.parameters.back();
+    EXPECT_EQ(d.FindByCode(d.Code(last)), 19999u);
+    EXPECT_EQ(d.FindByAddress(last.address), 19999u);
+}
+
+// One in eight parameters is 32-bit and takes two addresses, so 65 536 no longer fit; counts
+// beyond two-digit indexes use wider groups.
+TEST(DeviceGenerator, CountsUpToTheAddressSpaceUseWiderGroups) {
+    LoadResult full = GenerateDevice(58000);
+    ASSERT_TRUE(full) << full.error.ToString();
+    EXPECT_EQ(full.device->parameters.size(), 58000u);
+    EXPECT_NE(full.device->FindByCode("H00-254"), kNoIndex);
+    EXPECT_TRUE(GenerateDeviceJson(65536).empty());
+    EXPECT_FALSE(GenerateDevice(0));
+}
+
+TEST(DeviceGenerator, MultiAxisSplitsTheCountOverItsAxes) {
+    GeneratorOptions options;
+    options.axisCount = 4;
+    LoadResult r = GenerateDevice(4000, options);
+    ASSERT_TRUE(r) << r.error.ToString();
+    ASSERT_EQ(r.device->axes.size(), 4u);
+    EXPECT_EQ(r.device->parameters.size(), 4000u);
+    for (int a = 0; a < 4; ++a) {
+        EXPECT_EQ(r.device->AxisParameters(a).size(), 1000u);
+        EXPECT_EQ(r.device->axes[a].addressBase, std::uint32_t(a) * 0x4000);
+    }
+    EXPECT_TRUE(GenerateDeviceJson(4001, options).empty()); // not divisible by the axes
+}
+
+TEST(DeviceGenerator, SameSeedSameDevice) {
+    GeneratorOptions a, b;
+    b.seed = 2;
+    EXPECT_EQ(GenerateDeviceJson(500, a), GenerateDeviceJson(500, a));
+    EXPECT_NE(GenerateDeviceJson(500, a), GenerateDeviceJson(500, b));
+}
+
+constexpr const char* kEndless = "/dev/zero";
+
+TEST(BoundedRead, RegularFileToTheByteAndEndlessDevice) {
+    QTemporaryDir dir;
+    ASSERT_TRUE(dir.isValid());
+    const std::string path = dir.filePath("f").toStdString();
+    std::ofstream(path) << std::string(1024, 'x');
+    std::string bytes, why;
+    EXPECT_EQ(files::ReadFileBounded(path, 1024, bytes, &why), files::ReadOutcome::Ok);
+    EXPECT_EQ(bytes.size(), 1024u);
+    EXPECT_EQ(files::ReadFileBounded(path, 1023, bytes, &why), files::ReadOutcome::TooLarge);
+    EXPECT_EQ(why, "larger than 1023 bytes");
+    EXPECT_TRUE(bytes.empty());
+
+    EXPECT_EQ(files::ReadFileBounded(kEndless, 1 << 20, bytes, &why), files::ReadOutcome::TooLarge);
+    EXPECT_EQ(why, "larger than 1 MB");
+    EXPECT_EQ(files::ReadFileBounded(dir.path().toStdString(), 10, bytes, &why),
+              files::ReadOutcome::CannotRead);
+    EXPECT_EQ(why, "Is a directory");
+}
+
+TEST(BoundedRead, EveryReaderRefusesAnEndlessFile) {
+    const device::LoadResult device = device::LoadDeviceFile(kEndless);
+    EXPECT_FALSE(device);
+    EXPECT_EQ(device.error.ToString(), "/dev/zero: larger than 64 MB; not a device description");
+
+    project::ProjectFile project;
+    project::ProjectError projectError;
+    EXPECT_FALSE(project::LoadProjectFile(kEndless, project, &projectError));
+    EXPECT_EQ(projectError.ToString(), "/dev/zero: larger than 4 MB; not a project file");
+
+    CHostVarUtil util;
+    std::vector<CString> lines{CString("old")};
+    EXPECT_FALSE(util.ReadTextLines(kEndless, lines));
+    EXPECT_TRUE(lines.empty());
+    EXPECT_EQ(util.GetIniInt(kEndless, "ProtocalType", "key", -7), -7);
+
+    files::CParamFile file;
+    EXPECT_FALSE(file.Open(kEndless));
+    EXPECT_NE(file.LastError().find("larger than 256 MB; not a parameter file"), std::string::npos)
+        << file.LastError();
+
+    model::CVarStore store(LoadShippedDevice("zd4m_four_axis.json"));
+    std::string why;
+    EXPECT_FALSE(model::CVarDatabase(store).LoadFromFile(kEndless, &why));
+    EXPECT_EQ(why, "/dev/zero: larger than 64 MB");
+}
 
 } // namespace

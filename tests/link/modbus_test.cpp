@@ -1,8 +1,16 @@
+// The module's flows over real Modbus stacks: TCP to zordrive-sim, RTU over a
+// pseudo-terminal, and an outside client reading the simulator; and how requests are cut
+// into blocks and words ordered on the wire.
 #include "LinkFixture.h"
 
+#include "zorhost/link/BlockPlan.h"
+#include "zorhost/link/ModbusLink.h"
 #include "zorhost/services/HostDeviceHelper.h"
 
+#include <unistd.h>
+
 using namespace linktest;
+using namespace zorhost::link;
 using zorhost::device::DataType;
 using zorhost::device::ParameterDef;
 using zorhost::sim::LinkStatus;
@@ -23,7 +31,7 @@ TEST_F(TcpHost, KeyFlowsCrossModbusTcp) {
     ASSERT_TRUE(helper.WriteVarDirect(kKey, Address("H05-34"), 3, Variant::I4(-123456), result,
                                       errors, 0, 300, 1));
     // Read back over a connection of its own.
-    zorhost::link::ModbusLink other(device, TcpLink(sim->Port()));
+    ModbusLink other(device, TcpLink(sim->Port()));
     ASSERT_TRUE(other.WaitOnline(3000));
     double raw = 0;
     ASSERT_TRUE(ReadRaw(other, Address("H02-08"), DataType::UInt16, raw, 300).ok());
@@ -32,7 +40,7 @@ TEST_F(TcpHost, KeyFlowsCrossModbusTcp) {
     EXPECT_EQ(raw, -123456);
 
     ASSERT_TRUE(WriteRaw(other, Address("H02-09"), DataType::UInt16, 777, 300).ok());
-    const zorhost::link::LinkTraffic before = host.FieldLink(kKey)->Traffic();
+    const LinkTraffic before = host.FieldLink(kKey)->Traffic();
     EXPECT_TRUE(host.Transfer().UploadModule(nullptr, kKey));
     ASSERT_EQ(ends.size(), 1u);
     EXPECT_TRUE(ends[0]);
@@ -140,7 +148,7 @@ TEST_F(TcpHost, DownloadInBlocksNamesExactlyTheRefusedParameter) {
         return p.address == Address("H02-09") ? 60.0 : p.factoryValue;
     });
     ASSERT_GT(records.items.size(), 100u);
-    zorhost::link::ModbusLink& link = *host.FieldLink(kKey);
+    ModbusLink& link = *host.FieldLink(kKey);
     const auto before = link.Traffic().requests;
     EXPECT_FALSE(host.Transfer().DownloadRecords(nullptr, kKey, records.items));
     const auto& failures = host.Transfer().LastDownloadFailures();
@@ -162,12 +170,115 @@ TEST_F(TcpHost, RunCommandCrossesTheLink) {
         SCOPED_TRACE(running ? "running" : "stopped");
         ASSERT_TRUE(host.SetRunning(kKey, running).ok());
         double state = -1;
-        ASSERT_TRUE(ReadRaw(*host.FieldLink(kKey), zorhost::link::kRunRegister, DataType::UInt16,
-                            state, 300)
-                        .ok());
+        ASSERT_TRUE(
+            ReadRaw(*host.FieldLink(kKey), kRunRegister, DataType::UInt16, state, 300).ok());
         EXPECT_EQ(state, running ? 1 : 0);
         EXPECT_EQ(helper.WriteParameter(kKey, Address("H02-00"), 2), running ? 0 : 1);
     }
     sim->Kill();
     EXPECT_FALSE(host.SetRunning(kKey, true).ok()) << "no success over a dead link";
+}
+
+// Two drives on one line, each under its own unit id, over a pseudo-terminal pair.
+TEST(ModbusRtu, ReadsAndWritesAParameterOverAPseudoTerminal) {
+    SimProcess sim({"--rtu", "pty", "zd3s_servo.json", "zv5_inverter.json"});
+    ASSERT_FALSE(sim.Path().empty()) << sim.FirstLine();
+    auto inverter = LoadShippedDevice("zv5_inverter.json");
+    ASSERT_NE(inverter, nullptr);
+    LinkSettings s;
+    s.kind = LinkKind::ModbusRtu;
+    s.device = sim.Path();
+    s.unit = 2;
+    s.timeout_ms = 300;
+    ModbusLink line(inverter, s);
+    ASSERT_TRUE(line.WaitOnline(3000));
+
+    const ParameterDef& p = inverter->parameters[inverter->FindByCode("H00-08")];
+    double raw = -1;
+    ASSERT_TRUE(ReadRaw(line, p.address, p.dataType, raw, 300).ok());
+    EXPECT_EQ(raw, p.factoryValue);
+    ASSERT_TRUE(WriteRaw(line, p.address, p.dataType, p.maxValue, 300).ok());
+    ASSERT_TRUE(ReadRaw(line, p.address, p.dataType, raw, 300).ok());
+    EXPECT_EQ(raw, p.maxValue);
+    const zorhost::sim::LinkResult refused =
+        WriteRaw(line, p.address, p.dataType, p.maxValue + 1, 300);
+    EXPECT_EQ(refused.refusal, zorhost::sim::Refusal::OutOfRange);
+    EXPECT_EQ(refused.high, p.maxValue);
+    EXPECT_GT(line.Traffic().requests, 0u);
+}
+
+// A Modbus client none of our code wrote reads what the device description says.
+TEST(Interop, MbpollReadsTheFactoryValueFromTheSimulator) {
+    if (::access("/usr/bin/mbpoll", X_OK) != 0)
+        GTEST_SKIP() << "mbpoll is not installed (scripts/setup.sh installs it)";
+    SimProcess sim({"--tcp", "127.0.0.1:0", "zd3s_servo.json"});
+    ASSERT_GT(sim.Port(), 0) << sim.FirstLine();
+    auto servo = LoadShippedDevice("zd3s_servo.json");
+    ASSERT_NE(servo, nullptr);
+    const auto& p = servo->parameters[servo->FindByCode("H02-09")];
+    // mbpoll counts references from 1.
+    const std::string reference = std::to_string(p.address + 1);
+    const std::string out =
+        RunCapture({"/usr/bin/mbpoll", "-m", "tcp", "-p", std::to_string(sim.Port()), "-a", "1",
+                    "-r", reference, "-c", "1", "-t", "4", "-1", "-o", "1", "127.0.0.1"},
+                   10000);
+    const std::string expected = "[" + reference + "]: \t" + std::to_string(int(p.factoryValue));
+    EXPECT_NE(out.find(expected), std::string::npos) << out;
+}
+
+namespace {
+
+struct PlanCase {
+    const char* name;
+    std::vector<RegisterRange> ranges;
+    int limit;
+    std::vector<std::pair<std::uint32_t, int>> blocks; // address, registers
+};
+
+} // namespace
+
+TEST(BlockPlan, NeighboursShareARequestUpToTheLimit) {
+    const PlanCase cases[] = {
+        {"one run", {{10, 1}, {11, 2}, {13, 1}}, 125, {{10, 4}}},
+        {"a gap splits", {{10, 1}, {12, 1}}, 125, {{10, 1}, {12, 1}}},
+        {"an overlap splits", {{10, 2}, {11, 1}}, 125, {{10, 2}, {11, 1}}},
+        {"limit reached", {{0, 2}, {2, 2}, {4, 2}}, 4, {{0, 4}, {4, 2}}},
+        {"a 32-bit value is never cut", {{0, 1}, {1, 2}}, 2, {{0, 1}, {1, 2}}},
+        {"limit one: one request each", {{0, 1}, {1, 1}}, 1, {{0, 1}, {1, 1}}},
+        {"nothing", {}, 125, {}},
+    };
+    for (const PlanCase& c : cases) {
+        const auto blocks = PlanBlocks(c.ranges, c.limit);
+        std::vector<std::pair<std::uint32_t, int>> got;
+        std::size_t covered = 0;
+        for (const auto& b : blocks) {
+            got.emplace_back(b.address, b.count);
+            EXPECT_EQ(b.first, covered) << c.name;
+            covered = b.last;
+        }
+        EXPECT_EQ(covered, c.ranges.size()) << c.name;
+        EXPECT_EQ(got, c.blocks) << c.name;
+    }
+}
+
+// A product that sends the high word first has the words of each multi-register value
+// turned on the wire, and only those.
+TEST(RegisterMap, HighWordFirstTurnsOnlyMultiRegisterValues) {
+    auto loaded = LoadShippedDevice("zd3s_servo.json");
+    ASSERT_NE(loaded, nullptr);
+    auto device = std::make_shared<zorhost::device::DeviceDescription>(*loaded);
+    // H05-22 (u16), H05-23 (u32, two registers), H05-25 (u16).
+    const std::uint32_t a = device->parameters[device->FindByCode("H05-22")].address;
+    std::uint16_t words[4] = {1, 2, 3, 4};
+    SwapToWireOrder(*device, a, words);
+    EXPECT_EQ(std::vector<std::uint16_t>(words, words + 4),
+              (std::vector<std::uint16_t>{1, 2, 3, 4}));
+    device->product.wordOrder = zorhost::device::WordOrder::HighFirst;
+    SwapToWireOrder(*device, a, words);
+    EXPECT_EQ(std::vector<std::uint16_t>(words, words + 4),
+              (std::vector<std::uint16_t>{1, 3, 2, 4}));
+    // A value cut by the block's end is left alone rather than half turned.
+    std::uint16_t cut[2] = {1, 2};
+    SwapToWireOrder(*device, a, cut);
+    EXPECT_EQ(cut[1], 2);
 }
