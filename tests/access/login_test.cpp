@@ -31,12 +31,6 @@ INT_PTR RunLogin(CLoginDialog& dlg, const std::function<void(CDialog&)>& act) {
     return result;
 }
 
-void Click(CDialog& dlg, int id) {
-    auto* button = static_cast<CButton*>(dlg.GetDlgItem(id));
-    ASSERT_NE(button, nullptr);
-    button->Click();
-}
-
 class LoginDialogTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -52,6 +46,8 @@ protected:
 
 } // namespace
 
+// Keys type digits only; a text set as a whole (the word, pasted) is taken as it is, and
+// Enter is OK.
 TEST_F(LoginDialogTest, OkHandsBackTypedTextAndApplyToAll) {
     CLoginDialog dlg;
     const INT_PTR result = RunLogin(dlg, [](CDialog& d) {
@@ -62,18 +58,6 @@ TEST_F(LoginDialogTest, OkHandsBackTypedTextAndApplyToAll) {
         ASSERT_NE(check, nullptr);
         EXPECT_FALSE(check->IsWindowVisible()); // the user never sees it
         EXPECT_EQ(d.IsDlgButtonChecked(IDC_LOGIN_APPLY_ALL), 1u);
-        AfxTestTypeText(d.GetDlgItem(IDC_LOGIN_PASSWORD), "BenchAdmin");
-        ShootIfAsked(&d, "login_dialog.png");
-        Click(d, IDOK);
-    });
-    EXPECT_EQ(result, IDOK);
-    EXPECT_EQ(dlg.GetPassword(), "BenchAdmin");
-    EXPECT_EQ(dlg.m_nApplyToAll, 1);
-}
-
-TEST_F(LoginDialogTest, KeyboardTypesDigitsOnly) {
-    CLoginDialog dlg;
-    RunLogin(dlg, [](CDialog& d) {
         CWnd* edit = d.GetDlgItem(IDC_LOGIN_PASSWORD);
         ASSERT_NE(edit, nullptr);
         edit->SetFocus();
@@ -82,9 +66,14 @@ TEST_F(LoginDialogTest, KeyboardTypesDigitsOnly) {
                                                  {'4', L'4'}};
         for (auto [vk, ch] : keys)
             AfxTestPressKey(edit, vk, ch);
-        AfxTestPressKey(edit, VK_RETURN, L'\r'); // Enter is OK
+        EXPECT_EQ(edit->GetWindowTextString(), "124");
+        AfxTestTypeText(edit, "BenchAdmin");
+        ShootIfAsked(&d, "login_dialog.png");
+        AfxTestPressKey(edit, VK_RETURN, L'\r');
     });
-    EXPECT_EQ(dlg.GetPassword(), "124");
+    EXPECT_EQ(result, IDOK);
+    EXPECT_EQ(dlg.GetPassword(), "BenchAdmin");
+    EXPECT_EQ(dlg.m_nApplyToAll, 1);
 }
 
 // The dialog listens for language changes for its whole life and retranslates through
@@ -103,7 +92,7 @@ TEST_F(LoginDialogTest, FollowsLanguageWithOwnTranslator) {
             CMessageLanguageChanged sink(&theApp);
             sink.OnLanguageChanged();
             EXPECT_EQ(ui.lastTranslator->retranslations, before + 1);
-            Click(d, IDCANCEL);
+            static_cast<CButton*>(d.GetDlgItem(IDCANCEL))->Click();
         });
         // Cancelled: what was typed is not used.
         EXPECT_EQ(cancelled, IDCANCEL);
@@ -118,7 +107,7 @@ TEST_F(LoginDialogTest, FollowsLanguageWithOwnTranslator) {
     CLoginDialog plain;
     const INT_PTR result = RunLogin(plain, [](CDialog& d) {
         AfxTestTypeText(d.GetDlgItem(IDC_LOGIN_PASSWORD), "7");
-        Click(d, IDOK);
+        static_cast<CButton*>(d.GetDlgItem(IDOK))->Click();
     });
     EXPECT_EQ(result, IDOK);
     EXPECT_EQ(plain.GetPassword(), "7");

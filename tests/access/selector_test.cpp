@@ -8,7 +8,56 @@
 #include <climits>
 #include <fstream>
 
+void AccessTest::Open(std::vector<TestModule> modules) {
+    zorhost::ProjectSetup setup;
+    for (const TestModule& m : modules) {
+        zorhost::ModuleSetup station;
+        station.deviceFile = m.file;
+        station.key = m.key;
+        station.online = m.online;
+        setup.modules.push_back(station);
+    }
+    std::string error;
+    ASSERT_TRUE(host.LoadProject(setup, &error)) << error;
+    frame.module = nullptr;
+    frame.workspace.clear();
+    for (const TestModule& m : modules) {
+        auto* module = host.Module(m.key);
+        ASSERT_NE(module, nullptr) << m.key;
+        module->SetAccessLevel(m.level);
+        if (frame.module == nullptr)
+            frame.module = module;
+        frame.workspace.push_back(module);
+    }
+}
+
+void AccessTest::ReadAuthority() {
+    IVarObjEx* var = host.DeviceHelper().FindNamedVar(frame.module, "Authority");
+    ASSERT_NE(var, nullptr);
+    IHostRefreshQuery* query = host.Refresh().NewQuery();
+    query->SetModuleKey(Key());
+    IHostRefreshItem* item = query->NewItem();
+    item->SetAddress(var->GetInstanceAddress());
+    item->SetDataType(var->GetAttr()->GetDataType());
+    item->SetLength(var->GetAttr()->GetValueLength());
+    if (!query->AddItem(item))
+        delete item;
+    host.Refresh().SubmitQuery(query);
+    delete query;
+    host.Refresh().RunCycle();
+}
+
+void AccessTest::DriveReports(int level) {
+    const auto* named = host.Module(Key())->Store().Device().FindNamedVariable("Authority");
+    ASSERT_NE(named, nullptr);
+    ASSERT_TRUE(host.Drive(Key())->PokeRaw(named->address, level));
+    ReadAuthority();
+}
+
 namespace {
+
+[[maybe_unused]] ::testing::Environment* const g_moduleStart =
+    ::testing::AddGlobalTestEnvironment(new ModuleStartedForTheRun);
 
 using Strings = std::vector<std::string>;
 
@@ -243,35 +292,6 @@ TEST_F(AccessTest, ModelTwoLogOut) {
 }
 
 // ---------------------------------------------------------------- following the drive
-// A login the drive accepts raises the tool to what the drive grants, through the poll.
-TEST_F(AccessTest, PollRaisesLevelAfterAcceptedPassword) {
-    Open({{kServo, "servo", true, 1}});
-    auto* servo = Module("servo");
-    Fill();
-    ReadAuthority();
-    selector.PollAuthority();
-    ASSERT_EQ(servo->GetDeviceAuthority(), 1);
-    LoginAnswers answers;
-    answers.Ok(kCode.GetString());
-    Choose(2); // the code passes here too: expert at once; the drive grants factory
-    EXPECT_EQ(helper.NamedWriteLog(), Strings{"InputPassword=" + kCode.str()});
-    EXPECT_EQ(frame.calls, Strings{"apply 2"});
-    EXPECT_EQ(servo->GetAccessLevel(), 2);
-    EXPECT_EQ(selector.m_relockPending, 1);
-    frame.calls.clear();
-    ReadAuthority();
-    selector.PollAuthority();
-    EXPECT_EQ(servo->GetDeviceAuthority(), 3);
-    EXPECT_EQ(frame.calls, Strings{"apply 3"});
-    EXPECT_EQ(servo->GetAccessLevel(), 3);
-    EXPECT_EQ(Selected(), 3);
-    EXPECT_EQ(selector.m_relockPending, 0);
-    // Taken over once; the next poll finds nothing new.
-    ReadAuthority();
-    selector.PollAuthority();
-    EXPECT_EQ(frame.calls.size(), 1u);
-}
-
 TEST_F(AccessTest, PollFallAlwaysReachesToolRiseOnlyAfterPassword) {
     Open({{kServo, "servo", true, 2}});
     auto* servo = Module("servo");
@@ -372,37 +392,54 @@ TEST_F(AccessTest, ModelTwoWithoutAuthorityKeepsLevel) {
     EXPECT_EQ(selector.m_relockPending, 1);
 }
 
-// A refused and a cancelled login end as the model says (entry 0; the chosen entry), and
-// the next poll brings box and level to what the drive grants.
-TEST_F(AccessTest, RefusedAndCancelledLoginsAgreeWithTheDriveAfterOnePoll) {
-    for (bool cancel : {false, true}) {
-        SCOPED_TRACE(cancel ? "cancel" : "refused");
-        Open({{kServo, "servo", true, 0}});
+// A login ends as the model says, and the next poll brings box and level to what the drive
+// grants, once: an accepted code gives expert at once (it passes here too) and the drive
+// grants factory; a refused code goes to the drive and leaves entry 0; a cancel sends
+// nothing and keeps the chosen entry.
+TEST_F(AccessTest, LoginsAgreeWithTheDriveAfterOnePoll) {
+    struct Case {
+        const char* password; // null: cancelled
+        int levelBefore, selected, level, relock;
+        size_t boxes;
+        Strings writes, applied;
+        int granted;
+    } const cases[] = {
+        {kCode.GetString(), 1, 2, 2, 1, 0, {"InputPassword=" + kCode.str()}, {"apply 2"}, 3},
+        {"1111", 0, 0, 0, 1, 1, {"InputPassword=1111"}, {}, 1},
+        {nullptr, 0, 2, 0, 0, 0, {}, {}, 1},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.password != nullptr ? c.password : "cancelled");
+        Open({{kServo, "servo", true, c.levelBefore}});
         DriveReports(1);
         Fill();
         selector.PollAuthority(); // a rise waits for the user
-        ASSERT_EQ(Selected(), 0);
-        ASSERT_EQ(Module("servo")->GetAccessLevel(), 0);
+        ASSERT_EQ(Selected(), c.levelBefore);
         LoginAnswers answers;
-        if (cancel)
-            answers.Cancel();
+        if (c.password != nullptr)
+            answers.Ok(c.password);
         else
-            answers.Ok("1111");
+            answers.Cancel();
+        const size_t boxes = prompts.Count(AfxPrompt::MessageBox);
         Choose(2);
-        EXPECT_EQ(Selected(), cancel ? 2 : 0);
-        EXPECT_EQ(selector.m_authorityIndex, cancel ? 2 : 0);
-        EXPECT_EQ(Module("servo")->GetAccessLevel(), 0);
-        // A refused code went to the drive and waits for its answer; a cancel sends nothing.
-        EXPECT_EQ(helper.NamedWriteLog(), cancel ? Strings{} : Strings{"InputPassword=1111"});
-        EXPECT_EQ(selector.m_relockPending, cancel ? 0 : 1);
-        EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u); // the refusal's, once
-        EXPECT_TRUE(frame.calls.empty());
-        ReadAuthority();
-        selector.PollAuthority();
-        EXPECT_EQ(Drive("servo")->Authority(), 1);
-        EXPECT_EQ(frame.calls, Strings{"apply 1"});
-        EXPECT_EQ(Selected(), 1);
-        EXPECT_EQ(Module("servo")->GetAccessLevel(), 1);
+        EXPECT_EQ(Selected(), c.selected);
+        EXPECT_EQ(selector.m_authorityIndex, c.selected);
+        EXPECT_EQ(Module("servo")->GetAccessLevel(), c.level);
+        EXPECT_EQ(helper.NamedWriteLog(), c.writes);
+        EXPECT_EQ(selector.m_relockPending, c.relock);
+        EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), boxes + c.boxes);
+        EXPECT_EQ(frame.calls, c.applied);
+        Strings applied = c.applied;
+        applied.push_back("apply " + std::to_string(c.granted));
+        for (int poll = 0; poll < 2; ++poll) {
+            ReadAuthority();
+            selector.PollAuthority();
+        }
+        EXPECT_EQ(Drive("servo")->Authority(), c.granted);
+        EXPECT_EQ(Module("servo")->GetDeviceAuthority(), c.granted);
+        EXPECT_EQ(frame.calls, applied);
+        EXPECT_EQ(Selected(), c.granted);
+        EXPECT_EQ(Module("servo")->GetAccessLevel(), c.granted);
         EXPECT_EQ(selector.m_relockPending, 0);
         frame.calls.clear();
         helper.namedWrites.clear();

@@ -1,12 +1,23 @@
-// The main window in-process, with the real plug-in loaded from beside the test program.
+// The main window in-process, with the real plug-in loaded from beside the test program;
+// and its monitor view: the watched parameters of the host's lists, once each in the order
+// they came, with live values and a trend of the numeric ones.
+#include "MonitorDock.h"
+#include "TestFiles.h"
 #include "WindowSettings.h"
 #include "bench_window.h"
+
+#include "module/host/IHostDeviceModule.h"
+#include "module/host/IVarObjEx.h"
+#include "module/host/IVarStore.h"
+
+#include <zorhost/services/HostAccessService.h>
 
 #include <QFile>
 #include <QMenu>
 #include <QMenuBar>
 #include <QSettings>
 #include <QSplitter>
+#include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTreeWidget>
 
@@ -64,18 +75,13 @@ TEST_F(Window, OneTabPerModuleOpenedAgainOnlyComesToTheFront) {
     EXPECT_EQ(tabs->count(), 2);
 }
 
-TEST_F(Window, ListStyleAndConnectionGoToTheHost) {
+// The window's SetOnline is walked by the offline notice of the fit tests.
+TEST_F(Window, ListStyleGoesToTheHost) {
     ASSERT_TRUE(Open("ZD3S"));
     window.SetListStyle(zorhost::project::ListStyle::Staging);
     EXPECT_EQ(host.Project()->Workspace().GetListStyle(), 1);
     window.SetListStyle(zorhost::project::ListStyle::Live);
     EXPECT_EQ(host.Project()->Workspace().GetListStyle(), 0);
-
-    window.SetOnline("ZV5", false);
-    EXPECT_FALSE(host.Module("ZV5")->IsOnline());
-    EXPECT_FALSE(host.Drive("ZV5")->IsConnected());
-    window.SetOnline("ZV5", true);
-    EXPECT_TRUE(host.Module("ZV5")->IsOnline());
 }
 
 TEST_F(Window, TheDrivesAreReadWhenTheProjectOpens) {
@@ -151,12 +157,8 @@ TEST_F(Window, ActivatingAModuleInTheProjectTreeOpensItsPanel) {
 TEST_F(Window, TheSettingsBringBackSizeSplitterLanguageAndProject) {
     QTemporaryDir dir;
     const QString project = dir.filePath(QStringLiteral("line.json"));
-    {
-        QFile f(project);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(R"({"format": "zordrivebench-project", "version": 1,
-                    "modules": [{"key": "S1", "deviceFile": "zd3s_servo.json"}]})");
-    }
+    Spit(project.toStdString(), R"({"format": "zordrivebench-project", "version": 1,
+        "modules": [{"key": "S1", "deviceFile": "zd3s_servo.json"}]})");
     QString error;
     ASSERT_TRUE(window.OpenProject(project, &error)) << error.toStdString();
     window.resize(1100, 700);
@@ -182,4 +184,34 @@ TEST_F(Window, TheSettingsBringBackSizeSplitterLanguageAndProject) {
     // A project file that is gone since is not offered again.
     QFile::remove(project);
     EXPECT_EQ(zordrivebench::LastProject(settings), QString());
+}
+
+TEST(MonitorDockTest, ListsWatchedOnceAndTrendsTheRunningDrive) {
+    zorhost::ReferenceHost host;
+    std::string error;
+    ASSERT_TRUE(host.LoadDemo(&error)) << error;
+    IVarStore* store = host.Module("ZD3S")->GetVarList();
+    auto address = [&](const char* code) { return store->FindByCode(code)->GetInstanceAddress(); };
+    zordrivebench::MonitorDock dock(host);
+    host.Access().AddWatchVars("ZD3S", {address("H0B-00"), address("H0B-03")});
+    host.Access().AddWatchVars("ZD3S", {address("H0B-03"), address("H0B-01")});
+    host.Drive("ZD3S")->SetRunning(true);
+    for (int i = 0; i < 12; ++i) {
+        dock.Sample();
+        host.Tick(250);
+    }
+    dock.Sample();
+    ASSERT_EQ(dock.RowCount(), 3);
+    auto* table = dock.findChild<QTableWidget*>();
+    ASSERT_NE(table, nullptr);
+    EXPECT_EQ(table->item(0, 1)->text(), "H0B-00");
+    EXPECT_EQ(table->item(1, 1)->text(), "H0B-03");
+    EXPECT_EQ(table->item(2, 1)->text(), "H0B-01");
+    EXPECT_NE(table->item(0, 3)->text(), "---");
+    // The speed moves while the drive runs; the bit monitor is shown but not plotted.
+    const std::vector<double> speed = dock.TrendOf(0);
+    ASSERT_GE(speed.size(), 10u);
+    EXPECT_NE(*std::min_element(speed.begin(), speed.end()),
+              *std::max_element(speed.begin(), speed.end()));
+    EXPECT_TRUE(dock.TrendOf(1).empty());
 }

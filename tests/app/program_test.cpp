@@ -1,4 +1,9 @@
-// The built program run as a script runs it: its output, its messages and exit codes.
+// The built program run as a script runs it: its output, its messages and exit codes; and
+// its check of a module library before the system loader maps it (one cut short must be
+// refused with a reason, not crash the loader).
+#include "../link/SimProcess.h"
+#include "ModuleFileCheck.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -8,6 +13,8 @@
 #include <QtEndian>
 
 #include <gtest/gtest.h>
+
+using zordrivebench::CheckModuleFile;
 
 namespace {
 
@@ -84,41 +91,15 @@ TEST(ProgramList, PrintsKeyTabDisplayNameForEveryModule) {
               QStringLiteral("FEED\t") + lines[2].section(QLatin1Char('\t'), 1));
 }
 
-// A project whose device file is nowhere: the place in the project, and every folder that
-// was searched.
-TEST(ProgramList, AMissingDeviceFileIsNamedWithThePlace) {
+// Each refusal has its own exit code and reason; an old file at the target is left as it
+// was, and nothing else is left in the folder. A project whose device file is nowhere names
+// the place in the project and every folder that was searched.
+TEST(ProgramExport, RefusalsSayWhyAndWriteNothing) {
     QTemporaryDir dir;
+    const QString project = TwoDriveProject(dir);
     const QString missingDevice = WriteFile(dir, "nodevice.json", R"({
         "format": "zordrivebench-project", "version": 1,
         "modules": [{"key": "A", "deviceFile": "no_such_drive.json"}]})");
-    const Outcome r = Program({"--project", missingDevice, "--list"});
-    EXPECT_EQ(r.code, 3);
-    EXPECT_TRUE(r.out.isEmpty());
-    EXPECT_TRUE(r.err.contains(missingDevice + QStringLiteral(": modules[0].deviceFile: "
-                                                              "\"no_such_drive.json\"")))
-        << r.err.toStdString();
-    EXPECT_TRUE(r.err.contains(dir.path() + QStringLiteral(", "))) << r.err.toStdString();
-    EXPECT_TRUE(r.err.contains(QStringLiteral("/devices"))) << r.err.toStdString();
-}
-
-TEST(ProgramArguments, MistakesAreRefusedWithTheUsage) {
-    for (const QStringList& args :
-         {QStringList{"--frobnicate"}, QStringList{"--export", "ZD3S"}, QStringList{"--project"},
-          QStringList{"--list", "--export", "ZD3S", "x.csv"},
-          QStringList{"--list", "--screenshot", "x.png"},
-          QStringList{"--project", "a.json", "--project", "b.json", "--list"},
-          QStringList{"--access-code", "2468", "--list"}}) {
-        const Outcome r = Program(args);
-        EXPECT_EQ(r.code, 2) << args.join(' ').toStdString();
-        EXPECT_TRUE(r.err.contains(QStringLiteral("usage:"))) << r.err.toStdString();
-    }
-}
-
-// Each refusal has its own exit code and reason; an old file at the target is left as it
-// was, and nothing else is left in the folder.
-TEST(ProgramExport, RefusedExportsSayWhyAndWriteNothing) {
-    QTemporaryDir dir;
-    const QString project = TwoDriveProject(dir);
     const QString target = WriteFile(dir, "out.csv", "old table\n");
     const QString text = QDir(dir.path()).filePath(QStringLiteral("out.txt"));
     // The module makes one missing folder level, not two.
@@ -130,6 +111,15 @@ TEST(ProgramExport, RefusedExportsSayWhyAndWriteNothing) {
         QStringList said;
     };
     const Case cases[] = {
+        // Mistakes in the arguments are refused with the usage.
+        {{"--frobnicate"}, 2, {"usage:"}},
+        {{"--export", "ZD3S"}, 2, {"usage:"}},
+        {{"--project"}, 2, {"usage:"}},
+        {{"--list", "--export", "ZD3S", "x.csv"}, 2, {"usage:"}},
+        {{"--list", "--screenshot", "x.png"}, 2, {"usage:"}},
+        {{"--project", "a.json", "--project", "b.json", "--list"}, 2, {"usage:"}},
+        {{"--access-code", "2468", "--list"}, 2, {"usage:"}},
+        {{"--screenshot", "/proc/no-such-folder/shot.png"}, 1, {"/proc/no-such-folder"}},
         {{"--project", project, "--export", "ZD3S", target}, 4, {"\"ZD3S\"", "SPINDLE, FEED"}},
         // Keys are compared exactly, as the module compares them.
         {{"--project", project, "--export", "spindle", target}, 4, {}},
@@ -138,6 +128,10 @@ TEST(ProgramExport, RefusedExportsSayWhyAndWriteNothing) {
         {{"--access-code", "1357", "--export", "ZD3S", target}, 10, {}},
         {{"--export", "ZD3S", deep}, 7, {deep}},
         {{"--export", "ZD4M", deepParam}, 7, {deepParam}},
+        {{"--project", missingDevice, "--list"},
+         3,
+         {missingDevice + ": modules[0].deviceFile: \"no_such_drive.json\"", dir.path() + ", ",
+          "/devices"}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.args.join(' ').toStdString());
@@ -149,28 +143,26 @@ TEST(ProgramExport, RefusedExportsSayWhyAndWriteNothing) {
     }
     EXPECT_EQ(ReadFile(target), QByteArray("old table\n"));
     EXPECT_EQ(QDir(dir.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-              (QStringList{"out.csv", "two.json"}));
+              (QStringList{"nodevice.json", "out.csv", "two.json"}));
 }
 
 // A drive on the wire that answers but refuses some reads: not an offline drive, and the
 // message names each refused parameter.
 TEST(ProgramExport, RefusedReadsAreNamedUnderTheirOwnExitCode) {
-    QProcess sim;
-    sim.start(QStringLiteral(PARMIRA_BINARY_DIR "/bin/zordrive-sim"),
-              {"--tcp", "127.0.0.1:0", "--refuse", "521,12814", "zd3s_servo.json"});
-    ASSERT_TRUE(sim.waitForReadyRead(20000)) << "zordrive-sim did not start";
-    const QString port = QString::fromUtf8(sim.readLine()).trimmed().section(QLatin1Char(':'), -1);
+    // Started by fork, as the link tests start it: a start through QProcess blinds the
+    // thread sanitizer to this thread's locks.
+    linktest::SimProcess sim({"--tcp", "127.0.0.1:0", "--refuse", "521,12814", "zd3s_servo.json"});
+    ASSERT_TRUE(sim.Started()) << "zordrive-sim did not start";
+    const QByteArray port = QByteArray::number(sim.Port());
     QTemporaryDir dir;
     const QString project = WriteFile(dir, "tcp.json",
                                       R"({"format": "zordrivebench-project", "version": 1,
         "modules": [{"key": "S", "deviceFile": "zd3s_servo.json",
                      "link": {"type": "modbus-tcp", "host": "127.0.0.1", "port": )" +
-                                          port.toUtf8() + "}}]}");
+                                          port + "}}]}");
     const QString target = QDir(dir.path()).filePath(QStringLiteral("s.csv"));
     const Outcome r =
         Program({"--project", project, "--access-code", "2468", "--export", "S", target});
-    sim.kill();
-    sim.waitForFinished();
     EXPECT_EQ(r.code, 11) << r.err.toStdString();
     for (const char* named : {"0x0209 (521) H02-09", "0x320E (12814) H32-14"})
         EXPECT_TRUE(r.err.contains(QLatin1String(named))) << r.err.toStdString();
@@ -241,9 +233,27 @@ TEST(ProgramWindow, TheScreenshotIsTakenWithTheFirstModulesPanelUp) {
     ASSERT_EQ(r.code, 0) << r.err.toStdString();
     EXPECT_TRUE(r.out.contains(png));
     EXPECT_TRUE(ReadFile(png).startsWith("\x89PNG"));
+}
 
-    const Outcome unwritable = Program({"--screenshot", "/proc/no-such-folder/shot.png"});
-    EXPECT_EQ(unwritable.code, 1) << unwritable.err.toStdString();
-    EXPECT_TRUE(unwritable.err.contains(QStringLiteral("/proc/no-such-folder")))
-        << unwritable.err.toStdString();
+TEST(ModuleFile, AWholeLibraryPassesAndEveryCutCopyIsRefused) {
+    QFile whole(QStringLiteral(PARMIRA_BINARY_DIR "/bin/QXParmira.so"));
+    ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
+    const QByteArray bytes = whole.readAll();
+    QString why;
+    ASSERT_TRUE(CheckModuleFile(whole.fileName(), &why)) << why.toStdString();
+
+    QTemporaryDir dir;
+    // Inside the header, inside the program headers, inside the segments, and one byte
+    // short of the section table at the end.
+    for (const qsizetype size : {qsizetype(0), qsizetype(40), qsizetype(1000), qsizetype(100000),
+                                 bytes.size() / 2, bytes.size() - 1}) {
+        const QString cut = WriteFile(dir, "QXParmira.so", bytes.left(size));
+        why.clear();
+        EXPECT_FALSE(CheckModuleFile(cut, &why)) << size;
+        EXPECT_FALSE(why.isEmpty()) << size;
+    }
+    EXPECT_FALSE(CheckModuleFile(dir.path(), &why)) << "a folder";
+    EXPECT_FALSE(CheckModuleFile(dir.filePath(QStringLiteral("none.so")), &why));
+    EXPECT_FALSE(
+        CheckModuleFile(QStringLiteral(PARMIRA_BINARY_DIR "/devices/zd3s_servo.json"), &why));
 }

@@ -58,37 +58,20 @@ protected:
 
 } // namespace
 
-TEST_F(TabManager, TabsOpenAtTheFrontAndAreActivatedAndRenamedOneByOne) {
+// Captions, contexts, activation and renaming of the plug-in's own tabs are also walked by
+// the module shell's tests, which run on this manager.
+TEST_F(TabManager, NewTabsComeToTheFrontAndUnknownParentsAreIgnored) {
     Panel a(&destroyed), b(&destroyed);
-    HWND first = Open("驱动器 1 参数列表", 11, a);
-    QWidget* page = tabs.PageOf(first);
-    ASSERT_NE(page, nullptr);
-    EXPECT_EQ(AfxWidgetFromHandle(first), page);
-    EXPECT_EQ(Caption(0), QStringLiteral("驱动器 1 参数列表"));
+    HWND first = Open("One", 11, a);
     CRect r;
     a.GetClientRect(&r);
-    EXPECT_EQ(r.Width(), page->width());
-    EXPECT_EQ(r.Height(), page->height());
-    EXPECT_GT(r.Height(), 100);
-
+    EXPECT_GT(r.Height(), 100); // the page had the tab area's size before the panel was built
     HWND second = Open("Two", 22, b);
-    EXPECT_NE(second, first);
-    EXPECT_EQ(tabs.TabCount(), 2);
     EXPECT_EQ(tabs.CurrentParent(), second);
-    EXPECT_EQ(tabs.ContextOf(first), 11u);
-    EXPECT_EQ(tabs.ContextOf(second), 22u);
-    EXPECT_EQ(tabs.ParentAt(0), first);
 
-    // Activating and renaming act on their tab only and ignore unknown parents.
     std::vector<uintptr_t> activated;
     tabs.SetActivationHandler([&](uintptr_t c) { activated.push_back(c); });
-
     tabs.ActivateTab(first);
-    EXPECT_EQ(tabs.CurrentParent(), first);
-    tabs.RenameTab(second, "参数列表");
-    EXPECT_EQ(Caption(0), QStringLiteral("驱动器 1 参数列表"));
-    EXPECT_EQ(Caption(1), QStringLiteral("参数列表"));
-
     HWND stranger = reinterpret_cast<HWND>(uintptr_t(0x1234));
     tabs.ActivateTab(stranger);
     tabs.RenameTab(stranger, "x");
@@ -96,6 +79,8 @@ TEST_F(TabManager, TabsOpenAtTheFrontAndAreActivatedAndRenamedOneByOne) {
     tabs.CloseTab(nullptr);
     EXPECT_EQ(tabs.CurrentParent(), first);
     EXPECT_EQ(tabs.TabCount(), 2);
+    EXPECT_EQ(Caption(0), QStringLiteral("One"));
+    EXPECT_EQ(Caption(1), QStringLiteral("Two"));
     widget.setCurrentIndex(1);
     EXPECT_EQ(activated, (std::vector<uintptr_t>{11, 22}));
 }
@@ -104,7 +89,7 @@ TEST_F(TabManager, ClosingDestroysThePanelOnceWhicheverWayTheTabCloses) {
     Panel a(&destroyed), b(&destroyed), c(&destroyed);
     HWND first = Open("One", 1, a);
     HWND second = Open("Two", 2, b);
-    Open("Three", 3, c);
+    HWND third = Open("Three", 3, c);
 
     tabs.CloseTab(first);
     EXPECT_EQ(destroyed, 1);
@@ -121,17 +106,13 @@ TEST_F(TabManager, ClosingDestroysThePanelOnceWhicheverWayTheTabCloses) {
     EXPECT_EQ(b.GetSafeHwnd(), nullptr);
     EXPECT_EQ(widget.count(), 1);
     EXPECT_EQ(Caption(0), QStringLiteral("Three"));
-}
 
-TEST_F(TabManager, APanelThatClosesItsOwnTabWhileDyingIsDestroyedOnce) {
-    Panel a(&destroyed), b(&destroyed);
-    HWND first = Open("One", 1, a);
-    Open("Two", 2, b);
-    a.onDestroy = [&] { tabs.CloseTab(first); };
-    tabs.CloseTab(first);
-    EXPECT_EQ(destroyed, 1);
-    EXPECT_EQ(tabs.TabCount(), 1);
-    EXPECT_EQ(widget.count(), 1);
+    // A panel that closes its own tab while dying.
+    c.onDestroy = [&] { tabs.CloseTab(third); };
+    tabs.CloseTab(third);
+    EXPECT_EQ(destroyed, 3);
+    EXPECT_EQ(tabs.TabCount(), 0);
+    EXPECT_EQ(widget.count(), 0);
 }
 
 TEST(TabManagerLifetime, TheManagerClosesItsTabsAndLeavesOthersAlone) {
@@ -155,12 +136,11 @@ TEST(TabManagerLifetime, TheManagerClosesItsTabsAndLeavesOthersAlone) {
     EXPECT_EQ(destroyed, 1);
     EXPECT_EQ(widget.count(), 1);
     EXPECT_EQ(widget.widget(0), own);
-}
 
-TEST(TabManagerLifetime, WithoutATabWidgetNoTabIsMade) {
-    CHostTabManager tabs(nullptr);
+    // Without a tab widget no tab is made, and no parent handed out.
+    CHostTabManager none(nullptr);
     HWND parent = reinterpret_cast<HWND>(uintptr_t(1));
     RECT rect{};
-    EXPECT_FALSE(tabs.CreateTab(parent, rect, 0, "x", ""));
+    EXPECT_FALSE(none.CreateTab(parent, rect, 0, "x", ""));
     EXPECT_EQ(parent, nullptr);
 }

@@ -13,7 +13,6 @@
 #include <QDebug>
 #include <QDir>
 #include <QFile>
-#include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
@@ -21,11 +20,9 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMouseEvent>
-#include <QPlainTextEdit>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QTableView>
-#include <QTextEdit>
 #include <QTreeWidget>
 
 #include <gtest/gtest.h>
@@ -78,19 +75,11 @@ private:
         if (w->isWindow())
             Add(w->windowTitle());
         Add(w->accessibleName());
-        if (auto* label = qobject_cast<QLabel*>(w))
-            Add(label->text());
-        else if (auto* button = qobject_cast<QAbstractButton*>(w))
-            Add(button->text());
-        else if (auto* box = qobject_cast<QGroupBox*>(w))
-            Add(box->title());
-        else if (auto* edit = qobject_cast<QLineEdit*>(w))
-            Add(edit->text());
-        else if (auto* plain = qobject_cast<QPlainTextEdit*>(w))
-            Add(plain->toPlainText());
-        else if (auto* rich = qobject_cast<QTextEdit*>(w))
-            Add(rich->toPlainText());
-        else if (auto* combo = qobject_cast<QComboBox*>(w)) {
+        // Labels, buttons, edits and box titles, by the property that holds their text.
+        for (const char* property : {"text", "title", "plainText"})
+            if (const QVariant text = w->property(property); text.typeId() == QMetaType::QString)
+                Add(text.toString());
+        if (auto* combo = qobject_cast<QComboBox*>(w)) {
             for (int i = 0; i < combo->count(); ++i)
                 Add(combo->itemText(i));
         } else if (auto* tabs = qobject_cast<QTabBar*>(w)) {

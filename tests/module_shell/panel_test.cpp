@@ -14,8 +14,6 @@ protected:
         host.AddModule("K0", "Servo", "Sub", 1, 0);
         host.AddModule("K3", "Inverter", "Sub", 2, 3);
     }
-    FakeTab& Tab(size_t i) { return *host.tabs.tabs.at(i); }
-    bool HasPanel(size_t i) { return host.tabs.PanelOf(Tab(i).handle) != nullptr; }
 };
 
 TEST_F(PanelTest, CaptionNamesTheDeviceByProductKind) {
@@ -26,13 +24,12 @@ TEST_F(PanelTest, CaptionNamesTheDeviceByProductKind) {
     p->ShowPanel(7, "K0");
     q->ShowPanel(8, "K3");
     r->ShowPanel(9, "nobody"); // no module: the caption starts empty
-    ASSERT_EQ(host.tabs.tabs.size(), 3u);
-    EXPECT_EQ(Tab(0).caption, "Servo(Sub_1)参数列表");
-    EXPECT_EQ(Tab(1).caption, "Inverter(2)参数列表");
-    EXPECT_EQ(Tab(2).caption, "参数列表");
-    EXPECT_EQ(host.tabs.contexts, (std::vector<uintptr_t>{7, 8, 9}));
-    for (const CString& extra : host.tabs.extras)
-        EXPECT_TRUE(extra.IsEmpty());
+    ASSERT_EQ(host.tabs.TabCount(), 3);
+    EXPECT_EQ(host.Caption(0), "Servo(Sub_1)参数列表");
+    EXPECT_EQ(host.Caption(1), "Inverter(2)参数列表");
+    EXPECT_EQ(host.Caption(2), "参数列表");
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(host.tabs.ContextOf(host.Tab(i)), uintptr_t(7 + i));
     // Kinds 5 and 7 carry the sub name too; a module without product info has no name.
     host.modules[1]->product.kind = 7;
     host.modules[0]->hasProduct = false;
@@ -40,33 +37,35 @@ TEST_F(PanelTest, CaptionNamesTheDeviceByProductKind) {
     IQXParmira* t = Create();
     s->ShowPanel(0, "K3");
     t->ShowPanel(0, "K0");
-    EXPECT_EQ(Tab(3).caption, "Inverter(Sub_2)参数列表");
-    EXPECT_EQ(Tab(4).caption, "参数列表");
+    EXPECT_EQ(host.Caption(3), "Inverter(Sub_2)参数列表");
+    EXPECT_EQ(host.Caption(4), "参数列表");
 }
 
-// No window from the host means no panel, and the next show is no activation; once made,
-// a second show only activates the tab, whatever the key.
+// No window from the host means no panel, and the next show makes one; once made, a
+// second show only brings its tab to the front, whatever the key.
 TEST_F(PanelTest, PanelFillsTheTabRectangleSubscribesAndIsMadeOnce) {
     IQXParmira* p = Create();
-    host.tabs.failCreate = true;
+    zorhost::CHostTabManager noTabs(nullptr);
+    host.services.Register<IHostTabManager>(&noTabs);
     p->ShowPanel(0, "K0");
     EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 0);
-    host.tabs.failCreate = false;
-    host.tabs.rect = RECT{3, 4, 503, 304};
+    host.services.Register<IHostTabManager>(&host.tabs);
     p->ShowPanel(0, "K0");
-    EXPECT_TRUE(host.tabs.activated.empty());
-    ASSERT_EQ(host.tabs.tabs.size(), 2u);
-    QWidget* panel = host.tabs.PanelOf(Tab(1).handle);
+    ASSERT_EQ(host.tabs.TabCount(), 1);
+    QWidget* panel = host.PanelOf(host.Tab(0));
     ASSERT_NE(panel, nullptr);
-    EXPECT_EQ(panel->geometry(), QRect(3, 4, 500, 300));
+    EXPECT_EQ(panel->geometry(), host.tabs.PageOf(host.Tab(0))->rect());
     // The panel, its frame and its pages each keep a translator of their own.
     EXPECT_GE(host.ui.translatorsMade, 1);
     EXPECT_EQ(host.ui.retranslations, host.ui.translatorsMade);
-    p->ShowPanel(0, "K3");
-    p->ShowPanel(0, "nobody");
-    ASSERT_EQ(host.tabs.tabs.size(), 2u);
-    EXPECT_EQ(host.tabs.activated, (std::vector<HWND>{Tab(1).handle, Tab(1).handle}));
-    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 1);
+    Create()->ShowPanel(0, "K3");
+    for (const char* key : {"K3", "nobody"}) {
+        host.widget.setCurrentIndex(1);
+        p->ShowPanel(0, key);
+        EXPECT_EQ(host.tabs.CurrentParent(), host.Tab(0)) << key;
+    }
+    EXPECT_EQ(host.tabs.TabCount(), 2);
+    EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 2);
 }
 
 // Each way of closing hands the panel back, leaves the other panel alone, and the next
@@ -79,35 +78,34 @@ TEST_F(PanelTest, EachWayOfClosingHandsThePanelBack) {
         IQXParmira* other = Create();
         p->ShowPanel(0, "K0");
         other->ShowPanel(0, "K3");
-        ASSERT_TRUE(HasPanel(0));
+        const HWND mine = host.Tab(0), others = host.Tab(1);
+        ASSERT_NE(host.PanelOf(mine), nullptr);
         if (way == HostsTab) {
-            host.tabs.CloseTab(Tab(0).handle);
+            host.tabs.CloseTab(mine);
             p->SelectListPage(1);
             p->SetModuleAccessLevel("K0", 3);
         } else if (way == ModuleRemoved) {
             host.bus.RaiseModuleRemoved("k0"); // keys compare case-sensitively
             host.bus.RaiseModuleRemoved("other");
-            EXPECT_TRUE(HasPanel(0));
+            EXPECT_NE(host.PanelOf(mine), nullptr);
             host.bus.RaiseModuleRemoved("K0");
-            EXPECT_FALSE(Tab(0).open);
+            EXPECT_EQ(host.tabs.PageOf(mine), nullptr);
         } else {
             EXPECT_NE(Destroy(p), 0);
-            EXPECT_TRUE(Tab(0).open); // the tab is the host's to close
+            EXPECT_NE(host.tabs.PageOf(mine), nullptr); // the tab is the host's to close
             p = Create();
         }
-        EXPECT_FALSE(HasPanel(0));
-        EXPECT_TRUE(HasPanel(1));
+        EXPECT_EQ(host.PanelOf(mine), nullptr);
+        EXPECT_NE(host.PanelOf(others), nullptr);
         EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 1);
+        const int open = host.tabs.TabCount();
         p->ShowPanel(0, "K0");
-        EXPECT_TRUE(host.tabs.activated.empty());
-        ASSERT_EQ(host.tabs.tabs.size(), 3u);
-        EXPECT_TRUE(HasPanel(2));
+        ASSERT_EQ(host.tabs.TabCount(), open + 1);
+        EXPECT_NE(host.PanelOf(host.tabs.CurrentParent()), nullptr);
         EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 2);
         Destroy(p);
         Destroy(other);
-        for (auto& tab : host.tabs.tabs)
-            host.tabs.CloseTab(tab->handle);
-        host.tabs.tabs.clear();
+        host.tabs.CloseAll();
     }
 }
 
@@ -118,17 +116,17 @@ TEST_F(PanelTest, RenameAndLanguageChangeResetTheCaptions) {
     p->ShowPanel(0, "K0");
     q->ShowPanel(0, "K3");
     host.bus.RaiseModuleRenamed("K0", "Axis one");
-    EXPECT_EQ(Tab(0).caption, "[Axis one]参数列表");
-    EXPECT_EQ(Tab(1).caption, "Inverter(2)参数列表");
+    EXPECT_EQ(host.Caption(0), "[Axis one]参数列表");
+    EXPECT_EQ(host.Caption(1), "Inverter(2)参数列表");
     host.bus.RaiseModuleRenamed("K0", "");
-    EXPECT_EQ(Tab(0).caption, "参数列表");
+    EXPECT_EQ(host.Caption(0), "参数列表");
     host.bus.RaiseModuleRenamed("K0", "Servo(Sub_1)");
     const int retranslated = host.ui.retranslations;
     host.bus.RaiseLanguageChanged();
     // Posted, not done at once.
-    EXPECT_EQ(Tab(0).caption, "[Servo(Sub_1)]参数列表");
+    EXPECT_EQ(host.Caption(0), "[Servo(Sub_1)]参数列表");
     EXPECT_TRUE(AfxPumpMessagesUntil(
-        [&] { return Tab(0).caption == "参数列表" && Tab(1).caption == "参数列表"; }, 5000));
+        [&] { return host.Caption(0) == "参数列表" && host.Caption(1) == "参数列表"; }, 5000));
     // Each panel retranslates at least its own window; frame and pages follow their own
     // language events.
     EXPECT_TRUE(
@@ -136,14 +134,14 @@ TEST_F(PanelTest, RenameAndLanguageChangeResetTheCaptions) {
     EXPECT_EQ(host.ui.windowRetranslations, 2);
     // Active-view notifications reach the panels and change nothing.
     host.bus.RaiseActiveView(1);
-    EXPECT_EQ(Tab(0).caption, "参数列表");
+    EXPECT_EQ(host.Caption(0), "参数列表");
 }
 
 TEST_F(PanelTest, LanguageChangeAfterThePanelClosedDoesNothing) {
     IQXParmira* p = Create();
     p->ShowPanel(0, "K0");
     host.bus.RaiseLanguageChanged();
-    host.tabs.CloseTab(Tab(0).handle); // the posted message finds no window
+    host.tabs.CloseTab(host.Tab(0)); // the posted message finds no window
     const int retranslated = host.ui.retranslations;
     AfxPumpPendingMessages();
     EXPECT_EQ(host.ui.retranslations, retranslated);
@@ -160,12 +158,12 @@ TEST_F(PanelTest, EveryOperationEndsQuietlyWithAnyServiceWithheld) {
     for (const GUID& missing : services) {
         TestHost h;
         h.AddModule("K0", "Servo", "Sub", 1, 0);
-        h.Withhold(missing);
+        h.services.Withhold(missing);
         h.Attach();
         IQXParmira* p = Create();
         ASSERT_NE(p, nullptr);
         p->ShowPanel(0, "K0");
-        const CString caption = h.tabs.tabs.empty() ? CString() : h.tabs.tabs[0]->caption;
+        const CString caption = h.tabs.TabCount() > 0 ? h.Caption(0) : CString();
         p->ShowPanel(0, "K0");
         p->OpenRecipeDialog("K0");
         p->ExportParameters("/tmp/parmira-shell-none.csv", "K0");
@@ -177,20 +175,15 @@ TEST_F(PanelTest, EveryOperationEndsQuietlyWithAnyServiceWithheld) {
         h.bus.RaiseLanguageChanged();
         h.bus.RaiseActiveView(1);
         AfxPumpPendingMessages();
+        EXPECT_EQ(h.tabs.TabCount(), missing == IID_IHostTabManager ? 0 : 1);
+        if (missing == IID_IHostUiService) {
+            EXPECT_EQ(caption, "Servo(Sub_1)");
+        }
+        if (missing == IID_IHostProjectRoot) {
+            EXPECT_EQ(caption, "参数列表");
+        }
         h.bus.RaiseModuleRenamed("K0", "N");
         h.bus.RaiseModuleRemoved("K0");
-
-        if (missing == IID_IHostTabManager) {
-            EXPECT_TRUE(h.tabs.tabs.empty());
-        } else {
-            ASSERT_EQ(h.tabs.tabs.size(), 1u);
-            if (missing == IID_IHostUiService) {
-                EXPECT_EQ(caption, "Servo(Sub_1)");
-            }
-            if (missing == IID_IHostProjectRoot) {
-                EXPECT_EQ(caption, "参数列表");
-            }
-        }
         if (missing == IID_IHostMessageBus) {
             for (const GUID& event :
                  {IID_IMessage_LanguageChanged, IID_IMessage_MDIActive, IID_IMessage_ModuleEvent})
@@ -198,7 +191,7 @@ TEST_F(PanelTest, EveryOperationEndsQuietlyWithAnyServiceWithheld) {
         }
         // Without the project the panel doesn't know its module, so removal can't close it.
         if (missing == IID_IHostProjectRoot) {
-            EXPECT_TRUE(h.tabs.PanelOf(h.tabs.tabs[0]->handle) != nullptr);
+            EXPECT_NE(h.PanelOf(h.Tab(0)), nullptr);
         }
         EXPECT_NE(Destroy(p), 0);
         EXPECT_EQ(h.bus.ListenerCount(IID_IMessage_ModuleEvent), 0);

@@ -1,11 +1,59 @@
-// The exports and the registry: what the host can ask before any panel exists.
+// The exports and the registry: what the host can ask before any panel exists. The module
+// is loaded once for the whole program, as the host does, and unloaded at the end, checking
+// that unloading gives back everything the module holds at the host.
 #include "test_host.h"
+
+#include <afx/afxwin.h>
 
 #include <cstdio>
 #include <set>
 #include <string>
 
 namespace {
+
+class ModuleEnvironment : public ::testing::Environment {
+public:
+    void SetUp() override {
+        ModuleExports& m = Module();
+        m.handle = AfxLoadLibrary(PARMIRA_MODULE_PATH);
+        ASSERT_NE(m.handle, nullptr) << AfxGetLoadError().GetString();
+        m.setCallback = reinterpret_cast<PFN_SetQueryInterfaceCallback>(
+            GetProcAddress(m.handle, kExportSetQueryInterfaceCallback));
+        m.supported = reinterpret_cast<PFN_SupportedInterface>(
+            GetProcAddress(m.handle, kExportSupportedInterface));
+        m.create =
+            reinterpret_cast<PFN_CreateInterFace>(GetProcAddress(m.handle, kExportCreateInterFace));
+        m.release = reinterpret_cast<PFN_SafeRelease>(GetProcAddress(m.handle, kExportSafeRelease));
+        ASSERT_TRUE(m.setCallback && m.supported && m.create && m.release);
+    }
+
+    // Unloading with a panel still open: the sinks leave the bus, the panel closes.
+    void TearDown() override {
+        ModuleExports& m = Module();
+        if (m.handle == nullptr)
+            return;
+        TestHost host;
+        host.AddModule("M1", "Drive", "S", 1, 3);
+        host.Attach();
+        EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_LanguageChanged), 1);
+        EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_MDIActive), 1);
+        auto* panel = static_cast<IQXParmira*>(m.create(&IID_IQXParmira));
+        ASSERT_NE(panel, nullptr);
+        panel->ShowPanel(0, "M1");
+        ASSERT_EQ(host.tabs.TabCount(), 1);
+        const HWND tab = host.Tab(0);
+        EXPECT_NE(host.PanelOf(tab), nullptr);
+        EXPECT_TRUE(AfxFreeLibrary(m.handle));
+        m = ModuleExports{};
+        EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_LanguageChanged), 0);
+        EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_MDIActive), 0);
+        EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 0);
+        EXPECT_EQ(host.PanelOf(tab), nullptr);
+    }
+};
+
+[[maybe_unused]] ::testing::Environment* const g_module =
+    ::testing::AddGlobalTestEnvironment(new ModuleEnvironment);
 
 TEST_F(ShellTest, OnlyTheExactPanelInterfaceIsOfferedAndMade) {
     EXPECT_EQ(Module().supported(&IID_IQXParmira), 1);
@@ -69,10 +117,9 @@ TEST_F(ShellTest, NullCallbackCutsTheHostOffButKeepsTheSinksAndARealOneAddsThemA
     host.AddModule("A", "DriveA", "X", 1, 3);
     EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_LanguageChanged), 1);
     EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_MDIActive), 1);
-    Module().setCallback(reinterpret_cast<uintptr_t>(&host), nullptr);
+    Module().setCallback(host.services.Context(), nullptr);
     EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_LanguageChanged), 1);
     EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_MDIActive), 1);
-    const size_t asked = host.asked.size();
 
     IQXParmira* p = Create(); // the registry doesn't need the host
     ASSERT_NE(p, nullptr);
@@ -81,12 +128,11 @@ TEST_F(ShellTest, NullCallbackCutsTheHostOffButKeepsTheSinksAndARealOneAddsThemA
     p->ExportParameters("/tmp/none.csv", "A");
     host.bus.RaiseLanguageChanged();
     host.bus.RaiseActiveView(5);
-    EXPECT_TRUE(host.tabs.tabs.empty());
-    EXPECT_EQ(host.asked.size(), asked); // nobody asked the host anything
+    EXPECT_EQ(host.tabs.TabCount(), 0); // nobody asked the host for a tab
     EXPECT_NE(Destroy(p), 0);
 
     // A second real callback subscribes the sinks again.
-    Module().setCallback(reinterpret_cast<uintptr_t>(&host), &TestHost::Query);
+    host.Attach();
     EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_LanguageChanged), 2);
     EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_MDIActive), 2);
 }

@@ -48,10 +48,6 @@ TEST_F(ReferenceTest, ExportOfADemoDriveWritesOneRowPerCollectedParameter) {
     const std::string path = dir / "new/ZD3S.csv"; // one missing level is made
     impl.ExportParameters(CString(path), "ZD3S");
     const std::vector<std::string> lines = ReadLines(path);
-    // Nothing was left beside it.
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir / "new"),
-                            std::filesystem::directory_iterator()),
-              1);
     // The head's layout is the table test's golden file; here the drive's own line.
     ASSERT_GT(lines.size(), 7u);
     EXPECT_EQ(lines[4].substr(lines[4].find(',')),
