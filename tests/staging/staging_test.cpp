@@ -259,6 +259,7 @@ TEST_F(StagingTest, FrameFlowButtonsAreLiveAndAttributeUpdateRefusesUnsupportedD
     Page2().SendMessage(WM_COMMAND, MAKEWPARAM(IDC_PAGE_UPDATE_ATTRIBUTES, BN_CLICKED), 0);
     ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), boxes + 1);
     EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "当前设备不支持读写属性");
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->Icon(), UINT(MB_ICONWARNING));
 }
 
 TEST_F(StagingTest, FrameOpenAndDownloadWritesTheChosenFile) {
