@@ -41,8 +41,6 @@ TEST_F(Page1Test, StartUpOfTheSingleAxisServo) {
     EXPECT_EQ(List().GetColumnText(9), "显示方式");
     EXPECT_EQ(List().GetColumnWidth(0), 0);
     EXPECT_EQ(List().GetColumnWidth(12), 110);
-    EXPECT_TRUE(List().IsEditableColumn(3));
-    EXPECT_TRUE(List().IsEditableColumn(9));
     EXPECT_FALSE(List().IsEditableColumn(4));
     // Cells of a known row.
     const int row = RowOf("H00-00");
