@@ -106,11 +106,6 @@ TEST_F(SkinDialogTest, MenuButtonTellsTheEntryTaken) {
     EXPECT_EQ(panel.menuResults[1], 0u);
     ASSERT_EQ(r.Count(AfxPrompt::PopupMenu), 2u);
     EXPECT_EQ(r.prompts[0].menuItems.GetSize(), 2);
-    CZorSkinPPopupMenu popup;
-    popup.CreatePopupMenu();
-    popup.AppendMenu(MF_STRING, 77, "新建自定义组");
-    r.ChooseMenuCommand(77);
-    EXPECT_EQ(popup.Track(&panel, CPoint(5, 5)), 77u);
 }
 
 TEST_F(SkinDialogTest, TextGaugeDrawsItsTextInTheMiddle) {
