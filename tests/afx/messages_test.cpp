@@ -107,26 +107,19 @@ public:
     KeyDialog() : CDialog(9100) {}
     int oks = 0;
     int cancels = 0;
-    std::vector<std::pair<UINT, UINT>> commands;
     void OnOK() override { ++oks; }
     void OnCancel() override { ++cancels; }
-
-protected:
-    BOOL OnCommand(WPARAM wParam, LPARAM lParam) override {
-        commands.emplace_back(LOWORD(wParam), HIWORD(wParam));
-        return CDialog::OnCommand(wParam, lParam);
-    }
 };
 
-// A pre-translation that takes a key is left to the cell editors' suite, which relies on it.
-TEST(MessagesTest, EnterAndEscapeEndTheDialogAndAClickReachesItsParent) {
+// A pre-translation that takes a key is left to the cell editors' suite, which relies on it;
+// a button's click reaching its dialog, to the dialogs the pages and custom groups drive.
+TEST(MessagesTest, EnterAndEscapeEndTheDialog) {
     AfxRegisterDialog(AfxGetInstanceHandle(),
                       {9100,
                        "keys",
                        200,
                        100,
                        {{9101, DlgCtl::Edit, "", 10, 10, 100, 22},
-                        {9102, DlgCtl::Button, "Apply", 10, 40, 80, 24},
                         {IDOK, DlgCtl::Button, "OK", 100, 40, 80, 24, BS_DEFPUSHBUTTON}}});
     KeyDialog dlg;
     ASSERT_TRUE(dlg.Create(9100));
@@ -136,9 +129,6 @@ TEST(MessagesTest, EnterAndEscapeEndTheDialogAndAClickReachesItsParent) {
     EXPECT_EQ(dlg.oks, 1);
     AfxTestPressKey(edit, VK_ESCAPE);
     EXPECT_EQ(dlg.cancels, 1);
-    static_cast<CButton*>(dlg.GetDlgItem(9102))->Click();
-    ASSERT_FALSE(dlg.commands.empty());
-    EXPECT_EQ(dlg.commands.back(), std::make_pair(9102u, BN_CLICKED));
 }
 
 TEST(ThreadsTest, PumpingWaitKeepsMessagesFlowing) {

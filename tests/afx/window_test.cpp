@@ -198,24 +198,13 @@ TEST(WindowTest, PlainWindowsHearMovesAndSetTheCursor) {
 
 enum : UINT { IDD_PANEL = 9210, IDC_HOLE, IDD_CHILD, IDC_CHILD_EDIT };
 
-// Made on the heap; deletes itself once its window is gone, as embedded pages do.
 class ChildDialog : public CDialog {
 public:
-    ChildDialog(int* destroyed, bool* deleted)
-        : CDialog(IDD_CHILD), m_destroyed(destroyed), m_deleted(deleted) {}
+    ChildDialog() : CDialog(IDD_CHILD) {}
     std::vector<CSize> sizes;
 
 protected:
     void OnSize(UINT, int cx, int cy) override { sizes.emplace_back(cx, cy); }
-    void OnDestroy() override { ++*m_destroyed; }
-    void PostNcDestroy() override {
-        *m_deleted = true;
-        delete this;
-    }
-
-private:
-    int* m_destroyed;
-    bool* m_deleted;
 };
 
 TEST(WindowTest, AChildDialogLivesInsideItsPlaceholder) {
@@ -232,26 +221,23 @@ TEST(WindowTest, AChildDialogLivesInsideItsPlaceholder) {
     ASSERT_TRUE(panel.Create(IDD_PANEL));
     CWnd* hole = panel.GetDlgItem(IDC_HOLE);
     ASSERT_NE(hole, nullptr);
-    int destroyed = 0;
-    bool deleted = false;
-    auto* child = new ChildDialog(&destroyed, &deleted);
-    ASSERT_TRUE(child->Create(IDD_CHILD, hole));
-    EXPECT_EQ(child->GetParent(), hole);
+    ChildDialog child;
+    ASSERT_TRUE(child.Create(IDD_CHILD, hole));
+    EXPECT_EQ(child.GetParent(), hole);
     CRect r;
     hole->GetClientRect(&r);
     EXPECT_EQ(r, CRect(0, 0, 300, 200));
-    child->MoveWindow(&r);
+    child.MoveWindow(&r);
     CRect c;
-    child->GetClientRect(&c);
+    child.GetClientRect(&c);
     EXPECT_EQ(c, r);
     ASSERT_TRUE(AfxPumpMessagesUntil(
-        [&] { return !child->sizes.empty() && child->sizes.back() == CSize(300, 200); }, 2000));
-    EXPECT_TRUE(child->GetDlgItem(IDC_CHILD_EDIT) != nullptr);
+        [&] { return !child.sizes.empty() && child.sizes.back() == CSize(300, 200); }, 2000));
+    EXPECT_TRUE(child.GetDlgItem(IDC_CHILD_EDIT) != nullptr);
     EXPECT_EQ(panel.GetDlgItem(IDC_CHILD_EDIT), nullptr); // items are direct children only
-    // Destroying the panel destroys the child first-hand: OnDestroy, then its own delete.
+    // What the child hears when the panel goes is the destruction order's test.
     EXPECT_TRUE(panel.DestroyWindow());
-    EXPECT_EQ(destroyed, 1);
-    EXPECT_TRUE(deleted);
+    EXPECT_EQ(child.GetSafeHwnd(), nullptr);
 }
 
 enum : UINT { IDD_CONTROLS = 9600, IDC_LEVEL, IDC_SEARCH, IDC_NOTE, IDC_PASSWORD };

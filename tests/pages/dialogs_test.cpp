@@ -107,22 +107,6 @@ TEST_F(DialogTest, BitsShowTheValueAndJoinOnlyListedBitsAndReadOnlyBitsOfferNoth
     });
 }
 
-TEST_F(DialogTest, RangesJoinAtTheirFirstBitAndNameASingleBitAlone) {
-    // Parity 1 (bits 0-1), two stop bits (bit 2), low word first (bit 4).
-    const auto act = [](CWriteVarDialog& d) {
-        ASSERT_EQ(d.GetGrid()->GetRowCount(), 3);
-        EXPECT_EQ(d.GetGrid()->GetCellText(0, 0), "bit0-bit1");
-        EXPECT_EQ(d.GetGrid()->GetCellText(1, 0), "bit2");
-        EXPECT_EQ(Field(d, 0).Left(2), "1[");
-        EXPECT_EQ(Field(d, 1).Left(2), "1[");
-        EXPECT_EQ(Field(d, 2).Left(2), "1[");
-        Choose(d, 0, "2");
-        EXPECT_EQ(Figure(d), "0x0016");
-        ClickOk(d);
-    };
-    EXPECT_EQ(RunWriteDialog("H0C-02", 0x15, act), 0x16);
-}
-
 TEST_F(DialogTest, DigitsJoinWithDigitZeroRightmostInDecimal) {
     const auto act = [](CWriteVarDialog& d) {
         ASSERT_EQ(d.GetGrid()->GetRowCount(), 4);

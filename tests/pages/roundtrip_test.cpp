@@ -92,7 +92,8 @@ std::string DeviceJson(const std::vector<Case>& cases) {
             {"code": "H12-03", "name": "模式字", "type": "u16", "display": 1, "values": {"bitRanges": [
                 {"text": "低", "first": 0, "width": 4, "options": [{"value": 1, "text": "一"}]},
                 {"text": "高", "first": 4, "width": 4, "options": [{"value": 0, "text": "零"},
-                    {"value": 10, "text": "十"}, {"value": 12, "text": "十二"}]}]}}],
+                    {"value": 10, "text": "十"}, {"value": 12, "text": "十二"}]},
+                {"text": "单", "first": 8, "width": 1, "options": [{"value": 1, "text": "开"}]}]}}],
         "groups": [{"name": "H00", "members": "*"}, {"name": "H01", "members": "*"},
                    {"name": "H12", "members": "*"}],
         "connectors": [{"kind": "K", "name": "K信号", "group": "H12", "base": 1200}]})";
@@ -322,26 +323,33 @@ TEST_F(RoundTripTest, EveryTypeFormatEditorAndPlacesOnBothLists) {
     }
 }
 
-// Range options are figures in decimal; one of 10 or more lands at its own bits.
-TEST_F(RoundTripTest, RangeOptionsOfTenAndMoreJoinAtTheirBits) {
+// A range is named by its first and last bit, a single bit alone; each shows the value of
+// its bits, and an option, a figure in decimal even of 10 or more, lands at its own bits.
+TEST_F(RoundTripTest, RangesJoinAtTheirBitsAndOptionsAreDecimal) {
     OpenList(0);
     const int row = RowOf("H12-03", page);
     ASSERT_GE(row, 0);
-    drive->PokeRaw(Address("H12-03"), 0x01);
+    drive->PokeRaw(Address("H12-03"), 0x101);
     ReadCycleAll();
     CAfxModalDriver driver([&](CDialog& d) {
-        CZorSkinPGridItem* item = static_cast<CWriteVarDialog&>(d).GetGrid()->GetCellItem(1, 2);
+        CZorSkinPGridCtrl* grid = static_cast<CWriteVarDialog&>(d).GetGrid();
+        ASSERT_EQ(grid->GetRowCount(), 3);
+        EXPECT_EQ(grid->GetCellText(1, 0), "bit4-bit7");
+        EXPECT_EQ(grid->GetCellText(2, 0), "bit8");
+        EXPECT_EQ(grid->GetCellItem(0, 2)->GetValue(), "1[一]");
+        EXPECT_EQ(grid->GetCellItem(2, 2)->GetValue(), "1[开]");
+        CZorSkinPGridItem* item = grid->GetCellItem(1, 2);
         for (int i = 0; i < item->GetOptionCount(); ++i)
             if (item->GetOption(i).Find("10[") == 0)
                 item->ChooseOption(i);
-        EXPECT_EQ(d.GetDlgItem(int(IDC_WRITE_VALUE))->GetWindowTextString(), "0x00A1");
+        EXPECT_EQ(d.GetDlgItem(int(IDC_WRITE_VALUE))->GetWindowTextString(), "0x01A1");
         ClickOk(d);
     });
     ClickValue(row);
     ASSERT_TRUE(L().IsButtonShown());
     L().GetItemButton().Click();
     EXPECT_EQ(driver.runs, 1);
-    EXPECT_EQ(DriveValue("H12-03"), 0xA1);
+    EXPECT_EQ(DriveValue("H12-03"), 0x1A1);
 }
 
 } // namespace

@@ -53,13 +53,11 @@ protected:
     TempDir temp;
 };
 
-TEST_F(StagingTest, TypedValueWaitsForTheWriteOfCheckedRowsInListOrder) {
-    const double before = DriveValue("H06-03");
+TEST_F(StagingTest, SetValuesWaitForTheWriteOfCheckedRowsInListOrder) {
+    // That a typed value is staged and checked, not written, is the round trip's.
     const int row = RowOf("H06-03", &Page2());
     ASSERT_GE(row, 0);
-    Page2().OnCellEditCommitted(row, Page2().GetValueColumn(), "3");
-    EXPECT_EQ(DriveValue("H06-03"), before);
-    EXPECT_TRUE(Var("H06-03")->IsChecked());
+    Stage("H06-03", 3, TRUE);
     EXPECT_TRUE(Page2().GetPageList().GetCheck(row)); // the box shows the host's mark
 
     Stage("H06-02", 100, TRUE);
@@ -259,6 +257,7 @@ TEST_F(StagingTest, FrameFlowButtonsAreLiveAndAttributeUpdateRefusesUnsupportedD
     Page2().SendMessage(WM_COMMAND, MAKEWPARAM(IDC_PAGE_UPDATE_ATTRIBUTES, BN_CLICKED), 0);
     ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), boxes + 1);
     EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, "当前设备不支持读写属性");
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->Icon(), UINT(MB_ICONWARNING));
 }
 
 TEST_F(StagingTest, FrameOpenAndDownloadWritesTheChosenFile) {
