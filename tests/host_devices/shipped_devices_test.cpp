@@ -200,21 +200,6 @@ TEST(FourAxisDevice, AxesRepeatTheBlockAtTheirBases) {
     EXPECT_EQ(d->FindByCode("H02-41"), kNoIndex); // not a drive-wide parameter
 }
 
-TEST(InverterDevice, CategoriesSortSomeGroupsAndLeaveOthersAtTheTop) {
-    auto d = LoadShippedDevice("zv5_inverter.json");
-    ASSERT_TRUE(d);
-    ASSERT_FALSE(d->groupSet.categories.empty());
-    std::set<std::uint32_t> inCategory;
-    for (const CategoryDef& c : d->groupSet.categories) {
-        EXPECT_FALSE(c.groups.empty());
-        inCategory.insert(c.groups.begin(), c.groups.end());
-    }
-    std::set<std::uint32_t> roots(d->groupSet.roots.begin(), d->groupSet.roots.end());
-    for (std::uint32_t g : inCategory)
-        EXPECT_TRUE(roots.count(g));
-    EXPECT_LT(inCategory.size(), roots.size()); // some groups stand outside any category
-}
-
 const std::string kConfigDir = std::string(PARMIRA_BINARY_DIR) + "/Config/";
 
 using Devices = std::vector<std::shared_ptr<const DeviceDescription>>;
