@@ -174,11 +174,6 @@ TEST(ModbusRtu, ReadsAndWritesAParameterOverAPseudoTerminal) {
     ASSERT_TRUE(WriteRaw(line, p.address, p.dataType, p.maxValue, 300).ok());
     ASSERT_TRUE(ReadRaw(line, p.address, p.dataType, raw, 300).ok());
     EXPECT_EQ(raw, p.maxValue);
-    const zorhost::sim::LinkResult refused =
-        WriteRaw(line, p.address, p.dataType, p.maxValue + 1, 300);
-    EXPECT_EQ(refused.refusal, zorhost::sim::Refusal::OutOfRange);
-    EXPECT_EQ(refused.high, p.maxValue);
-    EXPECT_GT(line.Traffic().requests, 0u);
 }
 
 // A Modbus client none of our code wrote reads what the device description says.
