@@ -176,6 +176,12 @@ TEST(HostModel, InverterGroupSetWithCategories) {
         EXPECT_GT(group->GetMemberCount(), 0);
     }
     EXPECT_TRUE(TextOf(set->GetCategoryAt(4), &IGroupCategory::GetDescription).IsEmpty());
+    int categorised = 0;
+    for (int c = 0; c < set->GetCategoryCount(); ++c) {
+        EXPECT_GT(set->GetCategoryAt(c)->GetChildCount(), 0) << c;
+        categorised += set->GetCategoryAt(c)->GetChildCount();
+    }
+    EXPECT_LT(categorised, set->GetCount()) << "some groups stand outside any category";
 
     // The store's fixed root has the same structure; every member resolves.
     IGroupSet* root = module.GetVarList()->GetGroupRoot(0);

@@ -3,11 +3,11 @@
 #include "zorhost/services/HostVarUtil.h"
 
 #include "TempDir.h"
+#include "TestFiles.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <fstream>
 #include <limits>
 #include <string>
 #include <sys/stat.h>
@@ -20,7 +20,7 @@ namespace {
 class HostVarUtil : public ::testing::Test {
 protected:
     std::string Write(const char* name, const std::string& content) {
-        std::ofstream(m_dir / name, std::ios::binary) << content;
+        Spit(m_dir / name, content);
         return m_dir / name;
     }
     CHostVarUtil u;

@@ -2,22 +2,28 @@
 // writes as a user reads it, and the backup and restore jobs: the dialog's worker against
 // the simulated drive, the recipe file through the host's file object, and what the user
 // is shown.
-#include "recipe_fixture.h"
-
 #include "../link/LinkFixture.h"
 
+#include "ModuleScope.h"
+#include "TempDir.h"
 #include "TextOf.h"
+#include "module/Implementation.h"
 #include "module/ParmiraApp.h"
 #include "module/host/IHostDeviceModule.h"
 #include "module/host/IParamFile.h"
 #include "module/host/IParamFileTable.h"
 #include "module/host/IVarAttr.h"
+#include "module/host/IVarObjEx.h"
+#include "module/host/IVarStore.h"
 #include "sets/OneKeyParseRecipeDialog.h"
 #include "sets/TranslateFailedDialog.h"
+#include "zorhost/ReferenceHost.h"
 
+#include <afx/afxtest.h>
 #include <afx/afxwin.h>
 
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <set>
 
@@ -27,6 +33,72 @@ using zorhost::device::ParameterDef;
 using zorhost::sim::FailureMode;
 
 namespace {
+
+[[maybe_unused]] ::testing::Environment* const g_moduleStart =
+    ::testing::AddGlobalTestEnvironment(new ModuleStartedForTheRun);
+
+// A project of the shipped single-axis servo, its simulated drive, and every host service.
+class RecipeTest : public ::testing::Test {
+protected:
+    static constexpr const char* kKey = "ZD3S";
+
+    void SetUp() override {
+        zorhost::ProjectSetup setup;
+        zorhost::ModuleSetup& station = setup.modules.emplace_back();
+        station.deviceFile = "zd3s_servo.json";
+        station.key = kKey;
+        std::string error;
+        ASSERT_TRUE(host.LoadProject(setup, &error)) << error;
+        ModuleScope::Attach(host.Services());
+    }
+    void TearDown() override { ModuleScope::Detach(); }
+
+    zorhost::model::CDeviceModule* Module() { return host.Module(kKey); }
+    zorhost::sim::SimulatedDrive& Drive() { return *host.Drive(kKey); }
+    IVarObjEx* Var(const char* code) {
+        IVarObjEx* var = Module()->GetVarList()->FindByCode(code);
+        EXPECT_NE(var, nullptr) << code;
+        return var;
+    }
+    UINT Address(const char* code) {
+        IVarObjEx* var = Var(code);
+        return var != nullptr ? var->GetInstanceAddress() : 0;
+    }
+    // Opens the recipe dialog the way the host does and lets `act` work inside it; the
+    // dialog is closed afterwards unless `act` closed it. Failure lists opened on the way
+    // are read into `failed` (codes, in order) and closed.
+    void RunRecipeDialog(const std::function<void(COneKeyParseRecipeDialog&)>& act,
+                         std::vector<std::vector<std::string>>* failed = nullptr) {
+        int runs = 0;
+        CAfxModalDriver driver([&](CDialog& d) {
+            if (auto* list = dynamic_cast<CTranslateFailedDialog*>(&d)) {
+                ShootIfAsked(&d, "recipe_failed_list.png");
+                if (failed != nullptr) {
+                    failed->emplace_back();
+                    for (int r = 0; r < list->m_list.GetItemCount(); ++r)
+                        failed->back().push_back(list->GetCellText(r, 1).str());
+                }
+                d.EndDialog(IDOK);
+                return;
+            }
+            auto* recipe = dynamic_cast<COneKeyParseRecipeDialog*>(&d);
+            if (recipe == nullptr || runs++ > 0) {
+                d.EndDialog(IDCANCEL);
+                return;
+            }
+            act(*recipe);
+            if (recipe->GetSafeHwnd() != nullptr)
+                recipe->EndDialog(IDCANCEL);
+        });
+        CImplementation view(nullptr);
+        view.OpenRecipeDialog(kKey);
+        EXPECT_EQ(runs, 1);
+    }
+
+    zorhost::ReferenceHost host;
+    TempDir temp; // the test's own folder
+    CAfxRecordingResponder prompts;
+};
 
 constexpr UINT kFactoryCodeAddress = 0x229;
 
