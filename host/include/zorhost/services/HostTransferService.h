@@ -9,7 +9,6 @@
 #include "module/host/IHostTransferService.h"
 
 #include <functional>
-#include <mutex>
 #include <vector>
 
 namespace zorhost {
