@@ -10,13 +10,13 @@
 #include "zorhost/ReferenceHost.h"
 #include "zorhost/sim/SimulatedDrive.h"
 
-#include "FakeRefreshService.h"
 #include "ModuleScope.h"
 
 #include <afx/afxtest.h>
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <functional>
 #include <memory>
 #include <string>
@@ -29,11 +29,33 @@ constexpr int kValueColumn = 3;
 
 class PageTest : public ::testing::Test {
 protected:
-    void SetUp() override;
+    static constexpr UINT kParentId = 9951;
+
+    void SetUp() override {
+        std::string error;
+        ASSERT_TRUE(host.LoadDemo(&error)) << error;
+        scope.AddParentDialog(kParentId, 1200, 720);
+        ModuleScope::Attach(host.Services());
+    }
     void TearDown() override { CloseFrame(); }
 
     // Opens the frame on the servo; the live list shows all parameters.
-    void OpenFrame(const char* moduleKey = "ZD3S");
+    void OpenFrame(const char* moduleKey = "ZD3S") {
+        zorhost::model::CDeviceModule* m = host.Module(moduleKey);
+        ASSERT_NE(m, nullptr);
+        m->SetAccessLevel(3);
+        module = m;
+        drive = host.Drive(moduleKey);
+        ASSERT_TRUE(parent.Create(kParentId, nullptr));
+        table = std::make_unique<CVarTable>();
+        table->SetWorkspace(host.Project()->GetWorkspace());
+        table->SetModule(m);
+        ASSERT_TRUE(table->Create(IDD_VAR_TABLE, &parent));
+        table->MoveWindow(0, 0, 1200, 720);
+        parent.ShowWindow(SW_SHOW);
+        ASSERT_NE(table->GetPage1(), nullptr);
+        ASSERT_NE(Page().GetSafeHwnd(), nullptr);
+    }
     void CloseFrame() {
         if (table != nullptr && table->GetSafeHwnd() != nullptr)
             table->DestroyWindow();
@@ -109,7 +131,6 @@ protected:
 
     zorhost::ReferenceHost host;
     ModuleScope scope{"pages-test"};
-    std::unique_ptr<FakeRefreshService> refresh; // over the host's own
     CDialog parent;
     std::unique_ptr<CVarTable> table;
     zorhost::sim::SimulatedDrive* drive = nullptr;
@@ -127,7 +148,13 @@ protected:
 };
 
 // Types `text` key by key into `edit`, as a user does.
-void TypeKeys(CWnd* edit, const CString& text);
+inline void TypeKeys(CWnd* edit, const CString& text) {
+    for (int i = 0; i < text.GetLength(); ++i) {
+        const wchar_t ch = text.GetAt(i);
+        const UINT vk = ch == L'-' ? 0xBD : ch == L'.' ? 0xBE : UINT(std::toupper(int(ch)));
+        AfxTestPressKey(edit, vk, ch);
+    }
+}
 inline void ClickOk(CDialog& dialog) {
     static_cast<CButton*>(dialog.GetDlgItem(IDOK))->Click();
 }

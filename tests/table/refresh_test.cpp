@@ -62,11 +62,11 @@ TEST_F(RefreshTest, TickAndQueryReachThePageWhileRunning) {
     OpenCounting();
     TestPage* page = g_pages[0];
     ASSERT_NE(page, nullptr);
-    ASSERT_EQ(host.refresh.listeners.size(), 1u);
+    ASSERT_EQ(host.refresh.ListenerCount(), 1u);
     // The worker's 500 ms tick repaints the page.
     EXPECT_TRUE(AfxPumpMessagesUntil([&] { return page->repaints >= 2; }, 5000));
     // The host's query, on another thread, only posts; the page submits on arrival.
-    std::thread([&] { host.refresh.listeners[0]->OnRefreshQuery(); }).join();
+    std::thread([&] { host.refresh.RunCycle(); }).join();
     EXPECT_TRUE(AfxPumpMessagesUntil([&] { return page->queries == 1; }, 2000));
 
     // Offline, ticks still come but the list stands still.
@@ -114,7 +114,7 @@ TEST_F(RefreshTest, NothingFlowsAfterStopOrDestroyAndStopTwiceIsHarmless) {
 
     // Destroying the window stops it all; the destructor's second stop is harmless.
     table->DestroyWindow();
-    EXPECT_TRUE(host.refresh.listeners.empty());
+    EXPECT_EQ(host.refresh.ListenerCount(), 0u);
     EXPECT_EQ(table->refreshEnabled.load(), 0);
 }
 
@@ -124,7 +124,8 @@ TEST_F(RefreshTest, QueriesFromAnotherThreadRaceStopsCleanly) {
     ListedGroup("H02", "H02-00", 0x200);
     OpenCounting();
     std::atomic<bool> done{false};
-    IRefreshQueryEvent* listener = host.refresh.listeners.at(0);
+    ASSERT_EQ(host.refresh.ListenerCount(), 1u);
+    IRefreshQueryEvent* listener = counter; // called on, registered or not
     std::thread querier([&] {
         while (!done.load())
             listener->OnRefreshQuery();
@@ -202,7 +203,7 @@ TEST_F(PanelTest, CountsComeFromTheFrameWhichGetsTheCallsAndClosesFirst) {
     EXPECT_EQ(frame->GetModule(), nullptr);
     panel->DestroyWindow();
     EXPECT_EQ(panel->GetTable(), nullptr);
-    EXPECT_EQ(host.refresh.listeners.size(), 0u);
+    EXPECT_EQ(host.refresh.ListenerCount(), 0u);
 }
 
 } // namespace

@@ -1,11 +1,10 @@
-// A small host for the table frame: the real value service, module manager and worker
-// threads of the reference host, and in-test drive objects (groups, categories, axes,
-// catalog, store) shaped freely by each test.
+// A small host for the table frame: the real value service, module manager, refresh
+// service, device helper and worker threads of the reference host, and in-test drive
+// objects (groups, categories, axes, catalog, store) shaped freely by each test. No drive
+// stands behind the modules: every direct read and write fails.
 #pragma once
 
-#include "FakeDeviceHelper.h"
 #include "FakeProject.h"
-#include "FakeRefreshService.h"
 #include "FakeUiService.h"
 #include "ModuleScope.h"
 #include "TempDir.h"
@@ -16,8 +15,11 @@
 
 #include <zorhost/HostServices.h>
 #include <zorhost/model/Groups.h>
+#include <zorhost/services/HostDeviceHelper.h>
 #include <zorhost/services/HostModuleManager.h>
+#include <zorhost/services/HostRefreshService.h>
 #include <zorhost/services/HostVarUtil.h>
+#include <zorhost/sim/DriveDirectory.h>
 
 #include <afx/afxres.h>
 
@@ -246,6 +248,11 @@ struct TransferService : IHostTransferService {
     }
 };
 
+struct NoDrives : zorhost::sim::DriveDirectory {
+    zorhost::model::CDeviceModule* FindModule(const CString&) override { return nullptr; }
+    std::shared_ptr<zorhost::sim::DriveLink> FindLink(const CString&) override { return {}; }
+};
+
 // Records what the frame asks of a list page.
 class TestPage : public CVarTablePage {
 public:
@@ -294,7 +301,6 @@ public:
         util.installDir = CString(tempDir + "/bin");
         services.Register<IHostVarUtil>(&util);
         services.Register<IHostUiService>(&ui);
-        helper.acceptWrites = false;
         services.Register<IHostDeviceHelper>(&helper);
         services.Register<IHostProductDb>(&products);
         services.Register<IHostProjectRoot>(&project);
@@ -326,10 +332,11 @@ public:
     zorhost::HostServices services;
     VarUtil util;
     FakeUiService ui;
-    FakeDeviceHelper helper; // refuses every direct write
+    NoDrives drives;
+    zorhost::CHostDeviceHelper helper{drives};
     ProductDb products;
     FakeProject project;
-    FakeRefreshService refresh; // keeps the listeners, reads nothing
+    zorhost::CHostRefreshService refresh{drives};
     TransferService transfer;
     zorhost::CHostModuleManager manager;
     std::vector<std::unique_ptr<Module>> modules;

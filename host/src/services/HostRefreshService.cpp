@@ -52,6 +52,15 @@ std::size_t CHostRefreshService::PendingQueries() const {
     return m_pending.size();
 }
 
+std::vector<UINT> CHostRefreshService::PendingAddresses() const {
+    std::vector<UINT> addresses;
+    std::lock_guard lock(m_pendingMutex);
+    for (const Pending& q : m_pending)
+        for (const CHostRefreshItem& item : q.items)
+            addresses.push_back(item.m_address);
+    return addresses;
+}
+
 std::size_t CHostRefreshService::ListenerCount() const {
     std::lock_guard lock(m_listenerMutex);
     return m_listeners.size();

@@ -67,6 +67,8 @@ public:
     // before links go.
     void Quiesce() { m_remote.Quiesce(); }
     std::size_t PendingQueries() const;
+    // The addresses the queries not yet read ask for, in the order they were submitted.
+    std::vector<UINT> PendingAddresses() const;
     std::size_t ListenerCount() const;
 
 private:
