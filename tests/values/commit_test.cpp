@@ -17,11 +17,16 @@ protected:
     CAfxRecordingResponder prompts;
     std::vector<CString> errors; // of the limit checks
     Variant out;
+
+    // Types `text` into the live list's cell of `code`; what the drive then holds.
+    double Written(const char* code, const char* text) {
+        EXPECT_EQ(CommitCellText(Var(code), text, 0, 0), COMMIT_WRITTEN) << code << " " << text;
+        return OnDrive(code);
+    }
 };
 
 TEST_F(Commit, TheLiveListWritesTheRawFigureAtOnce) {
-    EXPECT_EQ(CommitCellText(Var("H00-01"), "150.5", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(OnDrive("H00-01"), 1505.0);
+    EXPECT_EQ(Written("H00-01", "150.5"), 1505.0);
     // What the drive cannot tell: the request's type, mode, time-out and tries.
     ASSERT_EQ(helper.writes.size(), 1u);
     const auto& w = helper.writes[0];
@@ -33,14 +38,10 @@ TEST_F(Commit, TheLiveListWritesTheRawFigureAtOnce) {
     EXPECT_EQ(Var("H00-01")->GetValue(), Variant::I2(1000)) << "the next refresh shows it";
 
     // Figures finer than the parameter's resolution are rounded to it.
-    EXPECT_EQ(CommitCellText(Var("H00-01"), " -0.06 ", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(OnDrive("H00-01"), -1.0);
-    EXPECT_EQ(CommitCellText(Var("H00-16"), "-3.2768", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(OnDrive("H00-16"), -32768.0);
-    EXPECT_EQ(CommitCellText(Var("H00-26"), "4294967295", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(OnDrive("H00-26"), 4294967295.0);
-    EXPECT_EQ(CommitCellText(Var("H00-28"), "0.1234", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(OnDrive("H00-28"), 0.1234) << "reals are not rounded";
+    EXPECT_EQ(Written("H00-01", " -0.06 "), -1.0);
+    EXPECT_EQ(Written("H00-16", "-3.2768"), -32768.0);
+    EXPECT_EQ(Written("H00-26", "4294967295"), 4294967295.0);
+    EXPECT_EQ(Written("H00-28", "0.1234"), 0.1234) << "reals are not rounded";
 }
 
 TEST_F(Commit, AValueEqualToTheCurrentOneWritesNothing) {
@@ -67,10 +68,8 @@ TEST_F(Commit, PlaceholdersAndTextsThatAreNoWholeFigureAreIgnored) {
     EXPECT_EQ(DriveWrites(), 0u);
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u);
 
-    EXPECT_EQ(CommitCellText(Var("H00-20"), "0x00ff", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(OnDrive("H00-20"), 255.0);
-    EXPECT_EQ(CommitCellText(Var("H00-20"), "FFFF FFFF", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(OnDrive("H00-20"), 4294967295.0);
+    EXPECT_EQ(Written("H00-20", "0x00ff"), 255.0);
+    EXPECT_EQ(Written("H00-20", "FFFF FFFF"), 4294967295.0);
 }
 
 // The live list leaves the limits to the drive: its refusal is what the user reads.
@@ -90,8 +89,7 @@ TEST_F(Commit, ARefusedWriteShowsTheDrivesReason) {
 TEST_F(Commit, PerUnitFiguresAreTypedInTheScaleShown) {
     IVarObjEx* current = Var("H00-07"); // i16, 4096 = 100 %
     current->SetPerUnitMode(PER_UNIT_PERCENT);
-    EXPECT_EQ(CommitCellText(current, "50", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(OnDrive("H00-07"), 2048.0);
+    EXPECT_EQ(Written("H00-07", "50"), 2048.0);
     EXPECT_EQ(CommitCellText(current, "100.00", 0, 0), COMMIT_UNCHANGED);
     EXPECT_EQ(DriveWrites(), 1u);
 
@@ -107,12 +105,10 @@ TEST_F(Commit, PerUnitFiguresAreTypedInTheScaleShown) {
 
     drive->ClearFailures();
     current->SetPerUnitMode(2); // base H00-10 = 30 A
-    EXPECT_EQ(CommitCellText(current, "7.5", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(OnDrive("H00-07"), 1024.0) << "written to the parameter, not the base";
+    EXPECT_EQ(Written("H00-07", "7.5"), 1024.0) << "written to the parameter, not the base";
 
     current->SetPerUnitMode(0);
-    EXPECT_EQ(CommitCellText(current, "1000", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(OnDrive("H00-07"), 1000.0);
+    EXPECT_EQ(Written("H00-07", "1000"), 1000.0);
 }
 
 TEST_F(Commit, TheStagingListStoresASetValueAndTheCheckMark) {
@@ -205,7 +201,7 @@ TEST_F(Commit, LinkedLimitsAreTheTargetsLiveValueFromTheDrive) {
     drive->PokeRaw(0x000C, 2500);
     EXPECT_TRUE(CheckEditedValue("M1", 0x000B, VT_UI2, Variant::R8(2500), out, errors));
     EXPECT_EQ(out, Variant::UI2(2500));
-    EXPECT_FALSE(CheckEditedValue("M1", 0x000B, VT_UI2, Variant::R8(2501), out, errors));
+    ASSERT_FALSE(CheckEditedValue("M1", 0x000B, VT_UI2, Variant::R8(2501), out, errors));
     EXPECT_EQ(errors.back(), CString("Over the limit,value = 2501,[min = 0,max = 2500]"));
 
     // A linked minimum with decimals on the target: H00-01 holding -1000 means -100.0.
@@ -217,6 +213,12 @@ TEST_F(Commit, LinkedLimitsAreTheTargetsLiveValueFromTheDrive) {
     drive->SetFailure(zorhost::sim::FailureMode::FailReads, {0x000C});
     EXPECT_TRUE(CheckEditedValue("M1", 0x000B, VT_UI2, Variant::R8(0), out, errors));
     EXPECT_FALSE(CheckEditedValue("M1", 0x000B, VT_UI2, Variant::R8(1), out, errors));
+
+    // On a multi-axis drive the limit is read from the target of the parameter's own axis.
+    host.Drive("M4")->PokeRaw(Var("A2.H06-00", "M4")->GetInstanceAddress(), 4500);
+    const UINT jog = Var("A2.H06-01", "M4")->GetInstanceAddress();
+    EXPECT_TRUE(CheckEditedValue("M4", jog, VT_UI2, Variant::R8(4500), out, errors));
+    EXPECT_FALSE(CheckEditedValue("M4", jog, VT_UI2, Variant::R8(4501), out, errors));
 }
 
 // Without the host or the module nothing is written, and a limit check says nothing.

@@ -1,14 +1,14 @@
 // A small drive for the value-text suites: a device description written for them (in
-// data/), opened in the reference host as module "M1" with its simulated drive, so that
-// what the drive holds, refuses or fails to answer is the drive's own. Over the host's
-// device helper a recorder keeps the requests; the translator is scripted.
+// data/), opened in the reference host as module "M1" beside the shipped four-axis drive
+// "M4", each with its simulated drive, so that what a drive holds, refuses or fails to
+// answer is the drive's own. Over the host's device helper a recorder keeps the requests;
+// the translator is scripted.
 #pragma once
 
 #include "FakeDeviceHelper.h"
 #include "FakeUiService.h"
 
 #include "module/ParmiraApp.h"
-#include "module/host/HostContract.h"
 #include "zorhost/ReferenceHost.h"
 
 #include <afx/afxtest.h>
@@ -22,35 +22,27 @@ protected:
     void SetUp() override {
         ui.strings = FakeUiService::Strings::None;
         ui.stringOverrides[2037] = "<2037>";
-        Open();
+        zorhost::ProjectSetup setup;
+        setup.modules.resize(2);
+        setup.modules[0].deviceFile = PARMIRA_SOURCE_DIR "/tests/values/data/values_device.json";
+        setup.modules[0].key = "M1";
+        setup.modules[1].deviceFile = "zd4m_four_axis.json";
+        setup.modules[1].key = "M4";
+        std::string error;
+        ASSERT_TRUE(host.LoadProject(setup, &error)) << error;
+        drive = host.Drive("M1");
         host.Services().Register<IHostDeviceHelper>(&helper);
         host.Services().Register<IHostUiService>(&ui);
         theApp.SetQueryInterfaceCallback(host.Services().Context(), &zorhost::HostServices::Query);
     }
     void TearDown() override { theApp.SetQueryInterfaceCallback(0, nullptr); }
 
-    // Opens M1 and, when given, one more module, each with its simulated drive.
-    void Open(const char* moreFile = nullptr, const char* moreKey = nullptr) {
-        zorhost::ProjectSetup setup;
-        auto add = [&setup](const char* file, const char* key) {
-            setup.modules.emplace_back();
-            setup.modules.back().deviceFile = file;
-            setup.modules.back().key = key;
-        };
-        add(PARMIRA_SOURCE_DIR "/tests/values/data/values_device.json", "M1");
-        if (moreFile != nullptr)
-            add(moreFile, moreKey);
-        std::string error;
-        ASSERT_TRUE(host.LoadProject(setup, &error)) << error;
-        drive = host.Drive("M1");
-    }
-    // The variable of `code` in module M1 (fails the test when absent).
-    IVarObjEx* Var(const char* code) {
-        IVarObjEx* var = host.Module("M1")->Store().FindByCode(code);
+    // The variable of `code` in a module (fails the test when absent).
+    IVarObjEx* Var(const char* code, const char* module = "M1") {
+        IVarObjEx* var = host.Module(module)->Store().FindByCode(code);
         EXPECT_NE(var, nullptr) << code;
         return var;
     }
-    IVarAttr* Attr(const char* code) { return Var(code)->GetAttr(); }
     // What M1's drive holds for `code`.
     double OnDrive(const char* code) {
         double raw = -12345;
