@@ -6,6 +6,7 @@
 #include "module/host/IHostDeviceHelper.h"
 #include "module/host/Variant.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,9 @@ public:
     std::vector<NamedWrite> namedWrites;
     std::vector<Write> writes;
     std::vector<int> readTypes;
+    // When set, a write the drive refuses reports these texts instead of the host's own, as
+    // another host may: several, or none.
+    std::optional<std::vector<CString>> refusalTexts;
 
     // The named writes in order, as "name=value".
     std::vector<std::string> NamedWriteLog() const {
@@ -67,8 +71,11 @@ public:
                         Variant& result, std::vector<CString>& errors, int mode, int timeout_ms,
                         int tries) override {
         writes.push_back({type, mode, timeout_ms, tries});
-        return inner.WriteVarDirect(key, address, type, value, result, errors, mode, timeout_ms,
-                                    tries);
+        const BOOL written = inner.WriteVarDirect(key, address, type, value, result, errors, mode,
+                                                  timeout_ms, tries);
+        if (!written && refusalTexts)
+            errors = *refusalTexts;
+        return written;
     }
     BOOL ReadVarDirect(const CString& key, UINT address, int type, Variant& value, int timeout_ms,
                        int tries) override {

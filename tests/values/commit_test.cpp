@@ -82,6 +82,13 @@ TEST_F(Commit, ARefusedWriteShowsTheDrivesReason) {
     EXPECT_EQ(box->text, CString("H00-01: value out of range (-300.0 to 300.0)"));
     EXPECT_EQ(box->caption, CString("<2037>")) << "the caption is string 2037";
     EXPECT_EQ(box->Buttons(), UINT(MB_OK));
+    // Another host may give several reasons, or none.
+    helper.refusalTexts = std::vector<CString>{"first", "second"};
+    EXPECT_EQ(CommitCellText(Var("H00-01"), "300.1", 0, 0), COMMIT_WRITE_FAILED);
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, CString("first\nsecond"));
+    helper.refusalTexts = std::vector<CString>{};
+    EXPECT_EQ(CommitCellText(Var("H00-01"), "300.1", 0, 0), COMMIT_WRITE_FAILED);
+    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, CString("参数下载失败."));
 }
 
 // The figure is typed in the scale the row shows; the drive gets the raw figure. The scale of
