@@ -2,6 +2,8 @@
 // host events, and every operation with a service missing.
 #include "test_host.h"
 
+#include "module/ModuleResources.h"
+
 #include <afx/afxmt.h>
 #include <afx/afxtest.h>
 
@@ -13,6 +15,11 @@ protected:
         ShellTest::SetUp();
         host.AddModule("K0", "Servo", "Sub", 1, 0);
         host.AddModule("K3", "Inverter", "Sub", 2, 3);
+    }
+    // The label of the panel in tab `index` that names the variable count.
+    CString CountLabel(int index) const {
+        CWnd* panel = CWnd::FromHandle(AfxHandleFromWidget(host.PanelOf(host.Tab(index))));
+        return panel->GetDlgItem(int(IDC_TOTAL_LABEL))->GetWindowTextString();
     }
 };
 
@@ -41,9 +48,10 @@ TEST_F(PanelTest, CaptionNamesTheDeviceByProductKind) {
     EXPECT_EQ(host.Caption(4), "参数列表");
 }
 
-// No window from the host means no panel, and the next show makes one; once made, a
-// second show only brings its tab to the front, whatever the key.
+// No window from the host means no panel, and the next show makes one, in the host's
+// language; once made, a second show only brings its tab to the front, whatever the key.
 TEST_F(PanelTest, PanelFillsTheTabRectangleSubscribesAndIsMadeOnce) {
+    host.ui.SetLanguage(zorhost::UiLanguage::English);
     IQXParmira* p = Create();
     zorhost::CHostTabManager noTabs(nullptr);
     host.services.Register<IHostTabManager>(&noTabs);
@@ -55,9 +63,8 @@ TEST_F(PanelTest, PanelFillsTheTabRectangleSubscribesAndIsMadeOnce) {
     QWidget* panel = host.PanelOf(host.Tab(0));
     ASSERT_NE(panel, nullptr);
     EXPECT_EQ(panel->geometry(), host.tabs.PageOf(host.Tab(0))->rect());
-    // The panel, its frame and its pages each keep a translator of their own.
-    EXPECT_GE(host.ui.translatorsMade, 1);
-    EXPECT_EQ(host.ui.retranslations, host.ui.translatorsMade);
+    EXPECT_EQ(host.Caption(0), "Servo(Sub_1)Parameter list");
+    EXPECT_EQ(CountLabel(0), "Total variables:");
     Create()->ShowPanel(0, "K3");
     for (const char* key : {"K3", "nobody"}) {
         host.widget.setCurrentIndex(1);
@@ -109,7 +116,8 @@ TEST_F(PanelTest, EachWayOfClosingHandsThePanelBack) {
     }
 }
 
-// Renaming the module renames its tab only; a language change resets every caption.
+// Renaming the module renames its tab only; a language change puts every caption and
+// the panels' texts into the new language, and back.
 TEST_F(PanelTest, RenameAndLanguageChangeResetTheCaptions) {
     IQXParmira* p = Create();
     IQXParmira* q = Create();
@@ -121,31 +129,31 @@ TEST_F(PanelTest, RenameAndLanguageChangeResetTheCaptions) {
     host.bus.RaiseModuleRenamed("K0", "");
     EXPECT_EQ(host.Caption(0), "参数列表");
     host.bus.RaiseModuleRenamed("K0", "Servo(Sub_1)");
-    const int retranslated = host.ui.retranslations;
-    host.bus.RaiseLanguageChanged();
-    // Posted, not done at once.
-    EXPECT_EQ(host.Caption(0), "[Servo(Sub_1)]参数列表");
-    EXPECT_TRUE(AfxPumpMessagesUntil(
-        [&] { return host.Caption(0) == "参数列表" && host.Caption(1) == "参数列表"; }, 5000));
-    // Each panel retranslates at least its own window; frame and pages follow their own
-    // language events.
-    EXPECT_TRUE(
-        AfxPumpMessagesUntil([&] { return host.ui.retranslations >= retranslated + 2; }, 5000));
-    EXPECT_EQ(host.ui.windowRetranslations, 2);
+    const struct {
+        zorhost::UiLanguage language;
+        const char* caption;
+        const char* label;
+    } steps[] = {{zorhost::UiLanguage::English, "Parameter list", "Total variables:"},
+                 {zorhost::UiLanguage::Chinese, "参数列表", "变量总数:"}};
+    for (const auto& step : steps) {
+        SCOPED_TRACE(step.caption);
+        host.ui.SetLanguage(step.language);
+        host.bus.RaiseLanguageChanged();
+        EXPECT_NE(host.Caption(1), step.caption); // posted, not done at once
+        EXPECT_TRUE(AfxPumpMessagesUntil(
+            [&] { return host.Caption(0) == step.caption && host.Caption(1) == step.caption; },
+            5000));
+        EXPECT_EQ(CountLabel(0), step.label);
+        EXPECT_EQ(CountLabel(1), step.label);
+    }
     // Active-view notifications reach the panels and change nothing.
     host.bus.RaiseActiveView(1);
     EXPECT_EQ(host.Caption(0), "参数列表");
-}
-
-TEST_F(PanelTest, LanguageChangeAfterThePanelClosedDoesNothing) {
-    IQXParmira* p = Create();
-    p->ShowPanel(0, "K0");
+    // A change posted to a panel that closes before it arrives finds no window.
+    host.ui.SetLanguage(zorhost::UiLanguage::English);
     host.bus.RaiseLanguageChanged();
-    host.tabs.CloseTab(host.Tab(0)); // the posted message finds no window
-    const int retranslated = host.ui.retranslations;
-    AfxPumpPendingMessages();
-    EXPECT_EQ(host.ui.retranslations, retranslated);
-    EXPECT_EQ(host.ui.windowRetranslations, 0);
+    host.tabs.CloseTab(host.Tab(0));
+    EXPECT_TRUE(AfxPumpMessagesUntil([&] { return host.Caption(0) == "Parameter list"; }, 5000));
 }
 
 // Every operation, with each service missing in turn: nothing breaks, and what can't be

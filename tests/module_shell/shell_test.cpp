@@ -104,10 +104,11 @@ TEST_F(ShellTest, ReleaseOnTheInstanceTellsTheHostAndEndsIt) {
     ASSERT_NE(p, nullptr);
     p->ShowPanel(0, "A");
     EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 1);
+    // The host holds the instance as a plug-in interface until told it ends.
+    host.manager.RegisterModuleInterface(IID_IQXParmira, p);
     Forget(p);
     p->Release();
-    ASSERT_EQ(host.manager.released.size(), 1u);
-    EXPECT_EQ(host.manager.released[0], static_cast<IBaseInterface*>(p));
+    EXPECT_EQ(host.manager.GetModuleInterface(IID_IQXParmira), nullptr);
     EXPECT_EQ(host.bus.ListenerCount(IID_IMessage_ModuleEvent), 0);
     void* v = static_cast<IBaseInterface*>(p);
     EXPECT_EQ(Module().release(&IID_IQXParmira, &v), 0);

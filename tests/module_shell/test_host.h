@@ -1,17 +1,18 @@
-// A small host for the module shell: the host's own message bus, service table and tab
-// manager (on a tab widget of the test), the shared fakes of the other services the shell
-// asks for, the loaded module's four exports, and a fixture giving each test a fresh host.
+// A small host for the module shell: the host's own message bus, module manager, text
+// service, service table and tab manager (on a tab widget of the test), a project of
+// modules shaped by each test, the loaded module's four exports, and a fixture giving each
+// test a fresh host.
 #pragma once
 
-#include "FakeModuleManager.h"
 #include "FakeProject.h"
-#include "FakeUiService.h"
 
 #include "module/host/HostContract.h"
 #include "module/host/ModuleExports.h"
 #include "zorhost/HostServices.h"
 #include "zorhost/services/HostMessageBus.h"
+#include "zorhost/services/HostModuleManager.h"
 #include "zorhost/services/HostTabManager.h"
+#include "zorhost/services/HostUiService.h"
 
 #include <afx/afxqt.h>
 
@@ -40,7 +41,6 @@ inline ModuleExports& Module() {
 class TestHost {
 public:
     TestHost() {
-        ui.makeTranslators = true;
         widget.resize(800, 600);
         services.Register<IHostMessageBus>(&bus);
         services.Register<IHostModuleManager>(&manager);
@@ -78,8 +78,8 @@ public:
 
     QTabWidget widget;
     zorhost::CHostMessageBus bus;
-    FakeModuleManager manager;
-    FakeUiService ui; // strings from the module, window translators made and counted
+    zorhost::CHostModuleManager manager;
+    zorhost::CHostUiService ui;
     FakeProject root;
     std::vector<std::unique_ptr<FakeModule>> modules;
     zorhost::HostServices services;
