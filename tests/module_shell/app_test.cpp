@@ -2,9 +2,7 @@
 // fan-out through the sinks, and the accessors that ask the callback afresh each time.
 #include "module/MessageSinks.h"
 #include "module/ParmiraApp.h"
-#include "module/host/IHostModuleManager.h"
 #include "module/host/IHostTabManager.h"
-#include "module/host/IMemoryStream.h"
 
 #include <afx/afxres.h>
 #include <afx/afxwin.h>
