@@ -2,6 +2,7 @@
 // writes to the drive at once, the staging list stores a set value; hexadecimal and per-unit
 // texts are turned into the parameter's raw figure first. Limits are accepted on both ends,
 // refused just outside with the one English text, linked limits are read from the drive.
+// The live list's figures are checked where they land: on the simulated drive.
 #include "values/ValueText.h"
 #include "values_fixture.h"
 
@@ -16,16 +17,20 @@ protected:
     CAfxRecordingResponder prompts;
     std::vector<CString> errors; // of the limit checks
     Variant out;
+
+    // Types `text` into the live list's cell of `code`; what the drive then holds.
+    double Written(const char* code, const char* text) {
+        EXPECT_EQ(CommitCellText(Var(code), text, 0, 0), COMMIT_WRITTEN) << code << " " << text;
+        return OnDrive(code);
+    }
 };
 
 TEST_F(Commit, TheLiveListWritesTheRawFigureAtOnce) {
-    EXPECT_EQ(CommitCellText(Var("H00-01"), "150.5", 0, 0), COMMIT_WRITTEN);
+    EXPECT_EQ(Written("H00-01", "150.5"), 1505.0);
+    // What the drive cannot tell: the request's type, mode, time-out and tries.
     ASSERT_EQ(helper.writes.size(), 1u);
     const auto& w = helper.writes[0];
-    EXPECT_EQ(w.moduleKey, CString("M1"));
-    EXPECT_EQ(w.address, 0x0001u);
     EXPECT_EQ(w.dataType, int(VT_I2));
-    EXPECT_EQ(w.value, Variant::R8(1505.0));
     EXPECT_EQ(w.mode, 1);
     EXPECT_EQ(w.timeout_ms, 200);
     EXPECT_EQ(w.tries, 3);
@@ -33,14 +38,10 @@ TEST_F(Commit, TheLiveListWritesTheRawFigureAtOnce) {
     EXPECT_EQ(Var("H00-01")->GetValue(), Variant::I2(1000)) << "the next refresh shows it";
 
     // Figures finer than the parameter's resolution are rounded to it.
-    EXPECT_EQ(CommitCellText(Var("H00-01"), " -0.06 ", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(helper.writes.back().value, Variant::R8(-1.0));
-    EXPECT_EQ(CommitCellText(Var("H00-16"), "-3.2768", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(helper.writes.back().value, Variant::R8(-32768.0));
-    EXPECT_EQ(CommitCellText(Var("H00-26"), "4294967295", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(helper.writes.back().value, Variant::R8(4294967295.0));
-    EXPECT_EQ(CommitCellText(Var("H00-28"), "0.1234", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(helper.writes.back().value, Variant::R8(0.1234)) << "reals are not rounded";
+    EXPECT_EQ(Written("H00-01", " -0.06 "), -1.0);
+    EXPECT_EQ(Written("H00-16", "-3.2768"), -32768.0);
+    EXPECT_EQ(Written("H00-26", "4294967295"), 4294967295.0);
+    EXPECT_EQ(Written("H00-28", "0.1234"), 0.1234) << "reals are not rounded";
 }
 
 TEST_F(Commit, AValueEqualToTheCurrentOneWritesNothing) {
@@ -50,7 +51,7 @@ TEST_F(Commit, AValueEqualToTheCurrentOneWritesNothing) {
     EXPECT_EQ(CommitCellText(torque, "100.04", 0, 0), COMMIT_UNCHANGED) << "same raw figure";
     EXPECT_EQ(CommitCellText(Var("H00-03"), "0xFFFF", 0, 0), COMMIT_UNCHANGED)
         << "the hexadecimal text of -1 is -1";
-    EXPECT_TRUE(helper.writes.empty());
+    EXPECT_EQ(DriveWrites(), 0u);
     torque->SetValue(Variant());
     EXPECT_EQ(CommitCellText(torque, "0", 0, 0), COMMIT_WRITTEN) << "no value yet: written";
 }
@@ -64,29 +65,23 @@ TEST_F(Commit, PlaceholdersAndTextsThatAreNoWholeFigureAreIgnored) {
     EXPECT_EQ(CommitCellText(nullptr, "1", 0, 0), COMMIT_IGNORED);
     for (const char* text : {"12G4", "123456789", "0x", "-1", "ＦＦ"})
         EXPECT_EQ(CommitCellText(Var("H00-20"), text, 0, 0), COMMIT_IGNORED) << text;
-    EXPECT_TRUE(helper.writes.empty());
+    EXPECT_EQ(DriveWrites(), 0u);
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u);
 
-    EXPECT_EQ(CommitCellText(Var("H00-20"), "0x00ff", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(helper.writes.back().value, Variant::R8(255.0));
-    EXPECT_EQ(CommitCellText(Var("H00-20"), "FFFF FFFF", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(helper.writes.back().value, Variant::R8(4294967295.0));
+    EXPECT_EQ(Written("H00-20", "0x00ff"), 255.0);
+    EXPECT_EQ(Written("H00-20", "FFFF FFFF"), 4294967295.0);
 }
 
+// The live list leaves the limits to the drive: its refusal is what the user reads.
 TEST_F(Commit, ARefusedWriteShowsTheDrivesReason) {
-    helper.acceptWrites = false;
-    helper.refusalTexts = {"H00-01: value out of range (-3000 to 3000)", "second reason"};
-    EXPECT_EQ(CommitCellText(Var("H00-01"), "500", 0, 0), COMMIT_WRITE_FAILED);
+    host.SetEnglish(true);
+    EXPECT_EQ(CommitCellText(Var("H00-01"), "300.1", 0, 0), COMMIT_WRITE_FAILED);
+    EXPECT_EQ(OnDrive("H00-01"), 1000.0);
+    ASSERT_EQ(prompts.Count(AfxPrompt::MessageBox), 1u);
     const AfxPrompt* box = prompts.Last(AfxPrompt::MessageBox);
-    ASSERT_NE(box, nullptr);
-    EXPECT_EQ(box->text, CString("H00-01: value out of range (-3000 to 3000)\nsecond reason"));
+    EXPECT_EQ(box->text, CString("H00-01: value out of range (-300.0 to 300.0)"));
     EXPECT_EQ(box->caption, CString("<2037>")) << "the caption is string 2037";
     EXPECT_EQ(box->Buttons(), UINT(MB_OK));
-
-    helper.refusalTexts.clear();
-    EXPECT_EQ(CommitCellText(Var("H00-01"), "501", 0, 0), COMMIT_WRITE_FAILED);
-    EXPECT_EQ(prompts.Last(AfxPrompt::MessageBox)->text, CString("参数下载失败."));
-    EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 2u);
 }
 
 // The figure is typed in the scale the row shows; the drive gets the raw figure. The scale of
@@ -94,30 +89,26 @@ TEST_F(Commit, ARefusedWriteShowsTheDrivesReason) {
 TEST_F(Commit, PerUnitFiguresAreTypedInTheScaleShown) {
     IVarObjEx* current = Var("H00-07"); // i16, 4096 = 100 %
     current->SetPerUnitMode(PER_UNIT_PERCENT);
-    EXPECT_EQ(CommitCellText(current, "50", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(helper.writes.back().value, Variant::R8(2048.0));
+    EXPECT_EQ(Written("H00-07", "50"), 2048.0);
     EXPECT_EQ(CommitCellText(current, "100.00", 0, 0), COMMIT_UNCHANGED);
+    EXPECT_EQ(DriveWrites(), 1u);
 
     // No base, no engineering commit: the drive doesn't answer for the base, or a further
-    // base is named but without a scale.
-    const size_t written = helper.writes.size();
+    // base (H00-12, holding 3000) is named but without a scale.
+    drive->SetFailure(zorhost::sim::FailureMode::FailReads, {0x000A});
     current->SetPerUnitMode(2);
     EXPECT_EQ(CommitCellText(current, "15", 0, 0), COMMIT_REFUSED);
     EXPECT_EQ(CommitCellText(current, "0.00", 0, 0), COMMIT_REFUSED) << "the cell's own text";
     current->SetPerUnitMode(3);
-    helper.driveValues[0x000C] = Variant::UI2(3000);
     EXPECT_EQ(CommitCellText(current, "15", 0, 0), COMMIT_REFUSED);
-    EXPECT_EQ(helper.writes.size(), written);
+    EXPECT_EQ(DriveWrites(), 0u);
 
+    drive->ClearFailures();
     current->SetPerUnitMode(2); // base H00-10 = 30 A
-    helper.driveValues[0x000A] = Variant::UI2(30);
-    EXPECT_EQ(CommitCellText(current, "15", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(helper.writes.back().value, Variant::R8(2048.0));
-    EXPECT_EQ(helper.writes.back().address, 0x0007u) << "written to the parameter, not the base";
+    EXPECT_EQ(Written("H00-07", "7.5"), 1024.0) << "written to the parameter, not the base";
 
     current->SetPerUnitMode(0);
-    EXPECT_EQ(CommitCellText(current, "1000", 0, 0), COMMIT_WRITTEN);
-    EXPECT_EQ(helper.writes.back().value, Variant::R8(1000.0));
+    EXPECT_EQ(Written("H00-07", "1000"), 1000.0);
 }
 
 TEST_F(Commit, TheStagingListStoresASetValueAndTheCheckMark) {
@@ -131,7 +122,7 @@ TEST_F(Commit, TheStagingListStoresASetValueAndTheCheckMark) {
     EXPECT_EQ(CommitCellText(torque, "300", 1, 1), COMMIT_STAGED);
     EXPECT_EQ(CommitCellText(torque, "-300", 1, 1), COMMIT_STAGED);
     EXPECT_EQ(torque->GetSetValue(), Variant::I2(-3000));
-    EXPECT_TRUE(helper.writes.empty()) << "nothing goes to the drive";
+    EXPECT_EQ(DriveWrites(), 0u) << "nothing goes to the drive";
 
     // Outside the limits: dropped without a word.
     EXPECT_EQ(CommitCellText(torque, "300.1", 1, 1), COMMIT_REFUSED);
@@ -206,44 +197,48 @@ TEST_F(Commit, CheckEditedValueTakesTheParametersOwnLimits) {
 }
 
 TEST_F(Commit, LinkedLimitsAreTheTargetsLiveValueFromTheDrive) {
-    helper.driveValues[0x000C] = Variant::UI2(2500); // H00-12, the maximum of H00-11
+    // H00-12, the maximum of H00-11, shows 3000 in the list; the drive holds 2500.
+    drive->PokeRaw(0x000C, 2500);
     EXPECT_TRUE(CheckEditedValue("M1", 0x000B, VT_UI2, Variant::R8(2500), out, errors));
     EXPECT_EQ(out, Variant::UI2(2500));
-    EXPECT_FALSE(CheckEditedValue("M1", 0x000B, VT_UI2, Variant::R8(2501), out, errors));
+    ASSERT_FALSE(CheckEditedValue("M1", 0x000B, VT_UI2, Variant::R8(2501), out, errors));
     EXPECT_EQ(errors.back(), CString("Over the limit,value = 2501,[min = 0,max = 2500]"));
-    ASSERT_FALSE(helper.reads.empty());
-    EXPECT_EQ(helper.reads.back().address, 0x000Cu);
-    EXPECT_EQ(helper.reads.back().dataType, int(VT_UI2));
 
     // A linked minimum with decimals on the target: H00-01 holding -1000 means -100.0.
-    helper.driveValues[0x0001] = Variant::I2(-1000);
+    drive->PokeRaw(0x0001, -1000);
     EXPECT_TRUE(CheckEditedValue("M1", 0x0012, VT_I2, Variant::R8(-100), out, errors));
     EXPECT_FALSE(CheckEditedValue("M1", 0x0012, VT_I2, Variant::R8(-101), out, errors));
 
     // A target the drive doesn't answer for counts as 0.
-    helper.driveValues.erase(0x000C);
+    drive->SetFailure(zorhost::sim::FailureMode::FailReads, {0x000C});
     EXPECT_TRUE(CheckEditedValue("M1", 0x000B, VT_UI2, Variant::R8(0), out, errors));
     EXPECT_FALSE(CheckEditedValue("M1", 0x000B, VT_UI2, Variant::R8(1), out, errors));
+
+    // On a multi-axis drive the limit is read from the target of the parameter's own axis.
+    host.Drive("M4")->PokeRaw(Var("A2.H06-00", "M4")->GetInstanceAddress(), 4500);
+    const UINT jog = Var("A2.H06-01", "M4")->GetInstanceAddress();
+    EXPECT_TRUE(CheckEditedValue("M4", jog, VT_UI2, Variant::R8(4500), out, errors));
+    EXPECT_FALSE(CheckEditedValue("M4", jog, VT_UI2, Variant::R8(4501), out, errors));
 }
 
 // Without the host or the module nothing is written, and a limit check says nothing.
 TEST_F(Commit, WithoutTheHostOrTheModuleNothingHappens) {
     EXPECT_FALSE(CheckEditedValue("M9", 0x0001, VT_I2, Variant::R8(1), out, errors));
     EXPECT_FALSE(CheckEditedValue("M1", 0x7777, VT_I2, Variant::R8(1), out, errors));
-    services.Withhold<IHostDeviceHelper>();
+    host.Services().Withhold<IHostDeviceHelper>();
     EXPECT_EQ(CommitCellText(Var("H00-01"), "1", 0, 0), COMMIT_IGNORED);
-    services.Withhold<IHostDeviceHelper>(false);
-    services.Withhold<IHostVarUtil>();
+    host.Services().Withhold<IHostDeviceHelper>(false);
+    host.Services().Withhold<IHostVarUtil>();
     EXPECT_EQ(CommitCellText(Var("H00-01"), "1", 0, 0), COMMIT_IGNORED);
     EXPECT_EQ(CommitCellText(Var("H00-01"), "1", 1, 1), COMMIT_IGNORED);
     EXPECT_FALSE(CheckEditedValue("M1", 0x0001, VT_I2, Variant::R8(1), out, errors));
     EXPECT_FALSE(ApplyLimits(0, VT_I2, 10, 0, Variant::R8(1), out, errors));
-    services.Withhold<IHostVarUtil>(false);
-    services.Withhold<IHostProjectRoot>();
+    host.Services().Withhold<IHostVarUtil>(false);
+    host.Services().Withhold<IHostProjectRoot>();
     EXPECT_EQ(CommitCellText(Var("H00-01"), "1", 1, 1), COMMIT_REFUSED)
         << "no module to check against";
     EXPECT_FALSE(CheckEditedValue("M1", 0x0001, VT_I2, Variant::R8(1), out, errors));
-    EXPECT_TRUE(helper.writes.empty());
+    EXPECT_EQ(DriveWrites(), 0u);
     EXPECT_EQ(prompts.Count(AfxPrompt::MessageBox), 0u);
     EXPECT_TRUE(errors.empty()) << "quiet: nothing to tell without a host";
 }

@@ -2,7 +2,6 @@
 // format and unit columns, linked limits; what a value means (enumeration names through the
 // translator, connector targets, compare rows); and the parsers of spreadsheet cells and
 // typed values, which need no host.
-#include "ShippedDevices.h"
 #include "values/GetVarInfo.h"
 #include "values/ValueText.h"
 #include "values_fixture.h"
@@ -88,7 +87,7 @@ TEST_F(ValueTexts, PercentOf16And32BitAndRealParametersAndTheRawFigure) {
     EXPECT_EQ(UnitText(current), CString("%"));
     EXPECT_EQ(DisplayFormatText(current), CString("百分比"));
     EXPECT_EQ(info.CurrentValueText(current), CString("100.00%")) << "the cell, in the row's scale";
-    EXPECT_TRUE(helper.reads.empty()) << "percent needs no base";
+    EXPECT_TRUE(drive->TakeRequests().empty()) << "percent needs no base";
 
     // The raw figure's mode shows two places in the texts, none in the cell.
     for (int mode : {-1, 0}) {
@@ -104,32 +103,31 @@ TEST_F(ValueTexts, EngineeringValuesReadTheirBaseOnceAndKeepItAndWithoutOneReadZ
     IVarObjEx* current = Var("H00-07");
     current->SetPerUnitMode(2); // base H00-10 at 0x000A
     // The drive doesn't answer for the base yet: zero, and a failed read holds nothing.
+    drive->SetFailure(zorhost::sim::FailureMode::FailReads, {0x000A});
     EXPECT_EQ(PerUnitBase(current), 0.0);
     EXPECT_EQ(MinValueText(current), CString("0.00"));
     EXPECT_EQ(PerUnitValueText(current, Variant::I2(1)), CString("0.00"));
-    ASSERT_EQ(helper.reads.size(), 3u);
+    ASSERT_EQ(helper.readTypes.size(), 3u);
 
-    helper.driveValues[0x000A] = Variant::UI2(30);
+    drive->ClearFailures(); // it holds 30
     ui.translations["额定电流"] = "Rated current";
     EXPECT_EQ(FactoryValueText(current), CString("30.00"));
     EXPECT_EQ(MaxValueText(current), CString("60.00"));
     EXPECT_EQ(MinValueText(current), CString("-60.00"));
     EXPECT_EQ(PerUnitValueText(current, Variant::I2(1024)), CString("7.50"));
-    ASSERT_EQ(helper.reads.size(), 4u) << "one read, then the table holds the base";
-    EXPECT_EQ(helper.reads.back().address, 0x000Au);
-    EXPECT_EQ(helper.reads.back().dataType, int(VT_I2)) << "read as the parameter's type";
-    helper.driveValues[0x000A] = Variant::UI2(99);
+    ASSERT_EQ(helper.readTypes.size(), 4u) << "one read, then the table holds the base";
+    EXPECT_EQ(helper.readTypes.back(), int(VT_I2)) << "read as the parameter's type";
+    drive->PokeRaw(0x000A, 99);
     EXPECT_EQ(PerUnitBase(current), 30.0) << "a held base isn't read again";
     EXPECT_EQ(DisplayFormatText(current), CString("Rated current"));
     EXPECT_EQ(UnitText(current), CString("A"));
 
     // A further base is named, but only the first has a scale: no figure, no read.
-    current->SetPerUnitMode(3); // H00-12 at 0x000C
-    helper.driveValues[0x000C] = Variant::UI2(3000);
+    current->SetPerUnitMode(3); // H00-12 at 0x000C, holding 3000
     EXPECT_EQ(FactoryValueText(current), CString(""));
     EXPECT_EQ(PerUnitValueText(current, Variant::I2(1024)), CString(""));
     EXPECT_EQ(DisplayFormatText(current), CString("最高速度"));
-    EXPECT_EQ(helper.reads.size(), 4u);
+    EXPECT_EQ(helper.readTypes.size(), 4u);
     current->SetPerUnitMode(9);
     EXPECT_EQ(DisplayFormatText(current), CString("")) << "no entry of that mode";
     EXPECT_EQ(PerUnitBase(current), 0.0);
@@ -156,26 +154,10 @@ TEST_F(ValueTexts, LinkedLimitShowsTheLiveValueOfItsTargetOnItsOwnAxis) {
     EXPECT_EQ(LinkedLimitText(Var("H00-18"), FALSE), CString("100.0[H00-01]"));
 
     // On a multi-axis drive a linked limit follows the parameter of its own axis.
-    auto device = LoadShippedDevice("zd4m_four_axis.json");
-    ASSERT_NE(device, nullptr);
-    auto* project = static_cast<zorhost::model::CProject*>(root.GetProject());
-    zorhost::model::CDeviceModule* four = project->Workspace().Modules().Add(
-        std::make_unique<zorhost::model::CDeviceModule>(device, CString("M4"), 4));
-    ASSERT_NE(four, nullptr);
-    IVarObjEx* jog = four->Store().FindByCode("A2.H06-01"); // maximum: H06-00 of its axis
-    IVarObjEx* axis2Max = four->Store().FindByCode("A2.H06-00");
-    ASSERT_TRUE(jog && axis2Max);
+    IVarObjEx* axis2Max = Var("A2.H06-00", "M4"); // the maximum of A2.H06-01
     axis2Max->SetValue(Variant::UI2(4500));
-    EXPECT_EQ(LinkedLimitText(jog, TRUE, &target), CString("4500[H06-00]"));
+    EXPECT_EQ(LinkedLimitText(Var("A2.H06-01", "M4"), TRUE, &target), CString("4500[H06-00]"));
     EXPECT_EQ(target, axis2Max);
-
-    helper.driveValues[axis2Max->GetInstanceAddress()] = Variant::UI2(4500);
-    std::vector<CString> errors;
-    Variant out;
-    EXPECT_TRUE(
-        CheckEditedValue("M4", jog->GetInstanceAddress(), VT_UI2, Variant::R8(4500), out, errors));
-    EXPECT_FALSE(
-        CheckEditedValue("M4", jog->GetInstanceAddress(), VT_UI2, Variant::R8(4501), out, errors));
 }
 
 TEST_F(ValueTexts, EnumerationValuesCarryTheirNameAndConnectorValuesTheirTarget) {
@@ -192,8 +174,8 @@ TEST_F(ValueTexts, EnumerationValuesCarryTheirNameAndConnectorValuesTheirTarget)
     // A connector's value names its target, translated.
     IVarObjEx* source = Var("H00-13");
     ASSERT_TRUE(IsConnectorVar(source->GetAttr()));
-    EXPECT_FALSE(IsConnectorVar(Attr("H00-00")));
-    EXPECT_FALSE(IsConnectorVar(Attr("H00-01")));
+    EXPECT_FALSE(IsConnectorVar(Var("H00-00")->GetAttr()));
+    EXPECT_FALSE(IsConnectorVar(Var("H00-01")->GetAttr()));
     ui.translations["母线电压"] = "DC bus voltage";
     source->SetSetValue(Variant::UI2(2013)); // K group H02 from 2000: H02-01
     EXPECT_EQ(info.SetValueText(source), CString("H02-01[DC bus voltage]"));
@@ -229,16 +211,16 @@ TEST_F(ValueTexts, WithoutAServiceOrAnAttributeTextsAreEmptyOrPlain) {
     EXPECT_EQ(info.EnumText(nullptr, nullptr, Variant()), CString(""));
     IVarObjEx* mode = Var("H00-00");
     mode->SetValue(Variant::UI2(1));
-    services.Withhold<IHostUiService>();
+    host.Services().Withhold<IHostUiService>();
     EXPECT_EQ(info.CurrentValueText(mode), CString("1"));
-    services.Withhold<IHostUiService>(false);
-    services.Withhold<IHostVarUtil>();
+    host.Services().Withhold<IHostUiService>(false);
+    host.Services().Withhold<IHostVarUtil>();
     EXPECT_EQ(info.ValueTextWithMeaning(mode, Variant::UI2(1)), CString(""));
     EXPECT_EQ(ItemValueText(Var("H00-01")), CString(""));
     EXPECT_EQ(FactoryValueText(Var("H00-01")), CString(""));
     EXPECT_EQ(LinkedLimitText(Var("H00-11"), TRUE), CString(""));
-    services.Withhold<IHostVarUtil>(false);
-    services.Withhold<IHostDeviceHelper>();
+    host.Services().Withhold<IHostVarUtil>(false);
+    host.Services().Withhold<IHostDeviceHelper>();
     Var("H00-07")->SetPerUnitMode(2);
     EXPECT_EQ(PerUnitBase(Var("H00-07")), 0.0);
     EXPECT_EQ(FactoryValueText(Var("H00-07")), CString("0.00"));

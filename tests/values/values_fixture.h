@@ -1,59 +1,64 @@
 // A small drive for the value-text suites: a device description written for them (in
-// data/), loaded into the reference host's project chain (module "M1"), with the host's
-// value service, a device helper whose reads and writes the tests script, and a translator.
+// data/), opened in the reference host as module "M1" beside the shipped four-axis drive
+// "M4", each with its simulated drive, so that what a drive holds, refuses or fails to
+// answer is the drive's own. Over the host's device helper a recorder keeps the requests;
+// the translator is scripted.
 #pragma once
 
 #include "FakeDeviceHelper.h"
 #include "FakeUiService.h"
 
 #include "module/ParmiraApp.h"
-#include "module/host/HostContract.h"
-#include "zorhost/HostServices.h"
-#include "zorhost/device/DeviceLoader.h"
-#include "zorhost/model/ProjectModel.h"
-#include "zorhost/services/HostVarUtil.h"
+#include "zorhost/ReferenceHost.h"
 
 #include <afx/afxtest.h>
 
 #include <gtest/gtest.h>
 
-#include <memory>
+#include <string>
 
 class ValuesTest : public ::testing::Test {
 protected:
     void SetUp() override {
         ui.strings = FakeUiService::Strings::None;
         ui.stringOverrides[2037] = "<2037>";
-        auto loaded = zorhost::device::LoadDeviceFile(PARMIRA_SOURCE_DIR
-                                                      "/tests/values/data/values_device.json");
-        ASSERT_TRUE(loaded) << loaded.error.ToString();
-        auto project = std::make_unique<zorhost::model::CProject>();
-        m_module = project->Workspace().Modules().Add(
-            std::make_unique<zorhost::model::CDeviceModule>(loaded.device, CString("M1"), 1));
-        ASSERT_NE(m_module, nullptr);
-        root.Open(std::move(project));
-        services.Register<IHostVarUtil>(&util);
-        services.Register<IHostDeviceHelper>(&helper);
-        services.Register<IHostUiService>(&ui);
-        services.Register<IHostProjectRoot>(&root);
-        theApp.SetQueryInterfaceCallback(services.Context(), &zorhost::HostServices::Query);
+        zorhost::ProjectSetup setup;
+        setup.modules.resize(2);
+        setup.modules[0].deviceFile = PARMIRA_SOURCE_DIR "/tests/values/data/values_device.json";
+        setup.modules[0].key = "M1";
+        setup.modules[1].deviceFile = "zd4m_four_axis.json";
+        setup.modules[1].key = "M4";
+        std::string error;
+        ASSERT_TRUE(host.LoadProject(setup, &error)) << error;
+        drive = host.Drive("M1");
+        host.Services().Register<IHostDeviceHelper>(&helper);
+        host.Services().Register<IHostUiService>(&ui);
+        theApp.SetQueryInterfaceCallback(host.Services().Context(), &zorhost::HostServices::Query);
     }
     void TearDown() override { theApp.SetQueryInterfaceCallback(0, nullptr); }
 
-    // The variable of `code` in module M1 (fails the test when absent).
-    IVarObjEx* Var(const char* code) {
-        IVarObjEx* var = m_module ? m_module->Store().FindByCode(code) : nullptr;
+    // The variable of `code` in a module (fails the test when absent).
+    IVarObjEx* Var(const char* code, const char* module = "M1") {
+        IVarObjEx* var = host.Module(module)->Store().FindByCode(code);
         EXPECT_NE(var, nullptr) << code;
         return var;
     }
-    IVarAttr* Attr(const char* code) { return Var(code)->GetAttr(); }
+    // What M1's drive holds for `code`.
+    double OnDrive(const char* code) {
+        double raw = -12345;
+        EXPECT_TRUE(drive->PeekRaw(Var(code)->GetInstanceAddress(), raw)) << code;
+        return raw;
+    }
+    // The writes M1's drive was asked for since the last call.
+    size_t DriveWrites() {
+        size_t n = 0;
+        for (const zorhost::sim::DriveRequest& r : drive->TakeRequests())
+            n += r.kind == zorhost::sim::DriveRequest::Write;
+        return n;
+    }
 
-    zorhost::CHostVarUtil util;
-    FakeDeviceHelper helper; // direct reads and writes as the test scripts them
-    FakeUiService ui;        // strings: only <2037>, as a translated caption
-    zorhost::model::CProjectRoot root;
-    zorhost::HostServices services;
-
-private:
-    zorhost::model::CDeviceModule* m_module = nullptr;
+    zorhost::ReferenceHost host;
+    zorhost::sim::SimulatedDrive* drive = nullptr;
+    FakeDeviceHelper helper{host.DeviceHelper()}; // the host's, with a record of the requests
+    FakeUiService ui;                             // strings: only <2037>, as a caption
 };
