@@ -11,7 +11,6 @@
 #include "zorhost/ReferenceHost.h"
 
 #include "FakeDeviceHelper.h"
-#include "FakeUiService.h"
 #include "ModuleScope.h"
 
 #include <afx/afxres.h>

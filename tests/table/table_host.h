@@ -5,7 +5,6 @@
 #pragma once
 
 #include "FakeProject.h"
-#include "FakeUiService.h"
 #include "ModuleScope.h"
 #include "TempDir.h"
 
@@ -18,6 +17,7 @@
 #include <zorhost/services/HostDeviceHelper.h>
 #include <zorhost/services/HostModuleManager.h>
 #include <zorhost/services/HostRefreshService.h>
+#include <zorhost/services/HostUiService.h>
 #include <zorhost/services/HostVarUtil.h>
 #include <zorhost/sim/DriveDirectory.h>
 
@@ -331,7 +331,7 @@ public:
 
     zorhost::HostServices services;
     VarUtil util;
-    FakeUiService ui;
+    zorhost::CHostUiService ui;
     NoDrives drives;
     zorhost::CHostDeviceHelper helper{drives};
     ProductDb products;
