@@ -20,8 +20,7 @@
 class ValuesTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        ui.strings = FakeUiService::Strings::None;
-        ui.stringOverrides[2037] = "<2037>";
+        ui.strings[2037] = "<2037>";
         zorhost::ProjectSetup setup;
         setup.modules.resize(2);
         setup.modules[0].deviceFile = PARMIRA_SOURCE_DIR "/tests/values/data/values_device.json";
