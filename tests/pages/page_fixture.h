@@ -10,6 +10,7 @@
 #include "zorhost/ReferenceHost.h"
 #include "zorhost/sim/SimulatedDrive.h"
 
+#include "DriveWrites.h"
 #include "ModuleScope.h"
 
 #include <afx/afxtest.h>
@@ -111,13 +112,7 @@ protected:
         return raw;
     }
     // The addresses the drive was asked to write since the last call, in order.
-    std::vector<UINT> Writes() {
-        std::vector<UINT> addresses;
-        for (const zorhost::sim::DriveRequest& r : drive->TakeRequests())
-            if (r.kind == zorhost::sim::DriveRequest::Write)
-                addresses.push_back(r.address);
-        return addresses;
-    }
+    std::vector<UINT> Writes() { return TakeWrites(*drive); }
     // Runs one read cycle for what the page asked, the way the host's clock does.
     void ReadCycle() {
         Page().SubmitRefreshQuery();

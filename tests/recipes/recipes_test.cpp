@@ -4,6 +4,7 @@
 // is shown.
 #include "../link/LinkFixture.h"
 
+#include "DriveWrites.h"
 #include "ModuleScope.h"
 #include "TempDir.h"
 #include "TextOf.h"
@@ -322,10 +323,8 @@ TEST_F(RecipeJobTest, RestoreListsEachRefusedWriteAndSkipsUnchangeableOnes) {
     Drive().TakeRequests();
     // In the order the writes failed, which is the order of the rows.
     EXPECT_EQ(Restore(path), (std::vector<std::string>{"H02-09", "H03-05"}));
-    std::set<std::uint32_t> written;
-    for (const auto& r : Drive().TakeRequests())
-        if (r.kind == zorhost::sim::DriveRequest::Write)
-            written.insert(r.address);
+    const std::vector<UINT> writes = TakeWrites(Drive());
+    const std::set<UINT> written(writes.begin(), writes.end());
     EXPECT_TRUE(written.count(a) && written.count(b));
     for (const ParameterDef& p : Device().parameters) {
         if (p.modifyMode == ModifyMode::Never) {

@@ -5,6 +5,7 @@
 // the translator is scripted.
 #pragma once
 
+#include "DriveWrites.h"
 #include "FakeDeviceHelper.h"
 #include "FakeUiService.h"
 
@@ -49,12 +50,7 @@ protected:
         return raw;
     }
     // The writes M1's drive was asked for since the last call.
-    size_t DriveWrites() {
-        size_t n = 0;
-        for (const zorhost::sim::DriveRequest& r : drive->TakeRequests())
-            n += r.kind == zorhost::sim::DriveRequest::Write;
-        return n;
-    }
+    size_t DriveWrites() { return TakeWrites(*drive).size(); }
 
     zorhost::ReferenceHost host;
     zorhost::sim::SimulatedDrive* drive = nullptr;
